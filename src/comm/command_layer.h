@@ -1,0 +1,62 @@
+// The command layer: how every room above sends commands. Off-line nothing is sent and every operation
+// succeeds. Commands and queries pump events while they wait, so handlers can run inside.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "comm/comm_status.h"
+#include "comm/gp_front_end.h"
+#include "core/app_state.h"
+#include "core/ports.h"
+#include "modeldef/model_definition.h"
+
+namespace corlune {
+
+class CommandLayer {
+ public:
+  // All references must outlive the object.
+  CommandLayer(AppState& state, const ModelDefinition& definition, GpFrontEnd& gp, TickClock& clock,
+               EventPump& pump);
+
+  // Opens the kind of instrument 0, then every further kind in use once, and sets the time-out to 3 s.
+  // All USBTMC instruments are listed in instrument order; such an instrument's address is its index in
+  // that list. Sets CurrentInterface. `failedInstrument` (may be null) gets the 0-based index of the first
+  // instrument whose kind failed to open.
+  [[nodiscard]] bool OpenInstrumentInterface(int* failedInstrument = nullptr);
+  // One GP_End for each kind in use; the status of instrument 0's.
+  CommStatus CloseInstrumentInterface();
+
+  // Points CurrentInterface at instrument `index` (0..4) and returns its address for SendCommand.
+  std::int32_t SelectInstrument(int index);
+
+  // wait > 0: ms to wait afterwards; < 0: poll until not busy; 0: none. Returns the failing send's status,
+  // TimeOut when busy polling fails or runs out of time.
+  CommStatus SendCommand(std::int32_t address, const std::string& command, std::int32_t wait);
+  // Off-line `reply` stays as it is.
+  CommStatus ReceiveReply(std::int32_t address, std::string& reply);
+  CommStatus SendBlockData(const std::string& header, std::span<const std::uint8_t> data, std::int32_t address,
+                           std::int16_t elementFormat = 0);
+  // 0 when (reply AND mask) = 0, TimeOut when `limit` ms pass first, else the failing status.
+  CommStatus WaitWhileBusy(std::int32_t address, const std::string& mask, std::int32_t limit);
+  // Returns after `milliseconds` on the clock; handlers run meanwhile.
+  void DelayMs(std::int32_t milliseconds);
+
+  bool Online() const { return state_.Online == 1; }
+  GpFrontEnd& Gp() { return gp_; }
+  AppState& State() { return state_; }
+  const ModelDefinition& Definition() const { return definition_; }
+  TickClock& Clock() { return clock_; }
+  EventPump& Pump() { return pump_; }
+
+ private:
+  AppState& state_;
+  const ModelDefinition& definition_;
+  GpFrontEnd& gp_;
+  TickClock& clock_;
+  EventPump& pump_;
+};
+
+}  // namespace corlune

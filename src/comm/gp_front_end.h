@@ -1,0 +1,65 @@
+// GpFrontEnd: routes each operation of the family to the back-end of AppState::CurrentInterface. A code
+// outside 0..4 performs nothing and returns Error.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "comm/gp_family.h"
+#include "core/app_state.h"
+
+namespace corlune {
+
+// One USBTMC instrument as the search found it.
+struct FoundInstrument {
+  std::string Resource;  // whole VISA resource name
+  std::string SerialNo;  // its fourth "::" field, or the whole name when it has fewer
+  bool operator==(const FoundInstrument&) const = default;
+};
+
+// Searches VISA instruments; implemented by the USBTMC back-end.
+class InstrumentSearch {
+ public:
+  virtual ~InstrumentSearch() = default;
+  // Number of instruments that match the VISA expression; 0 when the search fails. At most 21 are kept.
+  virtual int GP_Find_Devices(const std::string& expression) = 0;
+  virtual const std::vector<FoundInstrument>& Found() const = 0;
+  // Why the last search or opening failed: the names tried and the reason for each; empty when it worked.
+  virtual std::string LibraryProblem() const = 0;
+};
+
+class GpFrontEnd {
+ public:
+  // Back-ends by InterfaceKind code; `search` may be null (then nothing is ever found).
+  GpFrontEnd(AppState& state, std::array<std::unique_ptr<GpFamily>, 5> backends, InstrumentSearch* search);
+
+  CommStatus GP_Init(const std::string& initString, bool emptyLog);
+  CommStatus GP_End();
+  CommStatus GP_Send_Str(std::int16_t address, const std::string& text);
+  CommStatus GP_Receive_Str(std::int16_t address, std::string& reply);
+  CommStatus GP_IFC();
+  CommStatus GP_DCL();
+  CommStatus GP_Spoll(std::int16_t address, std::int16_t& statusByte);
+  CommStatus GP_Time_Out(std::int16_t code);
+  CommStatus GP_MTerm(std::int16_t code);
+  CommStatus GP_Send_AsciiBinary_Data(const std::string& header, std::span<const std::uint8_t> data,
+                                      std::int16_t address, std::int16_t elementFormat, bool swapBytes);
+  CommStatus Gp_Recv_ToFile(std::int16_t address, const std::string& fileName, std::uint32_t byteCount,
+                            std::uint32_t& bytesRead);
+  int GP_Find_Devices(const std::string& expression);
+  const std::vector<FoundInstrument>& Found() const;
+  std::string LibraryProblem() const;
+
+ private:
+  GpFamily* Current() const;  // null outside 0..4
+
+  AppState& state_;
+  std::array<std::unique_ptr<GpFamily>, 5> backends_;
+  InstrumentSearch* search_;
+};
+
+}  // namespace corlune

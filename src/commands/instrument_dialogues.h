@@ -1,0 +1,34 @@
+// The fixed dialogues that frame every download and waveform transfer. All talk to the current instrument
+// through the command layer and pump events while they wait.
+#pragma once
+
+#include <cstdint>
+
+#include "comm/command_layer.h"
+#include "core/catalogue.h"
+
+namespace corlune {
+
+class InstrumentDialogues {
+ public:
+  InstrumentDialogues(CommandLayer& commands, Prompts& prompts, const MessageCatalogue& catalogue);
+
+  // "*CLS", then one serial poll whose byte is discarded.
+  void ClearStatus();
+  // Error number of the instrument's error query, 0 for none and after a failed exchange.
+  std::int32_t QueryErrorNumber();
+  // Sequence operation on, a running or held sequence stopped. False when a query or the stop failed.
+  [[nodiscard]] bool PrepareSequenceMode();
+  // Waits for the instrument's own compilation after ":TRIG:COMP", about 20 s at most. Shows message 9311
+  // when the instrument refused the sequence (error -222).
+  [[nodiscard]] bool WaitCompileDone();
+
+ private:
+  std::int32_t Address() const;  // of the current instrument (instrument 0)
+
+  CommandLayer& commands_;
+  Prompts& prompts_;
+  const MessageCatalogue& catalogue_;
+};
+
+}  // namespace corlune

@@ -1,0 +1,45 @@
+// The message catalogue: every text a person sees, in Japanese (id) and English (id + 10000).
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/ports.h"
+
+namespace corlune {
+
+class MessageCatalogue {
+ public:
+  // `langOffset`: 10000 for English, 0 for Japanese.
+  explicit MessageCatalogue(std::int32_t langOffset) : langOffset_(langOffset) {}
+
+  // Text of `id` in the chosen language, UTF-8; line breaks are "\n". Empty for an id without an entry.
+  std::string GetResString(int id) const;
+  // GetResString with its placeholders filled.
+  std::string GetResString(int id, const std::vector<std::string>& arguments) const;
+  // Text of an id that exists only once (20000, 21000, 21001).
+  static std::string GetFixedString(int id);
+
+  bool English() const { return langOffset_ != 0; }
+
+  // Every id of the catalogue as stored (without offset for Japanese, with it for English); for tests.
+  static std::vector<int> AllIds();
+
+ private:
+  std::int32_t langOffset_;
+};
+
+// Replaces "$1".."$9" by the arguments, left to right. "$" and another character gives that character; a
+// "$" at the end is dropped; a placeholder without an argument gives nothing.
+std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& arguments);
+
+// Shows catalogue message `id`. An empty caption is the application title.
+PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, int id, PromptIcon icon,
+                         PromptButtons buttons = PromptButtons::Ok, const std::vector<std::string>& arguments = {});
+
+inline constexpr const char* kApplicationTitle = "Corlune";
+
+}  // namespace corlune
