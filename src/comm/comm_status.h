@@ -10,7 +10,7 @@ enum class CommStatus : std::uint16_t {
   Success = 0,
   TimeOut = 1,
   Error = 2,
-  NoBoard = 4,         // interface board (or its library) not present
+  NoBoard = 4,  // interface board (or its library) not present
   BufferOverflow = 8,
 };
 
@@ -20,6 +20,8 @@ constexpr CommStatus operator|(CommStatus a, CommStatus b) {
 constexpr bool Has(CommStatus status, CommStatus bit) {
   return (static_cast<std::uint16_t>(status) & static_cast<std::uint16_t>(bit)) != 0;
 }
-constexpr bool Failed(CommStatus status) { return status != CommStatus::Success; }
+constexpr bool Failed(CommStatus status) {
+  return status != CommStatus::Success;
+}
 
 }  // namespace corlune

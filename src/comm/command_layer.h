@@ -37,8 +37,8 @@ class CommandLayer {
   CommStatus SendCommand(std::int32_t address, const std::string& command, std::int32_t wait);
   // Off-line `reply` stays as it is.
   CommStatus ReceiveReply(std::int32_t address, std::string& reply);
-  CommStatus SendBlockData(const std::string& header, std::span<const std::uint8_t> data, std::int32_t address,
-                           std::int16_t elementFormat = 0);
+  CommStatus SendBlockData(const std::string& header, std::span<const std::uint8_t> data,
+                           std::int32_t address, std::int16_t elementFormat = 0);
   // 0 when (reply AND mask) = 0, TimeOut when `limit` ms pass first, else the failing status.
   CommStatus WaitWhileBusy(std::int32_t address, const std::string& mask, std::int32_t limit);
   // Returns after `milliseconds` on the clock; handlers run meanwhile.

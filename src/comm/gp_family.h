@@ -48,8 +48,8 @@ class GpFamily {
                                               std::int16_t address, std::int16_t elementFormat,
                                               bool swapBytes) = 0;
   // Block reply of at most `byteCount` bytes straight into a file. USBTMC only; elsewhere Error.
-  virtual CommStatus Gp_Recv_ToFile(std::int16_t address, const std::string& fileName, std::uint32_t byteCount,
-                                    std::uint32_t& bytesRead) = 0;
+  virtual CommStatus Gp_Recv_ToFile(std::int16_t address, const std::string& fileName,
+                                    std::uint32_t byteCount, std::uint32_t& bytesRead) = 0;
 };
 
 }  // namespace corlune

@@ -18,8 +18,9 @@ class CompilerLibrary {
  public:
   virtual ~CompilerLibrary() = default;
   // Translates the sequence text in `workFile` into the instrument's binary form, in place.
-  virtual CompilerCall CompileSeqData(const std::string& workFile, const std::array<ArbInformation, 128>& arbs,
-                                      CompileErrorRecord& record, std::int32_t& result) = 0;
+  virtual CompilerCall CompileSeqData(const std::string& workFile,
+                                      const std::array<ArbInformation, 128>& arbs, CompileErrorRecord& record,
+                                      std::int32_t& result) = 0;
   // Why the library could not be used; empty when it could.
   virtual std::string Problem() const = 0;
 };

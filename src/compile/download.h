@@ -22,9 +22,9 @@ struct DownloadPorts {
 
 class Downloader {
  public:
-  Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence, CommandLayer& commands,
-             InstrumentDialogues& dialogues, CompilerLibrary& compiler, const MessageCatalogue& catalogue,
-             DownloadPorts ports);
+  Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
+             CommandLayer& commands, InstrumentDialogues& dialogues, CompilerLibrary& compiler,
+             const MessageCatalogue& catalogue, DownloadPorts ports);
 
   // True on success, also off-line, where nothing is sent and only the run times are computed. On success
   // the run-time table is filled and the total time shown. SequenceData::SequenceNumber says which

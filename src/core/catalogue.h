@@ -38,7 +38,8 @@ std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& a
 
 // Shows catalogue message `id`. An empty caption is the application title.
 PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, int id, PromptIcon icon,
-                         PromptButtons buttons = PromptButtons::Ok, const std::vector<std::string>& arguments = {});
+                         PromptButtons buttons = PromptButtons::Ok,
+                         const std::vector<std::string>& arguments = {});
 
 inline constexpr const char* kApplicationTitle = "Corlune";
 

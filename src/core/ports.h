@@ -53,7 +53,9 @@ constexpr std::int32_t TicksSince(std::uint32_t now, std::uint32_t since) {
   return static_cast<std::int32_t>(now - since);
 }
 // True when `now` is at or after `deadline` (signed difference).
-constexpr bool TickReached(std::uint32_t now, std::uint32_t deadline) { return TicksSince(now, deadline) >= 0; }
+constexpr bool TickReached(std::uint32_t now, std::uint32_t deadline) {
+  return TicksSince(now, deadline) >= 0;
+}
 
 class EventPump {
  public:

@@ -26,11 +26,19 @@ struct GridRow {
   auto operator<=>(const GridRow&) const = default;
 };
 
-constexpr StepNumber NumberOf(StepIndex index) { return {index.value + 1}; }
+constexpr StepNumber NumberOf(StepIndex index) {
+  return {index.value + 1};
+}
 // The slot of a target; -1 for "none".
-constexpr StepIndex IndexOf(StepNumber number) { return {number.value - 1}; }
-constexpr StepIndex IndexOf(GridRow row) { return {row.value - 1}; }
-constexpr GridRow RowOf(StepIndex index) { return {index.value + 1}; }
+constexpr StepIndex IndexOf(StepNumber number) {
+  return {number.value - 1};
+}
+constexpr StepIndex IndexOf(GridRow row) {
+  return {row.value - 1};
+}
+constexpr GridRow RowOf(StepIndex index) {
+  return {index.value + 1};
+}
 
 // What the screen shows for a stored target; 0 stays 0.
 constexpr int ShownNumber(StepNumber number, int startStep) {

@@ -23,30 +23,30 @@ struct CommandList {
 };
 
 struct BusyQuery {
-  std::string Query;  // empty: no busy polling
-  std::string Mask;   // decimal integer, bits that mean busy
+  std::string Query;           // empty: no busy polling
+  std::string Mask;            // decimal integer, bits that mean busy
   std::int32_t TimeLimit = 0;  // ms
   bool operator==(const BusyQuery&) const = default;
 };
 
 struct CommandTable {
-  std::string LibraryInit;   // CM_LIBI
-  CommandList Device;        // CM_DEVI
-  CommandList Basic;         // CM_BSCS
-  CommandList SendStep;      // CM_SNDS
-  CommandEntry Model;        // CM_MODL
-  CommandEntry OutputOn;     // CM_OUTPON
-  CommandEntry OutputOff;    // CM_OUTPOF
-  CommandEntry OutputQuery;  // CM_OUTPQR
-  CommandEntry CurrentStep;  // CM_CSTP
-  CommandEntry Status;       // CM_SSTS
-  CommandEntry Start;        // CM_STAR
-  CommandEntry Hold;         // CM_HOLD
-  CommandEntry Stop;         // CM_STOP
-  CommandEntry Branch;       // CM_BRAN
-  CommandList SendAll;       // CM_SNDA
-  CommandList ArbMemory;     // CM_ARBM
-  BusyQuery Busy;            // CM_BUSY
+  std::string LibraryInit;     // CM_LIBI
+  CommandList Device;          // CM_DEVI
+  CommandList Basic;           // CM_BSCS
+  CommandList SendStep;        // CM_SNDS
+  CommandEntry Model;          // CM_MODL
+  CommandEntry OutputOn;       // CM_OUTPON
+  CommandEntry OutputOff;      // CM_OUTPOF
+  CommandEntry OutputQuery;    // CM_OUTPQR
+  CommandEntry CurrentStep;    // CM_CSTP
+  CommandEntry Status;         // CM_SSTS
+  CommandEntry Start;          // CM_STAR
+  CommandEntry Hold;           // CM_HOLD
+  CommandEntry Stop;           // CM_STOP
+  CommandEntry Branch;         // CM_BRAN
+  CommandList SendAll;         // CM_SNDA
+  CommandList ArbMemory;       // CM_ARBM
+  BusyQuery Busy;              // CM_BUSY
   std::string ErrorQuery;      // CM_ERRO first text
   std::string ErrorQueryText;  // CM_ERRO second text, stored only
   bool operator==(const CommandTable&) const = default;

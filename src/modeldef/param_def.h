@@ -19,15 +19,15 @@ struct Color {
 inline constexpr Color kWindowColor{0xFF, 0xFF, 0xFF};  // the system window colour
 
 struct ParamDef {
-  bool InUse = false;             // SA_PRMCOM
-  std::int16_t UnitKind = 0;      // 0 none, 1 one fixed unit, 2 chosen from UnitList
-  std::string UnitName;           // the unit shown
-  std::string UnitTitle;          // kind 2: title of the list
-  std::int16_t UnitDefault = 0;   // kind 2: index of the default unit
-  std::vector<std::string> UnitList;  // kind 2, at most 11
-  std::vector<std::string> UnitConv;  // at most 11
-  std::int16_t ModeKind = 0;          // 1 one fixed mode, 2 a list of modes
-  std::string ModeName;               // kind 1
+  bool InUse = false;                  // SA_PRMCOM
+  std::int16_t UnitKind = 0;           // 0 none, 1 one fixed unit, 2 chosen from UnitList
+  std::string UnitName;                // the unit shown
+  std::string UnitTitle;               // kind 2: title of the list
+  std::int16_t UnitDefault = 0;        // kind 2: index of the default unit
+  std::vector<std::string> UnitList;   // kind 2, at most 11
+  std::vector<std::string> UnitConv;   // at most 11
+  std::int16_t ModeKind = 0;           // 1 one fixed mode, 2 a list of modes
+  std::string ModeName;                // kind 1
   std::vector<std::string> ModeNames;  // kind 2, at most 11
   std::vector<Color> ModeColors;       // kind 2, same length as ModeNames
   std::int16_t ValueKind = 0;          // 0 range, 1 single number, 2 list of choices
@@ -37,8 +37,8 @@ struct ParamDef {
   // Common area, kind 0: the placeholder text ("$MAXSTEP") in place of minimum, maximum, resolution; empty
   // where the item was a number.
   std::array<std::string, 3> RangePlaceholder;
-  std::string ResolutionText;  // sequence area, kind 0: the resolution as text
-  double Default = 0;          // kind 2: index of the default choice
+  std::string ResolutionText;        // sequence area, kind 0: the resolution as text
+  double Default = 0;                // kind 2: index of the default choice
   std::vector<std::string> Choices;  // kind 2, at most 20
   std::string Script;                // SA_PRMSCR
   std::string Name;                  // SA_PRMNAM in the chosen language
