@@ -1,0 +1,134 @@
+#include "cli/console_ports.h"
+
+#include <iostream>
+#include <unistd.h>
+#include <utility>
+
+#include "core/time_text.h"
+
+namespace corlune {
+namespace {
+
+// Texts of several lines become one, so that a message is one line on the console.
+std::string OneLine(const std::string& text) {
+  std::string line;
+  for (const char c : text) {
+    if (c == '\r') continue;
+    line += c == '\n' ? ' ' : c;
+  }
+  while (!line.empty() && line.back() == ' ') line.pop_back();
+  return line;
+}
+
+}  // namespace
+
+ConsolePrompts::ConsolePrompts(ConsoleLoop& loop, ConsoleAnswers answers)
+    : loop_(loop), answers_(std::move(answers)), person_(isatty(STDIN_FILENO) != 0) {}
+
+std::optional<std::string> ConsolePrompts::ReadLine(const std::string& question) {
+  loop_.RawKeys(false);
+  std::cerr << question << std::flush;
+  std::string line;
+  const bool got = static_cast<bool>(std::getline(std::cin, line));
+  loop_.RawKeys(true);
+  if (!got) return std::nullopt;
+  return line;
+}
+
+PromptAnswer ConsolePrompts::Message(const MessageRequest& request) {
+  const bool notice = request.icon == PromptIcon::Information && request.buttons == PromptButtons::Ok;
+  (notice ? std::cout : std::cerr) << OneLine(request.text) << std::endl;
+  const bool yesNo = request.buttons == PromptButtons::YesNo || request.buttons == PromptButtons::YesNoCancel;
+  if (request.buttons == PromptButtons::Ok) return PromptAnswer::Ok;
+  const PromptAnswer yes = yesNo ? PromptAnswer::Yes : PromptAnswer::Ok;
+  PromptAnswer no = PromptAnswer::Cancel;
+  if (request.buttons == PromptButtons::YesNo) no = PromptAnswer::No;
+  if (answers_.Yes) return yes;
+  if (!person_) return no;
+  while (true) {
+    const auto line = ReadLine(yesNo ? "[y/n] " : "[Enter = OK, c = Cancel] ");
+    if (!line) return no;
+    if (*line == "y" || *line == "Y" || (!yesNo && line->empty())) return yes;
+    if (*line == "n" || *line == "N") return yesNo ? PromptAnswer::No : no;
+    if (*line == "c" || *line == "C") return no;
+  }
+}
+
+std::optional<std::string> ConsolePrompts::Input(const InputRequest& request) {
+  if (answers_.Name) {
+    // Given on the command line once; when it is refused the prompt comes again and counts as cancelled.
+    return std::exchange(answers_.Name, std::string()).value();
+  }
+  if (answers_.Yes) return request.defaultText;
+  if (!person_) return std::nullopt;
+  const auto line = ReadLine(OneLine(request.prompt) + " [" + request.defaultText + "] ");
+  if (!line) return std::nullopt;
+  return line->empty() ? request.defaultText : *line;
+}
+
+ConsoleProgress::ConsoleProgress() : terminal_(isatty(STDOUT_FILENO) != 0) {}
+
+void ConsoleProgress::Draw(char end) const {
+  std::cout << (terminal_ ? "\r" : "") << text_ << " " << done_ << "/" << steps_ << " s" << end << std::flush;
+}
+
+void ConsoleProgress::Begin(const std::string& text, int steps) {
+  text_ = OneLine(text);
+  steps_ = steps;
+  done_ = 0;
+  if (terminal_) {
+    Draw(' ');
+  } else {
+    std::cout << text_ << " (" << steps_ << " s)" << std::endl;
+  }
+}
+
+void ConsoleProgress::Advance() {
+  ++done_;
+  if (terminal_) Draw(' ');
+}
+
+void ConsoleProgress::End() {
+  if (terminal_) Draw('\n');
+}
+
+ConsoleDisplay::ConsoleDisplay(AppState& state, const MessageCatalogue& catalogue)
+    : state_(state), catalogue_(catalogue), terminal_(isatty(STDOUT_FILENO) != 0) {}
+
+void ConsoleDisplay::RefreshControls() {
+  if (state_.RunState == shownState_) return;
+  shownState_ = state_.RunState;
+  if (shownState_ == RunState::Held) {
+    std::cout << TimeText(state_.ElapsedTime) << "  " << catalogue_.GetResString(8003) << std::endl;
+  }
+}
+
+void ConsoleDisplay::SetControlsEnabled(RunControls, bool) {}
+
+void ConsoleDisplay::ShowModeLayout(int operationMode) {
+  std::cout << catalogue_.GetResString(operationMode == 1 ? 1403 : 1402) << std::endl;
+}
+
+void ConsoleDisplay::HighlightRow(GridRow row, bool on) {
+  if (!on) return;
+  // The monitor sets the mark anew at every poll; only a change of the step is worth a line.
+  if (stepsShown_ > 0 && row.value == shownRow_ && state_.StepChangedAt == shownChange_) return;
+  shownRow_ = row.value;
+  shownChange_ = state_.StepChangedAt;
+  ++stepsShown_;
+  std::cout << TimeText(state_.ElapsedTime) << "  " << catalogue_.GetResString(1302) << " "
+            << ShownNumber(NumberOf(IndexOf(row)), startStep_) << std::endl;
+}
+
+void ConsoleDisplay::ScrollTo(GridRow) {}
+
+void ConsoleDisplay::ShowTotalTime(double milliseconds) {
+  std::cout << TimePanelText(catalogue_, 1405, milliseconds) << std::endl;
+}
+
+void ConsoleDisplay::ShowElapsedTime(std::int32_t milliseconds) {
+  if (terminal_ && state_.RunState == RunState::Running)
+    std::cout << TimeText(milliseconds) << '\r' << std::flush;
+}
+
+}  // namespace corlune

@@ -1,0 +1,88 @@
+// What the console program shows and asks: messages and questions on the terminal, a progress line, and a
+// line for every step of a run. Errors go to standard error, everything else to standard output.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "cli/console_loop.h"
+#include "core/app_state.h"
+#include "core/catalogue.h"
+#include "core/ports.h"
+
+namespace corlune {
+
+struct ConsoleAnswers {
+  bool Yes = false;                 // every question is answered OK or Yes, every input with its default
+  std::optional<std::string> Name;  // the sequence name, in place of the prompt for it
+};
+
+// Without a person at the terminal a message counts as OK, a question as Cancel or No, an input as
+// cancelled.
+class ConsolePrompts : public Prompts {
+ public:
+  ConsolePrompts(ConsoleLoop& loop, ConsoleAnswers answers);
+  PromptAnswer Message(const MessageRequest& request) override;
+  std::optional<std::string> Input(const InputRequest& request) override;
+
+ private:
+  std::optional<std::string> ReadLine(const std::string& question);
+
+  ConsoleLoop& loop_;
+  ConsoleAnswers answers_;
+  bool person_;
+};
+
+class ConsoleProgress : public Progress {
+ public:
+  ConsoleProgress();
+  void Begin(const std::string& text, int steps) override;
+  void Advance() override;
+  void End() override;
+
+ private:
+  void Draw(char end) const;
+  bool terminal_;
+  std::string text_;
+  int steps_ = 0;
+  int done_ = 0;
+};
+
+class ConsoleDisplay : public RunDisplay {
+ public:
+  ConsoleDisplay(AppState& state, const MessageCatalogue& catalogue);
+  // The number that column 0 shows for the first step.
+  void SetStartStep(int startStep) { startStep_ = startStep; }
+  // Whole steps were shown since the run began.
+  int StepsShown() const { return stepsShown_; }
+
+  void RefreshControls() override;
+  void SetControlsEnabled(RunControls which, bool enabled) override;
+  void ShowModeLayout(int operationMode) override;
+  void HighlightRow(GridRow row, bool on) override;
+  void ScrollTo(GridRow top) override;
+  void ShowTotalTime(double milliseconds) override;
+  void ShowElapsedTime(std::int32_t milliseconds) override;
+
+ private:
+  AppState& state_;
+  const MessageCatalogue& catalogue_;
+  bool terminal_;
+  int startStep_ = 1;
+  int shownRow_ = 0;
+  int stepsShown_ = 0;
+  std::uint32_t shownChange_ = 0;
+  RunState shownState_ = RunState::Stopped;
+};
+
+// The sequence view does not exist on a console.
+class NoView : public ViewDisplay {
+ public:
+  void PicDisp() override {}
+  void MoveShape(std::uint32_t) override {}
+  void MeasureStart() override {}
+  void MeasureEnd() override {}
+};
+
+}  // namespace corlune
