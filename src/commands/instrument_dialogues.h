@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "comm/command_layer.h"
 #include "core/catalogue.h"
@@ -25,6 +26,9 @@ class InstrumentDialogues {
 
  private:
   std::int32_t Address() const;  // of the current instrument (instrument 0)
+  // Leading number of a state query's reply; false when the exchange failed.
+  bool QueryNumber(const std::string& query, std::int32_t wait, std::int32_t& number);
+  std::int16_t SerialPoll();  // status byte, 0 when the poll failed
 
   CommandLayer& commands_;
   Prompts& prompts_;

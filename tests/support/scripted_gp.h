@@ -29,7 +29,7 @@
 #include "comm/gp_family.h"
 #include "core/app_state.h"
 
-namespace corlune {
+namespace corlune::testing {
 
 struct SentBlock {
   std::string header;
@@ -230,4 +230,4 @@ inline std::array<std::unique_ptr<GpFamily>, 5> ScriptedBackends(GpScript& scrip
   return backends;
 }
 
-}  // namespace corlune
+}  // namespace corlune::testing

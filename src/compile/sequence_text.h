@@ -1,0 +1,20 @@
+// The sequence text: the textual form of one instrument's sequence, input of the sequence compiler and
+// answer of the instrument to the sequence query. CR LF lines, all 256 step slots whatever the step count.
+#pragma once
+
+#include <string>
+
+#include "sequence/sequence_data.h"
+
+namespace corlune {
+
+// Appends the text of `sequence` for a model with `channels` channels (1 or 2).
+void AppendSequenceText(std::string& out, const SequenceData& sequence, const std::string& model,
+                        int channels);
+
+// Writes the text to the file `path`, replacing it as a whole. On failure the old file stays and *error
+// (may be null) says what failed.
+[[nodiscard]] bool BuildSequenceText(const std::string& path, const SequenceData& sequence,
+                                     const std::string& model, int channels, std::string* error = nullptr);
+
+}  // namespace corlune
