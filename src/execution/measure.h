@@ -1,0 +1,50 @@
+// Measure: the run clock, the highlight of the running step and the monitor's timer.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "execution/run_state.h"
+
+namespace corlune {
+
+class Measure {
+ public:
+  explicit Measure(RunContext run) : run_(run) {}
+
+  // Begins a fresh run at CurrentStep: first highlight, clock from 0, timer on. Clears PendingRequest and
+  // BranchRequested.
+  void MeasureStart();
+  // Goes on after a hold; the time held does not count. Timer on.
+  void MeasureReStart();
+  // Timer off while the run is held; notes when the hold began.
+  void MeasureHold();
+  // Ends the run in both windows: timer off, stopped, highlight and elapsed time taken back, grids at the
+  // top. Clears PendingRequest and BranchRequested. CurrentStep becomes StartStep + 1.
+  void MeasureEnd();
+
+  // MeasureEnd when a run is monitored or held, else only the stopped state.
+  void EndRun();
+
+  // A run is being followed or held: MeasureStart was called, MeasureEnd not yet.
+  bool Monitoring() const { return monitoring_; }
+  // How often MeasureEnd was called; a tick that sees it grow skips its rest.
+  std::uint32_t EndCount() const { return endCount_; }
+
+  // Moves the highlight to `step` and makes it CurrentStep.
+  void MoveTo(std::int16_t step);
+  void HighlightCurrent(bool on);
+  void ScrollToTop();
+
+  // Tick of the last poll; none: poll at once.
+  std::optional<std::uint32_t> lastPoll;
+
+ private:
+  std::uint32_t DeadlineFrom(std::uint32_t start) const;
+
+  RunContext run_;
+  bool monitoring_ = false;
+  std::uint32_t endCount_ = 0;
+};
+
+}  // namespace corlune

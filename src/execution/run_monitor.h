@@ -1,0 +1,56 @@
+// RunMonitor: what happens every 100 ms while a sequence runs. One Tick() polls instrument 0, moves the
+// highlight, shows the elapsed time, carries out deferred commands and notices the end of the run.
+#pragma once
+
+#include <cstdint>
+
+#include "execution/measure.h"
+#include "execution/queries.h"
+#include "execution/run_activity.h"
+#include "execution/run_control.h"
+#include "execution/run_state.h"
+
+namespace corlune {
+
+class RunMonitor {
+ public:
+  RunMonitor(RunContext run, Measure& measure, RunQueries& queries, RunControl& control,
+             RunActivity& activity)
+      : run_(run), measure_(measure), queries_(queries), control_(control), activity_(activity) {}
+
+  void MeasureStart() { measure_.MeasureStart(); }
+  void MeasureReStart() { measure_.MeasureReStart(); }
+  void MeasureEnd() { measure_.MeasureEnd(); }
+
+  // The timer's handler. Pumps events and may show messages. Does nothing inside another tick, inside a
+  // command, and when no run is being followed (a timer event that was already waiting).
+  void Tick();
+
+ private:
+  enum class Next { GoOn, Requests, Follow, EndOfTick };
+
+  void RunSteps();
+  Next Poll();
+  Next PollOutput();
+  Next PollStep();
+  Next AfterLastStep();
+  Next BeyondLastStep();
+  Next PollStatus();
+  Next CarryOutRequest();
+  Next HoldNow();
+  void FollowStep();
+  void ScrollToStep();
+  void MoveMarker();
+  void ShowElapsed();
+  bool RunEnded() const { return measure_.EndCount() != endCountAtStart_; }
+
+  RunContext run_;
+  Measure& measure_;
+  RunQueries& queries_;
+  RunControl& control_;
+  RunActivity& activity_;
+  std::uint32_t endCountAtStart_ = 0;
+  int step_ = 0;  // the reply of this tick's step query
+};
+
+}  // namespace corlune

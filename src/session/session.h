@@ -1,0 +1,146 @@
+// Session: one running program without its windows. Owns the application state, the model definition, the
+// sequence and everything built on them, and carries out what spans several rooms: start-up, closing, the
+// file commands, connecting, reading back.
+//
+// Everything here runs on the user-interface thread and pumps events in its messages, dialogs and waits.
+// While something is under way (Busy) or a run is going, file commands, reading back, set-up changes and
+// closing are refused.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "commands/instrument_dialogues.h"
+#include "compile/download.h"
+#include "execution/measure.h"
+#include "execution/queries.h"
+#include "execution/run_control.h"
+#include "execution/run_monitor.h"
+#include "session/saving_end_program.h"
+#include "session/session_ports.h"
+
+namespace corlune {
+
+enum class StartUpResult {
+  Show,           // go on: show the main window
+  EndProcess,     // a message was shown: end without close handling
+  ActivateOther,  // another instance took over: end
+};
+
+// The window program's checks; an empty function means "nothing found".
+struct StartUpChecks {
+  // True when another instance uses the same application folder; it has been brought forward.
+  std::function<bool()> otherInstance;
+  // True when a window of the sibling waveform editor is open; gets the text its title contains.
+  std::function<bool(const std::string& title)> siblingRunning;
+  // Lets the person choose one of several instruments (Gp().Found()) and stores it with SelectSerial.
+  // False or empty: off-line.
+  std::function<bool()> selectInstrument;
+};
+
+enum class ConnectResult { Connected, NoneFound, SeveralFound, NotFound, OpenFailed, Offline };
+
+// The system set-up as a dialog edits it.
+struct SystemSetup {
+  std::string modelName;
+  std::int16_t instrumentCount = 1;
+  std::array<InstrumentEntry, kMaxInstruments> instruments{};  // InterfaceKind is derived from Interface
+};
+
+class Session {
+ public:
+  Session(const SessionPorts& ports, SessionOptions options, const MakeOutsideParts& makeParts);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  // --- start-up and closing -------------------------------------------------------------------------
+  StartUpResult StartUp(const StartUpChecks& checks);
+  // Start-up from a sequence file, without Corlune.ini and work file: the model and the set-up come from the
+  // file. No connection yet; see Connect. False after its message. `userForm` is told from the file.
+  bool StartUpFromFile(const std::string& path);
+  // Finds the USBTMC instrument (serial number `serial`, or the only one), opens all kinds in use and
+  // queries the waveform directory. Shows 9201 when opening fails; the other results show nothing.
+  // `failedInstrument`: 1-based in the message.
+  ConnectResult Connect(const std::optional<std::string>& serial);
+
+  // A close request. Asks about unsaved changes (9100), writes Corlune.ini and the work file, closes the
+  // connections. False: refused, the program goes on.
+  bool RequestClose();
+  // Closes the connections of every kind in use.
+  void Disconnect();
+
+  // --- file commands: true when carried out ---------------------------------------------------------
+  bool NewSequence();
+  bool OpenWithDialog();
+  bool OpenFile(const std::string& path);
+  bool Save();
+  bool SaveAs();
+  // Writes a copy in the user-file (true) or work-file form, without touching Modified or the path. Shows
+  // its message on failure.
+  bool WriteFile(const std::string& path, bool userForm);
+
+  // --- instrument -----------------------------------------------------------------------------------
+  // Reads the sequence in memory SequenceNumber back (message 9207 on failure, sequence unchanged).
+  bool ReadBack();
+  // The set-up dialog's OK: model change with its save question, new set-up, reconnect, model check.
+  // False when the person cancelled the save question, or the set-up could not be applied.
+  bool ApplySetup(const SystemSetup& setup);
+  // Records the serial number of instrument 0.
+  void SelectSerial(const std::string& serialNo);
+  // Closes and opens everything, checks the models, queries the waveform directory.
+  bool Reconnect();
+  // 9002/9003 for the first instrument that does not answer, or not with ModelName: Yes goes off-line, No
+  // ends the program. True when every instrument answered rightly.
+  bool CheckModels();
+  void QueryArbDirectory();
+
+  // Nothing that a close request or command must not interrupt is under way, and no run is going or held.
+  bool Idle() const { return !control_->BusyOrRunning() && !closing_; }
+
+  // --- parts ----------------------------------------------------------------------------------------
+  AppState& State() { return state_; }
+  const AppState& State() const { return state_; }
+  ModelDefinition& Definition() { return definition_; }
+  SequenceData& Sequence() { return sequence_; }
+  const MessageCatalogue& Catalogue() const { return catalogue_; }
+  const SessionOptions& Options() const { return options_; }
+  GpFrontEnd& Gp() { return *outside_.gp; }
+  CompilerLibrary& Compiler() { return *outside_.compiler; }
+  CommandLayer& Commands() { return *commands_; }
+  InstrumentDialogues& Dialogues() { return *dialogues_; }
+  Downloader& Download() { return *downloader_; }
+  RunActivity& Activity() { return activity_; }
+  RunQueries& Queries() { return *queries_; }
+  RunControl& Control() { return *control_; }
+  RunMonitor& Monitor() { return *monitor_; }
+  // "Tavrin Corlune for QM2210/20  path".
+  std::string Caption() const;
+  // Section and key (or the like) at which the last load of the model definition failed; empty when it
+  // worked.
+  const std::string& DefinitionProblem() const { return definitionProblem_; }
+
+ private:
+  SessionPorts ports_;
+  SessionOptions options_;
+  AppState state_;
+  ModelDefinition definition_;
+  SequenceData sequence_;
+  MessageCatalogue catalogue_;
+  SavingEndProgram end_;
+  OutsideParts outside_;
+  RunActivity activity_;
+  std::unique_ptr<CommandLayer> commands_;
+  std::unique_ptr<InstrumentDialogues> dialogues_;
+  std::unique_ptr<Downloader> downloader_;
+  std::unique_ptr<Measure> measure_;
+  std::unique_ptr<RunQueries> queries_;
+  std::unique_ptr<RunControl> control_;
+  std::unique_ptr<RunMonitor> monitor_;
+  std::string definitionProblem_;
+  bool workDataLoaded_ = false;  // the sequence in memory is the person's, so it may replace the work file
+  bool closing_ = false;
+};
+
+}  // namespace corlune
