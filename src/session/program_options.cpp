@@ -1,0 +1,64 @@
+#include "session/program_options.h"
+
+#include <CLI/CLI.hpp>
+
+#include "core/files.h"
+
+namespace corlune {
+namespace {
+
+constexpr const char* kVirtualVisa =
+#ifdef _WIN32
+    "corlune-virtual-visa.dll";
+#else
+    "libcorlune-virtual-visa.so";
+#endif
+
+void AddLibrary(CLI::App& app, const std::string& name, const std::string& what, LibraryOption& option) {
+  app.add_option_function<std::string>(
+         name,
+         [&option](const std::string& file) {
+           option.none = file == "none";
+           option.file = option.none ? std::string() : file;
+         },
+         what + " library to load, or \"none\"")
+      ->type_name("FILE");
+}
+
+}  // namespace
+
+void AddProgramOptions(CLI::App& app, ProgramOptions& options) {
+  app.add_option("--folder", options.folder, "Application folder: profile files, work files, logs")
+      ->type_name("DIR");
+  app.add_option_function<std::string>(
+         "--lang", [&options](const std::string& language) { options.english = language == "en"; },
+         "Language of the texts")
+      ->check(CLI::IsMember({"ja", "en"}))
+      ->type_name("ja|en");
+  AddLibrary(app, "--visa", "VISA", options.visa);
+  AddLibrary(app, "--gpib", "NI-488.2", options.gpib);
+  AddLibrary(app, "--usb488", "USB488", options.usb488);
+  AddLibrary(app, "--ieee32m", "IEEE_32M", options.ieee32m);
+  AddLibrary(app, "--compiler", "Sequence compiler", options.compiler);
+  app.add_flag("--virtual-instrument", options.virtualInstrument,
+               "Use the virtual instrument for all interfaces");
+  app.add_option_function<std::vector<std::string>>(
+         "--simulated",
+         [&options](const std::vector<std::string>& values) {
+           options.simulated = true;
+           options.simulatedResponses = values.empty() ? std::string() : values.front();
+         },
+         "Simulated interface for every instrument; replies from the profile file RESPONSES")
+      ->expected(0, 1)
+      ->type_name("RESPONSES");
+}
+
+void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder) {
+  if (!options.virtualInstrument) return;
+  if (options.visa.file.empty()) options.visa = {false, JoinPath(programFolder, kVirtualVisa)};
+  for (LibraryOption* other : {&options.gpib, &options.usb488, &options.ieee32m}) {
+    if (other->file.empty()) other->none = true;
+  }
+}
+
+}  // namespace corlune
