@@ -25,5 +25,10 @@ std::optional<std::string> ReadWholeFile(const std::string& path);
 std::string DecodeText(std::string_view bytes);
 // Text to file bytes: the system code page when reading those bytes back gives the same text, else UTF-8.
 std::string EncodeText(std::string_view text);
+// The same with a given code page, 932 or 1252.
+std::string DecodeText(std::string_view bytes, int codePage);
+std::string EncodeText(std::string_view text, int codePage);
+
+bool IsValidUtf8(std::string_view text);
 
 }  // namespace corlune

@@ -1,0 +1,230 @@
+#include "core/profile_bytes.h"
+
+#include <algorithm>
+
+#include "platform/code_page.h"
+
+namespace corlune {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\v\f\x1A";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kLineEnd = "\r\n";
+
+std::string_view Trim(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+char Lower(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool SameName(std::string_view a, std::string_view b, int codePage) {
+  if (a.size() != b.size()) return false;
+  bool trail = false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (trail ? a[i] != b[i] : Lower(a[i]) != Lower(b[i])) return false;
+    trail = !trail && IsLeadByte(static_cast<unsigned char>(a[i]), codePage);
+  }
+  return true;
+}
+
+// The first `wanted` that is a character of its own; npos when there is none.
+std::size_t FindCharacter(std::string_view text, char wanted, int codePage) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == wanted) return i;
+    if (IsLeadByte(static_cast<unsigned char>(text[i]), codePage)) ++i;
+  }
+  return std::string_view::npos;
+}
+
+// One line: where it stands in the file and what it says.
+struct Line {
+  std::size_t begin = 0;
+  std::size_t contentEnd = 0;  // without the line end
+  std::size_t end = 0;         // behind the line end
+  std::string_view text;       // trimmed, up to a NUL
+};
+
+class LineReader {
+ public:
+  explicit LineReader(std::string_view file) : file_(file) {
+    if (file.substr(0, kByteOrderMark.size()) == kByteOrderMark) at_ = kByteOrderMark.size();
+  }
+
+  bool Next(Line& line) {
+    if (at_ >= file_.size()) return false;
+    line.begin = at_;
+    line.contentEnd = std::min(file_.find_first_of(kLineEnd, at_), file_.size());
+    at_ = line.contentEnd;
+    if (at_ < file_.size()) at_ += file_.substr(at_, 2) == kLineEnd ? 2 : 1;
+    line.end = at_;
+    const std::string_view content = file_.substr(line.begin, line.contentEnd - line.begin);
+    line.text = Trim(content.substr(0, content.find('\0')));
+    return true;
+  }
+
+ private:
+  std::string_view file_;
+  std::size_t at_ = 0;
+};
+
+bool IsComment(std::string_view text) {
+  return !text.empty() && text[0] == ';';
+}
+
+// The name of a header line; nullopt for any other line.
+std::optional<std::string_view> HeaderName(std::string_view text, int codePage) {
+  if (text.empty() || text[0] != '[') return std::nullopt;
+  const std::size_t close = FindCharacter(text, ']', codePage);
+  if (close == std::string_view::npos) return std::nullopt;
+  return Trim(text.substr(1, close - 1));
+}
+
+// The key of an entry line: all of it when it has no "=".
+std::string_view KeyOf(std::string_view text) {
+  return Trim(text.substr(0, text.find('=')));
+}
+
+// Moves behind the header of the first section of that name; *header (may be null) is its line.
+bool FindSection(LineReader& reader, std::string_view section, int codePage, Line* header = nullptr) {
+  const std::string_view wanted = Trim(section);
+  Line line;
+  while (reader.Next(line)) {
+    const auto name = HeaderName(line.text, codePage);
+    if (!name || !SameName(*name, wanted, codePage)) continue;
+    if (header != nullptr) *header = line;
+    return true;
+  }
+  return false;
+}
+
+// The next line of the section, header of the next section excluded.
+bool NextInSection(LineReader& reader, Line& line, int codePage) {
+  return reader.Next(line) && !HeaderName(line.text, codePage);
+}
+
+std::string_view Unquote(std::string_view value) {
+  const bool quoted =
+      value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.front() == value.back();
+  return quoted ? value.substr(1, value.size() - 2) : value;
+}
+
+// Line end of the line that ends at `end`; CR LF when it has none.
+std::string_view LineEndOf(std::string_view file, const Line& line) {
+  return line.end > line.contentEnd ? file.substr(line.contentEnd, line.end - line.contentEnd) : kLineEnd;
+}
+
+std::string EntryLine(std::string_view key, std::string_view value, std::string_view lineEnd) {
+  std::string text;
+  text.append(Trim(key)).append("=").append(value).append(lineEnd);
+  return text;
+}
+
+std::string Splice(std::string_view file, std::size_t begin, std::size_t end, std::string_view inserted) {
+  std::string result;
+  result.reserve(file.size() + inserted.size());
+  result.append(file.substr(0, begin)).append(inserted).append(file.substr(end));
+  return result;
+}
+
+std::string DeleteSection(std::string_view file, const Line& header, LineReader& reader, int codePage) {
+  std::size_t end = header.end;
+  Line line;
+  while (NextInSection(reader, line, codePage)) end = line.end;
+  return Splice(file, header.begin, end, {});
+}
+
+// Text at `at`, which stands behind `before`; a last line without a line end gets one first.
+std::string InsertLines(std::string_view file, const Line& before, std::string_view lines) {
+  std::string inserted;
+  if (before.end == before.contentEnd) inserted = LineEndOf(file, before);
+  inserted += lines;
+  return Splice(file, before.end, before.end, inserted);
+}
+
+std::string AddSection(std::string_view file, std::string_view section, std::string_view key,
+                       std::string_view value) {
+  Line last;
+  std::string_view lineEnd = kLineEnd;
+  LineReader reader(file);
+  while (reader.Next(last)) {
+    if (last.end > last.contentEnd) lineEnd = LineEndOf(file, last);
+  }
+  std::string lines;
+  lines.append("[").append(Trim(section)).append("]").append(lineEnd).append(EntryLine(key, value, lineEnd));
+  if (last.end == 0) return std::string(file) + lines;
+  return last.end > last.contentEnd ? InsertLines(file, last, lines)
+                                    : Splice(file, last.end, last.end, std::string(lineEnd) + lines);
+}
+
+}  // namespace
+
+std::optional<std::string_view> FindProfileValue(std::string_view file, std::string_view section,
+                                                 std::string_view key, int codePage) {
+  LineReader reader(file);
+  if (!FindSection(reader, section, codePage)) return std::nullopt;
+  const std::string_view wanted = Trim(key);
+  Line line;
+  while (NextInSection(reader, line, codePage)) {
+    if (line.text.empty() || IsComment(line.text) || !SameName(KeyOf(line.text), wanted, codePage)) continue;
+    const std::size_t equals = line.text.find('=');
+    if (equals == std::string_view::npos) return std::nullopt;
+    return Unquote(Trim(line.text.substr(equals + 1)));
+  }
+  return std::nullopt;
+}
+
+std::string ReadProfileString(std::string_view file, std::string_view section, std::string_view key,
+                              std::string_view defaultValue, std::size_t size, int codePage) {
+  const std::string_view value = FindProfileValue(file, section, key, codePage).value_or(defaultValue);
+  return std::string(value.substr(0, size == 0 ? 0 : size - 1));
+}
+
+std::string ReadProfileSection(std::string_view file, std::string_view section, std::size_t size,
+                               int codePage) {
+  std::string entries;
+  LineReader reader(file);
+  if (!FindSection(reader, section, codePage)) return entries;
+  Line line;
+  while (NextInSection(reader, line, codePage)) {
+    if (line.text.empty() || IsComment(line.text)) continue;
+    const std::size_t equals = line.text.find('=');
+    if (equals == std::string_view::npos) {
+      entries += line.text;
+    } else {
+      entries += Trim(line.text.substr(0, equals));
+      entries += '=';
+      entries += Trim(line.text.substr(equals + 1));
+    }
+    entries += '\0';
+  }
+  if (size != 0) entries.resize(std::min(entries.size(), size < 2 ? 0 : size - 2));
+  return entries;
+}
+
+std::string WriteProfileString(std::string_view file, std::string_view section,
+                               std::optional<std::string_view> key, std::optional<std::string_view> value,
+                               int codePage) {
+  LineReader reader(file);
+  Line last;  // the last line of the section that is not blank
+  if (!FindSection(reader, section, codePage, &last)) {
+    return key && value ? AddSection(file, section, *key, *value) : std::string(file);
+  }
+  if (!key) return DeleteSection(file, last, reader, codePage);
+  const std::string_view wanted = Trim(*key);
+  Line line;
+  while (NextInSection(reader, line, codePage)) {
+    if (line.text.empty()) continue;
+    last = line;
+    if (IsComment(line.text) || !SameName(KeyOf(line.text), wanted, codePage)) continue;
+    if (!value) return Splice(file, line.begin, line.end, {});
+    return Splice(file, line.begin, line.end, EntryLine(*key, *value, LineEndOf(file, line)));
+  }
+  if (!value) return std::string(file);
+  return InsertLines(file, last, EntryLine(*key, *value, LineEndOf(file, last)));
+}
+
+}  // namespace corlune
