@@ -1,0 +1,207 @@
+// The three forms of a sequence: text, values, binary.
+#include <gtest/gtest.h>
+#include <random>
+
+#include "core/numbers.h"
+#include "standins/cmplseq/compiled_sequence.h"
+
+namespace corlune {
+namespace {
+
+// The sequence that an editor without steps would send.
+CompiledSequence EmptySequence(int channels) {
+  CompiledSequence sequence;
+  sequence.Model = channels == 1 ? "QM2210" : "QM2220";
+  sequence.Channels = channels;
+  return sequence;
+}
+
+class RandomSequence {
+ public:
+  explicit RandomSequence(unsigned seed) : random_(seed) {}
+
+  CompiledSequence Make() {
+    CompiledSequence sequence = EmptySequence(Pick(1, 2));
+    sequence.StartStep = Int16(1, 256);
+    sequence.SyncStepCode = Flag();
+    sequence.ExternalControl = Int16(0, 1);
+    sequence.StateBranchInput = Flag();
+    sequence.Trigger = static_cast<SeqTrigger>(Pick(0, 2));
+    for (SeqStep& step : sequence.Steps) {
+      if (Pick(0, 3) != 0) step = Step();
+    }
+    for (int channel = 0; channel < sequence.Channels; ++channel) {
+      for (SeqCell& cell : sequence.Cells[static_cast<std::size_t>(channel)]) {
+        if (Pick(0, 3) != 0) cell = Cell();
+      }
+    }
+    return sequence;
+  }
+
+ private:
+  int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
+  bool Flag() { return Pick(0, 1) == 1; }
+  std::int16_t Int16(int low, int high) { return static_cast<std::int16_t>(Pick(low, high)); }
+  // Every magnitude from 1E-9 to 1E18, so that both number forms occur; at most 15 significant digits.
+  double Number() {
+    const double digits = std::uniform_real_distribution<double>(-10, 10)(random_);
+    return *ParseNumber(NumberText(digits * std::pow(10, Pick(-9, 17))));
+  }
+  SeqStep Step() {
+    SeqStep step;
+    step.StepTime = std::abs(Number());
+    step.Stop = Flag();
+    step.AutoHold = Int16(0, 1);
+    step.StepCode = Int16(-32768, 32767);
+    step.StateBranchOn = Int16(0, 1);
+    step.StateBranchStep = Int16(0, 256);
+    step.EventBranchOn = Int16(0, 1);
+    step.EventBranchStep = Int16(0, 256);
+    step.JumpOn = Int16(0, 1);
+    step.JumpTo = Int16(0, 256);
+    step.JumpCounted = Flag();
+    step.JumpCount = Int16(0, 9999);
+    step.StopPhaseOn = Int16(0, 1);
+    step.StopPhase = Number();
+    return step;
+  }
+  SeqValue Value() { return {Number(), static_cast<SeqChange>(Pick(0, 2))}; }
+  SeqCell Cell() {
+    return {static_cast<SeqWaveform>(Pick(0, 4)),
+            Number(),
+            Flag(),
+            static_cast<SeqRange>(Pick(0, 2)),
+            Number(),
+            Value(),
+            Value(),
+            Value(),
+            Value(),
+            Value()};
+  }
+
+  std::mt19937 random_;
+};
+
+TEST(SequenceText, HasTheFormOfTheProgram) {
+  const std::string text = WriteSequenceText(EmptySequence(2));
+  EXPECT_EQ(text.substr(0, 141),
+            "[FILE]\r\nVERSION=\"1.00\"\r\n[SYSTEM]\r\nMODEL=\"QM2220\"\r\nNCHAN=2\r\nVERSION=\"1.00\"\r\n["
+            "DATA]\r\n"
+            "SEQ=1,SYNC,0,STAR,POS\r\nSTEP#0=0,CONT,0,0,0,0,0,0,0,0,INF,0");
+  const std::string lastLine = "CHAN#255#2=SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS\r\n";
+  EXPECT_EQ(text.substr(text.size() - lastLine.size()), lastLine);
+}
+
+TEST(SequenceForms, SurviveTextAndBinary) {
+  for (unsigned seed = 1; seed <= 25; ++seed) {
+    SCOPED_TRACE(seed);
+    const CompiledSequence sequence = RandomSequence(seed).Make();
+    const std::string text = WriteSequenceText(sequence);
+    CompiledSequence parsed;
+    std::string error;
+    ASSERT_TRUE(ParseSequenceText(text, parsed, &error)) << error;
+    EXPECT_TRUE(parsed == sequence);
+    const auto decoded = DecodeCompiledSequence(EncodeCompiledSequence(parsed), &error);
+    ASSERT_TRUE(decoded) << error;
+    EXPECT_EQ(WriteSequenceText(*decoded), text);
+  }
+}
+
+TEST(SequenceText, RefusesEveryDeviation) {
+  struct Row {
+    const char* name;
+    const char* from;
+    const char* to;
+  };
+  const Row rows[] = {
+      {"line end without CR", "[DATA]\r\n", "[DATA]\n"},
+      {"other version", "VERSION=\"1.00\"", "VERSION=\"1.01\""},
+      {"section missing", "[SYSTEM]\r\n", ""},
+      {"model without quotation marks", "\"QM2220\"", "QM2220"},
+      {"empty model", "\"QM2220\"", "\"\""},
+      {"three channels", "NCHAN=2", "NCHAN=3"},
+      {"fewer channels than lines", "NCHAN=2", "NCHAN=1"},
+      {"start step 0", "SEQ=1,", "SEQ=0,"},
+      {"start step 257", "SEQ=1,", "SEQ=257,"},
+      {"unknown trigger", "STAR,POS", "STAR,RISE"},
+      {"lower case", "SYNC", "sync"},
+      {"step missing", "STEP#7=0,CONT,0,0,0,0,0,0,0,0,INF,0,0,0\r\n", ""},
+      {"step out of order", "STEP#7=", "STEP#8="},
+      {"padded key", "STEP#7=", "STEP#07="},
+      {"field missing", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,"},
+      {"field too many", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,0,0,"},
+      {"negative time", "STEP#3=0,", "STEP#3=-1,"},
+      {"blank in number", "STEP#3=0,", "STEP#3= 0,"},
+      {"time too large for a double", "STEP#3=0,", "STEP#3=1E400,"},
+      {"not a number", "STEP#3=0,", "STEP#3=nan,"},
+      {"integer with a fraction", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,0.5,"},
+      {"integer beyond 16 bits", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,32768,"},
+      {"target step 257", "STEP#3=0,CONT,0,0,0,0,0,0,0,0,", "STEP#3=0,CONT,0,0,0,0,0,0,0,257,"},
+      {"channel 3", "CHAN#3#2=", "CHAN#3#3="},
+      {"empty waveform", "CHAN#3#2=SIN", "CHAN#3#2="},
+      {"unknown range", "CHAN#3#2=SIN,0,NORM,FS", "CHAN#3#2=SIN,0,NORM,XFS"},
+      {"empty change mode", "CHAN#3#2=SIN,0,NORM,FS,0,0,CONS", "CHAN#3#2=SIN,0,NORM,FS,0,0,"},
+      {"last line end missing", "CHAN#255#2=SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS\r\n",
+       "CHAN#255#2=SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
+  };
+  const std::string good = WriteSequenceText(EmptySequence(2));
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    std::string text = good;
+    const std::size_t at = text.find(row.from);
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, std::string(row.from).size(), row.to);
+    CompiledSequence untouched = EmptySequence(1);
+    EXPECT_FALSE(ParseSequenceText(text, untouched));
+    EXPECT_TRUE(untouched == EmptySequence(1));
+  }
+  CompiledSequence untouched;
+  EXPECT_FALSE(ParseSequenceText(good + "\r\n", untouched)) << "text behind the last line";
+  EXPECT_FALSE(ParseSequenceText("", untouched));
+}
+
+TEST(CompiledForm, RefusesDamageAtEveryByte) {
+  CompiledSequence sequence = EmptySequence(2);
+  sequence.Steps[3].StepTime = 1.5;
+  sequence.Cells[1][4].Frequency = {1000, SeqChange::Sweep};
+  const std::vector<std::uint8_t> good = EncodeCompiledSequence(sequence);
+  ASSERT_LT(good.size(), 600U) << "equal steps are stored once";
+  for (std::size_t i = 0; i < good.size(); ++i) {
+    for (const int flip : {0x01, 0x80, 0xFF}) {
+      std::vector<std::uint8_t> bad = good;
+      bad[i] = static_cast<std::uint8_t>(bad[i] ^ flip);
+      EXPECT_FALSE(DecodeCompiledSequence(bad)) << "byte " << i;
+    }
+    EXPECT_FALSE(DecodeCompiledSequence(std::span(good).first(i))) << "cut to " << i;
+  }
+  std::vector<std::uint8_t> longer = good;
+  longer.push_back(0);
+  EXPECT_FALSE(DecodeCompiledSequence(longer));
+}
+
+// A matching checksum does not excuse contents that no encoder writes.
+TEST(CompiledForm, RefusesFieldsOutOfRangeBehindAGoodChecksum) {
+  struct Row {
+    const char* name;
+    void (*spoil)(CompiledSequence&);
+  };
+  const Row rows[] = {
+      {"waveform", [](CompiledSequence& s) { s.Cells[0][0].Waveform = static_cast<SeqWaveform>(5); }},
+      {"range", [](CompiledSequence& s) { s.Cells[0][9].Range = static_cast<SeqRange>(3); }},
+      {"change", [](CompiledSequence& s) { s.Cells[0][9].Duty.Change = static_cast<SeqChange>(3); }},
+      {"trigger", [](CompiledSequence& s) { s.Trigger = static_cast<SeqTrigger>(3); }},
+      {"start step", [](CompiledSequence& s) { s.StartStep = 0; }},
+      {"jump target", [](CompiledSequence& s) { s.Steps[0].JumpTo = 257; }},
+      {"negative target", [](CompiledSequence& s) { s.Steps[0].EventBranchStep = -1; }},
+      {"step time", [](CompiledSequence& s) { s.Steps[0].StepTime = -1; }},
+      {"infinite value", [](CompiledSequence& s) { s.Cells[0][0].Offset.Value = HUGE_VAL; }},
+  };
+  for (const Row& row : rows) {
+    CompiledSequence sequence = EmptySequence(1);
+    row.spoil(sequence);
+    EXPECT_FALSE(DecodeCompiledSequence(EncodeCompiledSequence(sequence))) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace corlune
