@@ -136,7 +136,16 @@ std::optional<double> ParseNumber(std::string_view text) {
   NumberPrefix number = ReadPrefix(text);
   if (number.length != text.size() || number.length == 0) {
     text = TrimNumberText(text);
-    number = ReadPrefix(text);
+    const bool blankBehindSign = text.size() > 2 && (text[1] == ' ' || text[1] == '\t');
+    if (blankBehindSign && (text[0] == '+' || text[0] == '-')) {
+      const bool negative = text[0] == '-';
+      text = TrimNumberText(text.substr(1));
+      if (text[0] == '+' || text[0] == '-') return std::nullopt;
+      number = ReadPrefix(text);
+      if (negative) number.value = -number.value;
+    } else {
+      number = ReadPrefix(text);
+    }
     if (number.length != text.size() || number.length == 0) return std::nullopt;
   }
   if (number.overflow) return std::nullopt;

@@ -26,9 +26,9 @@ std::string FormatPatternRaw(double value, std::string_view pattern);
 std::optional<std::int16_t> ToInt16(double value);
 std::optional<std::int32_t> ToInt32(double value);
 
-// Plain decimal form: blanks around, one sign, digits with at most one ".", exponent ("e" or "E"). Nothing
-// else is a number: no group separators, currency, parentheses, hexadecimal, "inf" or "nan". nullopt when
-// the text is no number or its value overflows a double.
+// Plain decimal form: blanks around, one sign (blanks may follow it), digits with at most one ".", exponent
+// ("e" or "E"). Nothing else is a number: no group separators, currency, parentheses, hexadecimal, "inf" or
+// "nan". nullopt when the text is no number or its value overflows a double.
 std::optional<double> ParseNumber(std::string_view text);
 inline bool IsNumeric(std::string_view text) {
   return ParseNumber(text).has_value();

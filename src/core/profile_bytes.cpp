@@ -112,9 +112,13 @@ std::string_view Unquote(std::string_view value) {
   return quoted ? value.substr(1, value.size() - 2) : value;
 }
 
-// Line end of the line that ends at `end`; CR LF when it has none.
+// The line end of `line`; of a last line without one, that of the file's first line, else CR LF.
 std::string_view LineEndOf(std::string_view file, const Line& line) {
-  return line.end > line.contentEnd ? file.substr(line.contentEnd, line.end - line.contentEnd) : kLineEnd;
+  if (line.end > line.contentEnd) return file.substr(line.contentEnd, line.end - line.contentEnd);
+  LineReader reader(file);
+  Line first;
+  const bool ended = reader.Next(first) && first.end > first.contentEnd;
+  return ended ? file.substr(first.contentEnd, first.end - first.contentEnd) : kLineEnd;
 }
 
 std::string EntryLine(std::string_view key, std::string_view value, std::string_view lineEnd) {
@@ -137,7 +141,7 @@ std::string DeleteSection(std::string_view file, const Line& header, LineReader&
   return Splice(file, header.begin, end, {});
 }
 
-// Text at `at`, which stands behind `before`; a last line without a line end gets one first.
+// `lines` behind the line `before`, which gets a line end when it has none.
 std::string InsertLines(std::string_view file, const Line& before, std::string_view lines) {
   std::string inserted;
   if (before.end == before.contentEnd) inserted = LineEndOf(file, before);
@@ -148,16 +152,13 @@ std::string InsertLines(std::string_view file, const Line& before, std::string_v
 std::string AddSection(std::string_view file, std::string_view section, std::string_view key,
                        std::string_view value) {
   Line last;
-  std::string_view lineEnd = kLineEnd;
   LineReader reader(file);
-  while (reader.Next(last)) {
-    if (last.end > last.contentEnd) lineEnd = LineEndOf(file, last);
-  }
+  bool empty = true;
+  while (reader.Next(last)) empty = false;
+  const std::string_view lineEnd = LineEndOf(file, last);
   std::string lines;
   lines.append("[").append(Trim(section)).append("]").append(lineEnd).append(EntryLine(key, value, lineEnd));
-  if (last.end == 0) return std::string(file) + lines;
-  return last.end > last.contentEnd ? InsertLines(file, last, lines)
-                                    : Splice(file, last.end, last.end, std::string(lineEnd) + lines);
+  return empty ? std::string(file) + lines : InsertLines(file, last, lines);
 }
 
 }  // namespace
