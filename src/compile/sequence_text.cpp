@@ -114,6 +114,11 @@ void AppendSequenceText(std::string& out, const SequenceData& sequence, const st
   }
 }
 
+void AppendStepLines(std::string& out, const SequenceData& sequence, int slot, int channels) {
+  AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)]);
+  for (int channel = 0; channel < channels; ++channel) AppendChannel(out, sequence, channel, slot);
+}
+
 bool BuildSequenceText(const std::string& path, const SequenceData& sequence, const std::string& model,
                        int channels, std::string* error) {
   std::string text;

@@ -12,6 +12,9 @@ namespace corlune {
 void AppendSequenceText(std::string& out, const SequenceData& sequence, const std::string& model,
                         int channels);
 
+// Appends only the lines of one step slot (0..255): its "STEP#" line and a "CHAN#" line for each channel.
+void AppendStepLines(std::string& out, const SequenceData& sequence, int slot, int channels);
+
 // Writes the text to the file `path`, replacing it as a whole. On failure the old file stays and *error
 // (may be null) says what failed.
 [[nodiscard]] bool BuildSequenceText(const std::string& path, const SequenceData& sequence,
