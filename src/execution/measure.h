@@ -12,8 +12,8 @@ class Measure {
  public:
   explicit Measure(RunContext run) : run_(run) {}
 
-  // Begins a fresh run at CurrentStep: first highlight, clock from 0, timer on. Clears PendingRequest and
-  // BranchRequested.
+  // Begins a fresh run at CurrentStep in both windows: first highlight, clock from 0, timer on. Clears
+  // PendingRequest and BranchRequested.
   void MeasureStart();
   // Goes on after a hold; the time held does not count. Timer on.
   void MeasureReStart();

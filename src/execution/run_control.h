@@ -31,7 +31,7 @@ class RunControl {
 
   // A press on run menu item 0..5 (Run's order).
   //   Stop: held, at once; running, at the monitor's next tick; during a command, when that command ends.
-  //   Hold, Branch: at the monitor's next tick; ignored while held.
+  //   Hold, Branch: at the monitor's next tick; ignored while held and behind a waiting stop.
   //   Start, Output: at once; during a tick, at its end; during a command, ignored.
   // Start and Output need execution mode.
   void MenuItem(int item);
@@ -47,6 +47,9 @@ class RunControl {
   void TickEnded();
 
  private:
+  void PressStop();
+  void PressAtNextTick(PendingRequest request);
+  void PressAtOnce(Run command);
   bool Execute(Run command);
   bool Start();
   bool SwitchOutputsForStart();
@@ -64,7 +67,8 @@ class RunControl {
   RunQueries& queries_;
   RunActivity& activity_;
   std::function<bool()> download_;
-  bool stopAfterCommand_ = false;
+  std::optional<Run> current_;     // the command under way
+  bool stopAfterCommand_ = false;  // a stop pressed meanwhile; outlives what clears PendingRequest
   std::optional<Run> afterTick_;
 };
 

@@ -1,0 +1,90 @@
+#include "execution/measure.h"
+
+#include <algorithm>
+
+namespace corlune {
+
+namespace {
+// Longer steps keep the deadline within the half range in which two ticks can be compared; the deadline is
+// renewed at every poll anyway.
+constexpr double kLongestDeadline = 1 << 30;
+}  // namespace
+
+std::uint32_t Measure::DeadlineFrom(std::uint32_t start) const {
+  const StepRow* step = CurrentStepRow(run_);
+  const double runTime = step ? std::clamp(step->StepRunTime, 0.0, kLongestDeadline) : 0.0;
+  return start + static_cast<std::uint32_t>(runTime);
+}
+
+void Measure::HighlightCurrent(bool on) {
+  if (CurrentStepRow(run_)) run_.display.HighlightRow(RowOf(StepIndex{run_.state.CurrentStep}), on);
+}
+
+void Measure::MoveTo(std::int16_t step) {
+  HighlightCurrent(false);
+  run_.state.CurrentStep = step;
+  HighlightCurrent(true);
+}
+
+void Measure::ScrollToTop() {
+  run_.display.ScrollTo(GridRow{1});
+}
+
+void Measure::MeasureStart() {
+  AppState& state = run_.state;
+  state.PendingRequest = PendingRequest::None;
+  state.BranchRequested = false;
+  if (CurrentStepRow(run_)) run_.display.ScrollTo(RowOf(StepIndex{state.CurrentStep}));
+  HighlightCurrent(true);
+  const std::uint32_t now = run_.commands.Clock().Now();
+  state.RunStartTime = now;
+  state.StepChangedAt = now;
+  state.StepDeadline = DeadlineFrom(state.RunStartTime);
+  state.ElapsedTime = 0;
+  lastPoll.reset();
+  monitoring_ = true;
+  run_.timer.Enable(true);
+  if (state.SequenceViewShown) run_.view.MeasureStart();
+}
+
+void Measure::MeasureReStart() {
+  AppState& state = run_.state;
+  const std::uint32_t now = run_.commands.Clock().Now();
+  lastPoll.reset();
+  state.RunStartTime += now - state.HoldStartTime;
+  state.StepChangedAt = now;
+  state.StepDeadline = DeadlineFrom(state.RunStartTime);
+  run_.timer.Enable(true);
+}
+
+void Measure::MeasureHold() {
+  run_.state.HoldStartTime = run_.commands.Clock().Now();
+  run_.timer.Enable(false);
+}
+
+void Measure::MeasureEnd() {
+  AppState& state = run_.state;
+  monitoring_ = false;
+  ++endCount_;
+  run_.timer.Enable(false);
+  SetRunState(state, RunState::Stopped);
+  state.PendingRequest = PendingRequest::None;
+  state.BranchRequested = false;
+  HighlightCurrent(false);
+  state.ElapsedTime = 0;
+  lastPoll.reset();
+  run_.display.ShowElapsedTime(0);
+  state.CurrentStep = static_cast<std::int16_t>(run_.sequence.StartStep + 1);
+  ScrollToTop();
+  if (state.SequenceViewShown) run_.view.MeasureEnd();
+}
+
+void Measure::EndRun() {
+  if (monitoring_) {
+    MeasureEnd();
+  } else {
+    SetRunState(run_.state, RunState::Stopped);
+  }
+}
+
+}  // namespace corlune

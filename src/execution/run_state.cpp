@@ -1,0 +1,27 @@
+#include "execution/run_state.h"
+
+#include <string>
+
+namespace corlune {
+
+bool SetRunState(AppState& state, RunState to) {
+  if (!IsLegalRunTransition(state.RunState, to)) return false;
+  state.RunState = to;
+  return true;
+}
+
+const StepRow* CurrentStepRow(const RunContext& run) {
+  const int step = run.state.CurrentStep;
+  if (step < 0 || step >= run.sequence.StepCount || step >= MAX_STEPS) return nullptr;
+  return &run.sequence.Steps[static_cast<std::size_t>(step)];
+}
+
+void ShowCommunicationError(const RunContext& run, int index, PromptIcon icon) {
+  ShowMessage(run.prompts, run.catalogue, 9201, icon, PromptButtons::Ok, {std::to_string(index + 1)});
+}
+
+void RefreshBoth(const RunContext& run) {
+  run.display.RefreshControls();
+}
+
+}  // namespace corlune
