@@ -275,6 +275,7 @@ constexpr CatalogueText kRows[] = {
     // Added texts: files and session.
 
     // Added texts: instrument and download.
+    {9600, "The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"},
 };
 // clang-format on
 
