@@ -1,0 +1,94 @@
+#include "sequence/sequence_file.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "core/files.h"
+#include "sequence/waveform_path.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kUnknownModelMessage = 9004;
+constexpr int kMalformedMessage = 9005;
+
+bool EndsWithIgnoringCase(std::string_view text, std::string_view lowerEnding) {
+  if (text.size() < lowerEnding.size()) return false;
+  const std::string_view ending = text.substr(text.size() - lowerEnding.size());
+  return std::equal(ending.begin(), ending.end(), lowerEnding.begin(), [](char c, char lower) {
+    return (c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c) == lower;
+  });
+}
+
+// A line break or NUL inside a text would come back as another line: such a file must not be written.
+bool HasLineBreak(std::string_view text) {
+  return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
+}
+
+std::string UnwritableText(const SequenceData& sequence, const AppState& state) {
+  for (const ArbFileEntry& entry : sequence.Channels.ArbFiles) {
+    if (HasLineBreak(entry.FilePath)) return "a waveform path holds a line break";
+  }
+  for (const auto& channel : sequence.Channels.UserUnits) {
+    for (const UserUnitDef& unit : channel) {
+      if (HasLineBreak(unit.UnitText)) return "a unit text holds a line break";
+    }
+  }
+  for (const InstrumentEntry& instrument : state.Instruments) {
+    if (HasLineBreak(instrument.SerialNo)) return "a serial number holds a line break";
+  }
+  return {};
+}
+
+}  // namespace
+
+DefinitionFor OneDefinition(const ModelDefinition& definition) {
+  return [&definition](const std::string& model) {
+    return definition.IndexOfModel(model) < 0 ? nullptr : &definition;
+  };
+}
+
+bool WriteSeqFile(std::string& path, SequenceFileForm form, const AppState& state,
+                  const ModelDefinition& definition, SequenceData& sequence, std::string* error) {
+  const bool user = form == SequenceFileForm::User;
+  if (user && !EndsWithIgnoringCase(path, ".dat") && !EndsWithIgnoringCase(path, ".daf")) path += ".dat";
+  if (std::string problem = UnwritableText(sequence, state); !problem.empty()) {
+    if (error) *error = std::move(problem);
+    return false;
+  }
+  std::unique_ptr<SequenceData> moved;
+  if (HasRelativeWaveformPath(sequence)) {
+    moved = std::make_unique<SequenceData>(sequence);
+    if (!KeepWaveformPaths(*moved, WaveformFolder(state), FolderOf(path))) moved.reset();
+  }
+  const std::string text = FormatSequenceFile(moved ? *moved : sequence, state, definition, form);
+  if (!ReplaceFile(path, EncodeText(text), error)) return false;
+  if (user && moved) sequence.Channels.ArbFiles = moved->Channels.ArbFiles;
+  return true;
+}
+
+bool ReadSeqFile(const std::string& path, SequenceFileForm form, const DefinitionFor& definitions,
+                 AppState& state, SequenceData& sequence, Prompts& prompts,
+                 const MessageCatalogue& catalogue) {
+  ReadResult result{SequenceFileProblem::Malformed, {}, {}};
+  SystemSettings settings = SettingsOf(state);
+  if (const auto bytes = ReadWholeFile(path)) {
+    result = ParseSequenceFile(DecodeText(*bytes), form, definitions, sequence, settings);
+  }
+  switch (result.Problem) {
+    case SequenceFileProblem::None:
+      ApplySettings(state, settings);
+      return true;
+    case SequenceFileProblem::UnknownModel:
+      ShowMessage(prompts, catalogue, kUnknownModelMessage, PromptIcon::Exclamation, PromptButtons::Ok,
+                  {result.Model});
+      return false;
+    case SequenceFileProblem::Malformed:
+      ShowMessage(prompts, catalogue, kMalformedMessage, PromptIcon::Exclamation);
+      return false;
+  }
+  return false;
+}
+
+}  // namespace corlune
