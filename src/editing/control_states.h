@@ -1,0 +1,42 @@
+// Which controls of the main window (and run controls of the sequence view) are shown and enabled.
+#pragma once
+
+#include <array>
+
+#include "core/app_state.h"
+#include "modeldef/model_definition.h"
+
+namespace corlune {
+
+struct ControlState {
+  bool Visible = false;
+  bool Enabled = false;
+  bool operator==(const ControlState&) const = default;
+};
+
+struct ControlStates {
+  std::array<ControlState, kMenuCount> Menus{};
+  std::array<std::array<ControlState, 9>, kMenuCount> MenuItems{};
+  std::array<ControlState, kPanelButtonCount> Buttons{};
+  ControlState RowAdd, Insert, Delete, Up, Down;  // CmdRowAdd, CmdInsert, ...
+  ControlState Duplicate, FillDown, CopyText, PasteText, ImportCsv, ExportCsv;
+  ControlState SequenceNumber, StartStep, BranchChannel;  // TxtSeq, TxtStrStep, TxtBranch
+  ControlState Read;                                      // CmdRead
+  bool EditCells = false;                                 // editors open on a click
+  bool Close = false;                                     // closing the window is possible
+  bool CommonDialogOk = false;                            // OK of the common sequence parameters
+  bool operator==(const ControlStates&) const = default;
+};
+
+// What the application state does not hold.
+struct ControlConditions {
+  int StepCount = 0;
+  bool CopyBufferFilled = false;
+  bool DownloadLocked = false;  // a download, transfer or command wait is under way
+  bool OutputLocked = false;    // an output command is under way
+};
+
+ControlStates ControlStatesOf(const AppState& state, const ModelDefinition& definition,
+                              const ControlConditions& conditions);
+
+}  // namespace corlune

@@ -1,0 +1,134 @@
+// SequenceEditor: every change that a person makes to the sequence, below the widgets. Each operation checks
+// its input, changes the sequence, recolours the rows, sets the modified flag and records one undo entry, or
+// refuses and changes nothing. Operations act on the current cell and selection of Cursor() unless a place is
+// given, and do nothing outside edit mode.
+//
+// Only DeleteRow asks questions (through Prompts, which pumps events); all others return their message.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/app_state.h"
+#include "core/catalogue.h"
+#include "core/ports.h"
+#include "editing/cell_view.h"
+#include "editing/edit_outcome.h"
+#include "editing/editor_for.h"
+#include "editing/grid_place.h"
+#include "editing/undo_history.h"
+
+namespace corlune {
+
+// What an undo entry is called; the values are caption ids of the catalogue.
+enum class EditAction : int {
+  CellEntry = 7710,
+  AddRow = 7711,
+  InsertRow = 7712,
+  DeleteRow = 7713,
+  RowUp = 7714,
+  RowDown = 7715,
+  Paste = 7716,
+  Initialize = 7717,
+  DuplicateRows = 7718,
+  FillDown = 7719,
+  PasteText = 7720,
+  ImportCsv = 7721,
+  ReadBack = 7722,
+  CommonParameters = 7723,
+  ChannelSettings = 7724,
+  Waveforms = 7725,
+  ModeSettings = 7726,
+};
+
+class SequenceEditor {
+ public:
+  // The referred objects must outlive this one.
+  SequenceEditor(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
+                 const MessageCatalogue& catalogue, Prompts& prompts);
+
+  GridCursor& Cursor() { return cursor_; }
+  const GridCursor& Cursor() const { return cursor_; }
+  GridViews& Views() { return views_; }
+  const GridViews& Views() const { return views_; }
+  bool Editable() const;  // edit mode and stopped
+
+  // Cell entries. The same text as the cell shows is accepted without a change.
+  EditOutcome EnterText(const CellPlace& place, std::string_view text);
+  EditOutcome Choose(const CellPlace& place, int index);        // list editor
+  EditOutcome ChooseOption(const CellPlace& place, int index);  // off/on, or change mode
+  EditOutcome ChooseUnit(const CellPlace& place, int index);    // step time: the unit of all steps
+
+  // Rows. The cursor follows: to the new last row, to the exchanged row, back to the last step.
+  EditOutcome AddRow();
+  EditOutcome InsertRow();
+  EditOutcome DeleteRow();
+  EditOutcome RowUp();
+  EditOutcome RowDown();
+  EditOutcome DuplicateRows();  // copies of the selected rows under them
+
+  // Blocks. Copy fills the editor's own buffer, which stays when the sequence changes.
+  bool Copy();
+  bool CopyBufferFilled() const { return copied_ != nullptr; }
+  EditOutcome Paste();
+  bool SelectAll();  // moves the cursor; false without steps
+  EditOutcome Initialize();
+  EditOutcome FillDown();  // the first selected row into the others; a single row takes the row above
+
+  // Tab-separated text of the selection, one line a row.
+  std::string CopyText() const;
+  // Sets cells from the selection's first one; text beyond the last step or column is refused. Tab-separated
+  // when a tab is present, else comma-separated. A text of one cell fills the whole selection.
+  EditOutcome PasteText(std::string_view text);
+  // All steps of all grids.
+  std::string ExportCsv() const;
+  // Replaces the steps by the rows of the text; columns are found by their header.
+  EditOutcome ImportCsv(std::string_view text);
+
+  // Undo.
+  EditOutcome Undo();
+  EditOutcome Redo();
+  bool CanUndo() const { return Editable() && history_.CanUndo(); }
+  bool CanRedo() const { return Editable() && history_.CanRedo(); }
+  std::string UndoText() const;  // "Undo: Paste"; without an entry only the first word
+  std::string RedoText() const;
+  const UndoHistory& History() const { return history_; }
+  // Runs `change`, which may alter the sequence in any way (a dialog's OK, a read-back), as one entry. Sets
+  // the modified flag when something changed.
+  EditOutcome Record(EditAction action, const std::function<void()>& change);
+  // After New and Open: forgets history and copy buffer, puts the cursor on the first cell, recolours.
+  void Restart();
+
+  // Fields beside the grids. The stored value stays when the entry is refused.
+  EditOutcome EnterStartStep(std::string_view text);
+  EditOutcome EnterBranchChannel(std::string_view text);
+  // 0..10; stays in the field until a download or read-back takes it.
+  EditOutcome CheckSequenceNumber(std::string_view text) const;
+
+ private:
+  struct CopyBuffer;
+  friend class BlockEdit;
+
+  EditOutcome Perform(EditAction action, const std::function<std::optional<EditMessage>()>& change);
+  EditOutcome Exchanged(const std::optional<UndoSpan>& span);
+  bool CanGrow(int rows) const;
+  EditMessage Message(int id, const std::vector<std::string>& arguments = {}) const;
+  EditOutcome MoveRow(EditAction action, int distance);
+  bool AskBeforeDelete(int slot);
+
+  AppState& state_;
+  const ModelDefinition& definition_;
+  SequenceData& sequence_;
+  const MessageCatalogue& catalogue_;
+  Prompts& prompts_;
+  GridViews views_;
+  GridCursor cursor_;
+  UndoHistory history_;
+  std::shared_ptr<const CopyBuffer> copied_;
+};
+
+}  // namespace corlune
