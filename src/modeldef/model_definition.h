@@ -125,6 +125,8 @@ struct ModelDefinition {
 
   CommandTable Commands;
 
+  bool operator==(const ModelDefinition&) const = default;
+
   // Interface record of the model at `modelIndex`; an empty record outside the list.
   const ModelInterfaceSpec& InterfaceOf(int modelIndex) const {
     static const ModelInterfaceSpec kNone;

@@ -1,0 +1,221 @@
+// Definition files that are damaged, mistyped or not definition files at all.
+#include <filesystem>
+#include <gtest/gtest.h>
+
+#include "core/catalogue.h"
+#include "modeldef/read_model_definition.h"
+#include "support/fake_ports.h"
+#include "support/temp_folder.h"
+
+namespace corlune {
+namespace {
+
+using testing::ScriptedPrompts;
+using testing::TempFolder;
+
+const std::string kHead =
+    "[FILE]\r\nPROGID=P\r\nVERNO=1\r\n[SYSTEM]\r\nSS_MODEL=M1\r\nSS_CNT=1,1,5\r\n[SPEC M1]\r\nMN_FILE=1\r\n";
+
+class DefinitionFaults : public ::testing::Test {
+ protected:
+  DefinitionLoad Load(const std::string& bytes) {
+    return ReadModelDefinition(folder_.Write("d.ini", bytes), "M1", false, definition_, &problem_);
+  }
+  DefinitionLoad LoadSpec(const std::string& line) { return Load(kHead + line + "\r\n"); }
+
+  TempFolder folder_;
+  ModelDefinition definition_;
+  DefinitionProblem problem_;
+};
+
+TEST_F(DefinitionFaults, ABadEntryIsRefusedAndNamed) {
+  const std::vector<std::pair<const char*, const char*>> cases{
+      // numbers that are none, do not fit, or miss
+      {"AW_FORMAT=1,x", "AW_FORMAT"},
+      {"AW_FORMAT=1", "AW_FORMAT"},
+      {"AW_FORMAT=1,32768", "AW_FORMAT"},
+      {"AW_FORMAT=1,&H10", "AW_FORMAT"},
+      {"AW_FORMAT=", "AW_FORMAT"},
+      {"SC_STARTSTP=0,1,1", "SC_STARTSTP"},
+      {"SC_BRANCH=1,1,1,", "SC_BRANCH"},
+      {"CM_STAR=:START", "CM_STAR"},
+      {"CM_STAR=:START,soon", "CM_STAR"},
+      {"CM_STAR=:START,2147483648", "CM_STAR"},
+      {"CM_SNDS0=100", "CM_SNDS0"},
+      {"CM_SNDA0=:A,b", "CM_SNDA0"},
+      {"CM_BUSY=:BUSY?,1", "CM_BUSY"},
+      {"CM_BUSY=:BUSY?,one,5000", "CM_BUSY"},
+      {"CM_ERRO=:ERR?", "CM_ERRO"},
+      {"CM_LIBI=\"x\";", "CM_LIBI"},
+      {"CM_STAR", "CM_STAR"},
+      // colours
+      {"CL_DEFSEQ=12345", "CL_DEFSEQ"},
+      {"CL_DEFSEQ=1234567", "CL_DEFSEQ"},
+      {"CL_CURSTEP=GG0000", "CL_CURSTEP"},
+      {"SC_BTNMODE=1,,red", "SC_BTNMODE"},
+      {"CA_PRMMOD0=2,off,404142,on", "CA_PRMMOD0"},
+      // object numbers
+      {"CA_PRMVAL=1,2", "CA_PRMVAL"},
+      {"SA_PRMVAL5=1,2", "SA_PRMVAL5"},
+      {"SA_PRMUSC73=1", "SA_PRMUSC73"},
+      {"SA_PRMREFx=", "SA_PRMREFx"},
+      {"VS_SELCT5=1,a", "VS_SELCT5"},
+      {"DP_SELCT:=1,a", "DP_SELCT:"},
+      {"MD_SETNAM8=n", "MD_SETNAM8"},
+      // parameters
+      {"CA_PRMVAL0=0,1,MAXSTEP,1", "CA_PRMVAL0"},
+      {"SA_PRMVAL00=0,1,$MAXSTEP,1", "SA_PRMVAL00"},
+      {"SA_PRMVAL00=0,2,1,1", "SA_PRMVAL00"},
+      {"SA_PRMVAL00=3,1,2,3", "SA_PRMVAL00"},
+      {"SA_PRMVAL00=2,2,a,b", "SA_PRMVAL00"},
+      {"SA_PRMVAL00=2,0", "SA_PRMVAL00"},
+      {"CA_PRMUNI0=2,title,2,a,b", "CA_PRMUNI0"},
+      {"SA_PRMNAM00=one name", "SA_PRMNAM00"},
+      {"SA_PRMCOU=12", "SA_PRMCOU"},
+      {"CA_MAXSTE=257", "CA_MAXSTE"},
+      {"BA_STPVAL=0,1,2.x,1", "BA_STPVAL"},
+      // lists longer than their place, or shorter than their count
+      {"DP_SELCT0=3,a,b", "DP_SELCT0"},
+      {"AW_ARBITEM=-1", "AW_ARBITEM"},
+      {"CA_UNITCV0=1,2,3,4,5,6,7,8,9,10,11,12", "CA_UNITCV0"},
+      {"MD_SETVAL0=1,2,3,4,5,6,7,8,9,10,11,12", "MD_SETVAL0"},
+      {"MD_SETCOU=9", "MD_SETCOU"},
+  };
+  for (const auto& [line, key] : cases) {
+    SCOPED_TRACE(line);
+    definition_ = {};
+    problem_ = {};
+    EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec(line));
+    EXPECT_EQ("SPEC M1", problem_.section);
+    EXPECT_EQ(key, problem_.key);
+    EXPECT_FALSE(problem_.reason.empty());
+    EXPECT_TRUE(definition_ == ModelDefinition{}) << "a refused file changed something";
+  }
+}
+
+TEST_F(DefinitionFaults, TheFirstFaultIsNamed) {
+  EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec("CM_STAR=:S,1\r\nCM_STOP=:S,b\r\nCM_HOLD=:S,c"));
+  EXPECT_EQ("CM_STOP", problem_.key);
+  EXPECT_EQ("\"b\" is no 32-bit integer", problem_.reason);
+}
+
+TEST_F(DefinitionFaults, SectionsThatMustBeThere) {
+  struct Case {
+    std::string text;
+    DefinitionProblem problem;
+  };
+  const std::string missing = "the section is missing or empty";
+  const std::vector<Case> cases{
+      {"", {"FILE", "", missing}},
+      {"[FILE]\n; nothing\n[SYSTEM]\nSS_MODEL=M1\n", {"FILE", "", missing}},
+      {"[FILE]\nPROGID=P\n", {"SYSTEM", "", missing}},
+      {"[FILE]\nPROGID=P\n[SYSTEM]\nSS_CNT=1,1,5\n", {"SYSTEM", "SS_MODEL", "no model is listed"}},
+      {"[FILE]\nPROGID=P\n[SYSTEM]\nSS_MODEL=M1,\n", {"SYSTEM", "SS_MODEL", "a model has no name"}},
+      {"[FILE]\nPROGID=P\n[SYSTEM]\nSS_CNT=1,1,6\n",
+       {"SYSTEM", "SS_CNT", "the number of instruments lies outside 1 to 5"}},
+      {"[FILE]\nPROGID=P\n[SYSTEM]\nSS_MODEL=M1\n", {"SPEC M1", "", missing}},
+      {"[FILE]\nPROGID=P\n[SYSTEM]\nSS_MODEL=M0,M1\n[INTERFACE M0]\nIF_GPAD=1,a,2\n",
+       {"INTERFACE M0", "IF_GPAD", "\"a\" is no 32-bit integer"}},
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(DefinitionLoad::BadValue, Load(c.text)) << c.text;
+    EXPECT_EQ(c.problem.section, problem_.section) << c.text;
+    EXPECT_EQ(c.problem.key, problem_.key) << c.text;
+    EXPECT_EQ(c.problem.reason, problem_.reason) << c.text;
+  }
+}
+
+TEST_F(DefinitionFaults, ALoadKeepsWhatItDoesNotName) {
+  ASSERT_EQ(
+      DefinitionLoad::Ok,
+      LoadSpec("MN_RUNITEM=1,1,1,1,1,1\r\nCA_PRMVAL3=0,1,50,1\r\nSA_PRMREF2=1\r\nSC_BRANCH=1,2,1,5\r\n"
+               "CM_SNDA2=:A,1\r\nCM_DEVI2=:D,1\r\nCM_BUSY=:B?,1,70\r\nDP_REFFL=1,text\r\nCL_DEFSEQ=010203"));
+  ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("MN_RUNITEM=0,1,0\r\nCA_PRMVAL3=0,2,$MAXSTEP,1\r\nSA_PRMREF2=\r\n"
+                                         "SC_BRANCH=0,x,y,z\r\nCM_BUSY=:B?\r\nDP_REFFL=0\r\nNEW_KEY=?\r\n"
+                                         "MN_NEW=?\r\n  ; CM_STAR=x"));
+  EXPECT_EQ((std::array<bool, 9>{false, true, false, true, true, true}),
+            definition_.Menus[static_cast<std::size_t>(Menu::Run)].Items);
+  EXPECT_EQ(50, definition_.Common.Params[3].Maximum);
+  EXPECT_EQ("$MAXSTEP", definition_.Common.Params[3].RangePlaceholder[1]);
+  EXPECT_TRUE(definition_.Sequence.GroupEnabled[2]);
+  EXPECT_EQ((SelectorSpec{false, 2, 1, 5}), definition_.Branch);
+  EXPECT_EQ((BusyQuery{"", "", 70}), definition_.Commands.Busy);
+  EXPECT_EQ("text", definition_.ReferenceText);
+  EXPECT_EQ((Color{1, 2, 3}), definition_.DefaultSequence);
+  EXPECT_EQ(":D", definition_.Commands.Device.Entries[2].Template);
+  EXPECT_EQ(CommandList{}, definition_.Commands.SendAll) << "the two lists start empty in every load";
+  ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("CA_PRMVAL3=0,2,20,1"));
+  EXPECT_EQ("", definition_.Common.Params[3].RangePlaceholder[1]);
+}
+
+TEST_F(DefinitionFaults, IntegersRoundHalfToEven) {
+  ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("AW_FORMAT=2.5, 3.5 \r\nCM_STAR=:S,1e3"));
+  EXPECT_EQ((std::array<std::int16_t, 2>{2, 4}), definition_.ArbFormat);
+  EXPECT_EQ(1000, definition_.Commands.Start.Wait);
+}
+
+TEST_F(DefinitionFaults, FilesOfAnotherMakeLoadAlike) {
+  const std::string lines = kHead + "CM_STAR=:S,7\r\n";
+  std::string lf = lines;
+  std::erase(lf, '\r');
+  for (const std::string& text : {lines, lf, "\xEF\xBB\xBF" + lines, lines.substr(0, lines.size() - 2)}) {
+    definition_ = {};
+    ASSERT_EQ(DefinitionLoad::Ok, Load(text)) << problem_.section << problem_.key << problem_.reason;
+    EXPECT_EQ((CommandEntry{":S", 7}), definition_.Commands.Start);
+  }
+}
+
+TEST_F(DefinitionFaults, RubbishIsRefusedOrIgnoredNeverFatal) {
+  ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("CM_STAR=:" + std::string(10'000'000, 'x') + ",7"));
+  EXPECT_EQ(10'000'001U, definition_.Commands.Start.Template.size());
+  EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec("AW_FORMAT=" + std::string(10'000'000, '9') + ",1"));
+  EXPECT_LT(problem_.reason.size(), 100U) << "the reason quotes the beginning of the item only";
+  EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec(std::string("AW_FORMAT=1,\0002", 14)));
+  EXPECT_EQ("AW_FORMAT", problem_.key);
+  EXPECT_EQ(DefinitionLoad::BadValue, Load(std::string(1000, '\0')));
+  std::uint32_t seed = 1;
+  const auto next = [&seed] { return static_cast<char>((seed = seed * 1664525U + 1013904223U) >> 24); };
+  for (int round = 0; round < 300; ++round) {
+    std::string bytes = kHead;
+    for (const char* key : {"CA_PRMMOD", "SA_PRMVAL", "CM_LIBI", "CM_SNDS", "CL_", "VS_SELCT"}) {
+      bytes += key;
+      for (int i = 0; i < 24; ++i) bytes += next();
+      bytes += "\n";
+    }
+    const ModelDefinition before = definition_;
+    if (Load(bytes) != DefinitionLoad::Ok) {
+      EXPECT_TRUE(before == definition_);
+      EXPECT_FALSE(problem_.section.empty());
+    }
+  }
+}
+
+TEST_F(DefinitionFaults, OnlyAMissingFileIsTold) {
+  const MessageCatalogue catalogue(10000);
+  AppState state;
+  state.ModelName = "M1";
+  state.StdIniPath = folder_.Write("d.ini", kHead);
+  {
+    ScriptedPrompts prompts;
+    EXPECT_TRUE(ReadModelDefinition(state, definition_, prompts, catalogue));
+    EXPECT_EQ("P", state.ProgId);
+    EXPECT_EQ("1", state.VerNo);
+    state.StdIniPath = folder_.Write("d.ini", kHead + "CM_STAR=x\r\nPROGID=Q\r\n");
+    EXPECT_FALSE(ReadModelDefinition(state, definition_, prompts, catalogue, &problem_));
+    EXPECT_EQ("CM_STAR", problem_.key);
+  }
+  for (const std::string& path : {folder_.File("none.ini"), folder_.Path()}) {
+    ScriptedPrompts prompts;
+    prompts.Answer(PromptAnswer::Ok);
+    state.StdIniPath = path;
+    EXPECT_FALSE(ReadModelDefinition(state, definition_, prompts, catalogue, &problem_)) << path;
+    ASSERT_EQ(1U, prompts.messages.size());
+    EXPECT_EQ("Initialization file doesn't exist", prompts.messages[0].text);
+    EXPECT_EQ(PromptIcon::Exclamation, prompts.messages[0].icon);
+    EXPECT_EQ("", problem_.section);
+  }
+  EXPECT_EQ("P", state.ProgId);
+}
+
+}  // namespace
+}  // namespace corlune
