@@ -9,10 +9,31 @@
 #include "comm/command_layer.h"
 #include "commands/instrument_dialogues.h"
 #include "compile/compiler_library.h"
+#include "compile/waveform_transfer.h"
 #include "core/catalogue.h"
 #include "sequence/sequence_data.h"
 
 namespace corlune {
+
+inline constexpr const char* kWorkFileName = "sendata.bin";
+inline constexpr const char* kUseStepFileName = "UseStep.txt";
+
+// How the last download ended. Only Refused has always been shown; the places that must not stay silent (a
+// terminal, a log) say the others themselves.
+enum class DownloadEnd {
+  Done,
+  UnderWay,         // refused: another download has not ended yet
+  Cancelled,        // no name was given, or the interface question was answered with Cancel
+  Refused,          // the sequence, its waveform files or the compiler; a message said why
+  NotSent,          // an exchange with the instrument failed
+  InstrumentError,  // the instrument reported an error number
+  NotCompiled,      // the instrument did not take the sequence over
+};
+
+struct DownloadOutcome {
+  DownloadEnd End = DownloadEnd::Done;
+  std::int32_t ErrorNumber = 0;  // with InstrumentError
+};
 
 struct DownloadPorts {
   Prompts& prompts;
@@ -30,19 +51,35 @@ class Downloader {
   // the run-time table is filled and the total time shown. SequenceData::SequenceNumber says which
   // instrument memory (0..10) is used; the caller sets it from its field before the call.
   // The output query that ends a download is the caller's (execution/).
+  // False also when a download is under way: a handler that runs inside its waits cannot start a second.
   [[nodiscard]] bool DownloadSequence();
+  bool UnderWay() const { return underWay_; }
+  const DownloadOutcome& Outcome() const { return outcome_; }
 
   // 0 on success, -1 when the compiler reported an error, else the ARB check code (4096, 4097, 4100, 4104);
   // every failure has been shown.
   [[nodiscard]] std::int32_t CompileSequence(const std::string& workFile);
   // Sets the use flags of the ARB entries that the steps name; shows 9209 for a USER step with number 0.
   void MarkUsedArbs();
-  // 0, or the ARB number whose transfer failed.
+  // Sends the used waveforms that the instrument does not have yet. 0, or the ARB number whose transfer
+  // failed. A full waveform memory (message 9317) ends the transfers but counts as success.
   [[nodiscard]] int TransferUsedArbs();
   // Progress window for `milliseconds`, in steps of one second. Pumps events.
   void ShowTimedProgress(std::int32_t milliseconds, const std::string& text);
 
  private:
+  DownloadEnd Send();
+  DownloadEnd SendWaveforms();
+  ArbTransfer TransferOneArb(ArbFileEntry& entry, int number);
+  DownloadEnd SendBlock(const std::string& workFile);
+  DownloadEnd RecordInMemory();
+  DownloadEnd TakeOver();
+  DownloadEnd WaitAndQueryError(std::int32_t milliseconds);
+  bool AgreeToInterface();
+  bool AskName();
+  void ReportCompileError(const CompileErrorRecord& record);
+  void ShowCritical(int id);
+
   AppState& state_;
   const ModelDefinition& definition_;
   SequenceData& sequence_;
@@ -51,6 +88,10 @@ class Downloader {
   CompilerLibrary& compiler_;
   const MessageCatalogue& catalogue_;
   DownloadPorts ports_;
+  WaveformTransfer waveforms_;
+  bool underWay_ = false;
+  ArbTransfer transferEnd_ = ArbTransfer::Done;  // of the last TransferUsedArbs
+  DownloadOutcome outcome_;
 };
 
 }  // namespace corlune

@@ -12,10 +12,6 @@ namespace corlune {
 
 namespace {
 
-int WaveformOf(const SequenceData& sequence, int channel, int slot) {
-  return ToInt32(sequence.Cell(channel, slot, kSlotWaveform).Value).value_or(-1);
-}
-
 // Stored numbers of the steps that can follow; some may name no step.
 std::vector<StepNumber> Successors(const SequenceData& sequence, int slot) {
   const StepRow& row = sequence.Steps[static_cast<std::size_t>(slot)];
@@ -83,6 +79,10 @@ ChannelUse UseOf(const SequenceData& sequence, int channel, const std::array<boo
 int ArbNumberOf(const ParamCell& cell) {
   const std::optional<std::int32_t> number = ToInt32(cell.Value);
   return number && *number >= 1 && *number <= kArbNumbers ? *number : 0;
+}
+
+int WaveformOf(const SequenceData& sequence, int channel, int slot) {
+  return ToInt32(sequence.Cell(channel, slot, kSlotWaveform).Value).value_or(-1);
 }
 
 StepFlow WalkSteps(const SequenceData& sequence, int channels) {

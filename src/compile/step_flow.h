@@ -26,6 +26,9 @@ struct StepFlow {
 // ARB number of a cell of the slot kSlotArbNumber; 0 when it is not 1..128.
 int ArbNumberOf(const ParamCell& cell);
 
+// WaveformCode of a step; -1 when the cell holds none.
+int WaveformOf(const SequenceData& sequence, int channel, int slot);
+
 // Follows the used steps from the start step of the common parameters over jumps, event and state branches
 // and branch-area destinations. A step ends the flow when its terminal says so; an endless jump never goes
 // on to the next step; a jump counted 0 times does not jump. Targets outside the used steps lead nowhere.

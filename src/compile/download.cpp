@@ -1,0 +1,326 @@
+#include "compile/download.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <span>
+
+#include "compile/sequence_text.h"
+#include "compile/step_flow.h"
+#include "core/files.h"
+#include "core/numbers.h"
+#include "sequence/channel_tabs.h"
+#include "sequence/run_times.h"
+#include "sequence/waveform_path.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr std::size_t kLongestName = 20;
+constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
+constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
+// A result of the compiler library that is no failure, like 0.
+constexpr std::int32_t kResultAlsoGood = 268763136;
+
+constexpr int kMessageIllegal = 9400;
+constexpr int kMessageNoBlocks = 9600;
+
+// Controls off for as long as the object lives.
+class ControlsOff {
+ public:
+  explicit ControlsOff(RunDisplay& display) : display_(display) {
+    display_.SetControlsEnabled(RunControls::Download, false);
+  }
+  ~ControlsOff() { display_.SetControlsEnabled(RunControls::Download, true); }
+  ControlsOff(const ControlsOff&) = delete;
+  ControlsOff& operator=(const ControlsOff&) = delete;
+
+ private:
+  RunDisplay& display_;
+};
+
+class FlagWhile {
+ public:
+  explicit FlagWhile(bool& flag) : flag_(flag) { flag_ = true; }
+  ~FlagWhile() { flag_ = false; }
+  FlagWhile(const FlagWhile&) = delete;
+  FlagWhile& operator=(const FlagWhile&) = delete;
+
+ private:
+  bool& flag_;
+};
+
+bool CarriesBlocks(InterfaceKind kind) {
+  return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
+}
+
+// What may stand between quotation marks in a command.
+bool IsNameText(const std::string& name) {
+  return std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"'; });
+}
+
+// Catalogue id of the parameter that a compiler error names; 0 for a code without one.
+int ParameterMessage(std::int32_t code) {
+  switch (code) {
+    case 40:
+      return 9314;
+    case 41:
+      return 9315;
+    case 42:
+      return 9316;
+    case 4099:
+      return 9318;
+    case 4100:
+      return 9319;
+    case 4101:
+      return 9320;
+    case 4102:
+      return 9321;
+    default:
+      return 0;
+  }
+}
+
+int CheckMessage(ArbCheck check) {
+  if (check == ArbCheck::ArbMissing) return 9319;
+  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+}
+
+// IEEE 488.2 definite-length block header behind `command`.
+std::string BlockHeader(const std::string& command, std::size_t length) {
+  const std::string digits = std::to_string(length);
+  return command + "#" + std::to_string(digits.size()) + digits;
+}
+
+}  // namespace
+
+Downloader::Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
+                       CommandLayer& commands, InstrumentDialogues& dialogues, CompilerLibrary& compiler,
+                       const MessageCatalogue& catalogue, DownloadPorts ports)
+    : state_(state),
+      definition_(definition),
+      sequence_(sequence),
+      commands_(commands),
+      dialogues_(dialogues),
+      compiler_(compiler),
+      catalogue_(catalogue),
+      ports_(ports),
+      waveforms_(commands, dialogues, ports.prompts, catalogue) {}
+
+bool Downloader::DownloadSequence() {
+  if (underWay_) return false;
+  const FlagWhile downloading(underWay_);
+  outcome_ = {};
+  if (commands_.Online()) {
+    if (!AgreeToInterface()) {
+      outcome_.End = DownloadEnd::Cancelled;
+      return false;
+    }
+    const ControlsOff controls(ports_.display);
+    outcome_.End = Send();
+  }
+  if (outcome_.End != DownloadEnd::Done) return false;
+  const RunTimes times = ComputeRunTimes(sequence_);
+  state_.TotalTime = times.Total;
+  state_.TotalTimeSecond = times.Second;
+  ports_.display.ShowTotalTime(times.Total);
+  return true;
+}
+
+// GPIB and USB488 send commands but no blocks; the person may still want to run what the instrument holds.
+bool Downloader::AgreeToInterface() {
+  if (CarriesBlocks(state_.Instruments[0].InterfaceKind)) return true;
+  return ShowMessage(ports_.prompts, catalogue_, kMessageNoBlocks, PromptIcon::Question,
+                     PromptButtons::OkCancel) == PromptAnswer::Ok;
+}
+
+DownloadEnd Downloader::Send() {
+  if (!AskName()) return DownloadEnd::Cancelled;
+  const std::string workFile = JoinPath(state_.AppFolder, kWorkFileName);
+  if (CompileSequence(workFile) != 0) return DownloadEnd::Refused;
+
+  const CommandEntry& prepare = definition_.Commands.Device.Entries[0];
+  if (!prepare.Template.empty() &&
+      Failed(commands_.SendCommand(commands_.SelectInstrument(0), prepare.Template, prepare.Wait))) {
+    return DownloadEnd::NotSent;
+  }
+  if (!dialogues_.PrepareSequenceMode()) return DownloadEnd::NotSent;
+  DownloadEnd end = SendWaveforms();
+  if (end == DownloadEnd::Done) end = SendBlock(workFile);
+  if (end == DownloadEnd::Done && sequence_.SequenceNumber != 0) end = RecordInMemory();
+  if (end == DownloadEnd::Done) end = TakeOver();
+  return end;
+}
+
+bool Downloader::AskName() {
+  const std::string usual = sequence_.SequenceName.empty() ? "Seq" + std::to_string(sequence_.SequenceNumber)
+                                                           : sequence_.SequenceName;
+  while (true) {
+    const std::optional<std::string> name =
+        ports_.prompts.Input({catalogue_.GetResString(9208), kApplicationTitle, usual});
+    if (!name || name->empty()) return false;
+    if (!IsNameText(*name)) {
+      ShowCritical(9108);
+    } else if (name->size() <= kLongestName) {
+      sequence_.SequenceName = *name;
+      return true;
+    }
+  }
+}
+
+std::int32_t Downloader::CompileSequence(const std::string& workFile) {
+  const int channels = EditedChannels(state_);
+  const StepFlow flow = WalkSteps(sequence_, channels);
+  // Only for the person who wonders why a waveform counts as used; a download does not depend on it.
+  const std::string useSteps = UseStepText(flow, sequence_, channels);
+  static_cast<void>(ReplaceFile(JoinPath(state_.AppFolder, kUseStepFileName), useSteps));
+
+  const ArbCheck check =
+      CheckArbResources(flow, channels, sequence_.Channels.ArbFiles, WaveformFolder(state_));
+  if (check != ArbCheck::Passed) {
+    ShowCritical(CheckMessage(check));
+    return static_cast<std::int32_t>(check);
+  }
+  const auto arbs = ArbInformationTable(sequence_.Channels.ArbFiles);
+  CompileErrorRecord record{};
+  std::int32_t result = 0;
+  if (!BuildSequenceText(workFile, sequence_, state_.ModelName, channels) ||
+      compiler_.CompileSeqData(workFile, arbs, record, result) != CompilerCall::Done) {
+    ShowCritical(kMessageIllegal);
+    return -1;
+  }
+  if (record.Code != 0) {
+    ReportCompileError(record);
+    return -1;
+  }
+  if (result != 0 && result != kResultAlsoGood) {
+    ports_.prompts.Message(
+        {catalogue_.GetResString(kMessageIllegal), PromptIcon::None, PromptButtons::Ok, "for Debug"});
+  }
+  return 0;
+}
+
+void Downloader::ReportCompileError(const CompileErrorRecord& record) {
+  std::string text = catalogue_.GetResString(ParameterMessage(record.Code));
+  if (record.Code < 4101) {
+    const std::int32_t second = record.Code == 40 ? record.PositionA : record.PositionC;
+    text = catalogue_.GetResString(9313,
+                                   {std::to_string(record.Channel + 1),
+                                    std::to_string(record.PositionB) + " , " + std::to_string(second), text});
+  }
+  ports_.prompts.Message({text, PromptIcon::Critical, PromptButtons::Ok, kApplicationTitle});
+}
+
+void Downloader::MarkUsedArbs() {
+  auto& entries = sequence_.Channels.ArbFiles;
+  for (ArbFileEntry& entry : entries) entry.UseFlag = 0;
+  bool withoutNumber = false;
+  for (int channel = 0; channel < EditedChannels(state_); ++channel) {
+    for (int slot = 0; slot < MAX_STEPS; ++slot) {
+      if (WaveformOf(sequence_, channel, slot) != kWaveUser) continue;
+      const int number = ArbNumberOf(sequence_.Cell(channel, slot, kSlotArbNumber));
+      if (number == 0) {
+        withoutNumber = true;
+      } else {
+        entries[static_cast<std::size_t>(number - 1)].UseFlag = 1;
+      }
+    }
+  }
+  if (withoutNumber) ShowCritical(9209);
+}
+
+DownloadEnd Downloader::SendWaveforms() {
+  MarkUsedArbs();
+  if (TransferUsedArbs() == 0) return DownloadEnd::Done;
+  if (transferEnd_ == ArbTransfer::NotSent) return DownloadEnd::NotSent;
+  ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
+  return DownloadEnd::Refused;
+}
+
+int Downloader::TransferUsedArbs() {
+  transferEnd_ = ArbTransfer::Done;
+  int failed = 0;
+  waveforms_.SetTimeOut(kTimeOutTransfer);
+  for (int number = 1; number <= kArbNumbers; ++number) {
+    ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
+    if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
+    transferEnd_ = TransferOneArb(entry, number);
+    if (transferEnd_ == ArbTransfer::Done) continue;
+    if (transferEnd_ != ArbTransfer::MemoryFull) failed = number;
+    break;
+  }
+  waveforms_.SetTimeOut(kTimeOutUsual);
+  return failed;
+}
+
+ArbTransfer Downloader::TransferOneArb(ArbFileEntry& entry, int number) {
+  const ArbTransfer sent = waveforms_.TransferArbFile(entry, number);
+  if (sent != ArbTransfer::Done) return sent;
+  const std::int16_t wasInInstrument = entry.InInstrument;
+  entry.Transferred = 1;
+  entry.InInstrument = 1;
+  ShowTimedProgress(TransferTime(entry), catalogue_.GetResString(9305) + "...ARB " + std::to_string(number));
+  if (dialogues_.QueryErrorNumber() != kErrorMemoryFull) return ArbTransfer::Done;
+  // The instrument did not keep it, so it has to be sent again once there is room.
+  entry.Transferred = 0;
+  entry.InInstrument = wasInInstrument;
+  ShowCritical(9317);
+  waveforms_.SetTimeOut(kTimeOutMemoryFull);
+  return ArbTransfer::MemoryFull;
+}
+
+DownloadEnd Downloader::SendBlock(const std::string& workFile) {
+  const std::optional<std::string> bytes = ReadWholeFile(workFile);
+  if (!bytes) {
+    ShowCritical(kMessageIllegal);
+    return DownloadEnd::Refused;
+  }
+  const std::string header = BlockHeader(
+      ":TRAC:SEQ " + std::to_string(sequence_.SequenceNumber) + ",\"" + sequence_.SequenceName + "\",",
+      bytes->size());
+  const std::span<const std::uint8_t> data(reinterpret_cast<const std::uint8_t*>(bytes->data()),
+                                           bytes->size());
+  if (Failed(commands_.SendBlockData(header, data, commands_.SelectInstrument(0)))) {
+    return DownloadEnd::NotSent;
+  }
+  return WaitAndQueryError(kSequenceWait);
+}
+
+DownloadEnd Downloader::RecordInMemory() {
+  const std::string command = ":TRAC:SEQ:REC " + std::to_string(sequence_.SequenceNumber);
+  if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), command, 0))) return DownloadEnd::NotSent;
+  return WaitAndQueryError(kRecordWait);
+}
+
+DownloadEnd Downloader::WaitAndQueryError(std::int32_t milliseconds) {
+  ShowTimedProgress(milliseconds, catalogue_.GetResString(9304));
+  outcome_.ErrorNumber = dialogues_.QueryErrorNumber();
+  return outcome_.ErrorNumber == 0 ? DownloadEnd::Done : DownloadEnd::InstrumentError;
+}
+
+DownloadEnd Downloader::TakeOver() {
+  dialogues_.ClearStatus();
+  if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), ":TRIG:COMP", 0))) {
+    return DownloadEnd::NotSent;
+  }
+  return dialogues_.WaitCompileDone() ? DownloadEnd::Done : DownloadEnd::NotCompiled;
+}
+
+void Downloader::ShowTimedProgress(std::int32_t milliseconds, const std::string& text) {
+  const std::int32_t seconds = ToInt32(milliseconds / 1000.0 - 1).value_or(0) + 1;
+  ports_.progress.Begin(text, seconds);
+  for (std::int32_t second = 0; second < seconds; ++second) {
+    commands_.DelayMs(1000);
+    ports_.progress.Advance();
+    commands_.Pump().HandlePending();
+  }
+  ports_.progress.End();
+}
+
+void Downloader::ShowCritical(int id) {
+  ShowMessage(ports_.prompts, catalogue_, id, PromptIcon::Critical);
+}
+
+}  // namespace corlune

@@ -1,0 +1,95 @@
+// Arbitrary waveforms on their way to the instrument: transfer, deletion, what the instrument holds, and
+// the memory check before a download. All exchanges go to instrument 0.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "comm/command_layer.h"
+#include "commands/instrument_dialogues.h"
+#include "compile/step_flow.h"
+#include "core/catalogue.h"
+#include "platform/abi/cmplseq.h"
+#include "sequence/sequence_data.h"
+
+namespace corlune {
+
+struct WaveformRead;
+
+using ArbEntries = std::array<ArbFileEntry, kArbNumbers>;
+
+enum class ArbTransfer {
+  Done,
+  FileRefused,  // no such file, or not a waveform; shown, except for a wrong count of values
+  NotSent,      // an exchange failed; not shown
+  MemoryFull,   // sent, but the instrument's waveform memory is exhausted; shown
+};
+
+// Codes of CheckArbResources.
+enum class ArbCheck : std::int32_t {
+  Passed = 0,
+  TooManyWaveforms = 4096,  // too little memory is left for the waveforms of unknown size
+  MemoryFull = 4097,
+  ArbMissing = 4100,  // a used number has no file and the instrument holds nothing under it
+  NoArbNumber = 4104,
+};
+
+inline constexpr std::int32_t kWaveformMemory = 524288;  // points of one channel
+inline constexpr std::int32_t kSweepWorkArea = 32768;    // points that a duty sweep takes
+inline constexpr std::int32_t kSmallestWaveform = 4096;  // points
+inline constexpr std::int32_t kErrorMemoryFull = -225;   // SCPI "Out of memory"
+inline constexpr std::int16_t kTimeOutUsual = 12;        // 3 s
+inline constexpr std::int16_t kTimeOutMemoryFull = 9;    // 100 ms
+inline constexpr std::int16_t kTimeOutTransfer = 14;     // 30 s
+
+class WaveformTransfer {
+ public:
+  WaveformTransfer(CommandLayer& commands, InstrumentDialogues& dialogues, Prompts& prompts,
+                   const MessageCatalogue& catalogue);
+  ~WaveformTransfer();
+
+  // Reads the entry's file and hands its block over as ARB `number` (1..128); messages 9300, 9307, 9308.
+  // The form and size of the file go into the entry, also when the exchange fails.
+  [[nodiscard]] ArbTransfer TransferArbFile(ArbFileEntry& entry, int number);
+  // Why the last TransferArbFile returned FileRefused, for a place that does not interrupt.
+  const std::string& Reason() const;
+
+  // Transfer, wait and error query as one operation, with the long time-out; sets Transferred and
+  // InInstrument. Message 9317 when the memory is full: then the flags are as before the transfer. Pumps
+  // events while it waits.
+  [[nodiscard]] ArbTransfer TransferOne(ArbFileEntry& entry, int number);
+  // Deletes the waveform in the instrument; a file of the entry then counts as not transferred.
+  CommStatus ClearOne(ArbFileEntry& entry, int number);
+
+  CommStatus DeleteArb(int number);
+  // Form, size and presence of what the instrument holds under `number`. False, with the entry unchanged,
+  // when the exchange failed or the reply is malformed.
+  bool QueryArbInfo(ArbFileEntry& entry, int number);
+  // QueryArbInfo for 1..128 until one fails; the number of entries brought up to date.
+  int QueryArbDirectory(ArbEntries& entries);
+
+  void SetTimeOut(std::int16_t code);
+
+ private:
+  CommandLayer& commands_;
+  InstrumentDialogues& dialogues_;
+  Prompts& prompts_;
+  const MessageCatalogue& catalogue_;
+  std::unique_ptr<WaveformRead> read_;  // kept, so that many waveforms need the memory of one
+};
+
+// Time the instrument needs to take the entry's waveform over: 25 s for each whole MiB, at least 1 s. ms.
+std::int32_t TransferTime(const ArbFileEntry& entry);
+
+// Whether the instrument's memory can hold what the reachable steps play. Looks into the files of entries
+// that are still to be transferred and notes their form and size in the entries. `folder`: where relative
+// waveform paths count from.
+[[nodiscard]] ArbCheck CheckArbResources(const StepFlow& flow, int channels, ArbEntries& entries,
+                                         const std::string& folder);
+
+// The table that the compiler is given.
+std::array<ArbInformation, kArbNumbers> ArbInformationTable(const ArbEntries& entries);
+
+}  // namespace corlune

@@ -1,0 +1,151 @@
+#include "compile/sequence_text.h"
+
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/temp_folder.h"
+
+namespace corlune {
+namespace {
+
+using corlune::testing::TempFolder;
+
+std::vector<std::string> Lines(const std::string& text) {
+  std::vector<std::string> lines;
+  std::size_t at = 0;
+  for (std::size_t end = 0; (end = text.find("\r\n", at)) != std::string::npos; at = end + 2) {
+    lines.push_back(text.substr(at, end - at));
+  }
+  EXPECT_EQ(at, text.size()) << "the text does not end with CR LF";
+  return lines;
+}
+
+// The lines of slot 0 alone, behind their keys.
+std::vector<std::string> Values(const SequenceData& sequence, int channels) {
+  std::string text;
+  AppendStepLines(text, sequence, 0, channels);
+  std::vector<std::string> values;
+  for (const std::string& line : Lines(text)) values.push_back(line.substr(line.find('=') + 1));
+  return values;
+}
+
+TEST(SequenceText, WholeTextOfATwoChannelSequence) {
+  auto sequence = std::make_unique<SequenceData>();
+  sequence->StepCount = 1;
+  sequence->Common = {7, 1, 0, 1, 1};
+  StepRow& row = sequence->Steps[255];
+  row.StepTime = 0.00001;
+  row.StepTerm = 2;
+  row.AutoHold = 1;
+  row.StepCode = 255;
+  row.StateBranchOn = 1;
+  row.StateBranchStep = 256;
+  row.EventBranchOn = 1;
+  row.EventBranchStep = 3;
+  row.JumpOn = 1;
+  row.JumpTo = -1;
+  row.JumpCountOn = 1;
+  row.JumpCount = 32767;
+  row.StopPhaseOn = 1;
+  row.StopPhase = -2.25;
+  const auto set = [&](int param, double value, std::int16_t mode = 0) {
+    sequence->Cell(1, 255, param).Value = value;
+    sequence->Cell(1, 255, param).ChangeMode = mode;
+  };
+  set(kSlotWaveform, kWaveUser);
+  set(kSlotArbNumber, 128, kModeSweep);  // this mode is not written
+  set(kSlotFrequency, 1.5e15, kModeSweep);
+  set(kSlotAmplitude, 0.1 + 0.2, kModeKeep);
+  set(kSlotPolarityRange, 5);
+  set(kSlotOffset, -1e-5, kModeConst);
+  set(kSlotPhase, -0.0, kModeSweep);
+  set(kSlotDuty, 12345.678901234567, kModeKeep);
+  set(kSlotExternal, 1);
+
+  std::string text;
+  AppendSequenceText(text, *sequence, "QM2220", 2);
+  const std::vector<std::string> lines = Lines(text);
+  ASSERT_EQ(lines.size(), 8u + 256 + 512);
+  const std::vector<std::string> head(lines.begin(), lines.begin() + 8);
+  EXPECT_EQ(head,
+            (std::vector<std::string>{"[FILE]", "VERSION=\"1.00\"", "[SYSTEM]", "MODEL=\"QM2220\"", "NCHAN=2",
+                                      "VERSION=\"1.00\"", "[DATA]", "SEQ=7,SSYN,0,SBR,NEG"}));
+  const std::string emptyStep = "=0,CONT,0,0,0,0,0,0,0,0,INF,0,0,0";
+  const std::string emptyCell = "=SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS";
+  for (std::size_t slot = 0; slot < 256; ++slot) {
+    const std::string number = std::to_string(slot);
+    const bool last = slot == 255;
+    EXPECT_EQ(lines[8 + slot],
+              "STEP#" + number + (last ? "=1E-05,STOP,1,255,1,256,1,3,1,-1,ON,32767,1,-2.25" : emptyStep));
+    EXPECT_EQ(lines[8 + 256 + slot], "CHAN#" + number + "#1" + emptyCell);
+    EXPECT_EQ(lines[8 + 512 + slot],
+              "CHAN#" + number + "#2" +
+                  (last ? "=USER,128,INV,MFS,1,1.5E+15,SWE,0.3,KEEP,-1E-05,CONS,0,SWE,12345.6789012346,KEEP"
+                        : emptyCell));
+  }
+
+  text.clear();
+  AppendSequenceText(text, *sequence, "QM2210", 1);
+  EXPECT_EQ(Lines(text).size(), 8u + 256 + 256);
+  EXPECT_NE(text.find("MODEL=\"QM2210\"\r\nNCHAN=1\r\n"), std::string::npos);
+}
+
+TEST(SequenceText, CodesWithoutAWordGiveEmptyFields) {
+  struct Case {
+    double waveform;
+    double polarityRange;
+    std::int16_t mode;
+    const char* expected;
+  };
+  const Case cases[] = {
+      {0, 0, 0, "SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
+      {1, 2, 0, "SQU,0,NORM,MFS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
+      {2, 3, 0, "NOIS,0,INV,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
+      {3, 2.5, 1, "DC,0,NORM,MFS,0,0,KEEP,0,CONS,0,CONS,0,CONS,0,CONS"},  // half to even
+      {4, 4, 2, "USER,0,INV,PFS,0,0,SWE,0,CONS,0,CONS,0,CONS,0,CONS"},
+      {5, 6, 3, ",0,INV,FS,0,0,,0,CONS,0,CONS,0,CONS,0,CONS"},
+      {-1, -2, -1, ",0,NORM,,0,0,,0,CONS,0,CONS,0,CONS,0,CONS"},
+      {0.5, 0, 0, ",0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
+  };
+  for (const Case& c : cases) {
+    auto sequence = std::make_unique<SequenceData>();
+    sequence->Cell(0, 0, kSlotWaveform).Value = c.waveform;
+    sequence->Cell(0, 0, kSlotPolarityRange).Value = c.polarityRange;
+    sequence->Cell(0, 0, kSlotFrequency).ChangeMode = c.mode;
+    EXPECT_EQ(Values(*sequence, 1).back(), c.expected);
+  }
+}
+
+TEST(SequenceText, CommonParameters) {
+  const std::pair<CommonParams, const char*> cases[] = {
+      {{1, 0, 0, 0, 0}, "SEQ=1,SYNC,0,STAR,POS"},
+      {{255, 2, 1, 1, 1}, "SEQ=255,SSYN,1,SBR,OFF"},
+      {{1, 3, 0, 0, 0}, "SEQ=1,SYNC,0,STAR,"},
+  };
+  for (const auto& [common, expected] : cases) {
+    auto sequence = std::make_unique<SequenceData>();
+    sequence->Common = common;
+    std::string text;
+    AppendSequenceText(text, *sequence, "QM2210", 1);
+    EXPECT_EQ(Lines(text)[7], expected);
+  }
+}
+
+TEST(SequenceText, ReplacesTheFileOrLeavesIt) {
+  const TempFolder folder;
+  const auto sequence = std::make_unique<SequenceData>();
+  const std::string path = folder.Write("sendata.bin", "old");
+  std::string error;
+  ASSERT_TRUE(BuildSequenceText(path, *sequence, "QM2220", 2, &error)) << error;
+  std::string text;
+  AppendSequenceText(text, *sequence, "QM2220", 2);
+  EXPECT_EQ(TempFolder::Read(path), text);
+
+  EXPECT_FALSE(BuildSequenceText(folder.File("missing/sendata.bin"), *sequence, "QM2220", 2, &error));
+  EXPECT_FALSE(error.empty());
+}
+
+}  // namespace
+}  // namespace corlune
