@@ -143,6 +143,8 @@ std::optional<std::string> ReadFileBytes(const std::string& path) {
 bool ReplaceFileBytes(const std::string& path, std::string_view bytes, std::string* error) {
   struct stat old {};
   const bool exists = stat(path.c_str(), &old) == 0;
+  // Anything but a missing file (a loop of links, a folder one may not enter) is a reason to stop.
+  if (!exists && errno != ENOENT) return Fail(error, "cannot write", path, errno);
   if (exists && S_ISDIR(old.st_mode)) return Fail(error, "cannot write", path, EISDIR);
   if (exists && !S_ISREG(old.st_mode)) return WriteDirectly(path, bytes, error);
   if (exists && access(path.c_str(), W_OK) != 0) return Fail(error, "cannot write", path, errno);

@@ -1,0 +1,108 @@
+#include "core/catalogue.h"
+
+#include <gtest/gtest.h>
+#include <set>
+
+#include "core/catalogue_texts.h"
+#include "core/files.h"
+#include "support/fake_ports.h"
+
+namespace corlune {
+namespace {
+
+std::set<char> Placeholders(std::string_view text) {
+  std::set<char> found;
+  for (std::size_t i = text.find('$'); i != std::string_view::npos; i = text.find('$', i + 1)) {
+    found.insert(i + 1 < text.size() ? text[i + 1] : '\0');
+  }
+  return found;
+}
+
+TEST(Catalogue, EveryTextStandsInBothLanguages) {
+  for (const CatalogueText& text : CatalogueTexts()) {
+    EXPECT_STRNE(text.english, "") << text.id;
+    EXPECT_STRNE(text.japanese, "") << text.id;
+    EXPECT_TRUE(IsValidUtf8(text.japanese)) << text.id;
+    EXPECT_EQ(Placeholders(text.english), Placeholders(text.japanese)) << text.id;
+    EXPECT_TRUE(text.id >= 1000 && text.id < 10000) << text.id;
+    // English must show in every font.
+    for (const char* c = text.english; *c != '\0'; ++c) EXPECT_GE(*c, '\n') << text.id;
+  }
+}
+
+TEST(Catalogue, HasEveryGroup) {
+  // First and last id of each group, as (first, last, number of texts).
+  const struct {
+    int first, last, count;
+  } kGroups[] = {
+      {1000, 1000, 1},  {1100, 1111, 12}, {1200, 1214, 9},  {1300, 1302, 3},  {1400, 1406, 7},
+      {2000, 2203, 13}, {3000, 3411, 17}, {4000, 4201, 9},  {4300, 4344, 44}, {5000, 5101, 6},
+      {5200, 5206, 6},  {5300, 5301, 2},  {6000, 6203, 6},  {7000, 7601, 38}, {8000, 8009, 10},
+      {9000, 9005, 6},  {9100, 9110, 11}, {9200, 9209, 10}, {9300, 9321, 22}, {9400, 9401, 2},
+  };
+  const std::vector<int> ids = MessageCatalogue::AllIds();
+  for (const auto& group : kGroups) {
+    std::vector<int> found;
+    for (const int id : ids) {
+      if (id >= group.first && id <= group.last) found.push_back(id);
+    }
+    ASSERT_EQ(static_cast<int>(found.size()), group.count) << group.first;
+    EXPECT_EQ(found.front(), group.first);
+    EXPECT_EQ(found.back(), group.last);
+  }
+}
+
+TEST(Catalogue, AnswersInItsLanguage) {
+  const MessageCatalogue english(10000);
+  const MessageCatalogue japanese(0);
+  EXPECT_EQ(english.GetResString(1103), "Step\nTime");
+  EXPECT_EQ(japanese.GetResString(1103), "Time");
+  EXPECT_EQ(english.GetResString(3302), "Plindor binary file(*.wdb)|*.wdb|text file(*.txt)|*.txt");
+  EXPECT_EQ(japanese.GetResString(9401),
+            "任意波形作成ソフトウエアが起動しています。\n任意波形作成ソフトウエアを終了してから再度起動してく"
+            "ださい。");
+  for (const int missing : {9999, 4333, 5202, 0, -1, 19000, 20000}) {
+    EXPECT_EQ(english.GetResString(missing), "") << missing;
+    EXPECT_EQ(japanese.GetResString(missing), "") << missing;
+  }
+  EXPECT_EQ(MessageCatalogue::GetFixedString(20000), "Tavrin Plindor for QM2210/20");
+  EXPECT_EQ(MessageCatalogue::GetFixedString(21000), "QM2210");
+  EXPECT_EQ(MessageCatalogue::GetFixedString(21001), "QM2220");
+}
+
+TEST(ReplaceArgs, FillsPlaceholdersFromLeftToRight) {
+  const struct {
+    const char* text;
+    std::vector<std::string> arguments;
+    const char* result;
+  } kRows[] = {
+      {"Input value Error!  Input value $1  Range of Input $2-$3",
+       {"5", "0", "3"},
+       "Input value Error!  Input value 5  Range of Input 0-3"},
+      {"no placeholder", {"5"}, "no placeholder"},
+      {"$12", {"a"}, "a2"},
+      {"$$1", {"a"}, "$1"},
+      {"$0$x$", {"a"}, "0x"},
+      {"$2$1$2", {"a", "b"}, "bab"},
+      {"<$2>", {"a"}, "<>"},
+      {"$1", {"$2"}, "$2"},
+      {"", {"a"}, ""},
+  };
+  for (const auto& row : kRows) EXPECT_EQ(ReplaceArgs(row.text, row.arguments), row.result) << row.text;
+}
+
+TEST(ShowMessage, AsksWithTheCatalogueText) {
+  testing::ScriptedPrompts prompts;
+  prompts.Answer(PromptAnswer::No);
+  EXPECT_EQ(
+      ShowMessage(prompts, MessageCatalogue(10000), 9201, PromptIcon::Question, PromptButtons::YesNo, {"3"}),
+      PromptAnswer::No);
+  ASSERT_EQ(prompts.messages.size(), 1u);
+  EXPECT_EQ(prompts.messages[0].text, "The communication error to the instrument 3 occurred.");
+  EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Question);
+  EXPECT_EQ(prompts.messages[0].buttons, PromptButtons::YesNo);
+  EXPECT_EQ(prompts.messages[0].caption, "");
+}
+
+}  // namespace
+}  // namespace corlune

@@ -1,0 +1,136 @@
+#include "core/profile_file.h"
+
+#include <cstdlib>
+#include <gtest/gtest.h>
+
+#include "core/files.h"
+#include "support/temp_folder.h"
+
+namespace corlune {
+namespace {
+
+using testing::TempFolder;
+
+// The system's default language for one test.
+class Locale {
+ public:
+  explicit Locale(const char* name) {
+    if (const char* old = std::getenv("LC_ALL")) old_ = old;
+    setenv("LC_ALL", name, 1);
+  }
+  ~Locale() { old_ ? setenv("LC_ALL", old_->c_str(), 1) : unsetenv("LC_ALL"); }
+  Locale(const Locale&) = delete;
+  Locale& operator=(const Locale&) = delete;
+
+ private:
+  std::optional<std::string> old_;
+};
+
+TEST(GetIniString, AddsTheCommentRuleToTheProfileRule) {
+  const TempFolder folder;
+  const std::string path =
+      folder.Write("a.ini",
+                   "[S]\r\nA= 1 \r\nB= ;off\r\nC=\";off\"\r\nD=\" x \"\r\nE=a;b\r\nF=\r\n"
+                   "G=\"  \"\r\nlong=" +
+                       std::string(3100, 'x') + "\r\n");
+  const struct {
+    const char* key;
+    const char* value;
+  } kRows[] = {{"a", "1"},   {"B", ""}, {"C", ""}, {"D", " x "},
+               {"E", "a;b"}, {"F", ""}, {"G", ""}, {"none", ""}};
+  for (const auto& row : kRows) EXPECT_EQ(GetIniString(path, "s", row.key), row.value) << row.key;
+  EXPECT_EQ(GetIniString(path, "S", "long"), std::string(2999, 'x'));
+  EXPECT_EQ(GetIniString(path, "T", "A"), "");
+  EXPECT_EQ(GetIniString(folder.File("none.ini"), "S", "A"), "");
+  EXPECT_EQ(GetIniString(folder.Path(), "S", "A"), "");
+}
+
+TEST(GetIniSection, JoinsEntriesByNul) {
+  const TempFolder folder;
+  const std::string path = folder.Write("a.ini", "[S]\r\n a = 1 \r\n;c\r\n\r\nb=2=3\r\n[T]\r\n");
+  EXPECT_EQ(GetIniSection(path, "s"), std::string("a=1\0b=2=3", 9));
+  EXPECT_EQ(GetIniSection(path, "T"), "");
+  EXPECT_EQ(GetIniSection(path, "U"), "");
+  EXPECT_EQ(GetIniSection(folder.File("none.ini"), "S"), "");
+}
+
+TEST(GetIniSection, CutsAtTheBufferInBytesOfTheCodePage) {
+  const Locale japanese("ja_JP.UTF-8");
+  const TempFolder folder;
+  // Each entry is six bytes with its NUL in code page 932, eight in UTF-8.
+  std::string bytes = "[S]\r\n";
+  for (int i = 0; i < 10; ++i) bytes += "k=\x95\x5C" + std::to_string(i) + "\r\n";
+  const std::string path = folder.Write("a.ini", bytes);
+  const auto entry = [](int i) { return "k=表" + std::to_string(i); };
+  std::string all = entry(0);
+  for (int i = 1; i < 10; ++i) all += '\0' + entry(i);
+  EXPECT_EQ(GetIniSection(path, "S", 62), all);  // 60 bytes of entries
+  EXPECT_EQ(GetIniSection(path, "S", 0), all);
+  EXPECT_EQ(GetIniSection(path, "S", 2 + 12), entry(0) + '\0' + entry(1));
+  EXPECT_EQ(GetIniSection(path, "S", 2 + 10), entry(0) + '\0' + "k=表");
+  EXPECT_EQ(GetIniSection(path, "S", 2 + 9), entry(0) + '\0' + "k=");  // never half a character
+}
+
+TEST(ForEachIniEntry, SplitsEntries) {
+  std::vector<std::string> seen;
+  const std::string section("a =1\0  ;off=1\0   \0b=2=3\0noequals\0=v\0", 37);
+  EXPECT_TRUE(ForEachIniEntry(section, [&](const IniEntry& entry) {
+    seen.push_back(std::string(entry.key) + "|" + std::string(entry.value) + "|" +
+                   std::string(entry.rawValue) + "|" + std::string(entry.whole));
+    return true;
+  }));
+  EXPECT_EQ(seen,
+            (std::vector<std::string>{"a |1|1|a =1", "b|2|2=3|b=2=3", "noequals|||noequals", "|v|v|=v"}));
+  int calls = 0;
+  EXPECT_FALSE(ForEachIniEntry(section, [&](const IniEntry&) { return ++calls < 2; }));
+  EXPECT_EQ(calls, 2);
+  EXPECT_TRUE(ForEachIniEntry("", [&](const IniEntry&) { return ++calls, true; }));
+  EXPECT_EQ(calls, 2);
+}
+
+TEST(SplitList, KeepsEveryItem) {
+  using List = std::vector<std::string_view>;
+  EXPECT_EQ(SplitList(""), (List{""}));
+  EXPECT_EQ(SplitList(" a,,b "), (List{" a", "", "b "}));
+  EXPECT_EQ(SplitList(","), (List{"", ""}));
+  EXPECT_EQ(SplitList("a/b", '/'), (List{"a", "b"}));
+}
+
+TEST(WriteIniString, KeepsEveryOtherByteInTheFilesOwnEncoding) {
+  const struct {
+    const char* locale;
+    std::string before;
+    std::string value;
+    std::string after;
+  } kRows[] = {
+      {"C", "", "1", "[E]\r\nM=1\r\n"},
+      {"C", ";\xB5\r\n[E]\r\nM=0\r\n", "é", ";\xB5\r\n[E]\r\nM=\xE9\r\n"},
+      {"C", ";µ\r\n[E]\r\nM=0\r\n", "é", ";µ\r\n[E]\r\nM=é\r\n"},
+      {"C", "[E]\r\nM=0\r\n", "表", "[E]\r\nM=表\r\n"},
+      {"C", ";\xB5\r\n[E]\r\nM=0\r\n", "表", ";µ\r\n[E]\r\nM=表\r\n"},  // the code page cannot hold both
+      {"ja_JP", ";\x83\x5C\r\n[E]\r\nM=0\r\n", "表", ";\x83\x5C\r\n[E]\r\nM=\x95\x5C\r\n"},
+      {"ja_JP", "\xEF\xBB\xBF[E]\r\nM=0\r\n", "表", "\xEF\xBB\xBF[E]\r\nM=表\r\n"},
+      {"C", ";\x83\x5C\r\n[E]\r\n m = 0\n[F]\r\n", "1", ";\x83\x5C\r\n[E]\r\nM=1\n[F]\r\n"},
+  };
+  for (const auto& row : kRows) {
+    const Locale locale(row.locale);
+    const TempFolder folder;
+    const std::string path = folder.Write("a.ini", row.before);
+    EXPECT_TRUE(WriteIniString(path, "E", "M", row.value));
+    EXPECT_EQ(TempFolder::Read(path), row.after);
+    EXPECT_EQ(GetIniString(path, "E", "M"), row.value);
+  }
+}
+
+TEST(WriteIniString, RefusesWhatItCannotWrite) {
+  const TempFolder folder;
+  EXPECT_FALSE(WriteIniString(folder.File("none/a.ini"), "E", "M", "1"));
+  EXPECT_FALSE(WriteIniString(folder.Path(), "E", "M", "1"));
+  const std::string path = folder.Write("a.ini", "[E]\r\nM=0\r\n");
+  EXPECT_FALSE(WriteIniString(path, "E", "M", "1\r\n[F]"));
+  EXPECT_FALSE(WriteIniString(path, "E", std::string("M\0", 2), "1"));
+  EXPECT_EQ(TempFolder::Read(path), "[E]\r\nM=0\r\n");
+}
+
+}  // namespace
+}  // namespace corlune

@@ -1,0 +1,1 @@
+int corlune_test_first(void) { return 11; }
