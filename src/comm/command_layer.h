@@ -1,8 +1,14 @@
 // The command layer: how every room above sends commands. Off-line nothing is sent and every operation
-// succeeds. Commands and queries pump events while they wait, so handlers can run inside.
+// succeeds.
+//
+// Re-entry: SendCommand with a wait, WaitWhileBusy and DelayMs pump events, so handlers (buttons, the
+// monitor's tick) can run inside and may send commands of their own. A send and the receive that follows it
+// without a wait are never parted. After a wait CurrentInterface is what it was before, whatever a handler
+// addressed meanwhile; pass the address again instead of kSameDevice.
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -26,10 +32,11 @@ class CommandLayer {
   // that list. Sets CurrentInterface. `failedInstrument` (may be null) gets the 0-based index of the first
   // instrument whose kind failed to open.
   [[nodiscard]] bool OpenInstrumentInterface(int* failedInstrument = nullptr);
-  // One GP_End for each kind in use; the status of instrument 0's.
+  // One GP_End for each kind that was opened; the status of instrument 0's.
   CommStatus CloseInstrumentInterface();
 
-  // Points CurrentInterface at instrument `index` (0..4) and returns its address for SendCommand.
+  // Points CurrentInterface at instrument `index` (0..4) and returns its address for SendCommand; outside the
+  // range it changes nothing and returns kSameDevice.
   std::int32_t SelectInstrument(int index);
 
   // wait > 0: ms to wait afterwards; < 0: poll until not busy; 0: none. Returns the failing send's status,
@@ -39,7 +46,8 @@ class CommandLayer {
   CommStatus ReceiveReply(std::int32_t address, std::string& reply);
   CommStatus SendBlockData(const std::string& header, std::span<const std::uint8_t> data,
                            std::int32_t address, std::int16_t elementFormat = 0);
-  // 0 when (reply AND mask) = 0, TimeOut when `limit` ms pass first, else the failing status.
+  // 0 when (reply AND mask) = 0, TimeOut when `limit` ms pass first, else the failing status. A reply that is
+  // no number counts as busy. Without a busy query in the command table: 0 at once.
   CommStatus WaitWhileBusy(std::int32_t address, const std::string& mask, std::int32_t limit);
   // Returns after `milliseconds` on the clock; handlers run meanwhile.
   void DelayMs(std::int32_t milliseconds);
@@ -52,11 +60,15 @@ class CommandLayer {
   EventPump& Pump() { return pump_; }
 
  private:
+  // Runs a wait; handlers inside may address other instruments.
+  void KeepingInterface(const std::function<void()>& wait);
+
   AppState& state_;
   const ModelDefinition& definition_;
   GpFrontEnd& gp_;
   TickClock& clock_;
   EventPump& pump_;
+  std::vector<InterfaceKind> openKinds_;  // that of instrument 0 at the opening first
 };
 
 }  // namespace corlune

@@ -50,6 +50,9 @@ class GpFamily {
   // Block reply of at most `byteCount` bytes straight into a file. USBTMC only; elsewhere Error.
   virtual CommStatus Gp_Recv_ToFile(std::int16_t address, const std::string& fileName,
                                     std::uint32_t byteCount, std::uint32_t& bytesRead) = 0;
+  // Why the last opening failed below the instrument: names tried and the reason for each, a missing symbol,
+  // a resource manager that does not open. Empty when it worked or when there is no library.
+  virtual std::string LibraryProblem() const { return {}; }
 };
 
 }  // namespace corlune

@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -50,9 +51,14 @@ class GpFrontEnd {
                                       std::int16_t address, std::int16_t elementFormat, bool swapBytes);
   CommStatus Gp_Recv_ToFile(std::int16_t address, const std::string& fileName, std::uint32_t byteCount,
                             std::uint32_t& bytesRead);
+  // Whatever CurrentInterface is: a search belongs to no instrument.
   int GP_Find_Devices(const std::string& expression);
   const std::vector<FoundInstrument>& Found() const;
+  // Of the current back-end, else of the search.
   std::string LibraryProblem() const;
+
+  // From now on every operation goes to the back-end of `kind`, whatever CurrentInterface is.
+  void RouteAllTo(InterfaceKind kind) { route_ = kind; }
 
  private:
   GpFamily* Current() const;  // null outside 0..4
@@ -60,6 +66,7 @@ class GpFrontEnd {
   AppState& state_;
   std::array<std::unique_ptr<GpFamily>, 5> backends_;
   InstrumentSearch* search_;
+  std::optional<InterfaceKind> route_;
 };
 
 }  // namespace corlune
