@@ -117,6 +117,7 @@ TEST_F(DefinitionFaults, SectionsThatMustBeThere) {
       {"[FILE]\nPROGID=P\n[SYSTEM]\nSS_MODEL=M0,M1\n[INTERFACE M0]\nIF_GPAD=1,a,2\n",
        {"INTERFACE M0", "IF_GPAD", "\"a\" is no 32-bit integer"}},
   };
+  definition_.Models = {"of an earlier load"};
   for (const Case& c : cases) {
     EXPECT_EQ(DefinitionLoad::BadValue, Load(c.text)) << c.text;
     EXPECT_EQ(c.problem.section, problem_.section) << c.text;
@@ -126,10 +127,10 @@ TEST_F(DefinitionFaults, SectionsThatMustBeThere) {
 }
 
 TEST_F(DefinitionFaults, ALoadKeepsWhatItDoesNotName) {
-  ASSERT_EQ(
-      DefinitionLoad::Ok,
-      LoadSpec("MN_RUNITEM=1,1,1,1,1,1\r\nCA_PRMVAL3=0,1,50,1\r\nSA_PRMREF2=1\r\nSC_BRANCH=1,2,1,5\r\n"
-               "CM_SNDA2=:A,1\r\nCM_DEVI2=:D,1\r\nCM_BUSY=:B?,1,70\r\nDP_REFFL=1,text\r\nCL_DEFSEQ=010203"));
+  ASSERT_EQ(DefinitionLoad::Ok,
+            LoadSpec("MN_RUNITEM=1,1,1,1,1,1\r\nCA_PRMVAL3=0,1,50,1\r\nSA_PRMREF2=1\r\nSC_BRANCH=1,2,1,5\r\n"
+                     "CM_SNDA2=:A,1\r\nCM_SNDS2=:S,1\r\nCM_DEVI2=:D,1\r\nCM_BUSY=:B?,1,70\r\nDP_REFFL=1,"
+                     "text\r\nCL_DEFSEQ=010203"));
   ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("MN_RUNITEM=0,1,0\r\nCA_PRMVAL3=0,2,$MAXSTEP,1\r\nSA_PRMREF2=\r\n"
                                          "SC_BRANCH=0,x,y,z\r\nCM_BUSY=:B?\r\nDP_REFFL=0\r\nNEW_KEY=?\r\n"
                                          "MN_NEW=?\r\n  ; CM_STAR=x"));
@@ -144,6 +145,7 @@ TEST_F(DefinitionFaults, ALoadKeepsWhatItDoesNotName) {
   EXPECT_EQ((Color{1, 2, 3}), definition_.DefaultSequence);
   EXPECT_EQ(":D", definition_.Commands.Device.Entries[2].Template);
   EXPECT_EQ(CommandList{}, definition_.Commands.SendAll) << "the two lists start empty in every load";
+  EXPECT_EQ(CommandList{}, definition_.Commands.SendStep);
   ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("CA_PRMVAL3=0,2,20,1"));
   EXPECT_EQ("", definition_.Common.Params[3].RangePlaceholder[1]);
 }

@@ -1,5 +1,6 @@
 // A definition file that sets every key must fill every field.
 #include <gtest/gtest.h>
+#include <memory>
 #include <tuple>
 
 #include "modeldef/read_model_definition.h"
@@ -201,11 +202,11 @@ auto Members(const ParamDef& d) {
 // Which members of `loaded` differ from those of an empty record.
 template <class Record>
 std::vector<bool> Filled(const Record& loaded) {
-  const Record empty{};
+  const auto empty = std::make_unique<Record>();
   std::vector<bool> filled;
   std::apply(
       [&](const auto&... member) {
-        std::apply([&](const auto&... none) { (filled.push_back(!(member == none)), ...); }, Members(empty));
+        std::apply([&](const auto&... none) { (filled.push_back(!(member == none)), ...); }, Members(*empty));
       },
       Members(loaded));
   return filled;
