@@ -273,6 +273,11 @@ constexpr CatalogueText kRows[] = {
     // Added texts: console.
 
     // Added texts: files and session.
+    {9640, "The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"},
+    {9641, "The present state could not be saved for the next start.\n$1\n$2\nClose all the same?", "次回起動用の編集状態を保存できませんでした。\n$1\n$2\nこのまま終了しますか？"},
+    {9642, "The model definition file has an error.\n$1", "型名定義ファイルに誤りがあります。\n$1"},
+    {9643, "The file exists already. Overwrite it?\n$1", "ファイルは既に存在します。上書きしますか？\n$1"},
+    {9644, "The file could not be read.\n$1", "ファイルを読み込めませんでした。\n$1"},
 
     // Added texts: instrument and download.
     {9600, "The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"},

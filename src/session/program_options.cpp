@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "comm/make_front_end.h"
 #include "core/files.h"
 
 namespace corlune {
@@ -14,7 +15,7 @@ constexpr const char* kVirtualVisa =
     "libcorlune-virtual-visa.so";
 #endif
 
-void AddLibrary(CLI::App& app, const std::string& name, const std::string& what, LibraryOption& option) {
+void AddLibrary(CLI::App& app, const std::string& name, const std::string& what, LibraryChoice& option) {
   app.add_option_function<std::string>(
          name,
          [&option](const std::string& file) {
@@ -56,9 +57,24 @@ void AddProgramOptions(CLI::App& app, ProgramOptions& options) {
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder) {
   if (!options.virtualInstrument) return;
   if (options.visa.file.empty()) options.visa = {false, JoinPath(programFolder, kVirtualVisa)};
-  for (LibraryOption* other : {&options.gpib, &options.usb488, &options.ieee32m}) {
+  for (LibraryChoice* other : {&options.gpib, &options.usb488, &options.ieee32m}) {
     if (other->file.empty()) other->none = true;
   }
+}
+
+MakeOutsideParts MakeParts(const ProgramOptions& options, const std::string& programFolder, Prompts& prompts,
+                           const TickClock& clock) {
+  return [options, programFolder, &prompts, &clock](AppState& state, EndProgram& end) {
+    const CommOptions comm{programFolder,
+                           options.visa,
+                           options.gpib,
+                           options.usb488,
+                           options.ieee32m,
+                           options.simulated,
+                           options.simulatedResponses};
+    return OutsideParts{MakeGpFrontEnd(state, comm, prompts, end, clock),
+                        std::make_unique<LoadedCompiler>(programFolder, options.compiler.file)};
+  };
 }
 
 }  // namespace corlune

@@ -4,26 +4,23 @@
 #include <optional>
 #include <string>
 
+#include "comm/io_libraries.h"
+#include "session/session_ports.h"
+
 namespace CLI {
 class App;
 }
 
 namespace corlune {
 
-// Which shared library an interface uses: the default names, one file, or none at all.
-struct LibraryOption {
-  bool none = false;
-  std::string file;  // empty: the default names
-};
-
 struct ProgramOptions {
   std::string folder;           // --folder, empty: the default application folder
   std::optional<bool> english;  // --lang
-  LibraryOption visa;
-  LibraryOption gpib;
-  LibraryOption usb488;
-  LibraryOption ieee32m;
-  LibraryOption compiler;
+  LibraryChoice visa;
+  LibraryChoice gpib;
+  LibraryChoice usb488;
+  LibraryChoice ieee32m;
+  LibraryChoice compiler;
   bool virtualInstrument = false;
   bool simulated = false;
   std::string simulatedResponses;  // response file; empty: none
@@ -35,5 +32,10 @@ void AddProgramOptions(CLI::App& app, ProgramOptions& options);
 // After the parse: --virtual-instrument turns every I/O library that was not named into the virtual
 // instrument's face in `programFolder`, or into none where it has no face.
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder);
+
+// The outside parts that `options` (after ResolveProgramOptions) ask for. `prompts` and `clock` must outlive
+// them.
+MakeOutsideParts MakeParts(const ProgramOptions& options, const std::string& programFolder, Prompts& prompts,
+                           const TickClock& clock);
 
 }  // namespace corlune

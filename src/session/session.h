@@ -7,16 +7,21 @@
 // closing are refused.
 #pragma once
 
+#include <array>
+#include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "commands/instrument_dialogues.h"
 #include "compile/download.h"
+#include "compile/waveform_transfer.h"
 #include "execution/measure.h"
 #include "execution/queries.h"
 #include "execution/run_control.h"
 #include "execution/run_monitor.h"
+#include "sequence/system_settings.h"
 #include "session/saving_end_program.h"
 #include "session/session_ports.h"
 
@@ -45,7 +50,7 @@ enum class ConnectResult { Connected, NoneFound, SeveralFound, NotFound, OpenFai
 struct SystemSetup {
   std::string modelName;
   std::int16_t instrumentCount = 1;
-  std::array<InstrumentEntry, kMaxInstruments> instruments{};  // InterfaceKind is derived from Interface
+  std::array<InstrumentEntry, kMaxInstruments> instruments{};  // InterfaceKind follows from Interface
 };
 
 class Session {
@@ -57,12 +62,16 @@ class Session {
 
   // --- start-up and closing -------------------------------------------------------------------------
   StartUpResult StartUp(const StartUpChecks& checks);
-  // Start-up from a sequence file, without Corlune.ini and work file: the model and the set-up come from the
-  // file. No connection yet; see Connect. False after its message. `userForm` is told from the file.
+  // Start-up from a sequence file of either form, without Corlune.ini and work file: the model and the
+  // set-up come from the file. No connection yet; see Connect. False after its message (a bad value of the
+  // model definition shows none, see LoadProblem).
   bool StartUpFromFile(const std::string& path);
-  // Finds the USBTMC instrument (serial number `serial`, or the only one), opens all kinds in use and
-  // queries the waveform directory. Shows 9201 when opening fails; the other results show nothing.
-  // `failedInstrument`: 1-based in the message.
+  // Start-up with an empty sequence and one USBTMC instrument whose model Connect finds out. No connection
+  // yet. False as above.
+  bool StartUpWithoutFile();
+  // Finds the USBTMC instrument (serial number `serial`, or the only one; after StartUpWithoutFile the first
+  // one of any model), opens all kinds in use, checks the models and queries the waveform directory. Shows
+  // 9201 when opening fails and the questions of CheckModels; the other results show nothing.
   ConnectResult Connect(const std::optional<std::string>& serial);
 
   // A close request. Asks about unsaved changes (9100), writes Corlune.ini and the work file, closes the
@@ -84,8 +93,12 @@ class Session {
   // --- instrument -----------------------------------------------------------------------------------
   // Reads the sequence in memory SequenceNumber back (message 9207 on failure, sequence unchanged).
   bool ReadBack();
-  // The set-up dialog's OK: model change with its save question, new set-up, reconnect, model check.
-  // False when the person cancelled the save question, or the set-up could not be applied.
+  // 0, or the message that refuses the set-up: 9302 too many channels, 9301 same address, 9309 same serial
+  // number.
+  int CheckSetup(const SystemSetup& setup) const;
+  // The set-up dialog's OK, after CheckSetup: model change with its save question and an empty sequence, new
+  // set-up, reconnect, model check. False when nothing was changed: the person cancelled the save question,
+  // or the model's definition could not be loaded.
   bool ApplySetup(const SystemSetup& setup);
   // Records the serial number of instrument 0.
   void SelectSerial(const std::string& serialNo);
@@ -97,7 +110,7 @@ class Session {
   void QueryArbDirectory();
 
   // Nothing that a close request or command must not interrupt is under way, and no run is going or held.
-  bool Idle() const { return !control_->BusyOrRunning() && !closing_; }
+  bool Idle() const { return !control_->BusyOrRunning(); }
 
   // --- parts ----------------------------------------------------------------------------------------
   AppState& State() { return state_; }
@@ -110,6 +123,7 @@ class Session {
   CompilerLibrary& Compiler() { return *outside_.compiler; }
   CommandLayer& Commands() { return *commands_; }
   InstrumentDialogues& Dialogues() { return *dialogues_; }
+  WaveformTransfer& Waveforms() { return *waveforms_; }
   Downloader& Download() { return *downloader_; }
   RunActivity& Activity() { return activity_; }
   RunQueries& Queries() { return *queries_; }
@@ -117,11 +131,45 @@ class Session {
   RunMonitor& Monitor() { return *monitor_; }
   // "Tavrin Corlune for QM2210/20  path".
   std::string Caption() const;
-  // Section and key (or the like) at which the last load of the model definition failed; empty when it
-  // worked.
-  const std::string& DefinitionProblem() const { return definitionProblem_; }
+  // Where the last load of the model definition, or the file of StartUpFromFile, failed (file, section, key,
+  // reason); empty when it worked. Not translated.
+  const std::string& LoadProblem() const { return loadProblem_; }
 
  private:
+  // A file command may start: nothing under way, edit mode.
+  bool MayReplaceSequence() const { return Idle() && state_.OperationMode == OperationMode::Edit; }
+
+  // start_up.cpp
+  bool LoadDefinitionOf(AppState& state, ModelDefinition& definition, bool showBadValue);
+  bool SettleModel();
+  void SearchAtStartUp(const StartUpChecks& checks);
+  bool LoadWorkData();
+  void SetUpUsbTmc();
+  int FindInstruments();
+  bool FindModelOfInstrument();
+  void SetWorkFilePath();
+  void ApplySimulated();
+  StartUpResult EndOfStartUp(StartUpResult result);
+
+  // connection.cpp
+  bool OpenConnection();
+  void GoOffline();
+  void ForgetInstrumentMemory();
+  bool SetupChangedSince(const SystemSettings& before) const;
+
+  // file_commands.cpp
+  bool AskToSave();
+  bool SaveToCurrentPath();
+  bool WriteUserFile(std::string path);
+  bool LoadUserFile(const std::string& path);
+  void ShowWriteProblem(const std::string& path, const std::string& error);
+  void ClearSequence();
+
+  // closing.cpp
+  bool OfferToSaveBeforeClosing();
+  bool WriteWorkFile(std::string* error);
+  void KeepForNextStart();
+
   SessionPorts ports_;
   SessionOptions options_;
   AppState state_;
@@ -133,14 +181,15 @@ class Session {
   RunActivity activity_;
   std::unique_ptr<CommandLayer> commands_;
   std::unique_ptr<InstrumentDialogues> dialogues_;
+  std::unique_ptr<WaveformTransfer> waveforms_;
   std::unique_ptr<Downloader> downloader_;
   std::unique_ptr<Measure> measure_;
   std::unique_ptr<RunQueries> queries_;
   std::unique_ptr<RunControl> control_;
   std::unique_ptr<RunMonitor> monitor_;
-  std::string definitionProblem_;
+  std::string loadProblem_;
   bool workDataLoaded_ = false;  // the sequence in memory is the person's, so it may replace the work file
-  bool closing_ = false;
+  bool anyModel_ = false;        // the model is that of the instrument found
 };
 
 }  // namespace corlune

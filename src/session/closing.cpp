@@ -1,0 +1,47 @@
+// Session: closing, and what is kept for the next start.
+#include "sequence/sequence_file.h"
+#include "session/edit_model.h"
+#include "session/session.h"
+
+namespace corlune {
+
+bool Session::WriteWorkFile(std::string* error) {
+  // A work file that could not be loaded is not replaced by what happens to be in memory.
+  if (!options_.writeSettings || !workDataLoaded_) return true;
+  std::string path = state_.WorkFilePath;
+  return WriteSeqFile(path, SequenceFileForm::Work, state_, definition_, sequence_, error);
+}
+
+void Session::KeepForNextStart() {
+  if (!options_.writeSettings || !workDataLoaded_) return;
+  WriteEditModel(state_);
+  WriteWorkFile(nullptr);
+}
+
+bool Session::OfferToSaveBeforeClosing() {
+  if (!state_.Modified) return true;
+  const PromptAnswer answer =
+      ShowMessage(ports_.prompts, catalogue_, 9100, PromptIcon::Question, PromptButtons::YesNoCancel);
+  if (answer == PromptAnswer::No) return true;
+  if (answer != PromptAnswer::Yes) return false;
+  // Without a name the sequence is kept in the work file alone.
+  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(5301), state_.CurrentFilePath);
+  return !path || path->empty() || WriteUserFile(*path);
+}
+
+bool Session::RequestClose() {
+  if (!Idle()) return false;
+  const WorkGuard guard(activity_);
+  if (options_.writeSettings) WriteEditModel(state_);
+  if (!OfferToSaveBeforeClosing()) return false;
+  std::string error;
+  if (!WriteWorkFile(&error) &&
+      ShowMessage(ports_.prompts, catalogue_, 9641, PromptIcon::Exclamation, PromptButtons::OkCancel,
+                  {state_.WorkFilePath, error}) != PromptAnswer::Ok) {
+    return false;
+  }
+  Disconnect();
+  return true;
+}
+
+}  // namespace corlune

@@ -1,0 +1,175 @@
+// Session: opening, closing and checking the instruments, and the system set-up.
+#include <algorithm>
+#include <memory>
+
+#include "modeldef/read_model_definition.h"
+#include "session/session.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kMostChannels = 20;
+
+bool OnGpib(const InstrumentEntry& entry) {
+  return entry.InterfaceKind == InterfaceKind::NiGpib || entry.InterfaceKind == InterfaceKind::KiGpib;
+}
+
+// The message that forbids the two instruments beside each other, 0 for none.
+int Conflict(const InstrumentEntry& a, const InstrumentEntry& b) {
+  if (a.InterfaceKind == InterfaceKind::UsbTmc && b.InterfaceKind == InterfaceKind::UsbTmc) {
+    return a.SerialNo == b.SerialNo ? 9309 : 0;
+  }
+  const bool bothUsb = a.InterfaceKind == InterfaceKind::Usb488 && b.InterfaceKind == InterfaceKind::Usb488;
+  if (bothUsb || (OnGpib(a) && OnGpib(b))) return a.Address == b.Address ? 9301 : 0;
+  return 0;
+}
+
+std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSetup& setup,
+                                                       const ModelInterfaceSpec& model) {
+  auto instruments = setup.instruments;
+  for (InstrumentEntry& entry : instruments) {
+    if (entry.Interface < 0 || entry.Interface >= static_cast<int>(model.InterfaceNames.size())) continue;
+    const std::string& name = model.InterfaceNames[static_cast<std::size_t>(entry.Interface)];
+    entry.InterfaceKind = KindOfInterface(name).value_or(entry.InterfaceKind);
+  }
+  return instruments;
+}
+
+}  // namespace
+
+bool Session::OpenConnection() {
+  int failed = 0;
+  state_.Online = 1;
+  if (commands_->OpenInstrumentInterface(&failed)) {
+    state_.Connected = true;
+    return true;
+  }
+  ShowMessage(ports_.prompts, catalogue_, 9201, PromptIcon::Exclamation, PromptButtons::Ok,
+              {std::to_string(failed + 1)});
+  // Kinds that did open are given back.
+  commands_->CloseInstrumentInterface();
+  state_.Online = 0;
+  return false;
+}
+
+void Session::Disconnect() {
+  if (!state_.Connected) return;
+  commands_->CloseInstrumentInterface();
+  state_.Connected = false;
+}
+
+void Session::GoOffline() {
+  Disconnect();
+  state_.Online = 0;
+  state_.OutputOn = false;
+  ports_.display.ConnectionChanged();
+}
+
+void Session::ForgetInstrumentMemory() {
+  for (ArbFileEntry& entry : sequence_.Channels.ArbFiles) {
+    entry.Transferred = 0;
+    entry.InInstrument = 0;
+    if (entry.FilePath.empty()) {
+      entry.ArrayForm = 0;
+      entry.PointCount = 0;
+    }
+  }
+}
+
+bool Session::Reconnect() {
+  const WorkGuard guard(activity_);
+  Disconnect();
+  ForgetInstrumentMemory();
+  state_.OutputOn = false;
+  if (!OpenConnection()) {
+    ports_.display.ConnectionChanged();
+    return false;
+  }
+  if (!CheckModels()) return false;
+  QueryArbDirectory();
+  ports_.display.ConnectionChanged();
+  return true;
+}
+
+bool Session::CheckModels() {
+  const WorkGuard guard(activity_);
+  const CommandEntry& query = definition_.Commands.Model;
+  for (int i = 0; i < state_.InstrumentCount; ++i) {
+    const std::int32_t address = commands_->SelectInstrument(i);
+    std::string reply;
+    bool answered = !Failed(commands_->SendCommand(address, query.Template, query.Wait));
+    answered = answered && !Failed(commands_->ReceiveReply(address, reply)) && !reply.empty();
+    if (answered && reply.find(state_.ModelName) != std::string::npos) continue;
+    const PromptAnswer answer =
+        ShowMessage(ports_.prompts, catalogue_, answered ? 9003 : 9002, PromptIcon::Question,
+                    PromptButtons::YesNo, {std::to_string(i + 1)});
+    if (answer != PromptAnswer::Yes) end_.EndNow(1);
+    GoOffline();
+    return false;
+  }
+  return true;
+}
+
+void Session::QueryArbDirectory() {
+  if (state_.Online != 1) return;
+  const WorkGuard guard(activity_);
+  commands_->SelectInstrument(0);
+  waveforms_->QueryArbDirectory(sequence_.Channels.ArbFiles);
+}
+
+bool Session::SetupChangedSince(const SystemSettings& before) const {
+  if (before.InstrumentCount != state_.InstrumentCount) return true;
+  for (std::size_t i = 0; i < static_cast<std::size_t>(state_.InstrumentCount); ++i) {
+    const InstrumentEntry& old = before.Instruments[i];
+    const InstrumentEntry& now = state_.Instruments[i];
+    if (old.InterfaceKind != now.InterfaceKind) return true;
+    const bool usbTmc = now.InterfaceKind == InterfaceKind::UsbTmc;
+    if (usbTmc ? old.SerialNo != now.SerialNo : old.Address != now.Address) return true;
+  }
+  return false;
+}
+
+int Session::CheckSetup(const SystemSetup& setup) const {
+  const auto count = static_cast<std::size_t>(std::clamp<int>(setup.instrumentCount, 1, kMaxInstruments));
+  const int model = definition_.IndexOfModel(setup.modelName);
+  const auto instruments = WithKinds(setup, definition_.InterfaceOf(model));
+  int channels = 0;
+  for (std::size_t i = 0; i < count; ++i) channels += instruments[i].ChannelCount;
+  if (channels > kMostChannels) return 9302;
+  for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t j = i + 1; j < count; ++j) {
+      if (const int message = Conflict(instruments[i], instruments[j]); message != 0) return message;
+    }
+  }
+  return 0;
+}
+
+bool Session::ApplySetup(const SystemSetup& setup) {
+  if (!MayReplaceSequence()) return false;
+  const WorkGuard guard(activity_);
+  const bool newModel = setup.modelName != state_.ModelName;
+  if (newModel) {
+    auto definition = std::make_unique<ModelDefinition>(definition_);
+    AppState next = state_;
+    next.ModelName = setup.modelName;
+    next.ModelIndex = static_cast<std::int16_t>(std::max(0, definition_.IndexOfModel(setup.modelName)));
+    if (!AskToSave()) return false;
+    if (!LoadDefinitionOf(next, *definition, true)) return false;
+    state_.ModelName = next.ModelName;
+    state_.ModelIndex = next.ModelIndex;
+    definition_ = std::move(*definition);
+    SetWorkFilePath();
+    ClearSequence();
+  }
+  state_.InstrumentCount =
+      static_cast<std::int16_t>(std::clamp<int>(setup.instrumentCount, 1, kMaxInstruments));
+  state_.Instruments = WithKinds(setup, definition_.InterfaceOf(state_.ModelIndex));
+  ApplySimulated();
+  ports_.display.SequenceReplaced(newModel ? SequenceChange::New : SequenceChange::SetupChanged);
+  ports_.display.ShowCaption(Caption());
+  Reconnect();
+  return true;
+}
+
+}  // namespace corlune

@@ -1,0 +1,170 @@
+// Session: New, Open, Save, Save As and their questions.
+#include <memory>
+#include <utility>
+
+#include "core/files.h"
+#include "modeldef/read_model_definition.h"
+#include "sequence/defaults.h"
+#include "sequence/sequence_file.h"
+#include "session/session.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kSequenceFilter = 5301;
+
+SequenceFileForm FormOf(const std::string& path) {
+  const auto bytes = ReadWholeFile(path);
+  return bytes ? DetectForm(DecodeText(*bytes)).value_or(SequenceFileForm::User) : SequenceFileForm::User;
+}
+
+// A name without the extension of a sequence file gets one when it is written.
+bool HasSequenceExtension(const std::string& path) {
+  if (path.size() < 4) return false;
+  std::string ending = path.substr(path.size() - 4);
+  for (char& c : ending) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+  return ending == ".dat" || ending == ".daf";
+}
+
+}  // namespace
+
+void Session::ClearSequence() {
+  ResetSequence(sequence_, definition_);
+  state_.Modified = false;
+  state_.CurrentFilePath.clear();
+}
+
+void Session::ShowWriteProblem(const std::string& path, const std::string& error) {
+  ShowMessage(ports_.prompts, catalogue_, 9640, PromptIcon::Exclamation, PromptButtons::Ok, {path, error});
+}
+
+bool Session::WriteUserFile(std::string path) {
+  if (!HasSequenceExtension(path)) {
+    // The file dialog asked about the name that was typed, not about this one.
+    path += ".dat";
+    if (FileExists(path) && ShowMessage(ports_.prompts, catalogue_, 9643, PromptIcon::Question,
+                                        PromptButtons::YesNo, {path}) != PromptAnswer::Yes) {
+      return false;
+    }
+  }
+  std::string error;
+  if (!WriteSeqFile(path, SequenceFileForm::User, state_, definition_, sequence_, &error)) {
+    ShowWriteProblem(path, error);
+    return false;
+  }
+  state_.CurrentFilePath = path;
+  state_.Modified = false;
+  ports_.display.ShowCaption(Caption());
+  return true;
+}
+
+bool Session::WriteFile(const std::string& path, bool userForm) {
+  const auto copy = std::make_unique<SequenceData>(sequence_);
+  std::string written = path;
+  std::string error;
+  const SequenceFileForm form = userForm ? SequenceFileForm::User : SequenceFileForm::Work;
+  if (WriteSeqFile(written, form, state_, definition_, *copy, &error)) return true;
+  ShowWriteProblem(written, error);
+  return false;
+}
+
+bool Session::SaveToCurrentPath() {
+  if (!state_.CurrentFilePath.empty()) return WriteUserFile(state_.CurrentFilePath);
+  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), {});
+  return path && !path->empty() && WriteUserFile(*path);
+}
+
+bool Session::AskToSave() {
+  if (!state_.Modified) return true;
+  switch (ShowMessage(ports_.prompts, catalogue_, 9101, PromptIcon::Question, PromptButtons::YesNoCancel)) {
+    case PromptAnswer::Yes:
+      return SaveToCurrentPath();
+    case PromptAnswer::No:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool Session::NewSequence() {
+  if (!MayReplaceSequence()) return false;
+  const WorkGuard guard(activity_);
+  ports_.display.HideEditors();
+  if (!AskToSave()) return false;
+  ClearSequence();
+  ports_.display.SequenceReplaced(SequenceChange::New);
+  ports_.display.ShowCaption(Caption());
+  return true;
+}
+
+bool Session::OpenWithDialog() {
+  if (!MayReplaceSequence()) return false;
+  const WorkGuard guard(activity_);
+  ports_.display.HideEditors();
+  if (!AskToSave()) return false;
+  const auto path = ports_.files.ChooseOpen(catalogue_.GetResString(kSequenceFilter));
+  return path && LoadUserFile(*path);
+}
+
+bool Session::OpenFile(const std::string& path) {
+  if (!MayReplaceSequence()) return false;
+  const WorkGuard guard(activity_);
+  ports_.display.HideEditors();
+  return AskToSave() && LoadUserFile(path);
+}
+
+bool Session::LoadUserFile(const std::string& path) {
+  if (path.empty() || !FileExists(path)) {
+    ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
+    return false;
+  }
+  const SystemSettings before = SettingsOf(state_);
+  // The definition of the file's model, when it is another one than the present.
+  std::unique_ptr<ModelDefinition> other;
+  const DefinitionFor definitions = [&](const std::string& model) -> const ModelDefinition* {
+    const int index = definition_.IndexOfModel(model);
+    if (index < 0) return nullptr;
+    if (model == state_.ModelName) return &definition_;
+    AppState next = state_;
+    next.ModelName = model;
+    next.ModelIndex = static_cast<std::int16_t>(index);
+    other = std::make_unique<ModelDefinition>(definition_);
+    return LoadDefinitionOf(next, *other, true) ? other.get() : nullptr;
+  };
+  if (!ReadSeqFile(path, FormOf(path), definitions, state_, sequence_, ports_.prompts, catalogue_)) {
+    return false;
+  }
+  if (other) definition_ = std::move(*other);
+  ApplySimulated();
+  SetWorkFilePath();
+  state_.CurrentFilePath = path;
+  state_.Modified = false;
+  ports_.display.SequenceReplaced(SequenceChange::Opened);
+  ports_.display.ShowCaption(Caption());
+  if (state_.Online == 1) {
+    if (SetupChangedSince(before)) {
+      Reconnect();
+    } else {
+      CheckModels();
+    }
+  }
+  return true;
+}
+
+bool Session::Save() {
+  if (!MayReplaceSequence()) return false;
+  const WorkGuard guard(activity_);
+  ports_.display.HideEditors();
+  return SaveToCurrentPath();
+}
+
+bool Session::SaveAs() {
+  if (!MayReplaceSequence()) return false;
+  const WorkGuard guard(activity_);
+  ports_.display.HideEditors();
+  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
+  return path && !path->empty() && WriteUserFile(*path);
+}
+
+}  // namespace corlune

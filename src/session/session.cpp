@@ -1,0 +1,79 @@
+#include "session/session.h"
+
+#include <utility>
+
+#include "compile/read_back.h"
+#include "core/files.h"
+#include "platform/folders.h"
+#include "platform/language.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr std::int32_t kEnglishOffset = 10000;
+constexpr int kTitleText = 1000;
+
+std::int32_t LanguageOffset(const SessionOptions& options) {
+  return options.english.value_or(CheckLanguage()) ? kEnglishOffset : 0;
+}
+
+}  // namespace
+
+Session::Session(const SessionPorts& ports, SessionOptions options, const MakeOutsideParts& makeParts)
+    : ports_(ports),
+      options_(std::move(options)),
+      catalogue_(LanguageOffset(options_)),
+      end_(ports.end, [this] { KeepForNextStart(); }),
+      outside_(makeParts(state_, end_)) {
+  state_.UseEnglish = catalogue_.English();
+  state_.LangOffset = state_.UseEnglish ? kEnglishOffset : 0;
+  state_.UiFontName = state_.UseEnglish ? "Arial" : "ＭＳ Pゴシック";
+  state_.AppFolder = options_.appFolder;
+  state_.StdIniPath = JoinPath(options_.appFolder, kModelDefinitionName);
+  state_.SysIniPath = JoinPath(options_.appFolder, "Corlune.ini");
+  state_.WorkFilePath = JoinPath(options_.appFolder, "Corlune_");
+
+  commands_ = std::make_unique<CommandLayer>(state_, definition_, *outside_.gp, ports_.clock, ports_.pump);
+  dialogues_ = std::make_unique<InstrumentDialogues>(*commands_, ports_.prompts, catalogue_);
+  waveforms_ = std::make_unique<WaveformTransfer>(*commands_, *dialogues_, ports_.prompts, catalogue_);
+  downloader_ = std::make_unique<Downloader>(
+      state_, definition_, sequence_, *commands_, *dialogues_, *outside_.compiler, catalogue_,
+      DownloadPorts{ports_.prompts, ports_.progress, ports_.runDisplay});
+  const RunContext run{state_,         sequence_,    *commands_,        catalogue_,
+                       ports_.prompts, ports_.timer, ports_.runDisplay, ports_.view};
+  measure_ = std::make_unique<Measure>(run);
+  queries_ = std::make_unique<RunQueries>(run, *measure_);
+  control_ = std::make_unique<RunControl>(run, *measure_, *queries_, activity_,
+                                          [this] { return downloader_->DownloadSequence(); });
+  monitor_ = std::make_unique<RunMonitor>(run, *measure_, *queries_, *control_, activity_);
+}
+
+Session::~Session() = default;
+
+std::string Session::Caption() const {
+  return catalogue_.GetResString(kTitleText) + "  " + state_.CurrentFilePath;
+}
+
+void Session::SetWorkFilePath() {
+  state_.WorkFilePath = JoinPath(state_.AppFolder, "Corlune_" + state_.ModelName + ".ini");
+}
+
+void Session::SelectSerial(const std::string& serialNo) {
+  state_.Instruments[0].SerialNo = serialNo;
+}
+
+bool Session::ReadBack() {
+  if (!MayReplaceSequence()) return false;
+  const WorkGuard guard(activity_);
+  ports_.display.ShowWaitCursor(true);
+  const bool received =
+      ReadBackSequence(*commands_, ports_.prompts, catalogue_, sequence_.SequenceNumber, sequence_);
+  ports_.display.ShowWaitCursor(false);
+  if (!received) return false;
+  state_.Modified = true;
+  ports_.display.SequenceReplaced(SequenceChange::ReadBack);
+  return true;
+}
+
+}  // namespace corlune

@@ -1,0 +1,246 @@
+// Session: from the profile files to a program that can show its window.
+#include <algorithm>
+#include <vector>
+
+#include "core/files.h"
+#include "modeldef/read_model_definition.h"
+#include "sequence/defaults.h"
+#include "sequence/sequence_file.h"
+#include "session/edit_model.h"
+#include "session/session.h"
+#include "session/system_defaults.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kSiblingTitleText = 20000;
+
+// "file: section SPEC QM2220: key CM_STAR: the wait is no number"
+std::string Describe(const std::string& path, const DefinitionProblem& problem) {
+  std::string text = path;
+  if (!problem.section.empty()) text += ": section " + problem.section;
+  if (!problem.key.empty()) text += ": key " + problem.key;
+  return text + ": " + problem.reason;
+}
+
+}  // namespace
+
+bool Session::LoadDefinitionOf(AppState& state, ModelDefinition& definition, bool showBadValue) {
+  DefinitionProblem problem;
+  if (ReadModelDefinition(state, definition, ports_.prompts, catalogue_, &problem)) {
+    loadProblem_.clear();
+    return true;
+  }
+  loadProblem_ = Describe(state.StdIniPath, problem);
+  if (showBadValue && !problem.section.empty()) {
+    ShowMessage(ports_.prompts, catalogue_, 9642, PromptIcon::Exclamation, PromptButtons::Ok, {loadProblem_});
+  }
+  return false;
+}
+
+void Session::ApplySimulated() {
+  if (!options_.simulated) return;
+  for (InstrumentEntry& entry : state_.Instruments) entry.InterfaceKind = InterfaceKind::Simulated;
+}
+
+bool Session::SettleModel() {
+  if (!LoadDefinitionOf(state_, definition_, true)) return false;
+  const int index = definition_.IndexOfModel(state_.ModelName);
+  SetWorkFilePath();
+  if (index >= 0) {
+    state_.ModelIndex = static_cast<std::int16_t>(index);
+    return true;
+  }
+  // The work file says for itself that its model is gone. Without one the first model takes its place, so
+  // that a settings file left over from an older definition does not lock the person out.
+  if (FileExists(state_.WorkFilePath) || definition_.Models.empty()) return true;
+  ShowMessage(ports_.prompts, catalogue_, 9004, PromptIcon::Exclamation, PromptButtons::Ok,
+              {state_.ModelName});
+  state_.ModelName = definition_.Models[0];
+  state_.ModelIndex = 0;
+  return LoadDefinitionOf(state_, definition_, true);
+}
+
+void Session::SetUpUsbTmc() {
+  const ModelInterfaceSpec& model = definition_.InterfaceOf(state_.ModelIndex);
+  state_.InstrumentCount = 1;
+  InstrumentEntry& instrument = state_.Instruments[0];
+  instrument = InstrumentEntry{};
+  instrument.ChannelCount = static_cast<std::int16_t>(model.Channels.Maximum);
+  instrument.InterfaceKind = InterfaceKind::UsbTmc;
+  for (std::size_t i = 0; i < model.InterfaceNames.size(); ++i) {
+    if (model.InterfaceNames[i] == "USBTMC") instrument.Interface = static_cast<std::int16_t>(i);
+  }
+  state_.CurrentInterface = InterfaceKind::UsbTmc;
+  ApplySimulated();
+}
+
+int Session::FindInstruments() {
+  const std::string& prefix = definition_.InterfaceOf(state_.ModelIndex).UsbTmcId;
+  if (prefix.empty()) return 0;
+  state_.CurrentInterface = InterfaceKind::UsbTmc;
+  return Gp().GP_Find_Devices(prefix + "?*INSTR");
+}
+
+void Session::SearchAtStartUp(const StartUpChecks& checks) {
+  SetUpUsbTmc();
+  if (options_.simulated) return;
+  const int found = FindInstruments();
+  if (found == 0) {
+    state_.Online = 0;
+  } else if (found == 1) {
+    SelectSerial(Gp().Found().front().SerialNo);
+  } else {
+    ShowMessage(ports_.prompts, catalogue_, 9310, PromptIcon::Information);
+    if (!checks.selectInstrument || !checks.selectInstrument()) state_.Online = 0;
+  }
+}
+
+bool Session::LoadWorkData() {
+  SetWorkFilePath();
+  if (FileExists(state_.WorkFilePath)) {
+    const DefinitionFor definitions = [this](const std::string& model) -> const ModelDefinition* {
+      if (definition_.IndexOfModel(model) < 0) return nullptr;
+      if (model == state_.ModelName) return &definition_;
+      AppState next = state_;
+      next.ModelName = model;
+      return LoadDefinitionOf(next, definition_, true) ? &definition_ : nullptr;
+    };
+    if (!ReadSeqFile(state_.WorkFilePath, SequenceFileForm::Work, definitions, state_, sequence_,
+                     ports_.prompts, catalogue_)) {
+      return false;
+    }
+    SetWorkFilePath();
+  } else {
+    if (!LoadDefinitionOf(state_, definition_, true)) return false;
+    InitSystemDefaults(state_, definition_, sequence_);
+  }
+  ApplySimulated();
+  workDataLoaded_ = true;
+  return true;
+}
+
+StartUpResult Session::EndOfStartUp(StartUpResult result) {
+  if (result != StartUpResult::Show) Disconnect();
+  return result;
+}
+
+StartUpResult Session::StartUp(const StartUpChecks& checks) {
+  state_.StartupDone = false;
+  if (checks.otherInstance && checks.otherInstance()) return StartUpResult::ActivateOther;
+  state_.Connected = false;
+  if (checks.siblingRunning && checks.siblingRunning(MessageCatalogue::GetFixedString(kSiblingTitleText))) {
+    ShowMessage(ports_.prompts, catalogue_, 9401, PromptIcon::Exclamation);
+    return StartUpResult::EndProcess;
+  }
+  ResetChannelTables(sequence_, state_.Online == 1);
+  state_.Online = 1;
+  if (!ReadEditModel(state_.SysIniPath, state_, ports_.prompts, catalogue_)) UseDefaultModel(state_);
+  if (!SettleModel()) return StartUpResult::EndProcess;
+  SearchAtStartUp(checks);
+  if (state_.Online == 1 && !state_.Connected) OpenConnection();
+
+  const SystemSettings opened = SettingsOf(state_);
+  if (!LoadWorkData() || !LoadDefinitionOf(state_, definition_, true)) {
+    return EndOfStartUp(StartUpResult::EndProcess);
+  }
+  if (state_.Online == 1 && SetupChangedSince(opened)) {
+    Reconnect();
+    if (end_.Ended()) return EndOfStartUp(StartUpResult::EndProcess);
+  } else {
+    QueryArbDirectory();
+  }
+  state_.StartupDone = true;
+  return StartUpResult::Show;
+}
+
+bool Session::StartUpFromFile(const std::string& path) {
+  state_.Online = 0;
+  anyModel_ = false;
+  const auto bytes = ReadWholeFile(path);
+  if (!bytes) {
+    ShowMessage(ports_.prompts, catalogue_, 9644, PromptIcon::Exclamation, PromptButtons::Ok, {path});
+    return false;
+  }
+  // Any model of the list serves to load the list itself; the file's own is loaded when its name is known.
+  UseDefaultModel(state_);
+  if (!LoadDefinitionOf(state_, definition_, false)) return false;
+  const DefinitionFor definitions = [this](const std::string& model) -> const ModelDefinition* {
+    if (definition_.IndexOfModel(model) < 0) return nullptr;
+    AppState next = state_;
+    next.ModelName = model;
+    return LoadDefinitionOf(next, definition_, false) ? &definition_ : nullptr;
+  };
+  const std::string text = DecodeText(*bytes);
+  SystemSettings settings = SettingsOf(state_);
+  const SequenceFileForm form = DetectForm(text).value_or(SequenceFileForm::User);
+  const ReadResult result = ParseSequenceFile(text, form, definitions, sequence_, settings);
+  if (!loadProblem_.empty()) return false;
+  if (result.Problem != SequenceFileProblem::None) {
+    const bool unknown = result.Problem == SequenceFileProblem::UnknownModel;
+    ShowMessage(ports_.prompts, catalogue_, unknown ? 9004 : 9005, PromptIcon::Exclamation, PromptButtons::Ok,
+                {result.Model});
+    loadProblem_ = path + ": " + (unknown ? "unknown model " + result.Model : result.Detail);
+    return false;
+  }
+  ApplySettings(state_, settings);
+  state_.ProgId = definition_.ProgId;
+  state_.VerNo = definition_.VerNo;
+  state_.CurrentFilePath = path;
+  SetWorkFilePath();
+  ApplySimulated();
+  state_.StartupDone = true;
+  return true;
+}
+
+bool Session::StartUpWithoutFile() {
+  state_.Online = 0;
+  anyModel_ = true;
+  if (!ReadEditModelQuietly(state_.SysIniPath, state_)) UseDefaultModel(state_);
+  if (!LoadDefinitionOf(state_, definition_, false)) return false;
+  if (definition_.IndexOfModel(state_.ModelName) < 0 && !definition_.Models.empty()) {
+    state_.ModelName = definition_.Models[0];
+    if (!LoadDefinitionOf(state_, definition_, false)) return false;
+  }
+  state_.ModelIndex = static_cast<std::int16_t>(definition_.IndexOfModel(state_.ModelName));
+  ResetSequence(sequence_, definition_);
+  SetUpUsbTmc();
+  SetWorkFilePath();
+  state_.StartupDone = true;
+  return true;
+}
+
+bool Session::FindModelOfInstrument() {
+  const std::vector<std::string> models = definition_.Models;
+  for (std::size_t i = 0; i < models.size(); ++i) {
+    state_.ModelIndex = static_cast<std::int16_t>(i);
+    state_.ModelName = models[i];
+    if (FindInstruments() == 0) continue;
+    if (!LoadDefinitionOf(state_, definition_, false)) return false;
+    ResetSequence(sequence_, definition_);
+    SetUpUsbTmc();
+    return true;
+  }
+  return false;
+}
+
+ConnectResult Session::Connect(const std::optional<std::string>& serial) {
+  const WorkGuard guard(activity_);
+  if (state_.Instruments[0].InterfaceKind == InterfaceKind::UsbTmc) {
+    if (anyModel_ ? !FindModelOfInstrument() : FindInstruments() == 0) return ConnectResult::NoneFound;
+    const std::vector<FoundInstrument>& found = Gp().Found();
+    if (found.size() > 1 && !serial && !anyModel_) return ConnectResult::SeveralFound;
+    const auto chosen = std::find_if(found.begin(), found.end(), [&](const FoundInstrument& instrument) {
+      return !serial || instrument.SerialNo == *serial || instrument.Resource == *serial;
+    });
+    if (chosen == found.end()) return ConnectResult::NotFound;
+    SelectSerial(chosen->SerialNo);
+  }
+  if (!OpenConnection()) return ConnectResult::OpenFailed;
+  if (!options_.simulated && !CheckModels()) return ConnectResult::Offline;
+  QueryArbDirectory();
+  return ConnectResult::Connected;
+}
+
+}  // namespace corlune
