@@ -92,42 +92,48 @@ void ConsoleProgress::End() {
   if (terminal_) Draw('\n');
 }
 
-ConsoleDisplay::ConsoleDisplay(AppState& state, const MessageCatalogue& catalogue)
-    : state_(state), catalogue_(catalogue), terminal_(isatty(STDOUT_FILENO) != 0) {}
+ConsoleDisplay::ConsoleDisplay() : terminal_(isatty(STDOUT_FILENO) != 0) {}
+
+void ConsoleDisplay::Attach(const AppState& state, const SequenceData& sequence,
+                            const MessageCatalogue& catalogue) {
+  state_ = &state;
+  sequence_ = &sequence;
+  catalogue_ = &catalogue;
+}
 
 void ConsoleDisplay::RefreshControls() {
-  if (state_.RunState == shownState_) return;
-  shownState_ = state_.RunState;
+  if (state_->RunState == shownState_) return;
+  shownState_ = state_->RunState;
   if (shownState_ == RunState::Held) {
-    std::cout << TimeText(state_.ElapsedTime) << "  " << catalogue_.GetResString(8003) << std::endl;
+    std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(8003) << std::endl;
   }
 }
 
 void ConsoleDisplay::SetControlsEnabled(RunControls, bool) {}
 
 void ConsoleDisplay::ShowModeLayout(int operationMode) {
-  std::cout << catalogue_.GetResString(operationMode == 1 ? 1403 : 1402) << std::endl;
+  std::cout << catalogue_->GetResString(operationMode == 1 ? 1403 : 1402) << std::endl;
 }
 
 void ConsoleDisplay::HighlightRow(GridRow row, bool on) {
   if (!on) return;
   // The monitor sets the mark anew at every poll; only a change of the step is worth a line.
-  if (stepsShown_ > 0 && row.value == shownRow_ && state_.StepChangedAt == shownChange_) return;
+  if (stepsShown_ > 0 && row.value == shownRow_ && state_->StepChangedAt == shownChange_) return;
   shownRow_ = row.value;
-  shownChange_ = state_.StepChangedAt;
+  shownChange_ = state_->StepChangedAt;
   ++stepsShown_;
-  std::cout << TimeText(state_.ElapsedTime) << "  " << catalogue_.GetResString(1302) << " "
-            << ShownNumber(NumberOf(IndexOf(row)), startStep_) << std::endl;
+  std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(1302) << " "
+            << ShownNumber(NumberOf(IndexOf(row)), sequence_->StartStep) << std::endl;
 }
 
 void ConsoleDisplay::ScrollTo(GridRow) {}
 
 void ConsoleDisplay::ShowTotalTime(double milliseconds) {
-  std::cout << TimePanelText(catalogue_, 1405, milliseconds) << std::endl;
+  std::cout << TimePanelText(*catalogue_, 1405, milliseconds) << std::endl;
 }
 
 void ConsoleDisplay::ShowElapsedTime(std::int32_t milliseconds) {
-  if (terminal_ && state_.RunState == RunState::Running)
+  if (terminal_ && state_->RunState == RunState::Running)
     std::cout << TimeText(milliseconds) << '\r' << std::flush;
 }
 

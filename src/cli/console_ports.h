@@ -10,6 +10,7 @@
 #include "core/app_state.h"
 #include "core/catalogue.h"
 #include "core/ports.h"
+#include "sequence/sequence_data.h"
 
 namespace corlune {
 
@@ -51,9 +52,9 @@ class ConsoleProgress : public Progress {
 
 class ConsoleDisplay : public RunDisplay {
  public:
-  ConsoleDisplay(AppState& state, const MessageCatalogue& catalogue);
-  // The number that column 0 shows for the first step.
-  void SetStartStep(int startStep) { startStep_ = startStep; }
+  ConsoleDisplay();
+  // Before the first call of the port: the state that is shown and the words for it. Both must outlive this.
+  void Attach(const AppState& state, const SequenceData& sequence, const MessageCatalogue& catalogue);
   // Whole steps were shown since the run began.
   int StepsShown() const { return stepsShown_; }
 
@@ -66,10 +67,10 @@ class ConsoleDisplay : public RunDisplay {
   void ShowElapsedTime(std::int32_t milliseconds) override;
 
  private:
-  AppState& state_;
-  const MessageCatalogue& catalogue_;
+  const AppState* state_ = nullptr;
+  const SequenceData* sequence_ = nullptr;
+  const MessageCatalogue* catalogue_ = nullptr;
   bool terminal_;
-  int startStep_ = 1;
   int shownRow_ = 0;
   int stepsShown_ = 0;
   std::uint32_t shownChange_ = 0;

@@ -271,6 +271,14 @@ constexpr CatalogueText kRows[] = {
     // Added texts: sequence view.
 
     // Added texts: console.
+    {8103, "$1: $2 steps, $3 channels, $4 arbitrary waveforms", "$1：ステップ数 $2、チャネル数 $3、任意波形 $4"},
+    {8104, "$1: $2 bytes", "$1：$2 バイト"},
+    {9501, "The file could not be read: $1", "ファイルを読み込めません：$1"},
+    {9520, "No instrument was found.", "機器が見つかりません。"},
+    {9521, "Several instruments were found. Name one with --serial:$1", "複数の機器が見つかりました。--serial で指定してください：$1"},
+    {9522, "The instrument with the serial number $1 was not found.", "シリアル番号 $1 の機器が見つかりません。"},
+    {9523, "The program stops as soon as the transfer has ended.", "転送が終わり次第、停止します。"},
+    {9524, "The sequence execution was stopped.", "シーケンス実行を停止しました。"},
 
     // Added texts: files and session.
     {9640, "The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"},

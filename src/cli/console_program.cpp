@@ -1,0 +1,82 @@
+#include "cli/console_program.h"
+
+#include <cstdlib>
+#include <iostream>
+
+#include "core/files.h"
+#include "platform/folders.h"
+
+namespace corlune {
+
+void ExitProgram::EndNow(int exitCode) {
+  loop_.RawKeys(false);
+  std::cout.flush();
+  std::_Exit(exitCode);
+}
+
+ConsoleProgram::ConsoleProgram(const ProgramOptions& options, const ConsoleAnswers& answers)
+    : loop_(clock_), prompts_(loop_, answers), end_(loop_) {
+  SessionOptions sessionOptions;
+  sessionOptions.programFolder = ProgramFolder();
+  sessionOptions.appFolder = options.folder.empty() ? DefaultApplicationFolder() : options.folder;
+  sessionOptions.english = options.english;
+  sessionOptions.simulated = options.simulated;
+  sessionOptions.writeSettings = false;
+  const SessionPorts ports{prompts_, clock_, loop_, loop_,  progress_,
+                           display_, view_,  end_,  files_, sessionDisplay_};
+  session_ = std::make_unique<Session>(ports, sessionOptions,
+                                       MakeParts(options, sessionOptions.programFolder, prompts_, clock_));
+  display_.Attach(session_->State(), session_->Sequence(), session_->Catalogue());
+  loop_.OnTick([this] { session_->Monitor().Tick(); });
+}
+
+bool ConsoleProgram::Load(const std::string& path) {
+  if (session_->StartUpFromFile(path)) return true;
+  if (!session_->LoadProblem().empty()) Fail(session_->DefinitionProblem());
+  return false;
+}
+
+bool ConsoleProgram::Connect(const std::optional<std::string>& serial) {
+  switch (session_->Connect(serial)) {
+    case ConnectResult::Connected:
+      return true;
+    case ConnectResult::NoneFound: {
+      const std::string problem = session_->Gp().LibraryProblem();
+      Fail(Catalogue().GetResString(9520) + (problem.empty() ? std::string() : "\n" + problem));
+      return false;
+    }
+    case ConnectResult::SeveralFound: {
+      std::string serials;
+      for (const FoundInstrument& found : session_->Gp().Found()) serials += " " + found.SerialNo;
+      Fail(Catalogue().GetResString(9521, {serials}));
+      return false;
+    }
+    case ConnectResult::NotFound:
+      Fail(Catalogue().GetResString(9522, {serial.value_or("")}));
+      return false;
+    case ConnectResult::OpenFailed: {
+      // The message has been shown; the reason stands in the library's problem.
+      const std::string problem = session_->Gp().LibraryProblem();
+      if (!problem.empty()) Fail(problem);
+      return false;
+    }
+    case ConnectResult::Offline:
+      Fail(Catalogue().GetResString(1400));
+      return false;
+  }
+  return false;
+}
+
+int Fail(const std::string& text) {
+  std::cout.flush();
+  std::cerr << text << std::endl;
+  return kExitFailed;
+}
+
+int WriteOutput(const std::string& path, std::string_view bytes) {
+  std::string error;
+  if (ReplaceFile(path, bytes, &error)) return kExitSuccess;
+  return Fail(error);
+}
+
+}  // namespace corlune

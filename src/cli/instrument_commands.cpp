@@ -1,0 +1,49 @@
+#include <iostream>
+
+#include "cli/commands.h"
+#include "compile/sequence_text.h"
+#include "sequence/channel_tabs.h"
+
+namespace corlune {
+
+int ReadCommand(ConsoleProgram& program, const ReadOptions& options) {
+  Session& session = program.GetSession();
+  if (options.setup.empty() ? !session.StartUpWithoutFile() : !program.Load(options.setup))
+    return kExitFailed;
+  if (!program.Connect(options.serial)) return kExitFailed;
+  session.Sequence().SequenceNumber = static_cast<std::int16_t>(options.number);
+  const bool received = session.ReadBack();
+  session.Disconnect();
+  if (!received) return kExitFailed;
+  if (!options.out.empty()) return session.WriteFile(options.out, true) ? kExitSuccess : kExitFailed;
+  std::string text;
+  AppendSequenceText(text, session.Sequence(), session.State().ModelName, EditedChannels(session.State()));
+  std::cout << text << std::flush;
+  return kExitSuccess;
+}
+
+int DevicesCommand(ConsoleProgram& program) {
+  Session& session = program.GetSession();
+  if (!session.StartUpWithoutFile()) {
+    if (!session.LoadProblem().empty()) Fail(session.DefinitionProblem());
+    return kExitFailed;
+  }
+  int found = 0;
+  std::string problem;
+  const ModelDefinition& definition = session.Definition();
+  for (std::size_t model = 0; model < definition.Models.size(); ++model) {
+    const std::string& prefix = definition.Interfaces[model].UsbTmcId;
+    if (prefix.empty()) continue;
+    session.State().CurrentInterface = InterfaceKind::UsbTmc;
+    found += session.Gp().GP_Find_Devices(prefix + "?*INSTR");
+    for (const FoundInstrument& instrument : session.Gp().Found()) {
+      std::cout << definition.Models[model] << "  " << instrument.SerialNo << "  " << instrument.Resource
+                << std::endl;
+    }
+    problem = session.Gp().LibraryProblem();
+  }
+  if (found > 0) return kExitSuccess;
+  return Fail(program.Catalogue().GetResString(9520) + (problem.empty() ? std::string() : "\n" + problem));
+}
+
+}  // namespace corlune

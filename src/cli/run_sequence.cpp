@@ -1,0 +1,102 @@
+#include <iostream>
+
+#include "cli/commands.h"
+#include "core/time_text.h"
+
+namespace corlune {
+namespace {
+
+// Drives one run from the keyboard: h hold, Enter resume, b branch, s or Ctrl+C stop.
+class RunKeys {
+ public:
+  explicit RunKeys(ConsoleProgram& program) : program_(program), session_(program.GetSession()) {
+    program_.Loop().OnKey([this](char key) { Press(key); });
+    program_.Loop().OnInterrupt([this](int count) { Interrupt(count); });
+    program_.Loop().RawKeys(true);
+  }
+  ~RunKeys() {
+    program_.Loop().RawKeys(false);
+    program_.Loop().OnKey({});
+    program_.Loop().OnInterrupt({});
+  }
+  RunKeys(const RunKeys&) = delete;
+  RunKeys& operator=(const RunKeys&) = delete;
+
+  bool Stopped() const { return stopped_; }
+
+ private:
+  void Press(char key) {
+    switch (key) {
+      case 's':
+        Stop();
+        break;
+      case 'h':
+        session_.Control().MenuItem(static_cast<int>(Run::Hold));
+        break;
+      case 'b':
+        session_.Control().MenuItem(static_cast<int>(Run::Branch));
+        break;
+      case '\r':
+      case '\n':
+        if (session_.State().RunState == RunState::Held)
+          session_.Control().MenuItem(static_cast<int>(Run::Start));
+        break;
+      default:
+        break;
+    }
+  }
+  void Interrupt(int count) {
+    if (count == 1 && session_.State().RunState == RunState::Stopped) {
+      // A transfer is under way; the instrument runs nothing yet. It ends first, then the program does.
+      std::cerr << program_.Catalogue().GetResString(9523) << std::endl;
+    }
+    Stop();
+  }
+  void Stop() {
+    stopped_ = true;
+    session_.Control().MenuItem(static_cast<int>(Run::Stop));
+  }
+
+  ConsoleProgram& program_;
+  Session& session_;
+  bool stopped_ = false;
+};
+
+// Sleeps in the event loop while ticks and keys carry the run on.
+void FollowRun(ConsoleProgram& program) {
+  Session& session = program.GetSession();
+  while (session.Control().BusyOrRunning()) {
+    session.Commands().DelayMs(100);
+  }
+}
+
+int RunConnected(ConsoleProgram& program, int number) {
+  Session& session = program.GetSession();
+  session.Sequence().SequenceNumber = static_cast<std::int16_t>(number);
+  RunKeys keys(program);
+  if (!session.Control().SetOperationMode(OperationMode::Execution)) return kExitFailed;
+  if (keys.Stopped()) return kExitFailed;
+  if (!session.Control().RunCommand(Run::Start)) return kExitFailed;
+  FollowRun(program);
+  if (keys.Stopped()) {
+    std::cout << program.Catalogue().GetResString(9524) << std::endl;
+    return kExitFailed;
+  }
+  // A run that failed leaves edit mode or the outputs known as off; one that was stopped at the instrument
+  // too.
+  const bool well = session.State().OutputOn && session.State().OperationMode == OperationMode::Execution;
+  return well ? kExitSuccess : kExitFailed;
+}
+
+}  // namespace
+
+int RunSequenceCommand(ConsoleProgram& program, const RunOptions& options) {
+  if (!program.Load(options.file)) return kExitFailed;
+  if (options.offline) return PrintTimes(program);
+  if (!program.Connect(options.serial)) return kExitFailed;
+  const int exitCode = RunConnected(program, options.number);
+  program.GetSession().Disconnect();
+  return exitCode;
+}
+
+}  // namespace corlune

@@ -1,0 +1,75 @@
+// GridPanel: the three grids of the main window with their cell editors and row buttons. It shows what
+// editing/ says and turns keys and clicks into operations of SequenceEditor; it holds no rules of its own.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <QWidget>
+
+#include "core/step_numbering.h"
+#include "editing/control_states.h"
+#include "editing/edit_outcome.h"
+#include "editing/sequence_editor.h"
+
+namespace corlune {
+
+class GridPanel : public QWidget {
+  Q_OBJECT
+
+ public:
+  // `editor` and `prompts` must outlive the panel.
+  GridPanel(SequenceEditor& editor, Prompts& prompts, QWidget* parent = nullptr);
+  ~GridPanel() override;
+
+  // Builds all grids anew from definition and sequence (CmnAreaInit, SeqAreaInit, BrncAreaInit,
+  // JumpColorSet); repaints once. The cursor of the editor is shown again.
+  void Rebuild();
+  // Repaints what an operation changed, moves the cursor and opens the cell's editor again; shows the
+  // outcome's message first when it was refused.
+  void Apply(const EditOutcome& outcome);
+  // Takes back every open cell editor without storing.
+  void HideEditors();
+  // Enabled states and visibilities of row buttons, tabs and editors.
+  void ShowStates(const ControlStates& states);
+
+  // CellColorChange / CellColorBack.
+  void HighlightRow(GridRow row, bool on);
+  // Makes `top` the first visible step row of the common grid and the channel grids.
+  void ScrollTo(GridRow top);
+  // Selects the first cell of the common area and opens its editor (Timer2 after loading).
+  void SelectFirstCell();
+  // Reduces the selections to the current cell (execution mode).
+  void ReduceSelection();
+
+  // Widths in twips, scaled to the screen: the common grid, every channel grid, the tab control.
+  void SetWidths(int commonTwips, int channelTwips, int tabTwips);
+
+  // Edit commands, shared by menu, context menu and keys. Copy, Paste, SelectAll, Initialize, AddRow,
+  // InsertRow, DeleteRow, RowUp, RowDown have the indexes 0..8 of the Edit menu.
+  void EditCommand(int index);
+  void Undo();
+  void Redo();
+  void CopyText();
+  void PasteText();
+  void DuplicateRows();
+  void FillDown();
+  void ImportCsv(const std::string& path);
+  void ExportCsv(const std::string& path);
+
+ signals:
+  // Something about the sequence, the cursor, undo or the copy buffer changed: refresh titles and menus.
+  void Changed();
+  // CSV import or export chosen from the context menu.
+  void ImportRequested();
+  void ExportRequested();
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+// Pixels of `twips` on the screen of `widget`: 15 twips a pixel at 96 dpi.
+int TwipsToPixels(int twips, const QWidget* widget);
+
+}  // namespace corlune

@@ -1,0 +1,63 @@
+// FrmPreview: the sequence view. Draws each channel's steps as graphs of value over time, follows the
+// running step with a marker and carries its own copies of the run fields, buttons and menu.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include <QMainWindow>
+
+#include "core/app_state.h"
+#include "core/catalogue.h"
+#include "modeldef/model_definition.h"
+#include "sequence/sequence_data.h"
+
+namespace corlune {
+
+struct ControlStates;
+
+// What the view asks of the main window; every press forwards to the same handlers as the main window's.
+struct PreviewHandlers {
+  std::function<void(int)> runButton;    // CmdBtn1 index 0..5
+  std::function<void(int)> runMenuItem;  // run menu index 0..5
+  // Fields; false: refused, the old text comes back.
+  std::function<bool(const std::string&)> enterSequenceNumber;
+  std::function<bool(const std::string&)> enterStartStep;
+  std::function<bool(const std::string&)> enterBranchChannel;
+  std::function<void()> closed;
+};
+
+class FrmPreview : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  // The references must outlive the window. Writes SequenceViewShown of `state` when shown and closed.
+  FrmPreview(AppState& state, const ModelDefinition& definition, const SequenceData& sequence,
+             const MessageCatalogue& catalogue, PreviewHandlers handlers, QWidget* parent = nullptr);
+  ~FrmPreview() override;
+
+  // Redraws for the present sequence and current step.
+  void PicDisp();
+  // Places the marker inside the current step by the time since StepChangedAt.
+  void MoveShape(std::uint32_t tick);
+  void MeasureStart();
+  void MeasureEnd();
+
+  void ShowStates(const ControlStates& states);
+  // Copies of the main window's fields and status texts.
+  void ShowFields(const std::string& sequenceNumber, const std::string& startStep,
+                  const std::string& branchChannel);
+  void ShowTotalTime(double milliseconds);
+  void ShowElapsedTime(std::int32_t milliseconds);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  class Impl;
+  std::unique_ptr<Impl> impl_;
+};
+
+}  // namespace corlune
