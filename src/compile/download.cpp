@@ -235,7 +235,10 @@ DownloadEnd Downloader::SendWaveforms() {
   MarkUsedArbs();
   if (TransferUsedArbs() == 0) return DownloadEnd::Done;
   if (transferEnd_ == ArbTransfer::NotSent) return DownloadEnd::NotSent;
-  ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
+  // A file with a wrong extension has just been refused with the same message.
+  if (waveforms_.Problem() != WaveformProblem::BadExtension) {
+    ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
+  }
   return DownloadEnd::Refused;
 }
 

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdint>
-#include <memory>
 #include <string>
 
 #include "comm/command_layer.h"
@@ -13,10 +12,9 @@
 #include "core/catalogue.h"
 #include "platform/abi/cmplseq.h"
 #include "sequence/sequence_data.h"
+#include "sequence/waveform_file.h"
 
 namespace corlune {
-
-struct WaveformRead;
 
 using ArbEntries = std::array<ArbFileEntry, kArbNumbers>;
 
@@ -48,13 +46,13 @@ class WaveformTransfer {
  public:
   WaveformTransfer(CommandLayer& commands, InstrumentDialogues& dialogues, Prompts& prompts,
                    const MessageCatalogue& catalogue);
-  ~WaveformTransfer();
 
   // Reads the entry's file and hands its block over as ARB `number` (1..128); messages 9300, 9307, 9308.
   // The form and size of the file go into the entry, also when the exchange fails.
   [[nodiscard]] ArbTransfer TransferArbFile(ArbFileEntry& entry, int number);
   // Why the last TransferArbFile returned FileRefused, for a place that does not interrupt.
-  const std::string& Reason() const;
+  WaveformProblem Problem() const { return read_.problem; }
+  const std::string& Reason() const { return read_.reason; }
 
   // Transfer, wait and error query as one operation, with the long time-out; sets Transferred and
   // InInstrument. Message 9317 when the memory is full: then the flags are as before the transfer. Pumps
@@ -77,7 +75,7 @@ class WaveformTransfer {
   InstrumentDialogues& dialogues_;
   Prompts& prompts_;
   const MessageCatalogue& catalogue_;
-  std::unique_ptr<WaveformRead> read_;  // kept, so that many waveforms need the memory of one
+  WaveformRead read_;  // kept, so that many waveforms need the memory of one
 };
 
 // Time the instrument needs to take the entry's waveform over: 25 s for each whole MiB, at least 1 s. ms.

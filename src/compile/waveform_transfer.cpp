@@ -1,0 +1,199 @@
+#include "compile/waveform_transfer.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "core/files.h"
+#include "core/numbers.h"
+#include "core/profile_file.h"
+#include "sequence/waveform_file.h"
+#include "sequence/waveform_path.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr std::size_t kInfoReply = 128;  // characters of the information query's reply that count
+constexpr std::int64_t kMebibyte = 1048576;
+constexpr std::int64_t kTimePerMebibyte = 25000;  // ms
+
+struct ArbInfo {
+  std::int16_t form = 0;
+  std::int32_t points = 0;
+};
+
+// "name",form,points. The name may hold commas, and quotation marks written twice.
+std::optional<ArbInfo> ParseArbInfo(std::string_view reply) {
+  const std::size_t first = reply.find('"');
+  const std::size_t last = reply.rfind('"');
+  if (first == std::string_view::npos || first == last) return std::nullopt;
+  const std::string_view rest = reply.substr(last + 1);
+  if (rest.empty() || rest[0] != ',') return std::nullopt;
+  const std::vector<std::string_view> fields = SplitList(rest.substr(1));
+  if (fields.size() != 2) return std::nullopt;
+  const std::optional<std::int16_t> form = ParseInt16(fields[0]);
+  const std::optional<std::int32_t> points = ParseInt32(fields[1]);
+  if (!form || !points || *points < 0) return std::nullopt;
+  return ArbInfo{*form, *points};
+}
+
+// Points of the files that a channel's steps use and the number of waveforms whose size is not known.
+struct MemoryUse {
+  std::int64_t points = 0;
+  std::int64_t unknown = 0;
+};
+
+MemoryUse MemoryUseOf(const ChannelUse& use, const ArbEntries& entries) {
+  MemoryUse memory;
+  if (use.WorkArea) memory.points += kSweepWorkArea;
+  memory.unknown = use.BuiltInWaveforms;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (!use.Arbs[i]) continue;
+    if (entries[i].PointCount != 0) {
+      memory.points += entries[i].PointCount;
+    } else {
+      ++memory.unknown;
+    }
+  }
+  return memory;
+}
+
+}  // namespace
+
+WaveformTransfer::WaveformTransfer(CommandLayer& commands, InstrumentDialogues& dialogues, Prompts& prompts,
+                                   const MessageCatalogue& catalogue)
+    : commands_(commands), dialogues_(dialogues), prompts_(prompts), catalogue_(catalogue) {}
+
+ArbTransfer WaveformTransfer::TransferArbFile(ArbFileEntry& entry, int number) {
+  ReadArbFile(ResolveWaveformPath(entry.FilePath, commands_.State()), read_);
+  if (read_.problem != WaveformProblem::None) {
+    if (const int message = MessageOf(read_.problem)) {
+      ShowMessage(prompts_, catalogue_, message, PromptIcon::Exclamation);
+    }
+    return ArbTransfer::FileRefused;
+  }
+  entry.ArrayForm = read_.arrayForm ? 1 : 0;
+  entry.PointCount = read_.pointCount;
+
+  if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), "*CLS", 0))) return ArbTransfer::NotSent;
+  const std::string numberText = std::to_string(number);
+  const std::string length = std::to_string(read_.block.size());
+  const std::string header =
+      ":TRACe:DATA " + numberText + ",\"Arb" + numberText + "\",#" + std::to_string(length.size()) + length;
+  const CommStatus status = commands_.SendBlockData(header, {read_.block.data(), read_.block.size()},
+                                                    commands_.SelectInstrument(0));
+  return Failed(status) ? ArbTransfer::NotSent : ArbTransfer::Done;
+}
+
+ArbTransfer WaveformTransfer::TransferOne(ArbFileEntry& entry, int number) {
+  const std::int16_t wasTransferred = entry.Transferred;
+  const std::int16_t wasInInstrument = entry.InInstrument;
+  SetTimeOut(kTimeOutTransfer);
+  ArbTransfer result = TransferArbFile(entry, number);
+  if (result == ArbTransfer::Done) {
+    entry.Transferred = 1;
+    entry.InInstrument = 1;
+    commands_.DelayMs(TransferTime(entry));
+    if (dialogues_.QueryErrorNumber() == kErrorMemoryFull) {
+      entry.Transferred = wasTransferred;
+      entry.InInstrument = wasInInstrument;
+      result = ArbTransfer::MemoryFull;
+      ShowMessage(prompts_, catalogue_, 9317, PromptIcon::Critical);
+    }
+  }
+  SetTimeOut(kTimeOutUsual);
+  return result;
+}
+
+CommStatus WaveformTransfer::ClearOne(ArbFileEntry& entry, int number) {
+  const CommStatus status = DeleteArb(number);
+  if (Failed(status)) return status;
+  entry.InInstrument = 0;
+  if (!entry.FilePath.empty()) entry.Transferred = 0;
+  return status;
+}
+
+CommStatus WaveformTransfer::DeleteArb(int number) {
+  return commands_.SendCommand(commands_.SelectInstrument(0), ":TRACe:DELete " + std::to_string(number), 0);
+}
+
+bool WaveformTransfer::QueryArbInfo(ArbFileEntry& entry, int number) {
+  std::string reply;
+  const std::string query = ":TRAC:INF? " + std::to_string(number);
+  if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), query, 0))) return false;
+  if (Failed(commands_.ReceiveReply(commands_.SelectInstrument(0), reply))) return false;
+  const std::optional<ArbInfo> info = ParseArbInfo(std::string_view(reply).substr(0, kInfoReply));
+  if (!info) return false;
+  entry.ArrayForm = info->form;
+  entry.PointCount = info->points;
+  entry.InInstrument = info->points != 0 ? 1 : 0;
+  return true;
+}
+
+int WaveformTransfer::QueryArbDirectory(ArbEntries& entries) {
+  int answered = 0;
+  while (answered < kArbNumbers) {
+    if (!QueryArbInfo(entries[static_cast<std::size_t>(answered)], answered + 1)) break;
+    ++answered;
+  }
+  return answered;
+}
+
+void WaveformTransfer::SetTimeOut(std::int16_t code) {
+  commands_.SelectInstrument(0);
+  commands_.Gp().GP_Time_Out(code);
+}
+
+std::int32_t TransferTime(const ArbFileEntry& entry) {
+  const std::int64_t bytes = std::int64_t{entry.PointCount} * (entry.ArrayForm == 1 ? 2 : 6);
+  return static_cast<std::int32_t>(std::max<std::int64_t>(1000, bytes / kMebibyte * kTimePerMebibyte));
+}
+
+ArbCheck CheckArbResources(const StepFlow& flow, int channels, ArbEntries& entries,
+                           const std::string& folder) {
+  WaveformRead read;
+  for (int channel = 0; channel < channels; ++channel) {
+    const ChannelUse& use = flow.Channels[static_cast<std::size_t>(channel)];
+    if (use.ArbWithoutNumber) return ArbCheck::NoArbNumber;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+      ArbFileEntry& entry = entries[i];
+      if (!use.Arbs[i]) continue;
+      if (entry.FilePath.empty()) {
+        if (entry.InInstrument == 0) return ArbCheck::ArbMissing;
+        continue;
+      }
+      // A size on record may be that of what the instrument held before; what will be sent counts.
+      if (entry.PointCount != 0 && entry.Transferred != 0) continue;
+      ReadArbFile(ResolveWaveformPath(entry.FilePath, folder), read);
+      const bool readable = read.problem == WaveformProblem::None;
+      entry.ArrayForm = readable && read.arrayForm ? 1 : 0;
+      entry.PointCount = readable ? read.pointCount : 0;
+    }
+  }
+  for (int channel = 0; channel < channels; ++channel) {
+    const MemoryUse memory = MemoryUseOf(flow.Channels[static_cast<std::size_t>(channel)], entries);
+    if (memory.points > kWaveformMemory) return ArbCheck::MemoryFull;
+    if (memory.unknown != 0 && (kWaveformMemory - memory.points) / memory.unknown < kSmallestWaveform) {
+      return ArbCheck::TooManyWaveforms;
+    }
+  }
+  return ArbCheck::Passed;
+}
+
+std::array<ArbInformation, kArbNumbers> ArbInformationTable(const ArbEntries& entries) {
+  std::array<ArbInformation, kArbNumbers> table{};
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const ArbFileEntry& entry = entries[i];
+    if (entry.ArrayForm == 1) {
+      table[i] = {0, ToInt32(entry.PointCount / 1024.0).value_or(0)};
+    } else {
+      table[i] = {1, 0};
+    }
+  }
+  return table;
+}
+
+}  // namespace corlune
