@@ -83,11 +83,9 @@ void RoundDigits(Decimal& decimal, int count) {
   const bool up = decimal.digits[static_cast<std::size_t>(count)] >= '5';
   decimal.digits.resize(static_cast<std::size_t>(count));
   if (up) {
-    int place = count - 1;
-    while (place >= 0 && decimal.digits[static_cast<std::size_t>(place)] == '9') --place;
-    decimal.digits.resize(static_cast<std::size_t>(place + 1));
-    if (place >= 0) {
-      ++decimal.digits[static_cast<std::size_t>(place)];
+    while (!decimal.digits.empty() && decimal.digits.back() == '9') decimal.digits.pop_back();
+    if (!decimal.digits.empty()) {
+      ++decimal.digits.back();
     } else {
       decimal.digits.assign(1, '1');
       ++decimal.point;

@@ -14,7 +14,7 @@ namespace {
 // `text` as it fits into `limit` bytes of a file, never ending inside a character. The limit counts the
 // bytes of the code page when the text has them, for that is what the file's other readers count.
 std::string CutToBytes(std::string text, std::size_t limit) {
-  // A character takes at most twice as many bytes in UTF-8 as in the code page, and never fewer.
+  // No character takes fewer bytes in UTF-8 than in a code page.
   if (text.size() <= limit) return text;
   const int codePage = SystemCodePage();
   if (const auto bytes = Utf8ToCodePage(text, codePage)) {

@@ -45,7 +45,7 @@ std::string FollowLinks(std::string path) {
     const ssize_t length = readlink(path.c_str(), buffer.data(), buffer.size());
     if (length <= 0) break;
     const std::string target(buffer.data(), static_cast<std::size_t>(length));
-    path = target[0] == '/' ? target : FolderOf(path) + "/" + target;
+    path = target[0] == '/' ? target : FolderOf(path).append("/").append(target);
   }
   return path;
 }

@@ -92,7 +92,7 @@ std::string ApplicationFolderFor(const std::string& programFolder, const std::st
   const fs::path folder = PathOf(userConfigFolder) / "Corlune";
   std::error_code error;
   fs::create_directories(folder, error);
-  const std::string path = TextOf(folder);
+  std::string path = TextOf(folder);
   if (!FolderWritable(path)) return programFolder;
   const std::string definition = TextOf(folder / kModelDefinitionName);
   if (!IsRegularFile(definition)) {

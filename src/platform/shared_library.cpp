@@ -109,7 +109,8 @@ std::optional<SharedLibrary> OpenFirst(std::span<const std::string> names, const
   };
   for (const std::string& name : names) {
     if (name.empty() || hasFolder(name) || programFolder.empty()) continue;
-    const std::string path = programFolder + kSeparator + name;
+    std::string path = programFolder;
+    path.append(1, kSeparator).append(name);
     // Absent is the usual case and the loader reports it once more below; present but unusable is worth
     // its own line.
     if (!IsThere(path)) continue;

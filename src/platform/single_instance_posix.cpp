@@ -38,9 +38,9 @@ bool IsOwnFolder(const std::string& path) {
 // A folder that only this user can enter, the same for every session of the user. Empty when there is none.
 std::string RuntimeFolder() {
   const std::string user = std::to_string(geteuid());
-  const std::string runtime = "/run/user/" + user;
+  std::string runtime = "/run/user/" + user;
   if (IsOwnFolder(runtime)) return runtime;
-  const std::string temporary = "/tmp/corlune-" + user;
+  std::string temporary = "/tmp/corlune-" + user;
   mkdir(temporary.c_str(), 0700);
   return IsOwnFolder(temporary) ? temporary : std::string();
 }
