@@ -32,7 +32,7 @@ ConsoleProgram::ConsoleProgram(const ProgramOptions& options, const ConsoleAnswe
 
 bool ConsoleProgram::Load(const std::string& path) {
   if (session_->StartUpFromFile(path)) return true;
-  if (!session_->LoadProblem().empty()) Fail(session_->DefinitionProblem());
+  if (!session_->LoadProblem().empty()) Fail(session_->LoadProblem());
   return false;
 }
 

@@ -41,7 +41,7 @@ int CheckCommand(ConsoleProgram& program, const std::string& file) {
   std::set<int> arbs;
   for (int channel = 0; channel < channels; ++channel) {
     for (int step = 0; step < sequence.StepCount; ++step) {
-      if (sequence.Cell(channel, step, kSlotWaveform).Value != kWaveUser) continue;
+      if (sequence.Cell(channel, step, kSlotWaveform).Value != double{kWaveUser}) continue;
       const double number = sequence.Cell(channel, step, kSlotArbNumber).Value;
       if (number >= 1 && number <= kArbNumbers) arbs.insert(static_cast<int>(number));
     }

@@ -25,7 +25,7 @@ int ReadCommand(ConsoleProgram& program, const ReadOptions& options) {
 int DevicesCommand(ConsoleProgram& program) {
   Session& session = program.GetSession();
   if (!session.StartUpWithoutFile()) {
-    if (!session.LoadProblem().empty()) Fail(session.DefinitionProblem());
+    if (!session.LoadProblem().empty()) Fail(session.LoadProblem());
     return kExitFailed;
   }
   int found = 0;

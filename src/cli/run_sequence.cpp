@@ -1,7 +1,7 @@
 #include <iostream>
 
 #include "cli/commands.h"
-#include "core/time_text.h"
+#include "compile/download_outcome_text.h"
 
 namespace corlune {
 namespace {
@@ -70,11 +70,19 @@ void FollowRun(ConsoleProgram& program) {
   }
 }
 
+// Messages have said what could be said with a message; the rest is said here.
+int TellDownloadEnd(ConsoleProgram& program) {
+  const DownloadOutcome& outcome = program.GetSession().Download().Outcome();
+  if (outcome.End == DownloadEnd::Cancelled) return Fail(program.Catalogue().GetResString(9527));
+  const std::string text = DownloadOutcomeText(outcome, program.Catalogue());
+  return text.empty() ? kExitFailed : Fail(text);
+}
+
 int RunConnected(ConsoleProgram& program, int number) {
   Session& session = program.GetSession();
   session.Sequence().SequenceNumber = static_cast<std::int16_t>(number);
   RunKeys keys(program);
-  if (!session.Control().SetOperationMode(OperationMode::Execution)) return kExitFailed;
+  if (!session.Control().SetOperationMode(OperationMode::Execution)) return TellDownloadEnd(program);
   if (keys.Stopped()) return kExitFailed;
   if (!session.Control().RunCommand(Run::Start)) return kExitFailed;
   FollowRun(program);

@@ -278,6 +278,9 @@ constexpr CatalogueText kRows[] = {
     {9521, "Several instruments were found. Name one with --serial:$1", "複数の機器が見つかりました。--serial で指定してください：$1"},
     {9522, "The instrument with the serial number $1 was not found.", "シリアル番号 $1 の機器が見つかりません。"},
     {9523, "The program stops as soon as the transfer has ended.", "転送が終わり次第、停止します。"},
+    {9525, "The instrument reported the error number $1. The download has ended.", "機器がエラー番号 $1 を報告しました。ダウンロードを終了しました。"},
+    {9526, "The instrument did not take the sequence over. The download has ended.", "機器がシーケンスを受け付けませんでした。ダウンロードを終了しました。"},
+    {9527, "No sequence name was given that the instrument can take. Use --name or --yes.", "機器が受け付けるシーケンス名が指定されていません。--name または --yes を使用してください。"},
     {9524, "The sequence execution was stopped.", "シーケンス実行を停止しました。"},
 
     // Added texts: files and session.
