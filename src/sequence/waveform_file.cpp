@@ -1,0 +1,249 @@
+#include "sequence/waveform_file.h"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cstring>
+#include <string_view>
+
+#include "sequence/regular_file.h"
+#include "sequence/text_waveform.h"
+
+namespace corlune {
+
+namespace {
+
+// Transfer block
+constexpr std::size_t kBlockHead = 8;
+constexpr std::size_t kPointBytes = 2;
+constexpr std::size_t kBlockPairBytes = 6;
+constexpr std::uint32_t kBlockArray = 0;
+constexpr std::uint32_t kBlockPairs = 1;
+
+// Waveform editor file
+constexpr std::int64_t kFormOffset = 342;
+constexpr std::size_t kHeadBytes = 10;  // form word to the end of the pair count, read at kFormOffset
+constexpr std::size_t kPairCountInHead = 2;
+constexpr std::uint16_t kFormPairs = 1;
+constexpr std::int64_t kArrayOffset = 352;
+constexpr std::int64_t kPairsOffset = 1048928;
+constexpr std::size_t kFilePairBytes = 8;
+
+// Small enough for the processor's cache, large enough that a read is cheap.
+constexpr std::size_t kPiece = 65536;
+constexpr std::size_t kTextPiece = 262144;
+
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+
+void Fail(WaveformRead& read, WaveformProblem problem, std::string reason) {
+  read.problem = problem;
+  read.reason = std::move(reason);
+}
+
+void FailReading(WaveformRead& read) {
+  Fail(read, WaveformProblem::CannotAccess, "the file cannot be read");
+}
+
+std::uint32_t LittleEndian32(const std::uint8_t* bytes) {
+  return std::uint32_t{bytes[0]} | std::uint32_t{bytes[1]} << 8 | std::uint32_t{bytes[2]} << 16 |
+         std::uint32_t{bytes[3]} << 24;
+}
+
+void PutBigEndian32(std::uint8_t* bytes, std::uint32_t value) {
+  for (int i = 0; i < 4; ++i) bytes[i] = static_cast<std::uint8_t>(value >> (24 - 8 * i));
+}
+
+void Finish(WaveformRead& read, bool arrayForm, std::int32_t count, std::uint8_t* block,
+            std::size_t itemBytes) {
+  PutBigEndian32(block, arrayForm ? kBlockArray : kBlockPairs);
+  PutBigEndian32(block + 4, static_cast<std::uint32_t>(count));
+  read.arrayForm = arrayForm;
+  read.pointCount = count;
+  read.block.SetSize(kBlockHead + itemBytes * static_cast<std::size_t>(count));
+}
+
+// Exchanges the bytes of every 16-bit point. `size` is a multiple of 8.
+void SwapPoints(std::uint8_t* bytes, std::size_t size) {
+  constexpr std::uint64_t kLowBytes = 0x00FF00FF00FF00FF;
+  for (std::size_t i = 0; i < size; i += sizeof(std::uint64_t)) {
+    std::uint64_t four = 0;
+    std::memcpy(&four, bytes + i, sizeof four);
+    four = (four & kLowBytes) << 8 | (four >> 8 & kLowBytes);
+    std::memcpy(bytes + i, &four, sizeof four);
+  }
+}
+
+void ReadEditorArray(RegularFile& file, WaveformRead& read) {
+  constexpr std::size_t kBytes = kPointBytes * kMaxWaveformPoints;
+  std::uint8_t* const block = read.block.Prepare(kBlockHead + kBytes);
+  std::uint8_t* const points = block + kBlockHead;
+  for (std::size_t done = 0; done < kBytes; done += kPiece) {
+    const auto got = file.ReadAt(kArrayOffset + static_cast<std::int64_t>(done), points + done, kPiece);
+    if (!got) return FailReading(read);
+    if (*got < kPiece) {
+      return Fail(read, WaveformProblem::Insufficient, "the file ends before its 524288 points do");
+    }
+    SwapPoints(points + done, kPiece);
+  }
+  Finish(read, true, kMaxWaveformPoints, block, kPointBytes);
+}
+
+// Position (32 bits) and value (16 bits) of each pair, high byte first; the reserved last two bytes of the
+// file's pair are left out.
+void LayPairs(const std::uint8_t* from, std::size_t pairs, std::uint8_t* to) {
+  for (std::size_t i = 0; i < pairs; ++i, from += kFilePairBytes, to += kBlockPairBytes) {
+    std::reverse_copy(from, from + 4, to);
+    std::reverse_copy(from + 4, from + 6, to + 4);
+  }
+}
+
+void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read) {
+  if (count == 0) return Fail(read, WaveformProblem::BadCount, "the file holds no point pairs");
+  const std::int64_t needed = kPairsOffset + static_cast<std::int64_t>(kFilePairBytes) * count;
+  if (file.Size() < needed) {
+    return Fail(read, WaveformProblem::Insufficient,
+                "the file ends before its " + std::to_string(count) + " point pairs do");
+  }
+  if (count > static_cast<std::uint32_t>(kMaxWaveformPoints)) {
+    return Fail(read, WaveformProblem::BadCount,
+                std::to_string(count) + " point pairs, at most 524288 are possible");
+  }
+  std::uint8_t* const block = read.block.Prepare(kBlockHead + kBlockPairBytes * count);
+  std::array<std::uint8_t, kPiece> piece;
+  constexpr std::size_t kPairsInPiece = kPiece / kFilePairBytes;
+  for (std::size_t done = 0; done < count; done += kPairsInPiece) {
+    const std::size_t pairs = std::min<std::size_t>(kPairsInPiece, count - done);
+    const std::int64_t offset = kPairsOffset + static_cast<std::int64_t>(done * kFilePairBytes);
+    const auto got = file.ReadAt(offset, piece.data(), pairs * kFilePairBytes);
+    if (!got) return FailReading(read);
+    if (*got < pairs * kFilePairBytes) {
+      return Fail(read, WaveformProblem::Insufficient, "the file became shorter while it was read");
+    }
+    LayPairs(piece.data(), pairs, block + kBlockHead + kBlockPairBytes * done);
+  }
+  Finish(read, false, static_cast<std::int32_t>(count), block, kBlockPairBytes);
+}
+
+void ReadEditorFile(RegularFile& file, WaveformRead& read) {
+  std::array<std::uint8_t, kHeadBytes> head{};
+  const auto got = file.ReadAt(kFormOffset, head.data(), head.size());
+  if (!got) return FailReading(read);
+  if (*got < head.size()) return Fail(read, WaveformProblem::Insufficient, "the file ends within its header");
+  const int form = head[0] | head[1] << 8;
+  if (form == kFormPairs) {
+    ReadEditorPairs(file, LittleEndian32(head.data() + kPairCountInHead), read);
+  } else {
+    ReadEditorArray(file, read);
+  }
+}
+
+void CheckTextCount(const TextWaveform& values, bool shortened, WaveformRead& read) {
+  const std::int32_t count = values.Count();
+  const bool taken = count >= kMinWaveformPoints && count <= kMaxWaveformPoints &&
+                     std::has_single_bit(static_cast<std::uint32_t>(count));
+  if (shortened) {
+    return Fail(read, WaveformProblem::Insufficient, "the file became shorter while it was read");
+  }
+  if (!taken) {
+    const std::string number = values.Full() ? "more than 524288" : std::to_string(count);
+    return Fail(read, WaveformProblem::BadCount,
+                number + " values, but a waveform has 4096, 8192, 16384 and so on up to 524288");
+  }
+  if (values.FirstInvalid() != 0) {
+    return Fail(read, WaveformProblem::Invalid,
+                "value " + std::to_string(values.FirstInvalid()) + " is no integer from -32767 to 32767");
+  }
+}
+
+void ReadTextFile(RegularFile& file, WaveformRead& read) {
+  std::uint8_t* const block = read.block.Prepare(kBlockHead + kPointBytes * kMaxWaveformPoints);
+  TextWaveform values(block + kBlockHead);
+  const auto buffer = std::make_unique_for_overwrite<char[]>(kTextPiece + 1);
+  std::size_t held = 0;  // the beginning of a value that the next piece completes
+  std::int64_t offset = 0;
+  bool atEnd = false;
+  while (!atEnd && !values.Full()) {
+    const auto got = file.ReadAt(offset, buffer.get() + held, kTextPiece - held);
+    if (!got) return FailReading(read);
+    atEnd = *got < kTextPiece - held;
+    std::string_view text(buffer.get(), held + *got);
+    if (offset == 0 && text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+      text.remove_prefix(kByteOrderMark.size());
+    }
+    offset += static_cast<std::int64_t>(*got);
+    if (atEnd) {
+      buffer[held + *got] = '\n';
+      text = {text.data(), text.size() + 1};
+    }
+    const std::size_t complete = text.find_last_of(",\r\n") + 1;
+    if (complete == 0) {
+      return Fail(read, WaveformProblem::Invalid,
+                  "no separator in a piece of " + std::to_string(kTextPiece) + " bytes");
+    }
+    values.Take(text.substr(0, complete));
+    held = text.size() - complete;
+    std::memmove(buffer.get(), text.data() + complete, held);
+  }
+  CheckTextCount(values, atEnd && offset < file.Size(), read);
+  if (read.problem == WaveformProblem::None) Finish(read, true, values.Count(), block, kPointBytes);
+}
+
+bool HasEnding(std::string_view path, std::string_view lowerEnding) {
+  if (path.size() < lowerEnding.size()) return false;
+  path.remove_prefix(path.size() - lowerEnding.size());
+  return std::equal(path.begin(), path.end(), lowerEnding.begin(), [](char c, char lower) {
+    return c == lower || (c >= 'A' && c <= 'Z' && (c | 0x20) == lower);
+  });
+}
+
+}  // namespace
+
+int MessageOf(WaveformProblem problem) {
+  switch (problem) {
+    case WaveformProblem::CannotAccess:
+      return 9300;
+    case WaveformProblem::BadExtension:
+      return 9306;
+    case WaveformProblem::Insufficient:
+      return 9307;
+    case WaveformProblem::Invalid:
+      return 9308;
+    case WaveformProblem::None:
+    case WaveformProblem::BadCount:
+      break;
+  }
+  return 0;
+}
+
+std::uint8_t* WaveformBlock::Prepare(std::size_t size) {
+  size_ = 0;
+  if (size > capacity_) {
+    bytes_.reset();
+    capacity_ = 0;
+    bytes_ = std::make_unique_for_overwrite<std::uint8_t[]>(size);
+    capacity_ = size;
+  }
+  return bytes_.get();
+}
+
+void ReadArbFile(const std::string& path, WaveformRead& read) {
+  read.problem = WaveformProblem::None;
+  read.reason.clear();
+  read.arrayForm = true;
+  read.pointCount = 0;
+  read.block.SetSize(0);
+  RegularFile file(path);
+  if (!file.IsOpen())
+    return Fail(read, WaveformProblem::CannotAccess, "there is no such file, or it cannot be opened");
+  if (HasEnding(path, "txt")) return ReadTextFile(file, read);
+  if (HasEnding(path, "wdb")) return ReadEditorFile(file, read);
+  Fail(read, WaveformProblem::BadExtension, "neither a .wdb nor a .txt file");
+}
+
+WaveformRead ReadArbFile(const std::string& path) {
+  WaveformRead read;
+  ReadArbFile(path, read);
+  return read;
+}
+
+}  // namespace corlune

@@ -1,0 +1,59 @@
+// Waveform files: reading a ".txt" or ".wdb" file into the block that ":TRACe:DATA" carries to the
+// instrument. docs/waveform-files.md describes the layouts.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+namespace corlune {
+
+inline constexpr std::int32_t kMinWaveformPoints = 4096;
+inline constexpr std::int32_t kMaxWaveformPoints = 524288;
+
+enum class WaveformProblem {
+  None,
+  CannotAccess,  // 9300: no path, no such file, a folder or pipe, not readable
+  BadExtension,  // 9306: neither ".wdb" nor ".txt"
+  Insufficient,  // 9307: the file ends before the data do
+  Invalid,       // 9308: a value that is no integer from -32767 to 32767
+  BadCount,      // no message: the number of values is not one that the instrument takes
+};
+
+// Catalogue message of a problem; 0 when it has none.
+int MessageOf(WaveformProblem problem);
+
+// Bytes whose memory is kept from use to use and never filled with zeros first.
+class WaveformBlock {
+ public:
+  const std::uint8_t* data() const { return bytes_.get(); }
+  std::size_t size() const { return size_; }
+  const std::uint8_t* begin() const { return data(); }
+  const std::uint8_t* end() const { return data() + size_; }
+
+  // Memory for at least `size` bytes, their values indeterminate.
+  std::uint8_t* Prepare(std::size_t size);
+  // How much of the prepared memory counts.
+  void SetSize(std::size_t size) { size_ = size; }
+
+ private:
+  std::unique_ptr<std::uint8_t[]> bytes_;
+  std::size_t capacity_ = 0;
+  std::size_t size_ = 0;
+};
+
+struct WaveformRead {
+  WaveformProblem problem = WaveformProblem::None;
+  std::string reason;           // one English clause for a console or a dialog's row; empty without a problem
+  bool arrayForm = true;        // false: point pairs
+  std::int32_t pointCount = 0;  // points or pairs
+  WaveformBlock block;          // empty unless problem is None
+};
+
+// Reads the file at `path` (UTF-8), which is taken as it stands: resolve relative names first. The form
+// that reuses `read` needs no further memory for any number of files.
+void ReadArbFile(const std::string& path, WaveformRead& read);
+[[nodiscard]] WaveformRead ReadArbFile(const std::string& path);
+
+}  // namespace corlune
