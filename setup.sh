@@ -8,7 +8,7 @@ packages=(
   # compiler and build
   g++ cmake ninja-build ccache pkg-config
   # libraries: command line, window
-  libcli11-dev qt6-base-dev
+  libcli11-dev libxcb1-dev qt6-base-dev
   # tests, benchmarks, fuzz targets, checks
   libgtest-dev libgmock-dev libbenchmark-dev clang libclang-rt-dev clang-format clang-tidy
   python3 python3-pyvisa

@@ -11,7 +11,7 @@ namespace {
 
 int Main(int argc, char** argv) {
   CLI::App app("Corlune console: checks, compiles, downloads and runs sequence files", "corlune-cli");
-  app.require_subcommand(1);
+  app.require_subcommand(0, 1);  // its absence is reported after unknown options
   app.fallthrough();
   ProgramOptions options;
   AddProgramOptions(app, options);
@@ -66,8 +66,13 @@ int Main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    const int code = app.exit(error, std::cout, std::cerr);
-    return code == 0 ? kExitSuccess : kExitOptions;
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
+    std::cerr << "corlune-cli: " << error.what() << std::endl;
+    return kExitOptions;
+  }
+  if (app.get_subcommands().empty()) {
+    std::cerr << "corlune-cli: a command is needed, see --help" << std::endl;
+    return kExitOptions;
   }
   ResolveProgramOptions(options, ProgramFolder());
 
