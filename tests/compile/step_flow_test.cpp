@@ -118,7 +118,7 @@ TEST(StepFlow, UseOfTheReachableStepsByChannel) {
   EXPECT_EQ(WalkSteps(s, 1).Channels[1], ChannelUse{});
 
   const std::string text = UseStepText(flow, s, 2);
-  EXPECT_EQ(text.substr(0, 25), "Use Flag\r\n1,1,0\r\n2,0,0\r\n");
+  EXPECT_EQ(text.substr(0, 24), "Use Flag\r\n1,1,0\r\n2,0,0\r\n");
   const std::string tail = "128,1,0\r\nStep No,\r\n1,0,0\r\n2,0,0\r\n3,0,0\r\n4,1,0\r\n5,128,0\r\n";
   ASSERT_GT(text.size(), tail.size());
   EXPECT_EQ(text.substr(text.size() - tail.size()), tail);

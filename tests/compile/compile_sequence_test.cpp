@@ -1,0 +1,227 @@
+// The way from the sequence to the compiled work file, and the waveforms that go with it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "compile/download_rig.h"
+#include "core/files.h"
+
+namespace corlune {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(CompileSequence, CompilerErrors) {
+  struct Case {
+    CompileErrorRecord record;  // position A, channel, B, C, code
+    const char* text;
+  };
+  const Case cases[] = {
+      {{3, 0, 4, 9, 40},
+       "The error was detected in the sequence data. Ch:1 Step:4 , 3 Parameter:Function,Frequency."},
+      {{3, 1, 5, 7, 41},
+       "The error was detected in the sequence data. Ch:2 Step:5 , 7 Parameter:Amplitude,Offset."},
+      {{3, 0, 256, 14, 42},
+       "The error was detected in the sequence data. Ch:1 Step:256 , 14 Parameter:Function,Frequency,Duty."},
+      {{0, 0, 1, 2, 4099},
+       "The error was detected in the sequence data. Ch:1 Step:1 , 2 Parameter:Selected ARB loading failed."},
+      {{0, 1, 1, 2, 4100},
+       "The error was detected in the sequence data. Ch:2 Step:1 , 2 Parameter:Selected ARB is missing."},
+      {{0, 0, 0, 0, 4101}, "Too many or too large Functions used"},
+      {{0, 0, 0, 0, 4102}, "Too complex to check"},
+      {{1, 0, 2, 3, 43}, "The error was detected in the sequence data. Ch:1 Step:2 , 3 Parameter:."},
+      {{1, 0, 2, 3, -1}, "The error was detected in the sequence data. Ch:1 Step:2 , 3 Parameter:."},
+      {{1, 0, 2, 3, 4103}, ""},
+  };
+  for (const Case& c : cases) {
+    DownloadRig rig;
+    rig.compiler.error = c.record;
+    rig.compiler.code = 1;
+    rig.prompts.Type("x").Answer(PromptAnswer::Ok);
+    EXPECT_FALSE(rig.downloader.DownloadSequence());
+    ASSERT_THAT(rig.Messages(), ElementsAre(c.text)) << c.record.Code;
+    EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Critical);
+    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Refused);
+    EXPECT_EQ(rig.script.Count(), 0u);
+    EXPECT_TRUE(rig.display.downloadEnabled);
+  }
+}
+
+TEST(CompileSequence, ResultWithoutAnError) {
+  for (const std::int32_t code : {0, 268763136, 1, -5}) {
+    DownloadRig rig;
+    rig.compiler.code = code;
+    const bool odd = code == 1 || code == -5;
+    if (odd) rig.prompts.Answer(PromptAnswer::Ok);
+    EXPECT_EQ(rig.downloader.CompileSequence(rig.folder.File("out.bin")), 0) << code;
+    ASSERT_EQ(rig.prompts.messages.size(), odd ? 1u : 0u) << code;
+    if (!odd) continue;
+    EXPECT_EQ(rig.prompts.messages[0].text, rig.Text(9400));
+    EXPECT_EQ(rig.prompts.messages[0].caption, "for Debug");
+    EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::None);
+  }
+}
+
+TEST(CompileSequence, WithoutTheLibraryThereIsNoDownload) {
+  DownloadRig rig;
+  rig.compiler.missing = true;
+  rig.prompts.Type("x").Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.downloader.DownloadSequence());
+  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9400)));
+  EXPECT_NE(rig.prompts.messages[0].caption, "for Debug");
+  EXPECT_EQ(rig.script.Count(), 0u);
+  EXPECT_TRUE(rig.display.downloadEnabled);
+}
+
+TEST(CompileSequence, WaveformChecks) {
+  struct Case {
+    const char* what;
+    void (*edit)(DownloadRig&);
+    std::int32_t code;
+    int message;
+  };
+  const Case cases[] = {
+      {"no file", [](DownloadRig& rig) { rig.PlayArb(1, 1, 8); }, 4100, 9319},
+      {"number 0", [](DownloadRig& rig) { rig.PlayArb(0, 0, 0); }, 4104, 9209},
+      {"number 129", [](DownloadRig& rig) { rig.PlayArb(0, 0, 129); }, 4104, 9209},
+      {"too large",
+       [](DownloadRig& rig) {
+         rig.PlayArb(0, 0, 1);
+         rig.PlayArb(0, 1, 2);
+         rig.Entry(1).InInstrument = rig.Entry(2).InInstrument = 1;
+         rig.Entry(1).PointCount = rig.Entry(2).PointCount = 262145;
+       },
+       4097, 9320},
+      {"too many",
+       [](DownloadRig& rig) {
+         rig.PlayArb(0, 0, 1);
+         rig.Entry(1).InInstrument = 1;
+         rig.Entry(1).PointCount = 524288;
+       },
+       4096, 9320},
+      {"in the instrument",
+       [](DownloadRig& rig) {
+         rig.PlayArb(0, 0, 1);
+         rig.Entry(1).InInstrument = 1;
+         rig.Entry(1).PointCount = 4096;
+       },
+       0, 0},
+      {"out of reach",
+       [](DownloadRig& rig) {
+         rig.PlayArb(0, 1, 8);
+         rig.sequence->Steps[0].StepTerm = 1;
+       },
+       0, 0},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.what);
+    DownloadRig rig;
+    c.edit(rig);
+    if (c.message != 0) rig.prompts.Answer(PromptAnswer::Ok);
+    EXPECT_EQ(rig.downloader.CompileSequence(rig.folder.File("sendata.bin")), c.code);
+    EXPECT_EQ(rig.compiler.calls, c.code == 0 ? 1 : 0);
+    if (c.message == 0) continue;
+    ASSERT_THAT(rig.Messages(), ElementsAre(rig.Text(c.message)));
+    EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Critical);
+  }
+}
+
+TEST(Waveforms, MarksEveryNumberOfTheTable) {
+  DownloadRig rig;
+  rig.sequence->StepCount = 1;
+  rig.Entry(9).UseFlag = 1;
+  rig.PlayArb(0, 0, 1);
+  rig.PlayArb(1, 255, 128);
+  rig.downloader.MarkUsedArbs();
+  EXPECT_EQ(rig.Entry(1).UseFlag, 1);
+  EXPECT_EQ(rig.Entry(9).UseFlag, 0);
+  EXPECT_EQ(rig.Entry(128).UseFlag, 1);
+
+  rig.PlayArb(0, 100, 0);  // a slot that is not used
+  rig.prompts.Answer(PromptAnswer::Ok);
+  rig.downloader.MarkUsedArbs();
+  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9209)));
+  EXPECT_EQ(rig.Entry(128).UseFlag, 1);
+
+  rig.state.Instruments[0].ChannelCount = 1;
+  rig.PlayArb(0, 100, 5);
+  rig.downloader.MarkUsedArbs();
+  EXPECT_EQ(rig.Entry(128).UseFlag, 0);
+}
+
+TEST(Waveforms, OnlyWhatTheInstrumentLacksIsSent) {
+  DownloadRig rig;
+  for (const int number : {1, 2, 3, 4}) {
+    rig.GiveFile(number);
+    rig.Entry(number).UseFlag = 1;
+  }
+  rig.Entry(1).UseFlag = 0;
+  rig.Entry(2).Transferred = 1;
+  rig.Entry(5).UseFlag = 1;  // no file
+  EXPECT_EQ(rig.downloader.TransferUsedArbs(), 0);
+  ASSERT_EQ(rig.script.Blocks().size(), 2u);
+  EXPECT_EQ(rig.script.Blocks()[0].header, ":TRACe:DATA 3,\"Arb3\",#48200");
+  EXPECT_EQ(rig.script.Blocks()[1].header, ":TRACe:DATA 4,\"Arb4\",#48200");
+}
+
+TEST(Waveforms, AFullMemoryEndsTheTransferButNotTheDownload) {
+  DownloadRig rig;
+  rig.PlayArb(0, 0, 1);
+  rig.PlayArb(0, 1, 2);
+  rig.GiveFile(1);
+  rig.GiveFile(2);
+  rig.script.Reply(":SYST:ERR?", {"-225,\"Out of memory\"", "0"});
+  rig.prompts.Type("x").Answer(PromptAnswer::Ok);
+  EXPECT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9317)));
+  EXPECT_EQ(rig.script.CountOf("0 block :TRACe:DATA"), 1);
+  EXPECT_EQ(rig.script.CountOf("0 block :TRAC:SEQ"), 1);
+  EXPECT_EQ(rig.script.CountOf("timeout 9"), 1);
+  EXPECT_EQ(rig.Entry(1).Transferred, 0);
+  EXPECT_EQ(rig.Entry(1).InInstrument, 0);
+}
+
+TEST(Waveforms, AnotherErrorNumberDoesNotStopTheTransfer) {
+  DownloadRig rig;
+  rig.GiveFile(1);
+  rig.Entry(1).UseFlag = 1;
+  rig.script.Reply(":SYST:ERR?", {"-113,\"Undefined header\""});
+  EXPECT_EQ(rig.downloader.TransferUsedArbs(), 0);
+  EXPECT_EQ(rig.Entry(1).Transferred, 1);
+}
+
+TEST(Waveforms, AFileThatIsNoWaveformEndsTheDownload) {
+  struct Case {
+    const char* name;
+    const char* content;
+    std::vector<int> messages;
+  };
+  const Case cases[] = {
+      {"gone.txt", nullptr, {9300, 9306}},
+      {"bad.txt", "1,2,3", {9306}},
+      {"wave.csv", "1,2,3", {9306}},
+  };
+  for (const Case& c : cases) {
+    DownloadRig rig;
+    rig.PlayArb(0, 0, 4);
+    rig.Entry(4).FilePath = rig.folder.File(c.name);
+    if (c.content != nullptr) rig.folder.Write(c.name, c.content);
+    rig.prompts.Type("x");
+    std::vector<std::string> texts;
+    for (const int id : c.messages) {
+      rig.prompts.Answer(PromptAnswer::Ok);
+      texts.push_back(rig.Text(id));
+    }
+    EXPECT_FALSE(rig.downloader.DownloadSequence());
+    EXPECT_EQ(rig.Messages(), texts) << c.name;
+    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Refused);
+    EXPECT_THAT(rig.script.Blocks(), IsEmpty());
+    EXPECT_EQ(rig.script.Log().back(), "timeout 12");
+    EXPECT_TRUE(rig.display.downloadEnabled);
+  }
+}
+
+}  // namespace
+}  // namespace corlune

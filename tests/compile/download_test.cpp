@@ -1,0 +1,342 @@
+#include "compile/download.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "compile/download_rig.h"
+#include "core/files.h"
+
+#ifndef _WIN32
+#include <csignal>
+#include <sys/resource.h>
+#endif
+
+namespace corlune {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::IsEmpty;
+
+const std::vector<std::string> kWholeDownload{
+    "0 < :DEV:PREP",
+    "0 < :SOUR1:SEQ:STAT?",
+    "0 > 1",
+    "0 < :STAT:OPER:CH1:COND?",
+    "0 > 0",
+    "timeout 14",
+    "0 < *CLS",
+    "0 block :TRACe:DATA 3,\"Arb3\",#48200 (8200 bytes)",
+    "0 < :SYST:ERR?",
+    "0 > 0,\"No error\"",
+    "timeout 12",
+    "0 block :TRAC:SEQ 2,\"Ramp 1\",#19 (9 bytes)",
+    "0 < :SYST:ERR?",
+    "0 > 0,\"No error\"",
+    "0 < :TRAC:SEQ:REC 2",
+    "0 < :SYST:ERR?",
+    "0 > 0,\"No error\"",
+    "0 < *CLS",
+    "0 spoll 0",
+    "0 < :TRIG:COMP",
+    "0 spoll 128",
+    "0 < :STAT?",
+    "0 > 2",
+};
+
+void PrepareWhole(DownloadRig& rig) {
+  rig.PlayArb(0, 1, 3);
+  rig.GiveFile(3);
+  rig.prompts.Type("Ramp 1");
+}
+
+TEST(Download, WholeExchangeInOrder) {
+  DownloadRig rig;
+  PrepareWhole(rig);
+  ASSERT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
+  EXPECT_THAT(rig.events, ElementsAre("download controls off", "input: " + rig.Text(9208),
+                                      "progress 1: Transmitting the arbitrary wave data.....ARB 3",
+                                      "progress 10: Transmitting the sequence data.",
+                                      "progress 5: Transmitting the sequence data.", "download controls on",
+                                      "total 2000"));
+  // 200 preparation, 2 x 100 queries, 1000 waveform, 10000 block, 5000 record, 100 *CLS, 100 poll
+  EXPECT_EQ(rig.clock.Now(), 1000u + 16600u);
+  EXPECT_EQ(rig.progress.depth, 0);
+  EXPECT_EQ(rig.progress.advances, 16);
+  EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Done);
+  EXPECT_EQ(rig.sequence->SequenceName, "Ramp 1");
+  EXPECT_EQ(rig.state.TotalTime, 2000);
+  EXPECT_EQ(rig.Entry(3).Transferred, 1);
+  EXPECT_EQ(rig.Entry(3).InInstrument, 1);
+  ASSERT_EQ(rig.script.Blocks().size(), 2u);
+  const auto& block = rig.script.Blocks()[1];
+  EXPECT_EQ(std::string(block.data.begin(), block.data.end()), "123456789");
+  EXPECT_EQ(block.elementFormat, 0);
+  EXPECT_EQ(rig.compiler.text.substr(0, 8), "[FILE]\r\n");
+  EXPECT_EQ(rig.compiler.table[2].PointPairs, 0);
+  EXPECT_EQ(rig.compiler.table[2].KiloPoints, 4);
+  EXPECT_EQ(rig.compiler.table[0].PointPairs, 1);  // an empty entry
+  EXPECT_TRUE(FileExists(rig.folder.File("UseStep.txt")));
+
+  // An unchanged waveform is sent once; the name given before is offered again.
+  rig.script.ClearLog();
+  rig.script.StatusBytes({0, 0x80});
+  rig.prompts.Type("Ramp 1");
+  ASSERT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_EQ(rig.prompts.inputRequests[1].defaultText, "Ramp 1");
+  EXPECT_EQ(rig.script.CountOf("0 block :TRACe:DATA"), 0);
+  EXPECT_EQ(rig.script.CountOf("0 block :TRAC:SEQ"), 1);
+}
+
+// Every exchange fails in turn. A failure that is not fatal leaves the rest of the list as it is, any other
+// one ends it: nothing more is sent.
+TEST(Download, EachExchangeFailsInTurn) {
+  struct Fate {
+    DownloadEnd end;
+    std::vector<std::string> after;  // exchanges that may follow a fatal failure
+  };
+  const auto fateOf = [](std::size_t index) -> Fate {
+    const std::string& line = kWholeDownload[index];
+    if (line.rfind("timeout", 0) == 0 || line.find("ERR?") != std::string::npos ||
+        line.find("No error") != std::string::npos || line == "0 spoll 0") {
+      return {DownloadEnd::Done, {}};
+    }
+    if (index == 17) return {DownloadEnd::Done, {}};  // "*CLS" before the compilation is not checked
+    if (index == 6 || index == 7) return {DownloadEnd::NotSent, {"timeout 12"}};
+    if (index >= 21) return {DownloadEnd::NotCompiled, {}};
+    return {DownloadEnd::NotSent, {}};
+  };
+  for (std::size_t index = 0; index < kWholeDownload.size(); ++index) {
+    if (index == 20) continue;  // the status poll: below
+    SCOPED_TRACE(kWholeDownload[index]);
+    DownloadRig rig;
+    PrepareWhole(rig);
+    rig.script.FailAt(index, CommStatus::TimeOut);
+    const Fate fate = fateOf(index);
+    EXPECT_EQ(rig.downloader.DownloadSequence(), fate.end == DownloadEnd::Done);
+    EXPECT_EQ(rig.downloader.Outcome().End, fate.end);
+    EXPECT_TRUE(rig.display.downloadEnabled);
+    EXPECT_THAT(rig.prompts.messages, IsEmpty());
+    EXPECT_EQ(rig.progress.depth, 0);
+    EXPECT_EQ(rig.state.TotalTime, fate.end == DownloadEnd::Done ? 2000 : 0);
+    EXPECT_EQ(rig.Entry(3).Transferred, index == 6 || index == 7 || index < 5 ? 0 : 1);
+    if (fate.end == DownloadEnd::Done) continue;
+    std::vector<std::string> expected(kWholeDownload.begin(),
+                                      kWholeDownload.begin() + static_cast<std::ptrdiff_t>(index));
+    expected.push_back(kWholeDownload[index] + " !1");
+    expected.insert(expected.end(), fate.after.begin(), fate.after.end());
+    EXPECT_THAT(rig.script.Log(), ElementsAreArray(expected));
+  }
+}
+
+TEST(Download, AFailedStatusPollIsTriedAgain) {
+  DownloadRig rig;
+  PrepareWhole(rig);
+  rig.script.FailAt(20, CommStatus::TimeOut);
+  EXPECT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_EQ(rig.script.CountOf("0 spoll"), 3);
+}
+
+TEST(Download, TheDeviceGoesAwayForGood) {
+  for (std::size_t index = 0; index < kWholeDownload.size(); ++index) {
+    SCOPED_TRACE(kWholeDownload[index]);
+    DownloadRig rig;
+    PrepareWhole(rig);
+    rig.script.FailFrom(index, CommStatus::Error);
+    EXPECT_FALSE(rig.downloader.DownloadSequence());
+    EXPECT_TRUE(rig.display.downloadEnabled);
+    EXPECT_EQ(rig.progress.depth, 0);
+    EXPECT_FALSE(rig.downloader.UnderWay());
+  }
+}
+
+TEST(Download, AnErrorNumberEndsIt) {
+  for (const int query : {1, 2}) {
+    DownloadRig rig;
+    rig.prompts.Type("a");
+    rig.script.Reply(":SYST:ERR?", query == 1 ? std::vector<std::string>{"-113,\"Undefined header\""}
+                                              : std::vector<std::string>{"0", "-113,\"Undefined header\""});
+    EXPECT_FALSE(rig.downloader.DownloadSequence());
+    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::InstrumentError);
+    EXPECT_EQ(rig.downloader.Outcome().ErrorNumber, -113);
+    EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC"), query - 1);
+    EXPECT_EQ(rig.script.CountOf("0 < :TRIG:COMP"), 0);
+    EXPECT_TRUE(rig.display.downloadEnabled);
+  }
+}
+
+TEST(Download, SequenceNumberZeroIsNotRecorded) {
+  DownloadRig rig;
+  rig.sequence->SequenceNumber = 0;
+  rig.prompts.Type("x");
+  EXPECT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_EQ(rig.prompts.inputRequests[0].defaultText, "Seq0");
+  EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC"), 0);
+  EXPECT_EQ(rig.script.CountOf("0 block :TRAC:SEQ 0,\"x\",#19"), 1);
+}
+
+TEST(Download, BlockHeaderGivesTheLengthOfTheFile) {
+  const std::pair<std::size_t, const char*> cases[] = {
+      {9, "#19"}, {1234, "#41234"}, {99999, "#599999"}, {100000, "#6100000"}};
+  for (const auto& [length, ending] : cases) {
+    DownloadRig rig;
+    rig.compiler.binary = std::string(length, '\xFF');
+    rig.prompts.Type("n");
+    ASSERT_TRUE(rig.downloader.DownloadSequence());
+    ASSERT_EQ(rig.script.Blocks().size(), 1u);
+    EXPECT_EQ(rig.script.Blocks()[0].header, std::string(":TRAC:SEQ 2,\"n\",") + ending);
+    EXPECT_EQ(rig.script.Blocks()[0].data.size(), length);
+  }
+}
+
+TEST(Download, NameQuestion) {
+  struct Case {
+    std::vector<std::optional<std::string>> typed;
+    bool done;
+    std::size_t messages;
+    const char* name;
+  };
+  const Case cases[] = {
+      {{"Seq 1"}, true, 0, "Seq 1"},
+      {{"!#~ "}, true, 0, "!#~ "},
+      {{std::string(20, 'a')}, true, 0, "aaaaaaaaaaaaaaaaaaaa"},
+      {{std::string(21, 'a'), "b"}, true, 0, "b"},
+      {{"a\"b", "a\tb", "a\x7F", "\xC3\xA9", "ok"}, true, 4, "ok"},
+      {{std::string(30, '"'), std::nullopt}, false, 1, "old"},
+      {{""}, false, 0, "old"},
+      {{std::nullopt}, false, 0, "old"},
+  };
+  for (const Case& c : cases) {
+    DownloadRig rig;
+    rig.sequence->SequenceName = "old";
+    for (const auto& text : c.typed) rig.prompts.Type(text);
+    for (std::size_t i = 0; i < c.messages; ++i) rig.prompts.Answer(PromptAnswer::Ok);
+    EXPECT_EQ(rig.downloader.DownloadSequence(), c.done);
+    EXPECT_EQ(rig.sequence->SequenceName, c.name);
+    EXPECT_THAT(rig.Messages(), ElementsAreArray(std::vector<std::string>(c.messages, rig.Text(9108))));
+    for (const InputRequest& request : rig.prompts.inputRequests) {
+      EXPECT_EQ(request.prompt, rig.Text(9208));
+      EXPECT_EQ(request.defaultText, "old");
+    }
+    EXPECT_TRUE(rig.display.downloadEnabled);
+    if (c.done) continue;
+    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Cancelled);
+    EXPECT_EQ(rig.script.Count(), 0u);
+    EXPECT_EQ(rig.compiler.calls, 0);
+  }
+}
+
+TEST(Download, OfflineOnlyTheRunTimesAreComputed) {
+  DownloadRig rig;
+  rig.state.Online = 0;
+  rig.sequence->Steps[1].JumpOn = 1;
+  rig.sequence->Steps[1].JumpTo = 1;
+  EXPECT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_THAT(rig.events, ElementsAre("total -1"));
+  EXPECT_EQ(rig.state.TotalTime, -1);
+  EXPECT_EQ(rig.state.TotalTimeSecond, -1);
+  EXPECT_EQ(rig.sequence->Steps[0].StepRunTime, 1500);
+  EXPECT_EQ(rig.script.Count(), 0u);
+  EXPECT_EQ(rig.compiler.calls, 0);
+}
+
+TEST(Download, InterfacesWithoutBlocksAskFirst) {
+  for (const InterfaceKind kind : {InterfaceKind::NiGpib, InterfaceKind::KiGpib, InterfaceKind::Usb488}) {
+    DownloadRig cancelled;
+    cancelled.state.Instruments[0].InterfaceKind = kind;
+    cancelled.prompts.Answer(PromptAnswer::Cancel);
+    EXPECT_FALSE(cancelled.downloader.DownloadSequence());
+    EXPECT_EQ(cancelled.downloader.Outcome().End, DownloadEnd::Cancelled);
+    EXPECT_EQ(cancelled.script.Count(), 0u);
+    EXPECT_THAT(cancelled.events, ElementsAre("message question: " + cancelled.Text(9600)));
+
+    DownloadRig agreed;
+    agreed.state.Instruments[0].InterfaceKind = kind;
+    agreed.prompts.Answer(PromptAnswer::Ok).Type("x");
+    EXPECT_TRUE(agreed.downloader.DownloadSequence());
+    EXPECT_EQ(agreed.script.Blocks().size(), 1u);
+  }
+  DownloadRig simulated;
+  simulated.state.Instruments[0].InterfaceKind = InterfaceKind::Simulated;
+  simulated.prompts.Type("x");
+  EXPECT_TRUE(simulated.downloader.DownloadSequence());
+}
+
+TEST(Download, ASecondDownloadInsideAWaitIsRefused) {
+  DownloadRig rig;
+  PrepareWhole(rig);
+  int attempts = 0;
+  rig.pump.OnEveryCall([&] {
+    ++attempts;
+    EXPECT_TRUE(rig.downloader.UnderWay());
+    EXPECT_FALSE(rig.downloader.DownloadSequence());
+    EXPECT_FALSE(rig.display.downloadEnabled);
+  });
+  rig.prompts.WhileOpen([&] { EXPECT_FALSE(rig.downloader.DownloadSequence()); });
+  EXPECT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_GT(attempts, 20);
+  EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
+  EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Done);
+}
+
+TEST(Download, TheInstrumentDoesNotCompile) {
+  DownloadRig rig;
+  rig.script.StatusBytes({0, 0x20});
+  rig.script.Reply(":SYST:ERR?", {"0", "0", "-222,\"Data out of range\""});
+  rig.prompts.Type("x").Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.downloader.DownloadSequence());
+  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9311)));
+  EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::NotCompiled);
+  EXPECT_TRUE(rig.display.downloadEnabled);
+  EXPECT_EQ(rig.state.TotalTime, 0);
+}
+
+TEST(Download, TimedProgress) {
+  const std::pair<std::int32_t, int> cases[] = {{1000, 1}, {1500, 1}, {2500, 3}, {25000, 25}, {400, 0}};
+  for (const auto& [milliseconds, seconds] : cases) {
+    DownloadRig rig;
+    rig.downloader.ShowTimedProgress(milliseconds, "text");
+    EXPECT_EQ(rig.progress.advances, seconds) << milliseconds;
+    EXPECT_EQ(rig.clock.Now(), 1000u + 1000u * static_cast<unsigned>(seconds));
+  }
+}
+
+TEST(Download, WorkFileThatCannotBeWritten) {
+  DownloadRig rig;
+  rig.state.AppFolder = rig.folder.File("missing");
+  rig.prompts.Type("x").Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.downloader.DownloadSequence());
+  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9400)));
+  EXPECT_EQ(rig.compiler.calls, 0);
+  EXPECT_EQ(rig.script.Count(), 0u);
+  EXPECT_TRUE(rig.display.downloadEnabled);
+}
+
+#ifndef _WIN32
+TEST(Download, FullDisk) {
+  DownloadRig rig;
+  rig.folder.Write("sendata.bin", "the file of the last download");
+  rig.prompts.Type("x").Answer(PromptAnswer::Ok);
+  rlimit before{};
+  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
+  rlimit full = before;
+  full.rlim_cur = 1000;
+  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
+  const bool done = rig.downloader.DownloadSequence();
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
+  std::signal(SIGXFSZ, oldHandler);
+  EXPECT_FALSE(done);
+  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9400)));
+  EXPECT_EQ(corlune::testing::TempFolder::Read(rig.folder.File("sendata.bin")),
+            "the file of the last download");
+  EXPECT_EQ(rig.script.Count(), 0u);
+}
+#endif
+
+}  // namespace
+}  // namespace corlune

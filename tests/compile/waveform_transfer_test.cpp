@@ -1,0 +1,298 @@
+#include "compile/waveform_transfer.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "support/instrument_rig.h"
+#include "support/temp_folder.h"
+
+namespace corlune {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+std::string Values(int count, const std::string& value) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += value + (i % 2 == 0 ? "," : "\r\n");
+  return text;
+}
+
+// A waveform editor file of `pairs` point pairs.
+std::string PairFile(std::uint32_t pairs) {
+  std::string file(1048928 + std::size_t{8} * pairs, '\0');
+  file[342] = 1;
+  for (int i = 0; i < 4; ++i) file[344 + static_cast<std::size_t>(i)] = static_cast<char>(pairs >> (8 * i));
+  return file;
+}
+
+struct TransferRig : corlune::testing::InstrumentRig {
+  TransferRig() {
+    state.AppFolder = folder.Path();
+    script.Reply(":SYST:ERR?", {"0,\"No error\""});
+  }
+  corlune::testing::TempFolder folder;
+  InstrumentDialogues dialogues{commands, prompts, catalogue};
+  WaveformTransfer transfer{commands, dialogues, prompts, catalogue};
+};
+
+TEST(WaveformTransfer, SendsTheBlockOfTheFile) {
+  TransferRig rig;
+  rig.folder.Write("a.TXT", Values(4096, "-2"));
+  ArbFileEntry entry;
+  entry.FilePath = "a.TXT";  // beside the work file
+  ASSERT_EQ(rig.transfer.TransferArbFile(entry, 12), ArbTransfer::Done);
+  EXPECT_THAT(rig.script.Log(),
+              ElementsAre("0 < *CLS", "0 block :TRACe:DATA 12,\"Arb12\",#48200 (8200 bytes)"));
+  const auto& data = rig.script.Blocks()[0].data;
+  EXPECT_EQ(std::vector<std::uint8_t>(data.begin(), data.begin() + 10),
+            (std::vector<std::uint8_t>{0, 0, 0, 0, 0, 0, 0x10, 0, 0xFF, 0xFE}));
+  EXPECT_EQ(entry.ArrayForm, 1);
+  EXPECT_EQ(entry.PointCount, 4096);
+
+  rig.folder.Write("b.wdb", PairFile(100));
+  entry.FilePath = rig.folder.File("b.wdb");
+  ASSERT_EQ(rig.transfer.TransferArbFile(entry, 1), ArbTransfer::Done);
+  EXPECT_EQ(rig.script.Blocks()[1].header, ":TRACe:DATA 1,\"Arb1\",#3608");
+  EXPECT_EQ(entry.ArrayForm, 0);
+  EXPECT_EQ(entry.PointCount, 100);
+}
+
+TEST(WaveformTransfer, AFileThatIsNoWaveformSendsNothing) {
+  struct Case {
+    const char* name;
+    std::string content;
+    int message;  // 0: none
+  };
+  const Case cases[] = {
+      {"", "", 9300},
+      {"missing.txt", "", 9300},
+      {"large.txt", Values(4096, "32768"), 9308},
+      {"word.txt", Values(4096, "x"), 9308},
+      {"count.txt", Values(4097, "1"), 0},
+      {"short.wdb", PairFile(100).substr(0, 1049000), 9307},
+      {"other.csv", Values(4096, "1"), 9306},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    TransferRig rig;
+    if (!c.content.empty()) rig.folder.Write(c.name, c.content);
+    ArbFileEntry entry;
+    entry.FilePath = c.name;
+    if (c.message != 0) rig.prompts.Answer(PromptAnswer::Ok);
+    EXPECT_EQ(rig.transfer.TransferArbFile(entry, 1), ArbTransfer::FileRefused);
+    EXPECT_FALSE(rig.transfer.Reason().empty());
+    EXPECT_EQ(rig.script.Count(), 0u);
+    ASSERT_THAT(rig.prompts.messages, SizeIs(c.message != 0 ? 1 : 0));
+    if (c.message == 0) continue;
+    EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(c.message));
+    EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Exclamation);
+  }
+}
+
+TEST(WaveformTransfer, OneRowOfTheDialog) {
+  TransferRig rig;
+  ArbFileEntry entry;
+  entry.FilePath = rig.folder.Write("a.txt", Values(4096, "1"));
+  ASSERT_EQ(rig.transfer.TransferOne(entry, 7), ArbTransfer::Done);
+  EXPECT_THAT(rig.script.Log(),
+              ElementsAre("timeout 14", "0 < *CLS", "0 block :TRACe:DATA 7,\"Arb7\",#48200 (8200 bytes)",
+                          "0 < :SYST:ERR?", "0 > 0,\"No error\"", "timeout 12"));
+  EXPECT_EQ(rig.clock.Now(), 2000u);
+  EXPECT_EQ(entry.Transferred, 1);
+  EXPECT_EQ(entry.InInstrument, 1);
+
+  rig.script.ClearLog();
+  EXPECT_EQ(rig.transfer.ClearOne(entry, 7), CommStatus::Success);
+  EXPECT_THAT(rig.script.Log(), ElementsAre("0 < :TRACe:DELete 7"));
+  EXPECT_EQ(entry.Transferred, 0);
+  EXPECT_EQ(entry.InInstrument, 0);
+
+  rig.script.Reply(":SYST:ERR?", {"-225,\"Out of memory\""});
+  rig.prompts.Answer(PromptAnswer::Ok);
+  EXPECT_EQ(rig.transfer.TransferOne(entry, 7), ArbTransfer::MemoryFull);
+  EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(9317));
+  EXPECT_EQ(entry.Transferred, 0);
+  EXPECT_EQ(entry.InInstrument, 0);
+
+  entry.Transferred = entry.InInstrument = 1;
+  rig.script.FailOn("0 < :TRACe:DELete", CommStatus::Error);
+  EXPECT_EQ(rig.transfer.ClearOne(entry, 7), CommStatus::Error);
+  EXPECT_EQ(entry.InInstrument, 1);
+}
+
+TEST(WaveformTransfer, TransferTimeGrowsByWholeMebibytes) {
+  const std::pair<std::int32_t, std::pair<std::int32_t, std::int32_t>> cases[] = {
+      // points: {array form, point pairs}
+      {0, {1000, 1000}},       {4096, {1000, 1000}},    {174762, {1000, 1000}},
+      {174763, {1000, 25000}}, {524287, {1000, 50000}}, {524288, {25000, 75000}},
+  };
+  for (const auto& [points, times] : cases) {
+    ArbFileEntry entry;
+    entry.PointCount = points;
+    entry.ArrayForm = 1;
+    EXPECT_EQ(TransferTime(entry), times.first) << points;
+    entry.ArrayForm = 0;
+    EXPECT_EQ(TransferTime(entry), times.second) << points;
+  }
+}
+
+TEST(WaveformTransfer, InformationQuery) {
+  struct Case {
+    std::string reply;
+    bool taken;
+    int form;
+    int points;
+    int present;
+  };
+  const Case cases[] = {
+      {"\"Arb1\",1,4096", true, 1, 4096, 1},
+      {"\"Arb1\",0,100", true, 0, 100, 1},
+      {"\"\",0,0", true, 0, 0, 0},
+      {"\"Arb1\",1,0", true, 1, 0, 0},
+      {"\"a,b \"\"c\"\"\", 1 , 8192 ", true, 1, 8192, 1},
+      {"\"Arb1\",1", false, 0, 0, 0},
+      {"\"Arb1\",1,2,3", false, 0, 0, 0},
+      {"\"Arb1\" 1,4096", false, 0, 0, 0},
+      {"\"Arb1,1,4096", false, 0, 0, 0},
+      {"Arb1,1,4096", false, 0, 0, 0},
+      {"\"Arb1\",x,4096", false, 0, 0, 0},
+      {"\"Arb1\",1,-5", false, 0, 0, 0},
+      {"", false, 0, 0, 0},
+  };
+  for (const Case& c : cases) {
+    TransferRig rig;
+    rig.script.Reply(":TRAC:INF? 9", {c.reply});
+    ArbFileEntry entry;
+    entry.PointCount = 77;
+    ArbFileEntry expected = entry;
+    if (c.taken) {
+      expected.ArrayForm = static_cast<std::int16_t>(c.form);
+      expected.PointCount = c.points;
+      expected.InInstrument = static_cast<std::int16_t>(c.present);
+    }
+    EXPECT_EQ(rig.transfer.QueryArbInfo(entry, 9), c.taken) << c.reply;
+    EXPECT_TRUE(entry == expected) << c.reply;
+  }
+}
+
+TEST(WaveformTransfer, DirectoryStopsAtTheFirstFailure) {
+  TransferRig rig;
+  for (const int number : {1, 2, 4}) {
+    rig.script.Reply(":TRAC:INF? " + std::to_string(number), {"\"x\",1,4096"});
+  }
+  ArbEntries entries{};
+  EXPECT_EQ(rig.transfer.QueryArbDirectory(entries), 2);
+  EXPECT_EQ(entries[1].InInstrument, 1);
+  EXPECT_EQ(entries[3].InInstrument, 0);
+  EXPECT_EQ(rig.script.CountOf("0 < :TRAC:INF?"), 3);
+
+  TransferRig whole;
+  for (int number = 1; number <= 128; ++number) {
+    whole.script.Reply(":TRAC:INF? " + std::to_string(number), {"\"\",0,0"});
+  }
+  EXPECT_EQ(whole.transfer.QueryArbDirectory(entries), 128);
+  EXPECT_EQ(entries[1].InInstrument, 0);
+
+  TransferRig offline;
+  offline.state.Online = 0;
+  EXPECT_EQ(offline.transfer.QueryArbDirectory(entries), 0);
+  EXPECT_THAT(offline.script.Log(), IsEmpty());
+}
+
+struct ResourceCase {
+  const char* what;
+  std::vector<int> points;  // of the used waveforms, ARB 1 onward; 0: present, size unknown
+  int builtIn;
+  bool workArea;
+  ArbCheck result;
+};
+
+TEST(CheckArbResources, Boundaries) {
+  constexpr int kAll = 524288;
+  const ResourceCase cases[] = {
+      {"one built-in waveform", {}, 1, false, ArbCheck::Passed},
+      {"all built-in waveforms and the work area", {}, 3, true, ArbCheck::Passed},
+      {"one waveform and a sine", {4096}, 1, false, ArbCheck::Passed},
+      {"a full memory", {kAll}, 0, false, ArbCheck::Passed},
+      {"two that fill it", {kAll / 2, kAll / 2}, 0, false, ArbCheck::Passed},
+      {"one point too many", {kAll, 1}, 0, false, ArbCheck::MemoryFull},
+      {"work area", {kAll - 32768}, 0, true, ArbCheck::Passed},
+      {"work area, one point too many", {kAll - 32767}, 0, true, ArbCheck::MemoryFull},
+      {"full memory and a sine", {kAll}, 1, false, ArbCheck::TooManyWaveforms},
+      {"room for one sine", {kAll - 4096}, 1, false, ArbCheck::Passed},
+      {"not for two", {kAll - 4096}, 2, false, ArbCheck::TooManyWaveforms},
+      {"not quite for two", {kAll - 8191}, 2, false, ArbCheck::TooManyWaveforms},
+      {"for two", {kAll - 8192}, 2, false, ArbCheck::Passed},
+      {"an unknown size counts as one", {kAll - 4096, 0}, 0, false, ArbCheck::Passed},
+      {"two unknown sizes", {kAll - 4096, 0, 0}, 0, false, ArbCheck::TooManyWaveforms},
+  };
+  for (const ResourceCase& c : cases) {
+    for (const std::size_t channel : {0u, 1u}) {
+      ArbEntries entries{};
+      StepFlow flow;
+      for (std::size_t i = 0; i < c.points.size(); ++i) {
+        entries[i].InInstrument = 1;
+        entries[i].PointCount = c.points[i];
+        flow.Channels[channel].Arbs[i] = true;
+      }
+      flow.Channels[channel].BuiltInWaveforms = c.builtIn;
+      flow.Channels[channel].WorkArea = c.workArea;
+      EXPECT_EQ(CheckArbResources(flow, 2, entries, "."), c.result) << c.what << ", channel " << channel;
+    }
+  }
+}
+
+TEST(CheckArbResources, LooksIntoTheFilesThatWillBeSent) {
+  const corlune::testing::TempFolder folder;
+  folder.Write("a.txt", Values(8192, "1"));
+  folder.Write("b.wdb", PairFile(100));
+  folder.Write("bad.txt", Values(5000, "1"));
+  ArbEntries entries{};
+  entries[0].FilePath = "a.txt";
+  entries[1].FilePath = folder.File("b.wdb");
+  entries[1].ArrayForm = 1;
+  entries[1].PointCount = 524288;  // what the instrument holds until then
+  entries[2].FilePath = "bad.txt";
+  entries[3].FilePath = "a.txt";
+  entries[3].PointCount = 4096;
+  entries[3].Transferred = 1;     // sent already, whatever the file holds now
+  entries[4].FilePath = "a.txt";  // not used
+  StepFlow flow;
+  for (std::size_t i = 0; i < 4; ++i) flow.Channels[0].Arbs[i] = true;
+  EXPECT_EQ(CheckArbResources(flow, 1, entries, folder.Path()), ArbCheck::Passed);
+  const std::pair<int, int> expected[] = {{1, 8192}, {0, 100}, {0, 0}, {0, 4096}, {0, 0}};
+  for (std::size_t i = 0; i < 5; ++i) {
+    EXPECT_EQ(std::make_pair(int{entries[i].ArrayForm}, int{entries[i].PointCount}), expected[i]) << i;
+  }
+
+  flow.Channels[0].Arbs[5] = true;  // neither file nor waveform in the instrument
+  EXPECT_EQ(CheckArbResources(flow, 1, entries, folder.Path()), ArbCheck::ArbMissing);
+  entries[5].InInstrument = 1;
+  EXPECT_EQ(CheckArbResources(flow, 1, entries, folder.Path()), ArbCheck::Passed);
+  flow.Channels[0].ArbWithoutNumber = true;
+  EXPECT_EQ(CheckArbResources(flow, 1, entries, folder.Path()), ArbCheck::NoArbNumber);
+}
+
+TEST(ArbInformationTable, FormAndKiloPoints) {
+  ArbEntries entries{};
+  const std::pair<int, int> given[] = {{0, 0},    {1, 4096}, {1, 524288}, {0, 100},
+                                       {1, 1535}, {1, 1536}, {1, 0}};
+  const std::pair<int, int> expected[] = {{1, 0}, {0, 4}, {0, 512}, {1, 0}, {0, 1}, {0, 2}, {0, 0}};
+  for (std::size_t i = 0; i < std::size(given); ++i) {
+    entries[i].ArrayForm = static_cast<std::int16_t>(given[i].first);
+    entries[i].PointCount = given[i].second;
+  }
+  const auto table = ArbInformationTable(entries);
+  for (std::size_t i = 0; i < std::size(given); ++i) {
+    EXPECT_EQ(std::make_pair(table[i].PointPairs, table[i].KiloPoints), expected[i]) << i;
+  }
+  EXPECT_EQ(table[127].PointPairs, 1);
+}
+
+}  // namespace
+}  // namespace corlune
