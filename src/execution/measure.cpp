@@ -1,6 +1,7 @@
 #include "execution/measure.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace corlune {
 
@@ -64,13 +65,13 @@ void Measure::MeasureHold() {
 
 void Measure::MeasureEnd() {
   AppState& state = run_.state;
-  monitoring_ = false;
+  const bool highlighted = std::exchange(monitoring_, false);
   ++endCount_;
   run_.timer.Enable(false);
   SetRunState(state, RunState::Stopped);
   state.PendingRequest = PendingRequest::None;
   state.BranchRequested = false;
-  HighlightCurrent(false);
+  if (highlighted) HighlightCurrent(false);
   state.ElapsedTime = 0;
   lastPoll.reset();
   run_.display.ShowElapsedTime(0);

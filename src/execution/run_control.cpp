@@ -12,8 +12,7 @@ namespace {
 
 constexpr const char* kResumeCommand = ":TRIG1:SEL:EXEC RES";
 constexpr std::int32_t kResumeWait = 400;  // ms
-// From this many following steps on the grids scroll with the step.
-constexpr int kRowsBelow = 9;
+constexpr int kRowsBelow = 9;              // with more steps following, the grids scroll to the step
 
 // Holds a counter or flag up for the lifetime of a command.
 class DepthGuard {
@@ -259,13 +258,15 @@ void RunControl::PressStop() {
 void RunControl::PressAtNextTick(PendingRequest request) {
   AppState& state = run_.state;
   if (state.PendingRequest == PendingRequest::Stop) return;
-  // A held run has no tick that could carry it out; kept, it would strike when the run resumes.
-  if (state.RunState == RunState::Held && !activity_.CommandUnderWay()) return;
+  // Without a running run no tick carries it out; kept, it would strike when the run resumes.
+  if (state.RunState != RunState::Running && activity_.commandDepth == 0) return;
   state.PendingRequest = request;
 }
 
 void RunControl::PressAtOnce(Run command) {
-  if (run_.state.OperationMode != OperationMode::Execution || activity_.CommandUnderWay()) return;
+  const AppState& state = run_.state;
+  if (state.OperationMode != OperationMode::Execution || activity_.CommandUnderWay()) return;
+  if (command == Run::Start && state.RunState == RunState::Running) return;
   if (activity_.inTick) {
     afterTick_ = command;
   } else {

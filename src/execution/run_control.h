@@ -31,7 +31,7 @@ class RunControl {
 
   // A press on run menu item 0..5 (Run's order).
   //   Stop: held, at once; running, at the monitor's next tick; during a command, when that command ends.
-  //   Hold, Branch: at the monitor's next tick; ignored while held and behind a waiting stop.
+  //   Hold, Branch: at the monitor's next tick; ignored unless running, and behind a waiting stop.
   //   Start, Output: at once; during a tick, at its end; during a command, ignored.
   // Start and Output need execution mode.
   void MenuItem(int item);
