@@ -244,7 +244,7 @@ TEST(ReadBackSequence, AFailureLeavesTheSequenceAsItWas) {
       {"time-out", -1, std::nullopt, 2},
       {"empty", -1, "", 2},
       {"no steps", -1, "[DATA]\r\nSEQ=7,SYNC,0,STAR,POS\r\n", 2},
-      {"binary", -1, std::string("\x00\xFF[DATA]\x81\x00STEP#0", 18), 2},
+      {"binary", -1, std::string("\x00\xFF[DATA]\x81\x00STEP#0", 16), 2},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
