@@ -106,7 +106,8 @@ void WriteModes(TextWriter& out, const SequenceData& sequence, const AppState& s
       out.Text("MD_MODESET").Integer(device).Integer(channel).Text("=");
       for (int set = 0; set < sets; ++set) {
         if (set > 0) out.Comma();
-        out.Integer(selections[static_cast<std::size_t>(set * kModeSlots + channel)]);
+        const int index = set * kModeSlots + channel;
+        out.Integer(selections[static_cast<std::size_t>(index)]);
       }
       out.EndLine();
     }

@@ -148,9 +148,9 @@ bool ReadModeLine(const ProfileLine& line, SequenceData& sequence) {
   if (TrimBlanks(line.Value).empty()) return true;  // a model without mode sets
   ProfileFields fields(line.Value);
   for (int set = 0; set < kModeSets && !fields.AtEnd(); ++set) {
-    auto& selection = sequence.ModeSettings[static_cast<std::size_t>(*device)]
-                                           [static_cast<std::size_t>(set * kModeSlots + *channel)];
-    if (!fields.Read(selection)) return false;
+    const int index = set * kModeSlots + *channel;
+    auto& selections = sequence.ModeSettings[static_cast<std::size_t>(*device)];
+    if (!fields.Read(selections[static_cast<std::size_t>(index)])) return false;
   }
   return fields.AtEnd();
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -124,13 +125,17 @@ struct SequenceData {
   std::int16_t SequenceNumber = 0;  // instrument memory 0..10
 
   // channel 0..1, step slot 0..255, parameter slot 0..10; not checked.
-  ParamCell& Cell(int channel, int step, int param) {
-    return Cells[static_cast<std::size_t>((param * MAX_STEPS + step) * MAX_CHANNELS + channel)];
-  }
+  ParamCell& Cell(int channel, int step, int param) { return Cells[CellIndex(channel, step, param)]; }
   const ParamCell& Cell(int channel, int step, int param) const {
-    return Cells[static_cast<std::size_t>((param * MAX_STEPS + step) * MAX_CHANNELS + channel)];
+    return Cells[CellIndex(channel, step, param)];
   }
   bool operator==(const SequenceData&) const = default;
+
+ private:
+  static constexpr std::size_t CellIndex(int channel, int step, int param) {
+    const int index = (param * MAX_STEPS + step) * MAX_CHANNELS + channel;
+    return static_cast<std::size_t>(index);
+  }
 };
 
 }  // namespace corlune
