@@ -20,7 +20,7 @@ constexpr std::size_t kLongReply = 300;
 
 void Release(std::string& buffer) {
   if (buffer.capacity() > kKeptCapacity) {
-    buffer = std::string();
+    std::string().swap(buffer);  // assigning an empty text would keep the memory
   } else {
     buffer.clear();
   }
@@ -103,15 +103,19 @@ void VirtualInstrument::HandleInput(std::string_view bytes, bool end) {
     std::string_view message = bytes.substr(0, *length);
     bytes.remove_prefix(*length);
     if (message.back() == '\n') message.remove_suffix(1);
-    HandleMessage(message);
+    if (!HandleMessage(message)) {
+      skipToEnd_ = !end;
+      return;
+    }
     messageOpen_ = !end && !bytes.empty();
   }
 }
 
-void VirtualInstrument::HandleMessage(std::string_view message) {
+// False when a block was malformed: nobody knows what the bytes behind it are.
+bool VirtualInstrument::HandleMessage(std::string_view message) {
   if (state_.waitWanted) {
     deferred_.append(message).append("\n");
-    return;
+    return true;
   }
   if (ReplyWaiting()) {
     state_.status.Report(ScpiError::Interrupted);
@@ -134,6 +138,7 @@ void VirtualInstrument::HandleMessage(std::string_view message) {
   }
   if (reader.Error() != ScpiError::None) state_.status.Report(reader.Error());
   FinishReply();
+  return reader.Error() != ScpiError::InvalidBlock;
 }
 
 void VirtualInstrument::FinishReply() {

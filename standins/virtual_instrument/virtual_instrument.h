@@ -74,7 +74,7 @@ class VirtualInstrument {
  private:
   void Update();
   void HandleInput(std::string_view bytes, bool end);
-  void HandleMessage(std::string_view message);
+  bool HandleMessage(std::string_view message);
   void FinishReply();
   bool ReplyWaiting() const { return readAt_ < output_.size(); }
 

@@ -15,7 +15,7 @@ namespace {
 
 // An endless time-out ends all the same: a reply that is not under way will not come.
 constexpr ViUInt32 kLongestWaitMs = 60'000;
-constexpr std::size_t kFilePart = std::size_t{64} << 10;
+constexpr std::size_t kFilePart = std::size_t{16} << 10;
 constexpr ViUInt32 kEventPollMs = 10;
 
 void CopyName(char* out, std::string_view name) {

@@ -42,6 +42,7 @@ ScpiError WaveformMemory::Store(int number, std::string_view name, std::string_v
 void WaveformMemory::Delete(int number) {
   StoredWaveform& waveform = waveforms_[static_cast<std::size_t>(number - 1)];
   used_ -= waveform.points;
+  std::string().swap(waveform.data);  // assigning an empty text would keep the memory
   waveform = StoredWaveform{};
 }
 

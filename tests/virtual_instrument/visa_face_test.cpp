@@ -1,0 +1,447 @@
+// The VISA operations as a client in the same process calls them, on a clock that only its waits move.
+
+#include "standins/virtual_instrument/visa_face.h"
+
+#include <fstream>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "tests/support/temp_folder.h"
+#include "tests/virtual_instrument/instrument_rig.h"
+
+namespace corlune::testing {
+namespace {
+
+constexpr const char* kFirst = "USB0::0x3A1F::0x2220::QM000001::INSTR";
+constexpr const char* kSecond = "USB0::0x3A1F::0x2210::SN-2::INSTR";
+
+class VisaFaceTest : public ::testing::Test {
+ protected:
+  VisaFaceTest() {
+    std::string error;
+    EXPECT_TRUE(bench_.AddFromText("QM2220:QM000001,QM2210:SN-2", "", &error)) << error;
+    SetVisaFace(&face_);
+    EXPECT_EQ(viOpenDefaultRM(&manager_), VI_SUCCESS);
+    EXPECT_EQ(viOpen(manager_, kFirst, VI_NO_LOCK, 0, &first_), VI_SUCCESS);
+  }
+  ~VisaFaceTest() override {
+    EXPECT_EQ(viClose(manager_), VI_SUCCESS);
+    EXPECT_EQ(face_.OpenObjects(), 0U);
+    SetVisaFace(nullptr);
+  }
+
+  ViStatus Write(const std::string& text) {
+    ViUInt32 count = 0;
+    const ViStatus status = viWrite(first_, reinterpret_cast<const ViByte*>(text.data()),
+                                    static_cast<ViUInt32>(text.size()), &count);
+    EXPECT_EQ(count, status == VI_SUCCESS ? text.size() : 0);
+    return status;
+  }
+  ViStatus Read(ViUInt32 size, std::string& text) {
+    std::vector<ViByte> buffer(size);
+    ViUInt32 count = 0;
+    const ViStatus status = viRead(first_, buffer.data(), size, &count);
+    text.assign(buffer.begin(), buffer.begin() + count);
+    return status;
+  }
+  void Faults(const std::string& text) {
+    const auto faults = ParseFaults(text, "QM000001");
+    ASSERT_TRUE(faults.has_value()) << text;
+    bench_.At(0).SetFaults(FaultPlan(*faults));
+  }
+  void Set(ViAttr attribute, ViAttrState value) {
+    ASSERT_EQ(viSetAttribute(first_, attribute, value), VI_SUCCESS);
+  }
+
+  std::uint32_t now_ = 5000;
+  std::uint32_t slept_ = 0;
+  VirtualBench bench_{[this] { return now_; }};
+  VisaFace face_{bench_, [this](std::uint32_t milliseconds) {
+                   now_ += milliseconds;
+                   slept_ += milliseconds;
+                 }};
+  ViSession manager_ = 0;
+  ViSession first_ = 0;
+};
+
+TEST_F(VisaFaceTest, FindsByExpression) {
+  const struct {
+    const char* expression;
+    std::vector<std::string> found;
+    ViStatus status;
+  } rows[] = {
+      {"?*INSTR", {kFirst, kSecond}, VI_SUCCESS},
+      {"USB0::0x3A1F::0x2220::?*INSTR", {kFirst}, VI_SUCCESS},
+      {"usb?*::sn-2::instr", {kSecond}, VI_SUCCESS},
+      {"USB[0-9]*::?*::0x22[12]0::(QM000001|SN-2)::INSTR", {kFirst, kSecond}, VI_SUCCESS},
+      {"USB[^0]?*", {}, VI_ERROR_RSRC_NFOUND},
+      {"USB0+::?*\\:SN\\-2::\\INSTR", {kSecond}, VI_SUCCESS},
+      {"GPIB?*INSTR|USB?*QM0*1::INSTR", {kFirst}, VI_SUCCESS},
+      {"USB", {}, VI_ERROR_RSRC_NFOUND},
+      {"USB0..0x3A1F?*", {}, VI_ERROR_RSRC_NFOUND},  // "." is a point
+      {"USB?*(INSTR", {}, VI_ERROR_INV_EXPR},
+      {"USB?*[0-", {}, VI_ERROR_INV_EXPR},
+      {"*INSTR", {}, VI_ERROR_INV_EXPR},
+      {"", {}, VI_ERROR_INV_EXPR},
+  };
+  for (const auto& row : rows) {
+    ViFindList list = 0;
+    ViUInt32 count = 99;
+    char name[VI_FIND_BUFLEN] = "";
+    std::vector<std::string> found;
+    EXPECT_EQ(viFindRsrc(manager_, row.expression, &list, &count, name), row.status) << row.expression;
+    if (row.status != VI_ERROR_INV_EXPR) {
+      EXPECT_EQ(count, row.found.size()) << row.expression;
+    }
+    if (row.status == VI_SUCCESS) {
+      do found.emplace_back(name);
+      while (viFindNext(list, name) == VI_SUCCESS);
+      EXPECT_EQ(viClose(list), VI_SUCCESS);
+    }
+    EXPECT_EQ(found, row.found) << row.expression;
+  }
+}
+
+TEST_F(VisaFaceTest, OpensByNameInAnySpelling) {
+  const struct {
+    const char* name;
+    ViStatus status;
+  } rows[] = {
+      {"usb0::0x3a1f::0x2220::qm000001::instr", VI_SUCCESS},
+      {"USB::14879::8736::QM000001", VI_SUCCESS},
+      {"USB0::0x3A1F::0x2220::QM000001::0::INSTR", VI_SUCCESS},
+      {"USB0::0x3A1F::0x2220::QM000002::INSTR", VI_ERROR_RSRC_NFOUND},
+      {"USB1::0x3A1F::0x2220::QM000001::INSTR", VI_ERROR_RSRC_NFOUND},
+      {"USB0::0x3A1F::0x2220::QM000001::1::INSTR", VI_ERROR_RSRC_NFOUND},
+      {"GPIB0::7::INSTR", VI_ERROR_RSRC_NFOUND},
+      {"USB0::0x3A1F::product::QM000001::INSTR", VI_ERROR_INV_RSRC_NAME},
+      {"USB0::::0x2220::QM000001::INSTR", VI_ERROR_INV_RSRC_NAME},
+      {"QM000001", VI_ERROR_INV_RSRC_NAME},
+      {"", VI_ERROR_INV_RSRC_NAME},
+  };
+  for (const auto& row : rows) {
+    ViSession session = 77;
+    EXPECT_EQ(viOpen(manager_, row.name, VI_NO_LOCK, 0, &session), row.status) << row.name;
+    EXPECT_EQ(session == VI_NULL, row.status != VI_SUCCESS) << row.name;
+    if (row.status == VI_SUCCESS) {
+      EXPECT_EQ(viClose(session), VI_SUCCESS);
+    }
+  }
+}
+
+TEST_F(VisaFaceTest, EndsAReadAsTheStandardSays) {
+  const struct {
+    bool terminator;
+    ViUInt32 size;
+    std::vector<std::pair<std::string, ViStatus>> reads;
+  } rows[] = {
+      {false, 100, {{"128;\"\n\",0,2\n", VI_SUCCESS}}},
+      {false, 12, {{"128;\"\n\",0,2\n", VI_SUCCESS}}},
+      {false, 11, {{"128;\"\n\",0,2", VI_SUCCESS_MAX_CNT}, {"\n", VI_SUCCESS}}},
+      {false, 5, {{"128;\"", VI_SUCCESS_MAX_CNT}, {"\n\",0,", VI_SUCCESS_MAX_CNT}, {"2\n", VI_SUCCESS}}},
+      {true, 100, {{"128;\"\n", VI_SUCCESS_TERM_CHAR}, {"\",0,2\n", VI_SUCCESS}}},
+      {true, 6, {{"128;\"\n", VI_SUCCESS_TERM_CHAR}, {"\",0,2\n", VI_SUCCESS}}},
+      {true,
+       3,
+       {{"128", VI_SUCCESS_MAX_CNT},
+        {";\"\n", VI_SUCCESS_TERM_CHAR},
+        {"\",0", VI_SUCCESS_MAX_CNT},
+        {",2\n", VI_SUCCESS}}},
+  };
+  ASSERT_EQ(Write("*ESE 128;:TRAC:DATA 1,\"\n\"," + BlockOf(WaveformBlock(1, 2))), VI_SUCCESS);
+  for (const auto& row : rows) {
+    Set(VI_ATTR_TERMCHAR_EN, row.terminator ? VI_TRUE : VI_FALSE);
+    ASSERT_EQ(Write("*ESE?;:TRAC:INF? 1\n"), VI_SUCCESS);
+    for (const auto& [text, status] : row.reads) {
+      std::string read;
+      EXPECT_EQ(Read(row.size, read), status) << row.size;
+      EXPECT_EQ(read, text) << row.size;
+    }
+    std::string nothing;
+    EXPECT_EQ(Read(10, nothing), VI_ERROR_TMO) << row.size;
+  }
+}
+
+TEST_F(VisaFaceTest, PutsAMessageTogetherUntilEnd) {
+  Set(VI_ATTR_SEND_END_EN, VI_FALSE);
+  const std::string block = WaveformBlock(0, 4096);
+  ASSERT_EQ(Write(":TRAC:DATA 3,\"Arb3\",#4" + std::to_string(block.size())), VI_SUCCESS);
+  ViUInt16 status = 0;
+  ASSERT_EQ(viReadSTB(first_, &status), VI_SUCCESS);
+  EXPECT_EQ(status, 0);
+  Set(VI_ATTR_SEND_END_EN, VI_TRUE);
+  ASSERT_EQ(Write(block), VI_SUCCESS);
+  ASSERT_EQ(Write(":TRAC:INF? 3\n"), VI_SUCCESS);
+  std::string reply;
+  EXPECT_EQ(Read(256, reply), VI_SUCCESS);
+  EXPECT_EQ(reply, "\"Arb3\",1,4096\n");
+}
+
+TEST_F(VisaFaceTest, TimesOutAfterTheTimeSet) {
+  const struct {
+    ViAttrState value;
+    std::uint32_t slept;
+  } rows[] = {{3000, 3000}, {VI_TMO_IMMEDIATE, 0}, {0xABCD0000'00000064U, 100}, {VI_TMO_INFINITE, 60'000}};
+  for (const auto& row : rows) {
+    Set(VI_ATTR_TMO_VALUE, row.value);
+    ViUInt32 back = 0;
+    ASSERT_EQ(viGetAttribute(first_, VI_ATTR_TMO_VALUE, &back), VI_SUCCESS);
+    EXPECT_EQ(back, static_cast<ViUInt32>(row.value));
+    slept_ = 0;
+    std::string reply;
+    EXPECT_EQ(Read(16, reply), VI_ERROR_TMO);
+    EXPECT_EQ(slept_, row.slept);
+    ASSERT_EQ(Write(":SYST:ERR?"), VI_SUCCESS);
+    EXPECT_EQ(Read(100, reply), VI_SUCCESS);
+    EXPECT_EQ(reply, "-420,\"Query UNTERMINATED\"\n");
+  }
+}
+
+TEST_F(VisaFaceTest, ReadsAReplyIntoAFile) {
+  const TempFolder folder;
+  const std::string path = folder.File("reply.bin");
+  const CompiledSequence sequence = Steps({0.5, 0.25, 3}, 2);
+  const std::string text = WriteSequenceText(sequence);
+  ASSERT_GT(text.size(), 40'000U);  // more than the face reads at a time
+  ASSERT_EQ(Write(":TRAC:SEQ 0,\"A\"," + BlockOf(CompiledBytes(sequence))), VI_SUCCESS);
+  const auto content = [&path] {
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), {});
+  };
+  ViUInt32 count = 0;
+  ASSERT_EQ(Write(":TRAC:SEQ? 0\n"), VI_SUCCESS);
+  EXPECT_EQ(viReadToFile(first_, path.c_str(), 1'000'000, &count), VI_SUCCESS);
+  EXPECT_EQ(count, text.size());
+  EXPECT_EQ(content(), text);
+  // With the terminator on only the first line comes; a second read continues, and appends when told to.
+  Set(VI_ATTR_TERMCHAR_EN, VI_TRUE);
+  Set(VI_ATTR_FILE_APPEND_EN, VI_TRUE);
+  ASSERT_EQ(Write(":TRAC:SEQ? 0\n"), VI_SUCCESS);
+  EXPECT_EQ(viReadToFile(first_, path.c_str(), 1'000'000, &count), VI_SUCCESS_TERM_CHAR);
+  EXPECT_EQ(count, text.find('\n') + 1);
+  Set(VI_ATTR_TERMCHAR_EN, VI_FALSE);
+  EXPECT_EQ(viReadToFile(first_, path.c_str(), 30'000, &count), VI_SUCCESS_MAX_CNT);
+  EXPECT_EQ(count, 30'000U);
+  EXPECT_EQ(viReadToFile(first_, path.c_str(), 1'000'000, &count), VI_SUCCESS);
+  EXPECT_EQ(content(), text + text);
+  EXPECT_EQ(viReadToFile(first_, path.c_str(), 100, &count), VI_ERROR_TMO);
+  EXPECT_EQ(viReadToFile(first_, folder.File("no/such/folder").c_str(), 100, &count), VI_ERROR_FILE_ACCESS);
+  ASSERT_EQ(Write("*CLS"), VI_SUCCESS);
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << "*ESE 3;*ESE?\n";
+  EXPECT_EQ(viWriteFromFile(first_, path.c_str(), 1000, &count), VI_SUCCESS);
+  std::string reply;
+  EXPECT_EQ(Read(100, reply), VI_SUCCESS);
+  EXPECT_EQ(reply, "3\n");
+}
+
+TEST_F(VisaFaceTest, AttributesHaveTheirOwnSizes) {
+  struct {
+    ViUInt8 value = 0;
+    ViUInt8 after = 0xEE;
+  } byte;
+  struct {
+    ViUInt16 value = 0;
+    ViUInt16 after = 0xEEEE;
+  } word;
+  struct {
+    ViUInt32 value = 0;
+    ViUInt32 after = 0xEEEEEEEE;
+  } wide;
+  ASSERT_EQ(viGetAttribute(first_, VI_ATTR_TERMCHAR, &byte), VI_SUCCESS);
+  ASSERT_EQ(viGetAttribute(first_, VI_ATTR_SEND_END_EN, &word), VI_SUCCESS);
+  ASSERT_EQ(viGetAttribute(first_, VI_ATTR_RM_SESSION, &wide), VI_SUCCESS);
+  EXPECT_EQ(byte.value, 10);
+  EXPECT_EQ(word.value, VI_TRUE);
+  EXPECT_EQ(wide.value, manager_);
+  EXPECT_EQ(byte.after, 0xEE);
+  EXPECT_EQ(word.after, 0xEEEE);
+  EXPECT_EQ(wide.after, 0xEEEEEEEEU);
+  char text[VI_FIND_BUFLEN] = "";
+  EXPECT_EQ(viGetAttribute(first_, VI_ATTR_RSRC_NAME, text), VI_SUCCESS);
+  EXPECT_STREQ(text, kFirst);
+  EXPECT_EQ(viGetAttribute(manager_, VI_ATTR_RSRC_CLASS, text), VI_SUCCESS);
+  EXPECT_STREQ(text, "RM");
+  const struct {
+    ViAttr attribute;
+    ViAttrState value;
+    ViStatus status;
+  } rows[] = {
+      {VI_ATTR_TERMCHAR, 0x100, VI_ERROR_NSUP_ATTR_STATE},
+      {VI_ATTR_TERMCHAR_EN, 2, VI_ERROR_NSUP_ATTR_STATE},
+      {VI_ATTR_TERMCHAR_EN, 0xFFFFFFFF00000001U, VI_SUCCESS},
+      {VI_ATTR_MANF_ID, 1, VI_ERROR_ATTR_READONLY},
+      {VI_ATTR_RSRC_NAME, 1, VI_ERROR_ATTR_READONLY},
+      {VI_ATTR_GPIB_PRIMARY_ADDR, 1, VI_ERROR_NSUP_ATTR},
+  };
+  for (const auto& row : rows) EXPECT_EQ(viSetAttribute(first_, row.attribute, row.value), row.status);
+  EXPECT_EQ(viStatusDesc(first_, VI_ERROR_TMO, text), VI_SUCCESS);
+  EXPECT_STREQ(text, "Timeout expired before operation completed.");
+  EXPECT_EQ(viStatusDesc(first_, 12345, text), VI_WARN_UNKNOWN_STATUS);
+}
+
+TEST_F(VisaFaceTest, KnowsItsHandles) {
+  std::string reply;
+  EXPECT_EQ(viClose(VI_NULL), VI_WARN_NULL_OBJECT);
+  EXPECT_EQ(viClose(4711), VI_ERROR_INV_OBJECT);
+  EXPECT_EQ(viClear(manager_), VI_ERROR_INV_OBJECT);  // no instrument
+  const ViSession closed = first_;
+  EXPECT_EQ(viClose(closed), VI_SUCCESS);
+  EXPECT_EQ(Write("*IDN?"), VI_ERROR_INV_OBJECT);
+  EXPECT_EQ(Read(10, reply), VI_ERROR_INV_OBJECT);
+  EXPECT_EQ(viGpibControlREN(closed, VI_GPIB_REN_ASSERT), VI_ERROR_INV_OBJECT);
+  // A resource manager takes its sessions along, another one's stay.
+  ViSession other = 0;
+  ViSession second = 0;
+  ASSERT_EQ(viOpenDefaultRM(&other), VI_SUCCESS);
+  ASSERT_EQ(viOpen(manager_, kFirst, VI_NO_LOCK, 0, &first_), VI_SUCCESS);
+  ASSERT_EQ(viOpen(other, kSecond, VI_NO_LOCK, 0, &second), VI_SUCCESS);
+  EXPECT_EQ(viClose(other), VI_SUCCESS);
+  EXPECT_EQ(viClear(second), VI_ERROR_INV_OBJECT);
+  EXPECT_EQ(viClear(first_), VI_SUCCESS);
+  SetVisaFace(nullptr);
+  EXPECT_EQ(viClear(first_), VI_ERROR_SYSTEM_ERROR);
+  SetVisaFace(&face_);
+}
+
+TEST_F(VisaFaceTest, LocksAndRemoteState) {
+  ViSession other = 0;
+  ASSERT_EQ(viOpen(manager_, kFirst, VI_NO_LOCK, 0, &other), VI_SUCCESS);
+  EXPECT_EQ(viLock(other, VI_EXCLUSIVE_LOCK, 10, nullptr, nullptr), VI_SUCCESS);
+  EXPECT_EQ(Write("*CLS"), VI_ERROR_RSRC_LOCKED);
+  EXPECT_EQ(viLock(first_, VI_EXCLUSIVE_LOCK, 10, nullptr, nullptr), VI_ERROR_TMO);
+  EXPECT_EQ(viUnlock(other), VI_SUCCESS);
+  EXPECT_EQ(viUnlock(other), VI_ERROR_SESN_NLOCKED);
+  EXPECT_EQ(Write("*CLS"), VI_SUCCESS);
+  EXPECT_EQ(viGpibControlREN(first_, VI_GPIB_REN_ASSERT), VI_SUCCESS);
+  EXPECT_TRUE(bench_.At(0).Remote());
+  EXPECT_EQ(viGpibControlREN(first_, VI_GPIB_REN_DEASSERT_GTL), VI_SUCCESS);
+  EXPECT_FALSE(bench_.At(0).Remote());
+  EXPECT_EQ(viGpibControlREN(first_, 7), VI_ERROR_INV_MODE);
+}
+
+// ---- Faults ----
+
+TEST_F(VisaFaceTest, FaultsHitTheirExchange) {
+  const struct {
+    const char* faults;
+    // What happens to write, read, write, read ... of "*ESE?"; empty: the reply "0".
+    std::vector<std::pair<ViStatus, std::string>> exchanges;
+  } rows[] = {
+      {"timeout=1", {{VI_ERROR_TMO, ""}, {VI_ERROR_TMO, ""}, {VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
+      {"timeout=2", {{VI_SUCCESS, ""}, {VI_ERROR_TMO, ""}, {VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
+      {"error=2:0xBFFF003E", {{VI_SUCCESS, ""}, {VI_ERROR_IO, ""}}},
+      {"error:0xBFFF003E@*OPC", {{VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
+      {"ERROR=3:0xBFFF003E@*ese", {{VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}, {VI_ERROR_IO, ""}}},
+      {"drop=2",
+       {{VI_SUCCESS, ""},
+        {VI_SUCCESS, "0\n"},
+        {VI_SUCCESS, ""},
+        {VI_ERROR_TMO, ""},
+        {VI_SUCCESS, ""},
+        {VI_SUCCESS, "0\n"}}},
+      {"late=1:1999", {{VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
+      {"late=1:2001", {{VI_SUCCESS, ""}, {VI_ERROR_TMO, ""}}},
+      {"text", {{VI_SUCCESS, ""}, {VI_SUCCESS, "ERROR\n"}}},
+      {"text=1:-5,x", {{VI_SUCCESS, ""}, {VI_SUCCESS, "-5,x\n"}, {VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
+      {"empty", {{VI_SUCCESS, ""}, {VI_SUCCESS, "\n"}}},
+      {"long", {{VI_SUCCESS, ""}, {VI_SUCCESS, std::string(300, '9') + "\n"}}},
+      {"gone=1", {{VI_SUCCESS, ""}, {VI_ERROR_CONN_LOST, ""}, {VI_ERROR_CONN_LOST, ""}}},
+      {"gone", {{VI_ERROR_CONN_LOST, ""}}},
+      {"other/gone; QM000001/text=1:1 ;", {{VI_SUCCESS, ""}, {VI_SUCCESS, "1\n"}}},
+  };
+  for (const auto& row : rows) {
+    Faults(row.faults);
+    bench_.At(0).DeviceClear();
+    bool write = true;
+    for (const auto& [status, text] : row.exchanges) {
+      std::string reply;
+      slept_ = 0;
+      EXPECT_EQ(write ? Write("*ESE?\n") : Read(1000, reply), status) << row.faults;
+      EXPECT_EQ(reply, text) << row.faults;
+      if (status == VI_ERROR_TMO) {
+        EXPECT_EQ(slept_, 2000U) << row.faults;
+      }
+      write = !write;
+    }
+  }
+  Faults("binary");
+  ASSERT_EQ(Write("*IDN?"), VI_SUCCESS);
+  std::string reply;
+  EXPECT_EQ(Read(1000, reply), VI_SUCCESS);
+  EXPECT_EQ(reply.size(), 255U);
+  EXPECT_EQ(reply.find('\0'), 0U);
+}
+
+TEST_F(VisaFaceTest, DroppedReplyIsNoMistakeOfTheClient) {
+  Faults("drop=1");
+  std::string reply;
+  ASSERT_EQ(Write("*IDN?"), VI_SUCCESS);
+  EXPECT_EQ(Read(100, reply), VI_ERROR_TMO);
+  ASSERT_EQ(Write(":SYST:ERR?"), VI_SUCCESS);
+  EXPECT_EQ(Read(100, reply), VI_SUCCESS);
+  EXPECT_EQ(reply, std::string(kNoError) + "\n");
+}
+
+TEST_F(VisaFaceTest, UnpluggedInstrumentIsNotFound) {
+  Faults("gone=1");
+  ViUInt16 status = 0;
+  EXPECT_EQ(viReadSTB(first_, &status), VI_SUCCESS);
+  EXPECT_EQ(viReadSTB(first_, &status), VI_ERROR_CONN_LOST);
+  ViUInt32 count = 0;
+  char name[VI_FIND_BUFLEN] = "";
+  EXPECT_EQ(viFindRsrc(manager_, "?*INSTR", nullptr, &count, name), VI_SUCCESS);
+  EXPECT_EQ(count, 1U);
+  EXPECT_STREQ(name, kSecond);
+  ViSession session = 0;
+  EXPECT_EQ(viOpen(manager_, kFirst, VI_NO_LOCK, 0, &session), VI_ERROR_RSRC_NFOUND);
+  EXPECT_EQ(viGpibControlREN(first_, VI_GPIB_REN_ASSERT), VI_ERROR_CONN_LOST);
+}
+
+TEST(Faults, OfTheInstrumentItself) {
+  InstrumentRig rig;
+  const auto faults = ParseFaults("trip=150;busy=700;full;refuse", "any");
+  ASSERT_TRUE(faults.has_value());
+  rig.Start(Steps({10}));
+  rig.Tell(":TRIG1:SEL:EXEC STOP");
+  rig.instrument.SetFaults(FaultPlan(*faults));
+  rig.Tell(":OUTP1 ON;:OUTP2 ON");
+  EXPECT_EQ(rig.Ask(":SYST:BUSY?"), "1");
+  rig.Pass(699);
+  EXPECT_EQ(rig.Ask(":SYST:BUSY?"), "1");
+  rig.Pass(1);
+  EXPECT_EQ(rig.Ask(":SYST:BUSY?"), "0");
+  rig.Tell(":TRAC:DATA 1,\"A\"," + BlockOf(WaveformBlock(0, 4096)));
+  EXPECT_EQ(rig.Error(), "-225,\"Out of memory\"");
+  rig.Tell(":TRIG1:SEL:EXEC STAR");
+  rig.Pass(149);
+  EXPECT_EQ(rig.Ask(":OUTP1?;:OUTP2?"), "1;1");
+  rig.Pass(1);
+  EXPECT_EQ(rig.Ask(":OUTP1?;:OUTP2?"), "0;0");
+  EXPECT_EQ(rig.instrument.Condition(), 4);
+  rig.Tell(":TRIG1:SEL:EXEC IST;*CLS;:TRIG:COMP");
+  rig.Pass(kCompileMs);
+  EXPECT_EQ(rig.instrument.SerialPoll(), 0x24);
+  EXPECT_EQ(rig.Error(), "-222,\"Data out of range\"");
+}
+
+TEST(Faults, MalformedTextsAreNamed) {
+  for (const char* text : {"tiemout=1", "timeout=x", "timeout=1:5", "error=3", "late=1", "trip", "busy",
+                           "full=1", "gone=99999999999", "other/nonsense", "error=1:0xGG"}) {
+    std::string error;
+    EXPECT_FALSE(ParseFaults(std::string("drop=1;") + text, "SN", &error).has_value()) << text;
+    EXPECT_EQ(error, std::string("not a fault: ") + text);
+  }
+  VirtualBench bench([] { return 0U; });
+  for (const char* text :
+       {"QM2230:A", "QM2220", "QM2220:", "QM2220:A,QM2210:A", "QM2220:A::B", "QM2220:A,,"}) {
+    std::string error;
+    EXPECT_FALSE(bench.AddFromText(text, "", &error)) << text;
+    EXPECT_TRUE(error.starts_with("not an instrument: ")) << error;
+    EXPECT_EQ(bench.Count(), 0U);
+  }
+}
+
+}  // namespace
+}  // namespace corlune::testing
