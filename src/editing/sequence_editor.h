@@ -6,8 +6,8 @@
 // Only DeleteRow asks questions (through Prompts, which pumps events); all others return their message.
 #pragma once
 
+#include <array>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +21,7 @@
 #include "editing/editor_for.h"
 #include "editing/grid_place.h"
 #include "editing/undo_history.h"
+#include "editing/value_entry.h"
 
 namespace corlune {
 
@@ -73,7 +74,7 @@ class SequenceEditor {
 
   // Blocks. Copy fills the editor's own buffer, which stays when the sequence changes.
   bool Copy();
-  bool CopyBufferFilled() const { return copied_ != nullptr; }
+  bool CopyBufferFilled() const { return copied_.has_value(); }
   EditOutcome Paste();
   bool SelectAll();  // moves the cursor; false without steps
   EditOutcome Initialize();
@@ -107,18 +108,39 @@ class SequenceEditor {
   EditOutcome EnterStartStep(std::string_view text);
   EditOutcome EnterBranchChannel(std::string_view text);
   // 0..10; stays in the field until a download or read-back takes it.
-  EditOutcome CheckSequenceNumber(std::string_view text) const;
+  EditOutcome CheckSequenceNumber(std::string_view text);
 
  private:
-  struct CopyBuffer;
-  friend class BlockEdit;
+  // The rows of Copy, with the cells of both channels.
+  struct CopyBuffer {
+    GridBlock Source;
+    std::vector<StepRow> Steps;
+    std::vector<std::array<StepCells, MAX_CHANNELS>> Cells;
+  };
+  using Change = std::function<std::optional<EditMessage>()>;
 
-  EditOutcome Perform(EditAction action, const std::function<std::optional<EditMessage>()>& change);
-  EditOutcome Exchanged(const std::optional<UndoSpan>& span);
-  bool CanGrow(int rows) const;
+  // Runs `change` as one entry; a message refuses it and puts the sequence back.
+  EditOutcome Perform(EditAction action, const Change& change);
+  EditOutcome Finish(const std::optional<UndoSpan>& span);
   EditMessage Message(int id, const std::vector<std::string>& arguments = {}) const;
+  EditMessage Message(const EntryRefusal& refusal) const { return Message(refusal.Id, refusal.Arguments); }
+  // The refusal with the step and column it concerns.
+  EditMessage CellMessage(const EntryRefusal& refusal, const CellPlace& place) const;
+  std::string ColumnName(const CellPlace& place) const;
+  bool IsEditableCell(const CellPlace& place) const;
+  EditOutcome EnterField(std::string_view text, const SelectorSpec& range, std::int16_t& field);
+
+  void OpenSlots(int slot, int count);
   EditOutcome MoveRow(EditAction action, int distance);
   bool AskBeforeDelete(int slot);
+  // The selection without header, spare row and column 0; nullopt when nothing is left.
+  std::optional<GridBlock> Selection() const;
+  void CopyRowCells(const StepRow& row, const std::array<StepCells, MAX_CHANNELS>& cells,
+                    const GridBlock& source, const GridBlock& target, int step);
+  // Checks the steps first..last of a block that replaced whole cells.
+  std::optional<EditMessage> SettleBlock(const GridBlock& block, const SequenceData& before);
+  std::optional<EditMessage> StoreBlockText(const GridBlock& block, const std::vector<std::string>& cells,
+                                            int step);
 
   AppState& state_;
   const ModelDefinition& definition_;
@@ -128,7 +150,7 @@ class SequenceEditor {
   GridViews views_;
   GridCursor cursor_;
   UndoHistory history_;
-  std::shared_ptr<const CopyBuffer> copied_;
+  std::optional<CopyBuffer> copied_;
 };
 
 }  // namespace corlune

@@ -73,8 +73,8 @@ class UndoEntry {
 class UndoHistory {
  public:
   // Records the way from `before` to `after` under a caption; nothing when they do not differ. Drops what
-  // could be redone. True when something was recorded.
-  bool Record(std::string caption, const SequenceData& before, const SequenceData& after);
+  // could be redone. Returns what the entry touches; nullopt when nothing was recorded.
+  std::optional<UndoSpan> Record(std::string caption, const SequenceData& before, const SequenceData& after);
   // Nothing to undo or redo: nullopt.
   std::optional<UndoSpan> Undo(SequenceData& sequence);
   std::optional<UndoSpan> Redo(SequenceData& sequence);
@@ -100,6 +100,7 @@ class UndoHistory {
     std::uint64_t Before = 0;  // numbers of the states that the entry connects
     std::uint64_t After = 0;
   };
+  std::optional<UndoSpan> Step(SequenceData& sequence, Level& level, std::uint64_t state);
   void DropRedo();
   void DropOldest();
 

@@ -1,0 +1,160 @@
+#include "editing/control_states.h"
+
+#include <algorithm>
+
+#include "sequence/sequence_data.h"
+
+namespace corlune {
+
+namespace {
+
+// The situations that decide about controls.
+struct Situation {
+  bool Edit = false;     // edit mode
+  bool Stopped = false;  // execution mode, no run
+  bool Running = false;
+  bool Held = false;
+  bool Free = false;    // no download, transfer or command wait
+  bool Output = false;  // no output command either
+  bool OutputOn = false;
+  bool Online = false;
+  bool HasSteps = false;
+  bool CanGrow = false;
+  bool CopyBuffer = false;
+};
+
+Situation SituationOf(const AppState& state, const ModelDefinition& definition,
+                      const ControlConditions& conditions) {
+  Situation now;
+  now.Running = state.RunState == RunState::Running;
+  now.Held = state.RunState == RunState::Held;
+  const bool atRest = !now.Running && !now.Held;
+  now.Edit = atRest && state.OperationMode == OperationMode::Edit;
+  now.Stopped = atRest && state.OperationMode == OperationMode::Execution;
+  now.Free = !conditions.DownloadLocked;
+  now.Output = now.Free && !conditions.OutputLocked;
+  now.OutputOn = state.OutputOn;
+  now.Online = state.Online != 0;
+  now.HasSteps = conditions.StepCount > 0;
+  now.CanGrow = conditions.StepCount < std::min<int>(definition.Common.MaxSteps, MAX_STEPS);
+  now.CopyBuffer = conditions.CopyBufferFilled;
+  return now;
+}
+
+std::array<bool, 9> FileItems(const Situation& now) {
+  const bool edit = now.Edit && now.Free;
+  const bool atRest = (now.Edit || now.Stopped) && now.Output;
+  // New and Open replace what the instrument holds a copy of; saving does not.
+  return {edit, edit, atRest, atRest, atRest};
+}
+
+std::array<bool, 9> EditItems(const Situation& now) {
+  const bool edit = now.Edit && now.Free;
+  const bool withSteps = edit && now.HasSteps;
+  return {withSteps,
+          withSteps && now.CopyBuffer,
+          withSteps,
+          withSteps,
+          edit && now.CanGrow,
+          edit && now.CanGrow,
+          withSteps,
+          withSteps,
+          withSteps};
+}
+
+std::array<bool, 9> ModeItems(const Situation& now) {
+  return {now.Stopped && now.Output, now.Edit && now.Free};
+}
+
+bool CanOutput(const Situation& now) {
+  return (now.Stopped || now.Running || now.Held) && now.Output;
+}
+
+std::array<bool, 9> RunItems(const Situation& now) {
+  return {(now.Stopped || now.Held) && now.Output,
+          (now.Running || now.Held) && now.Free,
+          now.Running && now.Free,
+          now.Running && now.Free,
+          CanOutput(now) && !now.OutputOn,
+          CanOutput(now) && now.OutputOn};
+}
+
+std::array<bool, 9> ToolItems(const Situation& now) {
+  const bool edit = now.Edit && now.Free;
+  // Channel settings and common parameters can be looked at in execution mode. The last entry has no action.
+  const bool atRest = (now.Edit || now.Stopped) && now.Output;
+  return {edit, atRest, atRest, edit, false};
+}
+
+std::array<bool, 9> ItemsOf(Menu menu, const Situation& now) {
+  switch (menu) {
+    case Menu::File:
+      return FileItems(now);
+    case Menu::Edit:
+      return EditItems(now);
+    case Menu::Mode:
+      return ModeItems(now);
+    case Menu::Run:
+      return RunItems(now);
+    case Menu::Tool:
+      return ToolItems(now);
+    case Menu::View:
+    case Menu::Help:
+      break;
+  }
+  std::array<bool, 9> all{};
+  all.fill(true);
+  return all;
+}
+
+void FillMenus(ControlStates& states, const ModelDefinition& definition, const Situation& now) {
+  for (std::size_t menu = 0; menu < kMenuCount; ++menu) {
+    const MenuSpec& spec = definition.Menus[menu];
+    states.Menus[menu] = {spec.Visible, true};
+    const std::array<bool, 9> enabled = ItemsOf(static_cast<Menu>(menu), now);
+    for (std::size_t item = 0; item < static_cast<std::size_t>(kMenuItemCounts[menu]); ++item) {
+      states.MenuItems[menu][item] = {spec.Visible && spec.Items[item], enabled[item]};
+    }
+  }
+}
+
+void FillButtons(ControlStates& states, const ModelDefinition& definition, const Situation& now) {
+  const std::array<bool, 9> run = RunItems(now);
+  const std::array<bool, kPanelButtonCount> enabled{
+      (now.Edit || now.Stopped) && now.Output, run[0], run[1], run[2], run[3], CanOutput(now)};
+  for (std::size_t i = 0; i < kPanelButtonCount; ++i) {
+    states.Buttons[i] = {definition.Buttons[i].Visible, enabled[i]};
+  }
+}
+
+}  // namespace
+
+ControlStates ControlStatesOf(const AppState& state, const ModelDefinition& definition,
+                              const ControlConditions& conditions) {
+  const Situation now = SituationOf(state, definition, conditions);
+  ControlStates states;
+  FillMenus(states, definition, now);
+  FillButtons(states, definition, now);
+
+  const bool edit = now.Edit && now.Free;
+  const bool withSteps = edit && now.HasSteps;
+  states.RowAdd = {now.CanGrow, edit && now.CanGrow};
+  states.Insert = {true, edit && now.CanGrow};
+  states.Delete = states.Up = states.Down = {true, withSteps};
+  states.Duplicate = {true, withSteps && now.CanGrow};
+  states.FillDown = states.PasteText = {true, withSteps};
+  states.ImportCsv = {true, edit};
+  const bool atRest = now.Edit || now.Stopped;
+  states.CopyText = states.ExportCsv = {true, atRest && now.Free && now.HasSteps};
+  states.SequenceNumber = {true, edit};
+  states.StartStep = {definition.StartStep.Visible, edit};
+  // Which entry a branch takes is chosen during the run.
+  states.BranchChannel = {definition.Branch.Visible, now.Free};
+  states.Read = {true, edit && now.Online};
+  states.EditCells = edit;
+  states.Close = atRest && now.Output;
+  states.CommonDialogOk = !(now.Online && state.OperationMode == OperationMode::Execution);
+  return states;
+}
+
+}  // namespace corlune

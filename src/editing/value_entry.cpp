@@ -1,0 +1,362 @@
+#include "editing/value_entry.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "core/numbers.h"
+#include "editing/param_rules.h"
+#include "sequence/user_units.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kRangeError = 9105;
+constexpr int kInputError = 9108;
+constexpr int kPeakError = 9110;
+constexpr std::size_t kLongestArgument = 40;  // characters of a typed text that a message repeats
+constexpr double kLargestInteger = 32767;
+
+constexpr const char* kTimeEntryFormat = "0.#####";
+constexpr const char* kTimeBoundFormat = "0.0000";
+constexpr const char* kPhaseFormat = "#0.#";
+constexpr const char* kIntegerFormat = "0";
+
+EntryRefusal InputError() {
+  return {kInputError, {}};
+}
+
+std::string Shortened(const std::string& text) {
+  if (text.size() <= kLongestArgument) return text;
+  std::size_t end = kLongestArgument;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) --end;  // no half character
+  return text.substr(0, end) + "...";
+}
+
+EntryRefusal RangeError(const std::string& text, const std::string& minimum, const std::string& maximum) {
+  return {kRangeError, {Shortened(text), minimum, maximum}};
+}
+
+bool AllDigits(std::string_view text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
+double Rounded(double value, std::string_view format) {
+  return ParseNumber(FormatNumber(value, format)).value_or(value);
+}
+
+std::string BoundText(const std::optional<double>& bound, std::string_view format) {
+  return bound ? FormatNumber(*bound, format) : std::string();
+}
+
+bool EqualIgnoringCase(std::string_view a, std::string_view b) {
+  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [&](char x, char y) { return lower(x) == lower(y); });
+}
+
+std::optional<std::int16_t> ChoiceNamed(const ChoiceList& list, std::string_view text) {
+  for (std::size_t i = 0; i < list.Texts.size(); ++i) {
+    if (EqualIgnoringCase(list.Texts[i], text)) return list.Values[i];
+  }
+  return std::nullopt;
+}
+
+StepRow& RowAt(SequenceData& sequence, int step) {
+  return sequence.Steps[static_cast<std::size_t>(step)];
+}
+
+// The number typed into a common-area text cell, as it would be stored, or why it cannot be.
+struct CommonNumber {
+  EntryResult Refusal;
+  double Value = 0;
+};
+
+std::string CommonFormat(int column) {
+  if (column == kGridStepTime) return kTimeEntryFormat;
+  return column == kGridStopPhase ? kPhaseFormat : kIntegerFormat;
+}
+
+// Bounds of a target are given in the numbering of column 0.
+double ShownBound(const SequenceData& sequence, int column, double bound) {
+  if (!IsTargetColumn(column)) return bound;
+  return ShownNumber({static_cast<int>(bound)}, sequence.StartStep);
+}
+
+EntryRefusal CommonRangeError(const SequenceData& sequence, int column, const ValueBounds& bounds,
+                              const std::string& text) {
+  const std::string format = column == kGridStepTime ? kTimeBoundFormat : CommonFormat(column);
+  ValueBounds shown = bounds;
+  if (shown.Minimum) shown.Minimum = ShownBound(sequence, column, *shown.Minimum);
+  if (shown.Maximum) shown.Maximum = ShownBound(sequence, column, *shown.Maximum);
+  return RangeError(text, BoundText(shown.Minimum, format), BoundText(shown.Maximum, format));
+}
+
+CommonNumber ReadCommonNumber(const GridViews& views, const SequenceData& sequence, int column,
+                              const std::string& text) {
+  const bool integer = column >= kGridEventBranch || column == kGridAutoHold;
+  if (integer && HasSwitch(column) && !AllDigits(text)) return {InputError(), 0};
+  const std::optional<double> number = ParseNumber(text);
+  if (!number) return {InputError(), 0};
+  const std::string format = CommonFormat(column);
+  double value = Rounded(*number, format);
+  if (integer && value != *number) return {InputError(), 0};
+  const ValueBounds bounds = CommonBounds(views.Definition(), sequence, column);
+  const EntryRefusal outside = CommonRangeError(
+      sequence, column, bounds, FormatNumber(*number, column == kGridStepTime ? kTimeEntryFormat : format));
+  if (integer && std::abs(value) > kLargestInteger) return {outside, 0};
+  if (IsTargetColumn(column)) value = StoredNumber(static_cast<int>(value), sequence.StartStep).value;
+  if (!bounds.Hold(value)) return {outside, 0};
+  return {std::nullopt, value};
+}
+
+EntryResult StoreCommonChoice(StepRow& row, int column, const ChoiceList& list, const std::string& text) {
+  const auto value = ChoiceNamed(list, text);
+  if (!value) return InputError();
+  SetCommonValue(row, column, *value);
+  return std::nullopt;
+}
+
+std::string CellText(const GridViews& views, GridArea area, int channel, int step, int column) {
+  CellPlace place;
+  place.Area = area;
+  place.Channel = channel;
+  place.Row = RowOf(StepIndex{step});
+  place.Column = column;
+  return views.Cell(place).Text;
+}
+
+EntryRefusal ChannelRangeError(const GridViews& views, const SequenceData& sequence, int channel, int step,
+                               int param, const std::string& text) {
+  const UserUnits units(sequence, views.Definition());
+  const ValueBounds bounds = ChannelBounds(views.Definition(), sequence, channel, step, param);
+  const auto shown = [&](const std::optional<double>& bound) {
+    return bound ? units.UserUnitText(*bound, channel, step, param) : std::string();
+  };
+  std::string low = shown(bounds.Minimum);
+  std::string high = shown(bounds.Maximum);
+  // A negative factor turns the order round.
+  if (bounds.Minimum && bounds.Maximum &&
+      units.SystemToUser(*bounds.Minimum, channel, step, param) >
+          units.SystemToUser(*bounds.Maximum, channel, step, param)) {
+    std::swap(low, high);
+  }
+  return RangeError(text, low, high);
+}
+
+// The stored value of a typed number. Without a conversion it is rounded to what the cell shows; through a
+// conversion the full precision stays, so that the same number is shown again.
+double StoredValue(const GridViews& views, const SequenceData& sequence, int channel, int step, int param,
+                   double shown) {
+  const UserUnits units(sequence, views.Definition());
+  const double stored = units.UserToSystem(shown, channel, step, param);
+  const std::string format = DisplayFormat(ChannelColumn(views.Definition(), param));
+  const double rounded = Rounded(stored, format);
+  if (!units.Active(channel, param) && stored == shown) return rounded;
+  // The way through a load or factor may end a hair outside a bound that was typed exactly.
+  const ValueBounds bounds = ChannelBounds(views.Definition(), sequence, channel, step, param);
+  return bounds.Hold(rounded) && !bounds.Hold(stored) ? rounded : stored;
+}
+
+bool PeakMatters(const GridViews& views, const SequenceData& sequence, int channel, int step) {
+  return ChannelInUse(views.Definition(), sequence, channel, step, kSlotOffset);
+}
+
+}  // namespace
+
+std::string PlainEntry(std::string_view text) {
+  std::string plain;
+  for (std::size_t i = 0; i < text.size();) {
+    const auto byte = [&](std::size_t at) { return static_cast<unsigned char>(text[at]); };
+    const bool wide = i + 2 < text.size() && byte(i) >= 0xE0U && byte(i) < 0xF0U;
+    const unsigned code =
+        wide ? ((byte(i) & 0x0FU) << 12U | (byte(i + 1) & 0x3FU) << 6U | (byte(i + 2) & 0x3FU)) : 0;
+    if (code >= 0xFF01U && code <= 0xFF5EU) {
+      plain += static_cast<char>(code - 0xFF01U + '!');
+      i += 3;
+    } else if (code == 0x3000U || code == 0x2212U || code == 0x30FCU) {
+      // Ideographic blank; minus sign and the long-vowel mark that Japanese input gives for it.
+      plain += code == 0x3000U ? ' ' : '-';
+      i += 3;
+    } else {
+      plain += text[i++];
+    }
+  }
+  const auto first = plain.find_first_not_of(" \t");
+  if (first == std::string::npos) return {};
+  return plain.substr(first, plain.find_last_not_of(" \t") - first + 1);
+}
+
+EntryResult StoreCommonText(const GridViews& views, SequenceData& sequence, int step, int column,
+                            std::string_view text, EntryMode mode) {
+  StepRow& row = RowAt(sequence, step);
+  const std::string plain = PlainEntry(text);
+  const ParamDef& definition = CommonDefinition(views.Definition(), column);
+  if (plain == CellText(views, GridArea::Common, 0, step, column)) return std::nullopt;
+  const bool switched = HasSwitch(column) && SwitchedByStep(definition);
+  if (mode == EntryMode::Block && switched && plain == kNotInUseText) {
+    SetCommonSwitch(row, column, false);
+    return std::nullopt;
+  }
+  if (const ChoiceList list = CommonChoices(views.Definition(), column); !list.Texts.empty()) {
+    return StoreCommonChoice(row, column, list, plain);
+  }
+  if (mode == EntryMode::Typed && !CommonInUse(views.Definition(), row, column)) return std::nullopt;
+  const bool mayBeEmpty = column >= kGridEventBranch && column <= kGridJumpCount;
+  if (plain.empty() && mayBeEmpty) return std::nullopt;
+  const CommonNumber number = ReadCommonNumber(views, sequence, column, plain);
+  if (number.Refusal) return number.Refusal;
+  SetCommonValue(row, column, number.Value);
+  if (switched) SetCommonSwitch(row, column, true);
+  return std::nullopt;
+}
+
+EntryResult StoreChannelText(const GridViews& views, SequenceData& sequence, int channel, int step, int param,
+                             std::string_view text, EntryMode mode) {
+  const std::string plain = PlainEntry(text);
+  if (plain.empty() || plain == "Over" || plain == "Inf" || plain == kNotInUseText) return std::nullopt;
+  ParamCell& cell = sequence.Cell(channel, step, param);
+  if (!ChannelInUse(views.Definition(), sequence, channel, step, param)) return InputError();
+  if (plain == CellText(views, GridArea::Sequence, channel, step, param + 1)) return std::nullopt;
+  if (const ChoiceList list = ChannelChoices(views.Definition(), param); !list.Texts.empty()) {
+    const auto value = ChoiceNamed(list, plain);
+    if (!value) return InputError();
+    cell.Value = *value;
+    return std::nullopt;
+  }
+  const std::optional<double> number = ParseNumber(plain);
+  if (!number) return InputError();
+  const double value = StoredValue(views, sequence, channel, step, param, *number);
+  if (!std::isfinite(value) ||
+      !ChannelBounds(views.Definition(), sequence, channel, step, param).Hold(value)) {
+    return ChannelRangeError(views, sequence, channel, step, param, plain);
+  }
+  const double old = std::exchange(cell.Value, value);
+  const bool peakParam = param == kSlotAmplitude || param == kSlotOffset;
+  if (mode == EntryMode::Typed && peakParam && PeakMatters(views, sequence, channel, step) &&
+      !PeakFits(sequence, channel, step)) {
+    cell.Value = old;
+    return EntryRefusal{kPeakError, {}};
+  }
+  return std::nullopt;
+}
+
+EntryResult StoreBranchText(const GridViews& views, SequenceData& sequence, int step, int branchRow,
+                            std::string_view text) {
+  const std::string plain = PlainEntry(text);
+  CellPlace place;
+  place.Area = GridArea::Branch;
+  place.Row = RowOf(StepIndex{step});
+  place.BranchRow = branchRow;
+  if (plain == views.Cell(place).Text) return std::nullopt;
+  std::int16_t& target = RowAt(sequence, step).BranchStep[static_cast<std::size_t>(branchRow - 1)];
+  if (const ChoiceList list = BranchChoices(views.Definition()); !list.Texts.empty()) {
+    const auto value = ChoiceNamed(list, plain);
+    if (!value) return InputError();
+    target = *value;
+    return std::nullopt;
+  }
+  if (plain == kNotInUseText && views.Definition().Branches.Minimum <= 0) {
+    target = 0;
+    return std::nullopt;
+  }
+  const std::optional<double> number = ParseNumber(plain);
+  if (!number || plain.find('.') != std::string::npos || *number != std::nearbyint(*number))
+    return InputError();
+  const ValueBounds bounds = BranchBounds(views.Definition(), sequence);
+  const auto shown = [&](double bound) {
+    return std::to_string(ShownNumber({static_cast<int>(bound)}, sequence.StartStep));
+  };
+  const EntryRefusal outside = RangeError(plain, shown(*bounds.Minimum), shown(*bounds.Maximum));
+  if (std::abs(*number) > kLargestInteger) return outside;
+  const double stored = StoredNumber(static_cast<int>(*number), sequence.StartStep).value;
+  if (!bounds.Hold(stored)) return outside;
+  target = static_cast<std::int16_t>(stored);
+  return std::nullopt;
+}
+
+void SwitchCommonValue(const GridViews& views, SequenceData& sequence, int step, int column, bool on) {
+  StepRow& row = RowAt(sequence, step);
+  SetCommonSwitch(row, column, on);
+  if (!on) return;
+  const ValueBounds bounds = CommonBounds(views.Definition(), sequence, column);
+  const double value = CommonValue(row, column);
+  if (!bounds.Hold(value)) SetCommonValue(row, column, bounds.Nearest(value));
+}
+
+void ChangeTimeUnit(SequenceData& sequence, int index) {
+  for (int step = 0; step < sequence.StepCount; ++step) {
+    StepRow& row = RowAt(sequence, step);
+    if (row.TimeUnit == 1 && index == 0) row.StepTime = Rounded(row.StepTime * 1000, "0.#");
+    if (row.TimeUnit == 0 && index == 1) row.StepTime /= 1000;
+    row.TimeUnit = static_cast<std::int16_t>(index);
+  }
+}
+
+void ChangeCellUnit(ParamCell& cell, int index) {
+  if (cell.UnitIndex == 1 && index == 0) cell.Value *= 1000;
+  if (cell.UnitIndex == 0 && index == 1) cell.Value /= 1000;
+  cell.UnitIndex = static_cast<std::int16_t>(index);
+}
+
+StepCells CellsOf(const SequenceData& sequence, int channel, int step) {
+  StepCells cells;
+  for (int param = 0; param < MAX_PARAMS; ++param) {
+    cells[static_cast<std::size_t>(param)] = sequence.Cell(channel, step, param);
+  }
+  return cells;
+}
+
+EntryResult CheckCommonValue(const GridViews& views, const SequenceData& sequence, int step, int column) {
+  const StepRow& row = sequence.Steps[static_cast<std::size_t>(step)];
+  if (!CommonInUse(views.Definition(), row, column)) return std::nullopt;
+  const ValueBounds bounds = CommonBounds(views.Definition(), sequence, column);
+  const double value = CommonValue(row, column);
+  if (bounds.Hold(value)) return std::nullopt;
+  return CommonRangeError(sequence, column, bounds,
+                          FormatNumber(ShownBound(sequence, column, value), CommonFormat(column)));
+}
+
+EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, int channel, int step,
+                              const StepCells& before, int* refused) {
+  const ModelDefinition& definition = views.Definition();
+  const auto changed = [&](int param) {
+    return sequence.Cell(channel, step, param).Value != before[static_cast<std::size_t>(param)].Value;
+  };
+  const auto seenBefore = [&](int param) {
+    const auto oldWave = static_cast<std::size_t>(std::clamp(before[kSlotWaveform].Value, 0.0, 10.0));
+    const std::size_t group = definition.Sequence.GroupEnabled[oldWave] ? oldWave : 0;
+    return definition.Sequence.Params[group][static_cast<std::size_t>(param)].InUse;
+  };
+  const bool newWaveform = changed(kSlotWaveform);
+  const auto refuse = [&](int param, EntryRefusal refusal) {
+    if (refused != nullptr) *refused = param;
+    return refusal;
+  };
+  for (int param = 0; param < ChannelParams(definition); ++param) {
+    if (!ChannelInUse(definition, sequence, channel, step, param)) continue;
+    if (!newWaveform && !changed(param)) continue;
+    ParamCell& cell = sequence.Cell(channel, step, param);
+    const ValueBounds bounds = ChannelBounds(definition, sequence, channel, step, param);
+    if (bounds.Hold(cell.Value)) continue;
+    if (seenBefore(param) || changed(param)) {
+      const UserUnits units(sequence, definition);
+      const std::string text = units.UserUnitText(cell.Value, channel, step, param);
+      return refuse(param, ChannelRangeError(views, sequence, channel, step, param, text));
+    }
+    cell.Value = bounds.Nearest(cell.Value);
+  }
+  const bool level = newWaveform || changed(kSlotAmplitude) || changed(kSlotOffset);
+  if (!level || !PeakMatters(views, sequence, channel, step) || PeakFits(sequence, channel, step)) {
+    return std::nullopt;
+  }
+  ParamCell& amplitude = sequence.Cell(channel, step, kSlotAmplitude);
+  if (seenBefore(kSlotAmplitude) || changed(kSlotAmplitude)) return refuse(kSlotAmplitude, {kPeakError, {}});
+  const double room = kPeakLimit - std::abs(sequence.Cell(channel, step, kSlotOffset).Value);
+  amplitude.Value = std::max(0.0, 2 * room);
+  if (PeakFits(sequence, channel, step)) return std::nullopt;
+  return refuse(kSlotOffset, {kPeakError, {}});
+}
+
+}  // namespace corlune
