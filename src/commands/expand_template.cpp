@@ -24,8 +24,9 @@ int ModeSelection(const SequenceData& sequence, const std::vector<ChannelTab>& t
   if (place.Device < 0 || place.Device >= kModeDevices || place.Channel < 0 || place.Channel >= kModeSlots) {
     return -1;
   }
-  return sequence.ModeSettings[static_cast<std::size_t>(place.Device)]
-                              [static_cast<std::size_t>(modeSet * kModeSlots + place.Channel)];
+  const auto& ofDevice = sequence.ModeSettings[static_cast<std::size_t>(place.Device)];
+  const int slot = modeSet * kModeSlots + place.Channel;
+  return ofDevice[static_cast<std::size_t>(slot)];
 }
 
 std::string ChoiceText(int selection, const char* first, const char* second) {

@@ -186,8 +186,12 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
   const auto arbs = ArbInformationTable(sequence_.Channels.ArbFiles);
   CompileErrorRecord record{};
   std::int32_t result = 0;
-  if (!BuildSequenceText(workFile, sequence_, state_.ModelName, channels) ||
-      compiler_.CompileSeqData(workFile, arbs, record, result) != CompilerCall::Done) {
+  if (!BuildSequenceText(workFile, sequence_, state_.ModelName, channels, &outcome_.Detail)) {
+    ShowCritical(kMessageIllegal);
+    return -1;
+  }
+  if (compiler_.CompileSeqData(workFile, arbs, record, result) != CompilerCall::Done) {
+    outcome_.Detail = compiler_.Problem();
     ShowCritical(kMessageIllegal);
     return -1;
   }
@@ -233,8 +237,11 @@ void Downloader::MarkUsedArbs() {
 
 DownloadEnd Downloader::SendWaveforms() {
   MarkUsedArbs();
-  if (TransferUsedArbs() == 0) return DownloadEnd::Done;
+  const int failed = TransferUsedArbs();
+  if (failed == 0) return DownloadEnd::Done;
   if (transferEnd_ == ArbTransfer::NotSent) return DownloadEnd::NotSent;
+  const auto index = static_cast<std::size_t>(failed - 1);
+  outcome_.Detail = sequence_.Channels.ArbFiles[index].FilePath + ": " + waveforms_.Reason();
   // A file with a wrong extension has just been refused with the same message.
   if (waveforms_.Problem() != WaveformProblem::BadExtension) {
     ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);

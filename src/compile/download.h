@@ -33,6 +33,9 @@ enum class DownloadEnd {
 struct DownloadOutcome {
   DownloadEnd End = DownloadEnd::Done;
   std::int32_t ErrorNumber = 0;  // with InstrumentError
+  // With Refused: what the message does not say, such as the file and the reason why it is no waveform, or
+  // where the compiler library was looked for. In English; empty when there is nothing to add.
+  std::string Detail;
 };
 
 struct DownloadPorts {

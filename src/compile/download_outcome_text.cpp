@@ -7,8 +7,9 @@ std::string DownloadOutcomeText(const DownloadOutcome& outcome, const MessageCat
     case DownloadEnd::Done:
     case DownloadEnd::UnderWay:
     case DownloadEnd::Cancelled:
-    case DownloadEnd::Refused:
       return {};
+    case DownloadEnd::Refused:
+      return outcome.Detail;
     case DownloadEnd::NotSent:
       return catalogue.GetResString(9201, {"1"});
     case DownloadEnd::InstrumentError:

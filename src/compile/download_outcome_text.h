@@ -8,7 +8,7 @@
 
 namespace corlune {
 
-// Empty when it was done, was cancelled by the person, or when a message has said why already.
+// Empty when it was done, was cancelled by the person, or when a message has said all there is to say.
 std::string DownloadOutcomeText(const DownloadOutcome& outcome, const MessageCatalogue& catalogue);
 
 }  // namespace corlune

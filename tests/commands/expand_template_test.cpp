@@ -1,6 +1,7 @@
 #include "commands/expand_template.h"
 
 #include <gtest/gtest.h>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,8 @@ struct Case {
 };
 
 TEST(ExpandTemplate, ReplacesTheFirstPlaceholderOnly) {
-  SequenceData sequence;
+  const auto first = std::make_unique<SequenceData>();
+  SequenceData& sequence = *first;
   sequence.StepCount = 12;
   sequence.BranchChannel = 3;
   sequence.Steps[0].BranchStep = {7, 5, 0, 256, 9};
@@ -28,7 +30,8 @@ TEST(ExpandTemplate, ReplacesTheFirstPlaceholderOnly) {
   sequence.ModeSettings[2][kModeSlots + 1] = 2;  // no such range
   sequence.Cell(0, 0, kSlotAmplitude).Value = 1.5;
   sequence.Cell(1, 0, kSlotAmplitude).Value = 17;
-  SequenceData other = sequence;
+  const auto second = std::make_unique<SequenceData>(sequence);
+  SequenceData& other = *second;
   other.Cell(0, 0, kSlotAmplitude).Value = 0.5;  // rounds to the even 0
   other.Cell(1, 0, kSlotAmplitude).Value = 18;
   const std::vector<ChannelTab> tabs{{0, 0}, {2, 1}};

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "compile/download_outcome_text.h"
 #include "compile/download_rig.h"
 #include "core/files.h"
 
@@ -71,6 +72,7 @@ TEST(CompileSequence, WithoutTheLibraryThereIsNoDownload) {
   EXPECT_FALSE(rig.downloader.DownloadSequence());
   EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9400)));
   EXPECT_NE(rig.prompts.messages[0].caption, "for Debug");
+  EXPECT_EQ(DownloadOutcomeText(rig.downloader.Outcome(), rig.catalogue), rig.compiler.Problem());
   EXPECT_EQ(rig.script.Count(), 0u);
   EXPECT_TRUE(rig.display.downloadEnabled);
 }
@@ -219,6 +221,8 @@ TEST(Waveforms, AFileThatIsNoWaveformEndsTheDownload) {
     EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Refused);
     EXPECT_THAT(rig.script.Blocks(), IsEmpty());
     EXPECT_EQ(rig.script.Log().back(), "timeout 12");
+    const std::string detail = DownloadOutcomeText(rig.downloader.Outcome(), rig.catalogue);
+    EXPECT_EQ(detail.rfind(rig.folder.File(c.name) + ": ", 0), 0u) << detail;
     EXPECT_TRUE(rig.display.downloadEnabled);
   }
 }

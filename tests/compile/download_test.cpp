@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "compile/download_outcome_text.h"
 #include "compile/download_rig.h"
 #include "core/files.h"
 
@@ -119,6 +120,8 @@ TEST(Download, EachExchangeFailsInTurn) {
     const Fate fate = fateOf(index);
     EXPECT_EQ(rig.downloader.DownloadSequence(), fate.end == DownloadEnd::Done);
     EXPECT_EQ(rig.downloader.Outcome().End, fate.end);
+    EXPECT_EQ(DownloadOutcomeText(rig.downloader.Outcome(), rig.catalogue).empty(),
+              fate.end == DownloadEnd::Done);
     EXPECT_TRUE(rig.display.downloadEnabled);
     EXPECT_THAT(rig.prompts.messages, IsEmpty());
     EXPECT_EQ(rig.progress.depth, 0);
@@ -311,6 +314,7 @@ TEST(Download, WorkFileThatCannotBeWritten) {
   rig.prompts.Type("x").Answer(PromptAnswer::Ok);
   EXPECT_FALSE(rig.downloader.DownloadSequence());
   EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9400)));
+  EXPECT_FALSE(rig.downloader.Outcome().Detail.empty());
   EXPECT_EQ(rig.compiler.calls, 0);
   EXPECT_EQ(rig.script.Count(), 0u);
   EXPECT_TRUE(rig.display.downloadEnabled);
