@@ -77,11 +77,11 @@ struct TableOwner {
 };
 
 template <typename Table>
-LibraryLoader<Table> MakeLoader(std::string title, const LibraryChoice& choice,
+LibraryLoader<Table> MakeLoader(const std::string& title, const LibraryChoice& choice,
                                 const std::string& programFolder, std::initializer_list<const char*> names,
                                 std::vector<Binding> (*bindings)(Table&)) {
   auto owner = std::make_shared<TableOwner<Table>>();
-  owner->bound.title = std::move(title);
+  owner->bound.title = title;
   owner->bound.choice = choice;
   owner->bound.defaultNames.assign(names.begin(), names.end());
   owner->bound.programFolder = programFolder;

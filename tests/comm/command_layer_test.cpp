@@ -23,7 +23,7 @@ struct Layer : ::testing::Test {
     interfaceSpec.UsbTmcId = "USB0::0x1::0x2::";
     definition.Interfaces = {interfaceSpec};
   }
-  void SetUp(std::vector<InterfaceKind> kinds) {
+  void Use(const std::vector<InterfaceKind>& kinds) {
     state.InstrumentCount = static_cast<std::int16_t>(kinds.size());
     for (std::size_t i = 0; i < kinds.size(); ++i) {
       state.Instruments[i].InterfaceKind = kinds[i];
@@ -42,8 +42,8 @@ struct Layer : ::testing::Test {
 };
 
 TEST_F(Layer, OpensInstrument0sKindFirstThenEachFurtherOne) {
-  SetUp({InterfaceKind::NiGpib, InterfaceKind::UsbTmc, InterfaceKind::NiGpib, InterfaceKind::UsbTmc,
-         InterfaceKind::UsbTmc});
+  Use({InterfaceKind::NiGpib, InterfaceKind::UsbTmc, InterfaceKind::NiGpib, InterfaceKind::UsbTmc,
+       InterfaceKind::UsbTmc});
   state.Instruments[3].SerialNo = "USB1::7::8::x::INSTR";
   state.Instruments[4].SerialNo = "";
   EXPECT_TRUE(layer.OpenInstrumentInterface());
@@ -64,13 +64,13 @@ TEST_F(Layer, OpensInstrument0sKindFirstThenEachFurtherOne) {
 
   // The set-up changes before the connection is closed: what was opened is closed.
   script.ClearLog();
-  SetUp({InterfaceKind::Usb488});
+  Use({InterfaceKind::Usb488});
   EXPECT_EQ(layer.CloseInstrumentInterface(), CommStatus::Success);
   EXPECT_THAT(script.Log(), ElementsAre("[0] end", "end"));
 }
 
 TEST_F(Layer, AFailedOpeningClosesTheRestAndNamesTheInstrument) {
-  SetUp({InterfaceKind::UsbTmc, InterfaceKind::UsbTmc, InterfaceKind::KiGpib});
+  Use({InterfaceKind::UsbTmc, InterfaceKind::UsbTmc, InterfaceKind::KiGpib});
   script.FailOn("[1] init", CommStatus::NoBoard);
   int failed = -1;
   EXPECT_FALSE(layer.OpenInstrumentInterface(&failed));
@@ -145,7 +145,7 @@ TEST_F(Layer, WithoutBusyQueryThereIsNoPoll) {
 
 // A handler that addresses another instrument during a wait must not redirect what follows.
 TEST_F(Layer, AWaitKeepsTheInterface) {
-  SetUp({InterfaceKind::UsbTmc, InterfaceKind::NiGpib});
+  Use({InterfaceKind::UsbTmc, InterfaceKind::NiGpib});
   script.Reply("*STB?", {"16", "0"});
   pump.OnEveryCall([&] { layer.SendCommand(layer.SelectInstrument(1), "HOLD", 0); });
   EXPECT_EQ(layer.SendCommand(layer.SelectInstrument(0), ":COMP", -1), CommStatus::Success);

@@ -20,10 +20,16 @@
 namespace corlune::testing {
 
 struct LibraryAnswer {
-  int status = 0;    // VISA status, NI-488.2 or USB488 status word, IEEE_32M status
-  int error = 0;     // error code behind an error bit
+  int status = 0;         // VISA status, NI-488.2 or USB488 status word, IEEE_32M status
+  int error = 0;          // error code behind an error bit
   std::string text = {};  // data read
-  int value = 0;     // status byte, descriptor, number of matches
+  int value = 0;          // status byte, descriptor, number of matches
+};
+
+// One line of a table's script.
+struct Scripted {
+  std::string call;
+  LibraryAnswer answer;
 };
 
 // The library in use by the fakes below; C functions carry no object.
