@@ -103,6 +103,8 @@ struct ArbFileEntry {
 };
 
 struct ChannelSettings {
+  // Not constexpr: one compiler of ours cannot evaluate nested arrays of texts at compile time.
+  ChannelSettings() {}
   std::array<OutputLoad, kChannelSlots> Loads{};
   std::array<std::array<UserUnitDef, MAX_PARAMS>, kChannelSlots> UserUnits{};
   std::array<ArbFileEntry, kArbNumbers> ArbFiles{};
