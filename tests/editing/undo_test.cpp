@@ -1,0 +1,279 @@
+// Undo and redo: entries, limits, the saved state; and random series of edits against recorded states.
+#include <gtest/gtest.h>
+#include <random>
+
+#include "editing_rig.h"
+
+namespace corlune {
+namespace {
+
+using testing::Branch;
+using testing::Channel;
+using testing::Common;
+using testing::EditingRig;
+using testing::kColFrequency;
+
+TEST(Undo, NamesAndOrder) {
+  EditingRig rig(2);
+  EXPECT_EQ(rig.editor->UndoText(), "Undo");
+  rig.Enter(Common(1, kGridStepTime), "5");
+  rig.editor->AddRow();
+  EXPECT_EQ(rig.editor->UndoText(), "Undo: Add Row");
+  rig.editor->Undo();
+  EXPECT_EQ(rig.editor->UndoText(), "Undo: Cell Entry");
+  EXPECT_EQ(rig.editor->RedoText(), "Redo: Add Row");
+  rig.Enter(Common(1, kGridStepTime), "5");
+  EXPECT_TRUE(rig.editor->CanRedo()) << "an entry that changes nothing is not recorded";
+  rig.Enter(Common(1, kGridStepTime), "6");
+  EXPECT_FALSE(rig.editor->CanRedo());
+  rig.editor->Restart();
+  EXPECT_FALSE(rig.editor->CanUndo());
+}
+
+TEST(Undo, SavedStateClearsTheModifiedFlag) {
+  EditingRig rig(2);
+  rig.Enter(Common(1, kGridStepTime), "5");
+  rig.state.Modified = false;  // saved
+  rig.Enter(Common(1, kGridStepTime), "6");
+  rig.Enter(Common(1, kGridStepTime), "7");
+  rig.editor->Undo();
+  EXPECT_TRUE(rig.state.Modified);
+  rig.editor->Undo();
+  EXPECT_FALSE(rig.state.Modified);
+  rig.editor->Undo();
+  EXPECT_TRUE(rig.state.Modified);
+  rig.editor->Redo();
+  EXPECT_FALSE(rig.state.Modified);
+  rig.editor->Undo();
+  rig.Enter(Common(1, kGridStepTime), "8");
+  rig.editor->Undo();
+  EXPECT_TRUE(rig.state.Modified) << "the saved state is on the branch that was given up";
+
+  EditingRig other(1);
+  other.Enter(Common(1, kGridStepTime), "5");
+  other.editor->Undo();
+  EXPECT_FALSE(other.state.Modified);
+  other.state.Modified = true;  // by something that is not recorded
+  other.Enter(Common(1, kGridStepTime), "6");
+  other.editor->Undo();
+  EXPECT_TRUE(other.state.Modified);
+}
+
+TEST(Undo, CoversDialogsAndLeavesTheRest) {
+  EditingRig rig(2);
+  rig.sequence->Channels.ArbFiles[4].FilePath = "old.wdb";
+  rig.sequence->Channels.ArbFiles[4].Transferred = 1;
+  const EditOutcome outcome = rig.editor->Record(EditAction::ChannelSettings, [&] {
+    rig.sequence->Common.Trigger = 2;
+    rig.sequence->Channels.Loads[0] = {1, 75};
+    rig.sequence->Channels.UserUnits[1][2].UnitText = "rpm";
+    rig.sequence->Channels.ArbFiles[4] = EntryWithFile(rig.sequence->Channels.ArbFiles[4], "new.wdb");
+    rig.sequence->ModeSettings[0][1] = 1;
+  });
+  EXPECT_TRUE(outcome.WholeWindow);
+  EXPECT_TRUE(rig.state.Modified);
+  rig.sequence->StartStep = 9;
+  rig.sequence->SequenceName = "later";
+  rig.Step(1).StepRunTime = 1234;
+  rig.editor->Undo();
+  EXPECT_EQ(rig.sequence->Common.Trigger, 0);
+  EXPECT_EQ(rig.sequence->Channels.Loads[0].LoadType, 0);
+  EXPECT_EQ(rig.sequence->Channels.UserUnits[1][2].UnitText, "usr");
+  EXPECT_EQ(rig.sequence->Channels.ArbFiles[4].FilePath, "old.wdb");
+  EXPECT_EQ(rig.sequence->Channels.ArbFiles[4].Transferred, 0) << "the instrument may hold the other file";
+  EXPECT_EQ(rig.sequence->ModeSettings[0][1], 0);
+  EXPECT_EQ(rig.sequence->StartStep, 9);
+  EXPECT_EQ(rig.sequence->SequenceName, "later");
+  EXPECT_EQ(rig.Step(1).StepRunTime, 1234);
+  rig.editor->Redo();
+  EXPECT_EQ(rig.sequence->Channels.ArbFiles[4].FilePath, "new.wdb");
+  EXPECT_FALSE(rig.editor->Record(EditAction::CommonParameters, [] {}).Changed);
+}
+
+TEST(Undo, StaysWithinItsLimits) {
+  EditingRig small(1);
+  for (int i = 0; i < 500; ++i) small.Enter(Common(1, kGridStepTime), std::to_string(i + 2));
+  EXPECT_EQ(small.editor->History().Levels(), kUndoLevels);
+  while (small.editor->CanUndo()) small.editor->Undo();
+  EXPECT_EQ(small.Text(Common(1, kGridStepTime)), "301");
+
+  // Entries that change every cell of every step.
+  EditingRig large(256);
+  for (int i = 0; i < 300; ++i) {
+    large.editor->Record(EditAction::ReadBack, [&] {
+      for (ParamCell& cell : large.sequence->Cells) cell.Value += 1;
+      for (StepRow& row : large.sequence->Steps) row.StepTime += 1;
+    });
+  }
+  EXPECT_LE(large.editor->History().Bytes(), kUndoBytes);
+  EXPECT_GE(large.editor->History().Levels(), kUndoLeastLevels);
+
+  // Even when single entries are huge, the last ones stay.
+  EditingRig paths(1);
+  for (int i = 0; i < 100; ++i) {
+    paths.editor->Record(EditAction::Waveforms, [&] {
+      paths.sequence->Channels.ArbFiles[0].FilePath = std::string(1U << 20U, static_cast<char>('a' + i % 20));
+    });
+  }
+  EXPECT_EQ(paths.editor->History().Levels(), kUndoLeastLevels);
+}
+
+// One random operation through the editor.
+class RandomEdits {
+ public:
+  RandomEdits(EditingRig& rig, unsigned seed) : rig_(rig), random_(seed) {}
+
+  void Step() {
+    SequenceEditor& editor = *rig_.editor;
+    const int rows = std::max<int>(rig_.sequence->StepCount, 1);
+    const bool channels = Pick(0, 1) == 1;
+    rig_.Select(channels ? GridArea::Sequence : GridArea::Common, Pick(0, 1), Pick(1, rows), Pick(1, rows),
+                Pick(1, 9), Pick(1, 9));
+    switch (Pick(0, 15)) {
+      case 0:
+        editor.AddRow();
+        break;
+      case 1:
+        editor.InsertRow();
+        break;
+      case 2:
+        editor.DeleteRow();
+        break;
+      case 3:
+        editor.RowUp();
+        break;
+      case 4:
+        editor.RowDown();
+        break;
+      case 5:
+        editor.Copy();
+        break;
+      case 6:
+        editor.Paste();
+        break;
+      case 7:
+        editor.Initialize();
+        break;
+      case 8:
+        editor.FillDown();
+        break;
+      case 9:
+        if (rig_.sequence->StepCount < 30) editor.DuplicateRows();
+        break;
+      case 10:
+        editor.PasteText(Text() + "\t" + Text() + "\n" + Text());
+        break;
+      case 11:
+        editor.Choose(Place(), Pick(0, 5));
+        break;
+      case 12:
+        editor.ChooseOption(Place(), Pick(0, 2));
+        break;
+      default:
+        editor.EnterText(Place(), Text());
+        break;
+    }
+  }
+  int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
+
+ private:
+  CellPlace Place() {
+    const int row = Pick(1, rig_.sequence->StepCount + 1);
+    switch (Pick(0, 4)) {
+      case 0:
+        return Branch(row, Pick(1, 5));
+      case 1:
+      case 2:
+        return Common(row, Pick(1, 9));
+      default:
+        return Channel(Pick(0, 1), row, Pick(1, 9));
+    }
+  }
+  std::string Text() {
+    static const std::vector<std::string> kTexts{
+        "1",       "2",   "3.5", "10",  "-5",   "9.99", "20",  "",      "1e7", "0", "ON",  "OFF",
+        "- - - -", "SQU", "DC",  "SIN", "USER", "x",    "NaN", "1e400", "360", "5", "128", "0.001"};
+    return kTexts[static_cast<std::size_t>(Pick(0, static_cast<int>(kTexts.size()) - 1))];
+  }
+
+  EditingRig& rig_;
+  std::mt19937 random_;
+};
+
+// Answers every question with OK.
+class Agreeing : public Prompts {
+ public:
+  PromptAnswer Message(const MessageRequest&) override { return PromptAnswer::Ok; }
+  std::optional<std::string> Input(const InputRequest&) override { return std::nullopt; }
+};
+
+void ExpectInvariants(EditingRig& rig) {
+  const SequenceData& sequence = *rig.sequence;
+  ASSERT_GE(sequence.StepCount, 0);
+  ASSERT_LE(sequence.StepCount, rig.definition.Common.MaxSteps);
+  for (int row = 1; row <= sequence.StepCount; ++row) {
+    const StepRow& step = rig.Step(row);
+    ASSERT_TRUE(CommonBounds(rig.definition, sequence, kGridStepTime).Hold(step.StepTime));
+    ASSERT_TRUE(CommonBounds(rig.definition, sequence, kGridJumpCount).Hold(step.JumpCount));
+    for (const int target : {+step.JumpTo, +step.EventBranchStep, +step.StateBranchStep}) {
+      ASSERT_GE(target, 1);
+      ASSERT_LE(target, MAX_STEPS);
+    }
+    for (int channel = 0; channel < 2; ++channel) {
+      for (int param = 0; param < ChannelParams(rig.definition); ++param) {
+        if (!ChannelInUse(rig.definition, sequence, channel, row - 1, param)) continue;
+        const double value = sequence.Cell(channel, row - 1, param).Value;
+        ASSERT_TRUE(ChannelBounds(rig.definition, sequence, channel, row - 1, param).Hold(value))
+            << "step " << row << " parameter " << param << ": " << value;
+      }
+      ASSERT_TRUE(PeakFits(sequence, channel, row - 1)) << "step " << row;
+    }
+  }
+  // What is shown is what a window built anew would show.
+  const GridViews fresh(rig.state, rig.definition, sequence, rig.catalogue);
+  ASSERT_EQ(rig.editor->Views().Colors(), fresh.Colors());
+  ASSERT_LE(rig.editor->History().Bytes(), kUndoBytes);
+}
+
+TEST(Undo, RandomEditsKeepTheInvariantsAndGoBackExactly) {
+  for (unsigned seed = 1; seed <= 12; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    EditingRig rig(3);
+    Agreeing agreeing;
+    rig.editor =
+        std::make_unique<SequenceEditor>(rig.state, rig.definition, *rig.sequence, rig.catalogue, agreeing);
+    RandomEdits edits(rig, seed);
+    std::vector<SequenceData> states{*rig.sequence};  // after each recorded entry
+    std::size_t position = 0;
+    int changes = 0;
+    for (int i = 0; i < 150; ++i) {
+      const int kind = edits.Pick(0, 9);
+      if (kind == 0 && position > 0) {
+        ASSERT_TRUE(rig.editor->Undo().Changed);
+        --position;
+      } else if (kind == 1 && position + 1 < states.size()) {
+        ASSERT_TRUE(rig.editor->Redo().Changed);
+        ++position;
+      } else {
+        edits.Step();
+        if (!(*rig.sequence == states[position])) {
+          states.resize(position + 1, *rig.sequence);
+          states.push_back(*rig.sequence);
+          ++position;
+          ++changes;
+        }
+      }
+      ASSERT_TRUE(*rig.sequence == states[position]) << "operation " << i;
+      ASSERT_EQ(rig.editor->History().CanUndo(), position > 0);
+      ASSERT_NO_FATAL_FAILURE(ExpectInvariants(rig)) << "operation " << i;
+    }
+    ASSERT_GT(changes, 30) << "too few of the operations did anything";
+    while (rig.editor->CanUndo()) rig.editor->Undo();
+    EXPECT_TRUE(*rig.sequence == states.front());
+    while (rig.editor->CanRedo()) rig.editor->Redo();
+    EXPECT_TRUE(*rig.sequence == states.back());
+  }
+}
+
+}  // namespace
+}  // namespace corlune
