@@ -22,13 +22,15 @@ std::string Critical(int instrument) {
 TEST(RunControl, StartsWithOutputsOffAndOn) {
   RunRig rig;
   rig.UseInstruments(2);
+  rig.state.Instruments[1].InterfaceKind = InterfaceKind::NiGpib;
+  rig.state.Instruments[1].Address = 9;
   rig.state.OutputOn = false;
   rig.state.SequenceViewShown = true;
   rig.prompts.Answer(PromptAnswer::Ok);
   ASSERT_TRUE(rig.control.RunCommand(Run::Start));
-  EXPECT_THAT(rig.events,
-              ElementsAre(kQuestion, "0 < :OUTP ON", "1 < :OUTP ON", "0 < :START", "1 < :START", "0 < :STEP?",
-                          "0 > 0", "scroll 1", "highlight 1", "timer on", "view start", "refresh"));
+  EXPECT_THAT(rig.events, ElementsAre(kQuestion, "0 < :OUTP ON", "[0] 9 < :OUTP ON", "0 < :START",
+                                      "[0] 9 < :START", "0 < :STEP?", "0 > 0", "scroll 1", "highlight 1",
+                                      "timer on", "view start", "refresh"));
   EXPECT_TRUE(rig.state.OutputOn);
   EXPECT_FALSE(rig.control.RunCommand(Run::Start)) << "runs already";
 

@@ -174,7 +174,6 @@ TEST(FileCommands, AnOnLineLoadChecksOrReconnectsTheInstruments) {
     rig.session->Sequence().StepCount = 4;
     ASSERT_TRUE(rig.session->WriteFile(rig.folder.File("a.dat"), true));
     state.InstrumentCount = 1;
-    rig.session->Sequence().Channels.ArbFiles[4].Transferred = 1;
     rig.script.ClearLog();
     rig.script.Reply("*IDN?",
                      row.identity ? std::vector<std::string>{row.identity} : std::vector<std::string>{});
@@ -343,6 +342,24 @@ TEST(SystemSetup, IsCheckedBeforeItIsApplied) {
     std::copy(row.entries.begin(), row.entries.end(), setup.instruments.begin());
     EXPECT_EQ(rig.session->CheckSetup(setup), row.message);
   }
+}
+
+TEST(SystemSetup, AnotherInstrumentIsNotTrustedToHoldTheWaveforms) {
+  SessionRig rig;
+  rig.search.Attach(kPrefix2210, "1000001");
+  ASSERT_EQ(rig.Start(), StartUpResult::Show);
+  auto& entries = rig.session->Sequence().Channels.ArbFiles;
+  entries[4] = {"a.wdb", 1, 1, 1, 4096, 1};
+  ASSERT_EQ(entries[0].InInstrument, 1);
+  rig.script.ClearLog();
+  rig.script.Reply(":TRAC:INF? 1", {"\"\",0,0"});
+  ASSERT_TRUE(rig.session->Reconnect());
+  EXPECT_EQ(entries[4].Transferred, 0);
+  EXPECT_EQ(entries[4].InInstrument, 0);
+  EXPECT_EQ(entries[4].PointCount, 4096) << "the size is the file's";
+  EXPECT_EQ(entries[0].InInstrument, 0);
+  EXPECT_EQ(rig.script.CountOf("end"), 1);
+  EXPECT_EQ(rig.script.CountOf("init"), 1);
 }
 
 TEST(SystemSetup, AModelChangeAsksAndStartsAnEmptySequence) {

@@ -92,8 +92,10 @@ TEST(StartUp, FailureTable) {
       EXPECT_EQ(rig.session->State().Online, 0);
     } else {
       // A file that could not be loaded is not replaced when the program ends.
+      std::filesystem::remove(rig.folder.File("Corlune.ini"));
       rig.sessionEnd->EndNow(1);
       EXPECT_EQ(TempFolder::Read(rig.WorkFile()), workFile);
+      EXPECT_FALSE(FileExists(rig.folder.File("Corlune.ini")));
     }
     EXPECT_THAT(rig.script.Log(), IsEmpty());
   }
