@@ -7,11 +7,6 @@
 
 namespace corlune {
 
-namespace {
-
-constexpr std::array<std::uint8_t, 4> kMagic{'Q', 'M', 'S', 'Q'};
-constexpr std::uint16_t kVersion = 1;
-
 std::uint32_t Crc32(std::span<const std::uint8_t> bytes) {
   std::uint32_t crc = 0xFFFFFFFFU;
   for (const std::uint8_t byte : bytes) {
@@ -20,6 +15,11 @@ std::uint32_t Crc32(std::span<const std::uint8_t> bytes) {
   }
   return ~crc;
 }
+
+namespace {
+
+constexpr std::array<std::uint8_t, 4> kMagic{'Q', 'M', 'S', 'Q'};
+constexpr std::uint16_t kVersion = 1;
 
 class Writer {
  public:

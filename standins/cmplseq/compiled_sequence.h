@@ -96,6 +96,8 @@ std::vector<int> NextSlots(const CompiledSequence& sequence, int slot);
 // The sequence text, byte for byte in the program's form.
 std::string WriteSequenceText(const CompiledSequence& sequence);
 
+// CRC-32 (IEEE 802.3, reflected) of the bytes in front of it closes a compiled sequence, low byte first.
+std::uint32_t Crc32(std::span<const std::uint8_t> bytes);
 std::vector<std::uint8_t> EncodeCompiledSequence(const CompiledSequence& sequence);
 // nullopt when magic, version, checksum or a field is wrong; *error (may be null) says why.
 std::optional<CompiledSequence> DecodeCompiledSequence(std::span<const std::uint8_t> bytes,
