@@ -118,10 +118,8 @@ void ConsoleDisplay::ShowModeLayout(int operationMode) {
 void ConsoleDisplay::HighlightRow(GridRow row, bool on) {
   if (!on) return;
   // The monitor sets the mark anew at every poll; only a change of the step is worth a line.
-  if (stepsShown_ > 0 && row.value == shownRow_ && state_->StepChangedAt == shownChange_) return;
+  if (row.value == shownRow_) return;
   shownRow_ = row.value;
-  shownChange_ = state_->StepChangedAt;
-  ++stepsShown_;
   std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(1302) << " "
             << ShownNumber(NumberOf(IndexOf(row)), sequence_->StartStep) << std::endl;
 }

@@ -55,8 +55,6 @@ class ConsoleDisplay : public RunDisplay {
   ConsoleDisplay();
   // Before the first call of the port: the state that is shown and the words for it. Both must outlive this.
   void Attach(const AppState& state, const SequenceData& sequence, const MessageCatalogue& catalogue);
-  // Whole steps were shown since the run began.
-  int StepsShown() const { return stepsShown_; }
 
   void RefreshControls() override;
   void SetControlsEnabled(RunControls which, bool enabled) override;
@@ -72,8 +70,6 @@ class ConsoleDisplay : public RunDisplay {
   const MessageCatalogue* catalogue_ = nullptr;
   bool terminal_;
   int shownRow_ = 0;
-  int stepsShown_ = 0;
-  std::uint32_t shownChange_ = 0;
   RunState shownState_ = RunState::Stopped;
 };
 

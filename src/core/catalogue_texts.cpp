@@ -325,7 +325,7 @@ constexpr CatalogueText kRows[] = {
     // Added texts: sequence view.
 
     // Added texts: console.
-    {8103, "$1: $2 steps, $3 channels, $4 arbitrary waveforms", "$1：ステップ数 $2、チャネル数 $3、任意波形 $4"},
+    {8103, "$1: steps $2, channels $3, arbitrary waveforms $4", "$1：ステップ数 $2、チャネル数 $3、任意波形 $4"},
     {8104, "$1: $2 bytes", "$1：$2 バイト"},
     {9501, "The file could not be read: $1", "ファイルを読み込めません：$1"},
     {9520, "No instrument was found.", "機器が見つかりません。"},
