@@ -3,8 +3,10 @@
 #include <cstdlib>
 
 #include <QApplication>
+#include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QInputDialog>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -56,10 +58,16 @@ QMessageBox::StandardButtons BoxButtons(PromptButtons buttons) {
 
 }  // namespace
 
+QWidget* DialogOwner::Get() const {
+  if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+  return window_;
+}
+
 PromptAnswer QtPrompts::Message(const MessageRequest& request) {
-  QMessageBox box(BoxIcon(request.icon), Caption(request.caption), Text(request.text),
-                  BoxButtons(request.buttons), QApplication::activeWindow());
-  box.setTextFormat(Qt::PlainText);
+  // On the heap: its owner may be gone when it is answered.
+  QPointer<QMessageBox> box = new QMessageBox(BoxIcon(request.icon), Caption(request.caption),
+                                              Text(request.text), BoxButtons(request.buttons), owner_.Get());
+  box->setTextFormat(Qt::PlainText);
   if (!english_) {
     const struct {
       QMessageBox::StandardButton button;
@@ -67,10 +75,12 @@ PromptAnswer QtPrompts::Message(const MessageRequest& request) {
     } words[] = {
         {QMessageBox::Cancel, "キャンセル"}, {QMessageBox::Yes, "はい(&Y)"}, {QMessageBox::No, "いいえ(&N)"}};
     for (const auto& word : words) {
-      if (auto* button = box.button(word.button)) button->setText(QString::fromUtf8(word.text));
+      if (auto* button = box->button(word.button)) button->setText(QString::fromUtf8(word.text));
     }
   }
-  switch (box.exec()) {
+  const int pressed = box->exec();
+  delete box;
+  switch (pressed) {
     case QMessageBox::Ok:
       return PromptAnswer::Ok;
     case QMessageBox::Yes:
@@ -91,13 +101,15 @@ PromptAnswer QtPrompts::Message(const MessageRequest& request) {
 }
 
 std::optional<std::string> QtPrompts::Input(const InputRequest& request) {
-  QInputDialog dialog(QApplication::activeWindow());
-  dialog.setWindowTitle(Caption(request.caption));
-  dialog.setLabelText(Text(request.prompt));
-  dialog.setTextValue(Text(request.defaultText));
-  if (!english_) dialog.setCancelButtonText(QString::fromUtf8("キャンセル"));
-  if (dialog.exec() != QDialog::Accepted) return std::nullopt;
-  return dialog.textValue().toStdString();
+  QPointer<QInputDialog> dialog = new QInputDialog(owner_.Get());
+  dialog->setWindowTitle(Caption(request.caption));
+  dialog->setLabelText(Text(request.prompt));
+  dialog->setTextValue(Text(request.defaultText));
+  if (!english_) dialog->setCancelButtonText(QString::fromUtf8("キャンセル"));
+  std::optional<std::string> text;
+  if (dialog->exec() == QDialog::Accepted && dialog) text = dialog->textValue().toStdString();
+  delete dialog;
+  return text;
 }
 
 void QtEventPump::HandlePending() {
@@ -105,13 +117,13 @@ void QtEventPump::HandlePending() {
 }
 
 void QtEventPump::SleepUntil(std::uint32_t tick) {
-  while (!TickReached(clock_.Now(), tick)) {
+  for (std::int32_t left = TicksSince(tick, clock_.Now()); left > 0; left = TicksSince(tick, clock_.Now())) {
     QEventLoop loop;
     QTimer timer;
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
     QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
-    timer.start(TicksSince(tick, clock_.Now()));
+    timer.start(left);
     loop.exec();
   }
 }
@@ -141,22 +153,37 @@ std::string QtFilter(const std::string& filter) {
   return (match.captured(1) + QStringLiteral(" (") + patterns + QStringLiteral(")")).toStdString();
 }
 
+std::string FilterSuffix(const std::string& filter) {
+  static const QRegularExpression kSuffix(QStringLiteral("\\|[^|]*\\*\\.(\\w+)"));
+  return kSuffix.match(Text(filter)).captured(1).toStdString();
+}
+
+std::optional<std::string> QtFileDialogs::Choose(QFileDialog& dialog) {
+  dialog.setDirectory(folder_);
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  folder_ = dialog.directory().absolutePath();
+  return dialog.selectedFiles().constFirst().toStdString();
+}
+
 std::optional<std::string> QtFileDialogs::ChooseOpen(const std::string& filter) {
-  const QString path = QFileDialog::getOpenFileName(QApplication::activeWindow(), QString(), QString(),
-                                                    Text(QtFilter(filter)));
-  if (path.isNull()) return std::nullopt;
-  return path.toStdString();
+  QFileDialog dialog(owner_.Get(), QString(), QString(), Text(QtFilter(filter)));
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  // A name that does not exist is told by the session, in the catalogue's words.
+  dialog.setFileMode(QFileDialog::AnyFile);
+  return Choose(dialog);
 }
 
 std::optional<std::string> QtFileDialogs::ChooseSave(const std::string& filter,
                                                      const std::string& suggested) {
-  QFileDialog dialog(QApplication::activeWindow(), QString(), QString(), Text(QtFilter(filter)));
+  QFileDialog dialog(owner_.Get(), QString(), QString(), Text(QtFilter(filter)));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   // The suffix belongs to the name before it is checked against existing files.
-  dialog.setDefaultSuffix(QStringLiteral("dat"));
-  if (!suggested.empty()) dialog.selectFile(Text(suggested));
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
-  return dialog.selectedFiles().constFirst().toStdString();
+  dialog.setDefaultSuffix(Text(FilterSuffix(filter)));
+  if (!suggested.empty()) {
+    folder_ = QFileInfo(Text(suggested)).absolutePath();
+    dialog.selectFile(QFileInfo(Text(suggested)).fileName());
+  }
+  return Choose(dialog);
 }
 
 void QtEndProgram::EndNow(int exitCode) {

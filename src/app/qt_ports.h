@@ -5,22 +5,39 @@
 #include <optional>
 #include <string>
 
+#include <QPointer>
+#include <QString>
 #include <QTimer>
+#include <QWidget>
 
 #include "core/ports.h"
 #include "session/session_ports.h"
 
+class QFileDialog;
+
 namespace corlune {
 
-// Modal boxes over the active window, in the application's language.
+// What dialogs stand over: the dialog that is open already, else the main window, also while another program
+// has the focus; nothing before there is a window.
+class DialogOwner {
+ public:
+  void Set(QWidget* window) { window_ = window; }
+  QWidget* Get() const;
+
+ private:
+  QPointer<QWidget> window_;
+};
+
+// Modal boxes in the application's language.
 class QtPrompts : public Prompts {
  public:
-  explicit QtPrompts(const bool& english) : english_(english) {}
+  QtPrompts(const DialogOwner& owner, bool english) : owner_(owner), english_(english) {}
   PromptAnswer Message(const MessageRequest& request) override;
   std::optional<std::string> Input(const InputRequest& request) override;
 
  private:
-  const bool& english_;
+  const DialogOwner& owner_;
+  bool english_;
 };
 
 // Waits inside the event loop; the processor sleeps meanwhile.
@@ -45,10 +62,18 @@ class QtTickSource : public TickSource {
   QTimer timer_;
 };
 
+// They open in the folder used last.
 class QtFileDialogs : public FileDialogs {
  public:
+  explicit QtFileDialogs(const DialogOwner& owner) : owner_(owner) {}
   std::optional<std::string> ChooseOpen(const std::string& filter) override;
   std::optional<std::string> ChooseSave(const std::string& filter, const std::string& suggested) override;
+
+ private:
+  std::optional<std::string> Choose(QFileDialog& dialog);
+
+  const DialogOwner& owner_;
+  QString folder_;
 };
 
 class QtEndProgram : public EndProgram {
@@ -58,5 +83,7 @@ class QtEndProgram : public EndProgram {
 
 // "Sequence data(*.dat) | *.dat" in the form that the file dialog takes: "Sequence data (*.dat)".
 std::string QtFilter(const std::string& filter);
+// "dat" of the same filter: the suffix of its first pattern; empty when it has none.
+std::string FilterSuffix(const std::string& filter);
 
 }  // namespace corlune

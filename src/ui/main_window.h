@@ -1,0 +1,185 @@
+// MainWindow: frmMain, the application's only main window. Menus and buttons as the model definition wants
+// them, the fields beside the grids, the grids (GridPanel), the status bar and the sequence view.
+//
+// It decides nothing: what a control may do comes from ControlStatesOf, what a press does from the session
+// and the editor. Presses can arrive inside the waits of other presses; the session refuses or defers them.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QDate>
+#include <QMainWindow>
+#include <QStringList>
+#include <QTimer>
+
+#include "editing/control_states.h"
+#include "editing/sequence_editor.h"
+#include "session/session.h"
+#include "ui/window_settings.h"
+
+class QAction;
+class QLabel;
+class QMenu;
+class QPushButton;
+
+namespace corlune {
+
+class EntryField;
+enum class EntryEnd;
+class FrmPreview;
+class GridPanel;
+class StatBar;
+
+// Everything the window works on. All must outlive it; `settings` is written when it closes.
+struct MainWindowParts {
+  Session& session;
+  SequenceEditor& editor;
+  Prompts& prompts;
+  FileDialogs& files;
+  const WindowSettings& settings;
+  std::string version;  // of the program, "major.minor.revision"
+  QDate programDate;    // of the program file
+};
+
+class MainWindow : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  explicit MainWindow(const MainWindowParts& parts, QWidget* parent = nullptr);
+  ~MainWindow() override;
+
+  // Shows the window where it was last time, or in its normal layout at the top left.
+  void ShowAtPlace();
+  // A second start: comes to the front and, when it may, opens the file (through the save question). A file
+  // that cannot be opened now is named in the status bar.
+  void ActivatedByOtherStart(const std::string& path);
+  // Opens a sequence file given by name, by drop or as a recent file.
+  void OpenPath(const std::string& path);
+  // The desktop session ends. True: saved and closed; false: something is under way or was cancelled. With
+  // `mayAsk` false no question is put; the work file keeps everything.
+  bool EndOfDesktopSession(bool mayAsk);
+
+  // Called through WindowDisplay.
+  void RefreshControls();
+  void RefreshCaption();
+  void LockControls(RunControls which, bool locked);
+  void ShowModeLayout(int operationMode);
+  void ShowTotalTime(double milliseconds);
+  void ShowElapsedTime(std::int32_t milliseconds);
+  void SequenceReplaced(SequenceChange change);
+  void ShowWaitCursor(bool on);
+
+  GridPanel& Grids() { return *grids_; }
+  StatBar& Status() { return *statBar_; }
+  FrmPreview* Preview() { return preview_.get(); }
+  const ControlStates& States() const { return states_; }
+
+  // Layout for the window alone, and tiled beside the sequence view.
+  void FormStyleNomal();
+  void FormStyleAlign();
+
+ signals:
+  // The window has closed for good: the program can end.
+  void Closed();
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+
+ private:
+  // main_window_menus.cpp
+  void BuildMenus();
+  void BuildEditMenu();
+  void AddFileExtras();
+  void AddHelpExtras();
+  void AddItems(Menu menu, std::function<void(int)> handler);
+  QAction* ItemAction(Menu menu, int item) const;
+  void SetShortcuts();
+  void ShowMenuStates();
+  void ShowRecentFiles();
+  void RememberRecent();
+
+  // main_window_fields.cpp
+  QWidget* BuildFieldRow();
+  void ShowFields();
+  bool EnterSequenceNumber(const std::string& text, EntryEnd end);
+  bool EnterStartStep(const std::string& text, EntryEnd end);
+  bool EnterBranchChannel(const std::string& text, EntryEnd end);
+  bool Settle(const EditOutcome& outcome, EntryEnd end);
+  void TakeSequenceNumber();
+
+  // main_window_commands.cpp
+  void Perform(const std::function<void()>& command);
+  void FileCommand(int index);
+  void ViewCommand(int index);
+  void ModeCommand(int index);
+  void RunItem(int item);
+  void RunButton(int index);
+  void PressStart(const std::function<void()>& press);
+  void ReadBack();
+  void ImportCsv();
+  void ExportCsv();
+  void ShowAbout();
+  void ShowCommLog();
+  std::string CommLogPath() const;
+  std::string ConnectionTip() const;
+  std::string DeviceTip() const;
+  bool CanOpenNow() const;
+  FrmPreview& NeedPreview();
+  void ClosePreview();
+
+  // main_window.cpp
+  QWidget* BuildButtonRow();
+  void ShowButtonStates();
+  void PlaceInitially();
+  void AdaptWidths();
+  void FinishClosing();
+  std::string Text(int id) const { return session_.Catalogue().GetResString(id); }
+  QString Caption(int id) const { return QString::fromStdString(Text(id)); }
+
+  Session& session_;
+  SequenceEditor& editor_;
+  Prompts& prompts_;
+  FileDialogs& files_;
+  const WindowSettings& settings_;
+  std::string version_;
+  QDate programDate_;
+
+  std::array<QMenu*, kMenuCount> menus_{};
+  std::array<std::vector<QAction*>, kMenuCount> items_{};
+  QAction* undo_ = nullptr;
+  QAction* redo_ = nullptr;
+  QAction* importCsv_ = nullptr;
+  QAction* exportCsv_ = nullptr;
+  QAction* commLog_ = nullptr;
+  QMenu* recentMenu_ = nullptr;
+  QStringList recentFiles_;
+
+  std::array<QPushButton*, kPanelButtonCount> buttons_{};
+  EntryField* sequenceNumber_ = nullptr;
+  EntryField* startStep_ = nullptr;
+  EntryField* branchChannel_ = nullptr;
+  std::vector<QWidget*> startStepParts_;
+  std::vector<QWidget*> branchChannelParts_;
+  QPushButton* read_ = nullptr;
+  GridPanel* grids_ = nullptr;
+  StatBar* statBar_ = nullptr;
+  std::unique_ptr<FrmPreview> preview_;
+
+  QTimer timer2_;
+  ControlStates states_;
+  bool downloadLocked_ = false;
+  bool outputLocked_ = false;
+  bool waiting_ = false;   // the hourglass is shown
+  bool starting_ = false;  // a start is under way: only Stop can be pressed
+  bool closed_ = false;
+  std::optional<WindowPlace> place_;  // where the window was last time
+};
+
+}  // namespace corlune

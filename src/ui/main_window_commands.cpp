@@ -1,0 +1,294 @@
+// MainWindow: what menu items, buttons and other programs ask for.
+#include <algorithm>
+
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QScreen>
+#include <QUrl>
+
+#include "comm/init_options.h"
+#include "compile/download_outcome_text.h"
+#include "dialogs/frm_about.h"
+#include "dialogs/frm_comm_log.h"
+#include "ui/entry_field.h"
+#include "ui/form_style.h"
+#include "ui/grid_panel.h"
+#include "ui/main_window.h"
+#include "ui/stat_bar.h"
+#include "view/frm_preview.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kCsvFilter = 8203;
+
+// The only file of a drag when it is a sequence file by its name; empty otherwise.
+QString SequenceFileIn(const QMimeData* data) {
+  const QList<QUrl> urls = data->urls();
+  if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
+  const QString path = urls.front().toLocalFile();
+  const QString suffix = QFileInfo(path).suffix().toLower();
+  return suffix == QLatin1String("dat") || suffix == QLatin1String("daf") ? path : QString();
+}
+
+}  // namespace
+
+void MainWindow::Perform(const std::function<void()>& command) {
+  statBar_->ShowNotice({});
+  command();
+  if (!closed_) RefreshControls();
+}
+
+void MainWindow::FileCommand(int index) {
+  if (index == 4) {
+    close();
+    return;
+  }
+  Perform([&] {
+    grids_->HideEditors();
+    bool named = false;
+    switch (index) {
+      case 0:
+        session_.NewSequence();
+        break;
+      case 1:
+        named = session_.OpenWithDialog();
+        break;
+      case 2:
+        named = session_.Save();
+        break;
+      case 3:
+        named = session_.SaveAs();
+        break;
+      default:
+        break;
+    }
+    if (named) RememberRecent();
+  });
+}
+
+bool MainWindow::CanOpenNow() const {
+  return session_.Idle() && session_.State().OperationMode == OperationMode::Edit && !closed_ &&
+         !QApplication::activeModalWidget();
+}
+
+void MainWindow::OpenPath(const std::string& path) {
+  if (!CanOpenNow()) {
+    statBar_->ShowNotice(session_.Catalogue().GetResString(9660, {path}));
+    return;
+  }
+  Perform([&] {
+    const bool missing = !QFileInfo(QString::fromStdString(path)).isFile();
+    if (session_.OpenFile(path)) {
+      RememberRecent();
+    } else if (missing && recentFiles_.removeAll(QString::fromStdString(path)) > 0) {
+      QMetaObject::invokeMethod(this, &MainWindow::ShowRecentFiles, Qt::QueuedConnection);
+    }
+  });
+}
+
+void MainWindow::ActivatedByOtherStart(const std::string& path) {
+  setWindowState((windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
+  show();
+  raise();
+  activateWindow();
+  if (!path.empty()) OpenPath(path);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (CanOpenNow() && !SequenceFileIn(event->mimeData()).isEmpty()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QString path = SequenceFileIn(event->mimeData());
+  if (path.isEmpty()) return;
+  event->acceptProposedAction();
+  // The program that the file comes from waits until the drop is over; the save question must not hold it up.
+  QMetaObject::invokeMethod(
+      this, [this, path] { OpenPath(path.toStdString()); }, Qt::QueuedConnection);
+}
+
+FrmPreview& MainWindow::NeedPreview() {
+  if (!preview_) {
+    PreviewHandlers handlers;
+    handlers.runButton = [this](int index) { RunButton(index); };
+    handlers.runMenuItem = [this](int item) { RunItem(item); };
+    handlers.enterSequenceNumber = [this](const std::string& text) {
+      return EnterSequenceNumber(text, EntryEnd::Key);
+    };
+    handlers.enterStartStep = [this](const std::string& text) { return EnterStartStep(text, EntryEnd::Key); };
+    handlers.enterBranchChannel = [this](const std::string& text) {
+      return EnterBranchChannel(text, EntryEnd::Key);
+    };
+    handlers.closed = [this] {
+      if (!closed_) RefreshControls();
+    };
+    preview_ = std::make_unique<FrmPreview>(session_.State(), session_.Definition(), session_.Sequence(),
+                                            session_.Catalogue(), std::move(handlers));
+    preview_->setWindowIcon(windowIcon());
+  }
+  return *preview_;
+}
+
+void MainWindow::ClosePreview() {
+  if (preview_) preview_->close();
+}
+
+void MainWindow::ViewCommand(int index) {
+  Perform([&] {
+    if (index == 0) {
+      FormStyleNomal();
+      activateWindow();
+      return;
+    }
+    const bool shown = session_.State().SequenceViewShown;
+    FrmPreview& preview = NeedPreview();
+    preview.showNormal();
+    if (index == 2) {
+      FormStyleAlign();
+      // Beside the frame of this window, as far as the screen reaches.
+      const QRect area = screen()->availableGeometry();
+      const int left = frameGeometry().right() + 1;
+      const int frame = frameGeometry().width() - width();
+      preview.move(left, frameGeometry().top());
+      preview.resize(std::max(preview.minimumSizeHint().width(), area.right() + 1 - left - frame), height());
+    }
+    ShowFields();
+    preview.ShowStates(states_);
+    preview.ShowTotalTime(session_.State().TotalTime);
+    preview.ShowElapsedTime(session_.State().ElapsedTime);
+    preview.PicDisp();
+    // A run that began without the view is followed from now on.
+    if (!shown && session_.State().RunState == RunState::Running) preview.MeasureStart();
+    preview.raise();
+    preview.activateWindow();
+  });
+}
+
+void MainWindow::ModeCommand(int index) {
+  if (index == static_cast<int>(session_.State().OperationMode)) return;
+  Perform([&] {
+    grids_->HideEditors();
+    TakeSequenceNumber();
+    const bool downloads = index == 1 && session_.Sequence().StepCount > 0 && session_.Idle();
+    const auto mode = index == 1 ? OperationMode::Execution : OperationMode::Edit;
+    if (!session_.Control().SetOperationMode(mode) && downloads) {
+      statBar_->ShowNotice(DownloadOutcomeText(session_.Download().Outcome(), session_.Catalogue()));
+    }
+  });
+}
+
+void MainWindow::PressStart(const std::function<void()>& press) {
+  // Inside another command or a tick the press is deferred or ignored: nothing is started here.
+  if (starting_ || session_.Activity().Busy()) {
+    press();
+    return;
+  }
+  starting_ = true;
+  RefreshControls();
+  press();
+  starting_ = false;
+}
+
+void MainWindow::RunItem(int item) {
+  const auto press = [this, item] { session_.Control().MenuItem(item); };
+  Perform([&] {
+    if (item == static_cast<int>(Run::Start)) {
+      PressStart(press);
+    } else {
+      press();
+    }
+  });
+}
+
+void MainWindow::RunButton(int index) {
+  if (index == 0) {
+    ModeCommand(session_.State().OperationMode == OperationMode::Edit ? 1 : 0);
+  } else if (index == 1) {
+    RunItem(static_cast<int>(Run::Start));
+  } else {
+    Perform([&] { session_.Control().Button(index); });
+  }
+}
+
+void MainWindow::ReadBack() {
+  Perform([&] {
+    grids_->HideEditors();
+    TakeSequenceNumber();
+    const EditOutcome outcome = editor_.Record(EditAction::ReadBack, [this] { session_.ReadBack(); });
+    if (outcome.Changed) grids_->Rebuild();
+  });
+}
+
+void MainWindow::ImportCsv() {
+  Perform([&] {
+    grids_->HideEditors();
+    const auto path = files_.ChooseOpen(Text(kCsvFilter));
+    if (path && !path->empty()) grids_->ImportCsv(*path);
+  });
+}
+
+void MainWindow::ExportCsv() {
+  Perform([&] {
+    grids_->HideEditors();
+    QString suggested = QString::fromStdString(session_.State().CurrentFilePath);
+    if (!suggested.isEmpty()) {
+      const QFileInfo info(suggested);
+      suggested = info.path() + QLatin1Char('/') + info.completeBaseName() + QStringLiteral(".csv");
+    }
+    const auto path = files_.ChooseSave(Text(kCsvFilter), suggested.toStdString());
+    if (path && !path->empty()) grids_->ExportCsv(*path);
+  });
+}
+
+void MainWindow::ShowAbout() {
+  AboutFacts facts;
+  facts.version = version_;
+  facts.programDate = programDate_;
+  facts.instrumentProblem = session_.Gp().LibraryProblem();
+  facts.compilerProblem = session_.Compiler().Problem();
+  FrmAbout(session_.Catalogue(), facts, this).exec();
+}
+
+std::string MainWindow::CommLogPath() const {
+  const InitOptions options(session_.Definition().Commands.LibraryInit);
+  return PathBelow(session_.State().AppFolder, options.ValueAsWritten("LOG_FILE"));
+}
+
+void MainWindow::ShowCommLog() {
+  const std::string path = CommLogPath();
+  if (!path.empty()) FrmCommLog(session_.Catalogue(), path, this).exec();
+}
+
+std::string MainWindow::ConnectionTip() const {
+  std::string tip = session_.State().Online == 1 ? Text(8207) + "\n" + DeviceTip() : Text(8206);
+  for (const std::string& problem : {session_.Gp().LibraryProblem(), session_.Compiler().Problem()}) {
+    if (!problem.empty()) tip += "\n" + problem;
+  }
+  return tip;
+}
+
+std::string MainWindow::DeviceTip() const {
+  const AppState& state = session_.State();
+  const ModelInterfaceSpec& model = session_.Definition().InterfaceOf(state.ModelIndex);
+  std::string tip;
+  for (std::size_t i = 0;
+       i < static_cast<std::size_t>(std::clamp<int>(state.InstrumentCount, 0, kMaxInstruments)); ++i) {
+    const InstrumentEntry& entry = state.Instruments[i];
+    const bool listed =
+        entry.Interface >= 0 && entry.Interface < static_cast<int>(model.InterfaceNames.size());
+    const std::string name = listed ? model.InterfaceNames[static_cast<std::size_t>(entry.Interface)] : "";
+    const bool usbTmc = entry.InterfaceKind == InterfaceKind::UsbTmc;
+    if (!tip.empty()) tip += "\n";
+    tip += session_.Catalogue().GetResString(
+        8213, {std::to_string(i + 1), name, usbTmc ? entry.SerialNo : std::to_string(entry.Address),
+               std::to_string(entry.ChannelCount)});
+  }
+  return tip;
+}
+
+}  // namespace corlune

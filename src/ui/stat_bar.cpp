@@ -1,0 +1,128 @@
+#include "ui/stat_bar.h"
+
+#include <QEvent>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+#include <QSizeGrip>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "core/time_text.h"
+
+namespace corlune {
+
+namespace {
+
+// A label that may be narrower than its text and then ends in "...".
+class ElidedLabel : public QLabel {
+ public:
+  using QLabel::QLabel;
+  QSize minimumSizeHint() const override {
+    return {fontMetrics().averageCharWidth() * 4, QLabel::minimumSizeHint().height()};
+  }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override {
+    QFrame::paintEvent(event);
+    QPainter painter(this);
+    const QRect area = contentsRect().adjusted(margin(), 0, -margin(), 0);
+    style()->drawItemText(&painter, area, static_cast<int>(alignment()), palette(), isEnabled(),
+                          fontMetrics().elidedText(text(), Qt::ElideRight, area.width()),
+                          QPalette::WindowText);
+  }
+};
+
+constexpr int kPanelMargin = 3;
+
+}  // namespace
+
+StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
+    : QWidget(parent), catalogue_(catalogue), notice_(new QLabel(this)) {
+  setObjectName(QStringLiteral("StatBar1"));
+  auto* rows = new QVBoxLayout(this);
+  rows->setContentsMargins(0, 0, 0, 0);
+  rows->setSpacing(2);
+  notice_->setObjectName(QStringLiteral("LabNotice"));
+  notice_->setTextFormat(Qt::PlainText);
+  notice_->setWordWrap(true);
+  notice_->setMargin(kPanelMargin);
+  notice_->hide();
+  rows->addWidget(notice_);
+
+  auto* bar = new QFrame(this);
+  bar->setObjectName(QStringLiteral("StatusBar1"));
+  auto* layout = new QHBoxLayout(bar);
+  layout->setContentsMargins(0, 0, 0, 0);
+  layout->setSpacing(2);
+  for (int i = 0; i < kPanels; ++i) {
+    QLabel* panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
+    panel->setObjectName(QStringLiteral("Panel%1").arg(i + 1));
+    panel->setTextFormat(Qt::PlainText);
+    panel->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
+    panel->setMargin(kPanelMargin);
+    panels_[static_cast<std::size_t>(i)] = panel;
+    layout->addWidget(panel, i == Device ? 1 : 0);
+  }
+  layout->addWidget(new QSizeGrip(bar), 0, Qt::AlignBottom);
+  rows->addWidget(bar);
+  TotalTime(0);
+  ElapsTime(0);
+  FixTimeWidths();
+}
+
+void StatBar::FixTimeWidths() {
+  // The digits change ten times a second; the panels keep their places.
+  for (const Panel panel : {Total, Elapsed}) {
+    QLabel* label = panels_[static_cast<std::size_t>(panel)];
+    const std::string widest = TimePanelText(catalogue_, panel == Total ? 1405 : 1406, 0);
+    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QString::fromStdString(widest)) +
+                           2 * (kPanelMargin + label->frameWidth()));
+  }
+}
+
+void StatBar::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::FontChange && panels_[Elapsed]) FixTimeWidths();
+}
+
+void StatBar::Show(Panel panel, const std::string& text) {
+  QLabel* label = panels_[static_cast<std::size_t>(panel)];
+  const QString shown = QString::fromStdString(text);
+  if (label->text() != shown) label->setText(shown);
+}
+
+void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
+  Show(Connection, catalogue_.GetResString(state.Online == 1 ? 1401 : 1400));
+  Show(Mode, catalogue_.GetResString(state.OperationMode == OperationMode::Execution ? 1403 : 1402));
+  Show(Device, catalogue_.GetResString(1404) + ":" + state.ModelName);
+  panels_[Connection]->setToolTip(QString::fromStdString(facts.connectionTip));
+  panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());
+  panels_[Device]->setToolTip(QString::fromStdString(facts.deviceTip));
+  TotalTime(state.TotalTime);
+  ElapsTime(state.ElapsedTime);
+}
+
+void StatBar::TotalTime(double milliseconds) {
+  Show(Total, TimePanelText(catalogue_, 1405, milliseconds));
+}
+
+void StatBar::ElapsTime(std::int32_t milliseconds) {
+  Show(Elapsed, TimePanelText(catalogue_, 1406, milliseconds));
+}
+
+void StatBar::ShowNotice(const std::string& text) {
+  notice_->setText(QString::fromStdString(text));
+  notice_->setVisible(!text.empty());
+}
+
+QString StatBar::Notice() const {
+  return notice_->text();
+}
+
+QString StatBar::PanelText(Panel panel) const {
+  return panels_[static_cast<std::size_t>(panel)]->text();
+}
+
+}  // namespace corlune

@@ -1,0 +1,79 @@
+#include "ui/window_settings.h"
+
+#include <algorithm>
+
+#include <QSettings>
+
+#include "core/files.h"
+
+namespace corlune {
+
+namespace {
+constexpr const char* kFileName = "CorluneWindow.ini";
+// Beyond every real desktop; a value outside is damage.
+constexpr int kFarthest = 32768;
+}  // namespace
+
+WindowSettings::WindowSettings(const std::string& appFolder)
+    : path_(QString::fromStdString(JoinPath(appFolder, kFileName))) {}
+
+std::optional<WindowPlace> WindowSettings::Place() const {
+  const QSettings settings(path_, QSettings::IniFormat);
+  const auto number = [&](const char* key, int least) -> std::optional<int> {
+    bool isNumber = false;
+    const int value = settings.value(QString::fromUtf8(key)).toInt(&isNumber);
+    if (!isNumber || value < least || value > kFarthest) return std::nullopt;
+    return value;
+  };
+  const auto left = number("Window/Left", -kFarthest);
+  const auto top = number("Window/Top", -kFarthest);
+  const auto width = number("Window/Width", 1);
+  const auto height = number("Window/Height", 1);
+  if (!left || !top || !width || !height) return std::nullopt;
+  return WindowPlace{QRect(*left, *top, *width, *height),
+                     settings.value(QStringLiteral("Window/Maximized")).toBool()};
+}
+
+QStringList WindowSettings::RecentFiles() const {
+  const QSettings settings(path_, QSettings::IniFormat);
+  QStringList files;
+  for (const QString& file : settings.value(QStringLiteral("Recent/Files")).toStringList()) {
+    if (!file.isEmpty() && !files.contains(file) && files.size() < kRecentFiles) files.append(file);
+  }
+  return files;
+}
+
+void WindowSettings::Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const {
+  QSettings settings(path_, QSettings::IniFormat);
+  if (place) {
+    settings.setValue(QStringLiteral("Window/Left"), place->geometry.x());
+    settings.setValue(QStringLiteral("Window/Top"), place->geometry.y());
+    settings.setValue(QStringLiteral("Window/Width"), place->geometry.width());
+    settings.setValue(QStringLiteral("Window/Height"), place->geometry.height());
+    settings.setValue(QStringLiteral("Window/Maximized"), place->maximized);
+  }
+  settings.setValue(QStringLiteral("Recent/Files"), recentFiles);
+}
+
+QStringList WithRecentFile(QStringList files, const QString& path) {
+  files.removeAll(path);
+  files.prepend(path);
+  return files.mid(0, kRecentFiles);
+}
+
+QRect ClampToScreens(const QRect& wanted, const QList<QRect>& screens, const QSize& smallest) {
+  if (screens.isEmpty()) return wanted;
+  const auto shown = [&](const QRect& screen) {
+    const QRect part = screen & wanted;
+    return static_cast<long long>(part.width()) * part.height();
+  };
+  const QRect screen = *std::max_element(screens.begin(), screens.end(),
+                                         [&](const QRect& a, const QRect& b) { return shown(a) < shown(b); });
+  const QSize size = wanted.size().boundedTo(screen.size()).expandedTo(smallest);
+  // A window wider than the screen begins at its left edge.
+  const int left = std::max(screen.left(), std::min(wanted.left(), screen.right() + 1 - size.width()));
+  const int top = std::max(screen.top(), std::min(wanted.top(), screen.bottom() + 1 - size.height()));
+  return {QPoint(left, top), size};
+}
+
+}  // namespace corlune

@@ -1,0 +1,42 @@
+// WindowSettings: what the main window keeps for the next start beside the work file: place, size and recent
+// files, in CorluneWindow.ini of the application folder. Nothing in it is needed to start.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include <QList>
+#include <QRect>
+#include <QStringList>
+
+namespace corlune {
+
+inline constexpr int kRecentFiles = 8;
+
+struct WindowPlace {
+  QRect geometry;  // without the frame, when not maximised
+  bool maximized = false;
+};
+
+class WindowSettings {
+ public:
+  explicit WindowSettings(const std::string& appFolder);
+
+  // nullopt when the file names no usable place.
+  std::optional<WindowPlace> Place() const;
+  QStringList RecentFiles() const;
+  // A file that cannot be written is no reason to complain: the next start then begins at the default place.
+  void Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const;
+
+ private:
+  QString path_;
+};
+
+// `path` in front of the list, once, the list at most kRecentFiles long.
+QStringList WithRecentFile(QStringList files, const QString& path);
+
+// `wanted`, moved and shrunk so that it lies within the screen that shows most of it (else the first one),
+// but not below `smallest`. Without screens `wanted` itself.
+QRect ClampToScreens(const QRect& wanted, const QList<QRect>& screens, const QSize& smallest);
+
+}  // namespace corlune
