@@ -1,0 +1,266 @@
+// A bench with virtual instruments, and the program below its windows connected to them: real session, real
+// USBTMC back-end, real sequence compiler, a folder of its own. Time passes only when a wait or a test lets
+// it; it wraps in the middle of most scenarios.
+#pragma once
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <gmock/gmock.h>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "comm/ieee32m_backend.h"
+#include "comm/ni_gpib_backend.h"
+#include "comm/simulated_backend.h"
+#include "comm/usb488_backend.h"
+#include "comm/usbtmc_backend.h"
+#include "scenario/visa_recorder.h"
+#include "session/session.h"
+#include "standins/cmplseq/compile_file.h"
+#include "support/fake_ports.h"
+#include "support/temp_folder.h"
+
+namespace corlune::testing {
+
+// Agrees to everything unless told otherwise, and keeps what was said: "icon: text", "input: default text".
+class BenchPrompts : public Prompts {
+ public:
+  explicit BenchPrompts(FakePump& pump) : pump_(pump) {}
+
+  PromptAnswer Message(const MessageRequest& request) override {
+    said.push_back(std::string(IconName(request.icon)) + ": " + request.text);
+    pump_.HandlePending();  // a message box handles events
+    if (!answers.empty()) {
+      const PromptAnswer answer = answers.front();
+      answers.pop_front();
+      return answer;
+    }
+    const bool yesNo =
+        request.buttons == PromptButtons::YesNo || request.buttons == PromptButtons::YesNoCancel;
+    return yesNo ? PromptAnswer::Yes : PromptAnswer::Ok;
+  }
+  std::optional<std::string> Input(const InputRequest& request) override {
+    said.push_back("input: " + request.defaultText);
+    pump_.HandlePending();
+    return name;
+  }
+
+  std::deque<PromptAnswer> answers;         // before the agreeing ones
+  std::optional<std::string> name = "E2E";  // of the sequence
+  EventList said;
+
+ private:
+  FakePump& pump_;
+};
+
+class NoFiles : public FileDialogs {
+ public:
+  std::optional<std::string> ChooseOpen(const std::string&) override { return std::nullopt; }
+  std::optional<std::string> ChooseSave(const std::string&, const std::string&) override {
+    return std::nullopt;
+  }
+};
+
+// The compiler library's work, without loading a library.
+class LinkedCompiler : public CompilerLibrary {
+ public:
+  CompilerCall CompileSeqData(const std::string& workFile, const std::array<ArbInformation, 128>& arbs,
+                              CompileErrorRecord& record, std::int32_t& result) override {
+    result = static_cast<std::int32_t>(CompileSequenceFile(workFile, arbs, record));
+    return CompilerCall::Done;
+  }
+  std::string Problem() const override { return {}; }
+};
+
+inline constexpr const char* kSaysEnd = "information: The sequence execution was ended.";
+inline constexpr const char* kAsksOutput =
+    "information: Output switch truns to 'on' and sequence will start. Is it OK?";
+inline constexpr const char* kAsksName = "input: Seq0";
+inline std::string CommunicationError(int instrument, const char* icon) {
+  return std::string(icon) + ": The communication error to the instrument " + std::to_string(instrument) +
+         " occurred.";
+}
+inline std::string OutputTurnedOff(int instrument) {
+  return "information: The output of the instrument " + std::to_string(instrument) +
+         " was turned off. The sequence execution is discontinued.";
+}
+
+class BenchRig {
+ public:
+  // `instruments`: "QM2220:QM000001,...", as they are plugged in.
+  explicit BenchRig(const std::string& instruments = "QM2220:QM000001", bool communicationLog = false) {
+    std::string problem;
+    EXPECT_TRUE(bench.AddFromText(instruments, "", &problem)) << problem;
+    SetVisaFace(&face);
+    std::string definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
+    if (communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
+    folder.Write("Corlune_Std.ini", definition);
+    SessionOptions options;
+    options.appFolder = folder.Path();
+    options.english = true;
+    options.writeSettings = false;
+    const SessionPorts ports{prompts, clock, pump, timer, progress,
+                             display, view,  end,  files, sessionDisplay};
+    session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram& endProgram) {
+      return OutsideParts{MakeFrontEnd(state, endProgram), std::make_unique<LinkedCompiler>()};
+    });
+  }
+  ~BenchRig() {
+    session.reset();
+    EXPECT_EQ(face.OpenObjects(), 0u) << "sessions are left open";
+    EXPECT_THAT(prompts.said, ::testing::IsEmpty()) << "messages that the scenario did not expect";
+    SetVisaFace(nullptr);
+  }
+  BenchRig(const BenchRig&) = delete;
+  BenchRig& operator=(const BenchRig&) = delete;
+
+  // ---- The person ----
+
+  // Starts with an empty sequence and connects to the first instrument.
+  void Connect() {
+    ASSERT_TRUE(session->StartUpWithoutFile()) << session->LoadProblem();
+    ASSERT_EQ(session->Connect(std::nullopt), ConnectResult::Connected);
+    Forget();
+  }
+  // Starts with a shipped example and connects to the only instrument.
+  void ConnectWithExample(const std::string& name) {
+    ASSERT_TRUE(session->StartUpFromFile(std::string(CORLUNE_DATA) + "/examples/" + name))
+        << session->LoadProblem();
+    ASSERT_EQ(session->Connect(std::nullopt), ConnectResult::Connected);
+    Forget();
+  }
+  // Sets the program up for all instruments of the bench, instrument 1 first.
+  void ConnectAll() {
+    Connect();
+    SystemSetup setup;
+    setup.modelName = session->State().ModelName;
+    setup.instrumentCount = static_cast<std::int16_t>(bench.Count());
+    setup.instruments = session->State().Instruments;
+    for (std::size_t i = 0; i < bench.Count(); ++i) {
+      setup.instruments[i] = session->State().Instruments[0];
+      setup.instruments[i].SerialNo = bench.At(i).Identity().serial;
+    }
+    ASSERT_TRUE(session->ApplySetup(setup));
+    ASSERT_EQ(session->State().Online, 1);
+    Forget();
+  }
+  // Steps of so many seconds each; the last one stops.
+  void UseSteps(std::initializer_list<double> seconds) {
+    SequenceData& sequence = session->Sequence();
+    std::size_t slot = 0;
+    for (const double time : seconds) sequence.Steps[slot++].StepTime = time;
+    sequence.StepCount = static_cast<std::int16_t>(slot);
+    for (std::size_t i = 0; i < slot; ++i) sequence.Steps[i].StepTerm = i + 1 == slot ? 1 : 0;
+  }
+  bool Download() { return session->Control().SetOperationMode(OperationMode::Execution); }
+  void Press(Run command) { session->Control().MenuItem(static_cast<int>(command)); }
+  // Lets time pass; the monitor's timer fires every 100 ms while it is on.
+  void Advance(std::uint32_t milliseconds) {
+    for (const std::uint32_t until = clock.Now() + milliseconds; !TickReached(clock.Now(), until);) {
+      clock.Advance(std::min<std::uint32_t>(100, until - clock.Now()));
+      if (timer.enabled) session->Monitor().Tick();
+    }
+  }
+  // Until nothing runs any more, a minute at most.
+  void RunToEnd() {
+    for (int tick = 0; tick < 600 && session->State().RunState == RunState::Running; ++tick) Advance(100);
+    EXPECT_EQ(session->State().RunState, RunState::Stopped);
+  }
+  // Downloads and starts; the messages on the way are as usual.
+  void DownloadAndStart() {
+    ASSERT_TRUE(Download());
+    ExpectPrompts({kAsksName});
+    Press(Run::Start);
+    ExpectPrompts({kAsksOutput});
+    ASSERT_EQ(session->State().RunState, RunState::Running);
+    Forget();
+  }
+
+  // ---- The bench ----
+
+  // Faults of the instrument, see docs/virtual-instrument.md; exchanges count from now.
+  void Faults(const std::string& text, std::size_t instrument = 0) {
+    std::string problem;
+    const auto faults = ParseFaults(text, bench.At(instrument).Identity().serial, &problem);
+    ASSERT_TRUE(faults) << problem;
+    bench.At(instrument).SetFaults(FaultPlan(*faults));
+  }
+  VirtualInstrument& Instrument(int number = 1) { return bench.At(static_cast<std::size_t>(number - 1)); }
+
+  // ---- What came of it ----
+
+  // Everything that was said since the last look, in order.
+  void ExpectPrompts(const EventList& expected) { EXPECT_EQ(std::exchange(prompts.said, {}), expected); }
+  // The messages (writes) of all instruments since the last look; replies left out.
+  EventList TakeSent() {
+    EventList sent;
+    for (const std::string& line : std::exchange(recorder.exchanges, {})) {
+      if (line.find(" < ") != std::string::npos) sent.push_back(line);
+    }
+    return sent;
+  }
+  void ExpectSent(const EventList& expected) { EXPECT_EQ(TakeSent(), expected); }
+  int CountSent(const std::string& line) const {
+    return static_cast<int>(std::count(recorder.exchanges.begin(), recorder.exchanges.end(), line));
+  }
+  void Forget() { recorder.exchanges.clear(); }
+  // Nothing is under way, no control is left off, no timer on.
+  void ExpectAtRest(OperationMode mode, bool outputOn) {
+    const AppState& state = session->State();
+    EXPECT_EQ(state.OperationMode, mode);
+    EXPECT_EQ(state.RunState, RunState::Stopped);
+    EXPECT_EQ(state.OutputOn, outputOn);
+    EXPECT_EQ(state.PendingRequest, PendingRequest::None);
+    EXPECT_FALSE(state.BranchRequested);
+    EXPECT_TRUE(session->Idle());
+    EXPECT_FALSE(timer.enabled);
+    EXPECT_TRUE(display.downloadEnabled);
+    EXPECT_TRUE(display.outputEnabled);
+    EXPECT_EQ(progress.depth, 0);
+  }
+  std::string Log() const { return TempFolder::Read(folder.File("comm.log")); }
+
+  TempFolder folder;
+  FakeClock clock{0xFFFFD000};
+  FakePump pump{clock};
+  BenchPrompts prompts{pump};
+  EventList events;  // of the displays
+  RecordedTickSource timer{&events};
+  RecordedProgress progress{&events};
+  RecordedDisplay display{&events};
+  RecordedView view{&events};
+  RecordedEnd end;
+  NoFiles files;
+  SessionDisplay sessionDisplay;
+  VirtualBench bench{[this] { return clock.Now(); }};
+  VisaFace face{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
+  VisaRecorder recorder{bench};
+  std::unique_ptr<Session> session;
+
+ private:
+  static void Replace(std::string& text, const std::string& from, const std::string& to) {
+    std::size_t at = text.find(from);
+    ASSERT_NE(at, std::string::npos);
+    for (; at != std::string::npos; at = text.find(from, at + to.size())) text.replace(at, from.size(), to);
+  }
+
+  std::unique_ptr<GpFrontEnd> MakeFrontEnd(AppState& state, EndProgram& endProgram) {
+    const BackendServices services{state, prompts, endProgram, clock};
+    auto usbTmc = std::make_unique<UsbTmcMdl>(services, [this](std::string*) { return &recorder.Table(); });
+    InstrumentSearch* search = usbTmc.get();
+    const LibraryChoice none{true, {}};
+    std::array<std::unique_ptr<GpFamily>, 5> backends;
+    backends[0] = std::make_unique<NiGpibMdl>(services, Ni488Loader(none, {}));
+    backends[1] = std::make_unique<KiGpibMdl>(services, Ieee32mLoader(none, {}));
+    backends[2] = std::make_unique<Usb488Mdl>(services, Usb488Loader(none, {}));
+    backends[3] = std::move(usbTmc);
+    backends[4] = std::make_unique<DebugMdl>(services, std::string());
+    return std::make_unique<GpFrontEnd>(state, std::move(backends), search);
+  }
+};
+
+}  // namespace corlune::testing

@@ -1,0 +1,153 @@
+// A sequence goes the whole way: downloaded, started, followed step by step, ended.
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "scenario/bench_rig.h"
+
+namespace corlune::testing {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+
+// Compares with a file below tests/data/golden, byte for byte. With CORLUNE_WRITE_GOLDEN=1 in the
+// environment the file is written anew instead, and the test fails once to say so.
+void ExpectGolden(const std::string& name, const std::string& bytes) {
+  const std::string path = std::string(CORLUNE_TEST_DATA) + "/golden/" + name;
+  if (std::getenv("CORLUNE_WRITE_GOLDEN") != nullptr) {
+    std::ofstream(path, std::ios::binary) << bytes;
+    ADD_FAILURE() << path << " was written anew; look at the difference and run again without the variable";
+    return;
+  }
+  const std::string golden = TempFolder::Read(path);
+  ASSERT_FALSE(golden.empty()) << path << " is missing";
+  if (bytes == golden) return;
+  std::size_t at = 0;
+  while (at < bytes.size() && at < golden.size() && bytes[at] == golden[at]) ++at;
+  const auto lineAt = [at](const std::string& text) {
+    const std::size_t begin = at == 0 ? std::string::npos : text.rfind('\n', at - 1);
+    return text.substr(begin == std::string::npos ? 0 : begin + 1, 160);
+  };
+  ADD_FAILURE() << path << " differs at byte " << at << "\n  is:     " << lineAt(bytes)
+                << "\n  golden: " << lineAt(golden);
+}
+
+// The highlighted rows, each once for as long as it stays.
+std::vector<int> RowsFollowed(const EventList& events) {
+  std::vector<int> rows;
+  for (const std::string& event : events) {
+    if (!event.starts_with("highlight ")) continue;
+    const int row = std::stoi(event.substr(10));
+    if (rows.empty() || rows.back() != row) rows.push_back(row);
+  }
+  return rows;
+}
+
+TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
+  BenchRig rig("QM2220:QM000001", true);
+  rig.ConnectWithExample("arb-burst.dat");
+  ASSERT_TRUE(rig.Download());
+  rig.ExpectPrompts({kAsksName});
+  rig.ExpectAtRest(OperationMode::Execution, false);
+  rig.ExpectSent({"1 < :SYST:REM;*ESE 60", "1 < :SOUR1:SEQ:STAT?", "1 < :SOUR1:SEQ:STAT 1",
+                  "1 < :STAT:OPER:CH1:COND?",
+                  // both waveforms
+                  "1 < *CLS", "1 < :TRACe:DATA 1,\"Arb1\",#48200", "1 < (8200 bytes)", "1 < :SYST:ERR?",
+                  "1 < *CLS", "1 < :TRACe:DATA 2,\"Arb2\",#48200", "1 < (8200 bytes)", "1 < :SYST:ERR?",
+                  // the sequence; memory 0 is not recorded
+                  "1 < :TRAC:SEQ 0,\"E2E\",#3909", "1 < (909 bytes)", "1 < :SYST:ERR?",
+                  // taken over
+                  "1 < *CLS", "1 < :TRIG:COMP", "1 < :STAT:OPER:CH1:COND?", "1 < :OUTP1?;:OUTP2?"});
+  EXPECT_EQ(rig.session->State().TotalTime, 3900);
+  EXPECT_THAT(rig.events, Contains("total 3900"));
+
+  rig.events.clear();
+  rig.Press(Run::Start);
+  rig.ExpectPrompts({kAsksOutput});
+  rig.ExpectSent(
+      {"1 < :OUTP1 ON;:OUTP2 ON", "1 < :SYST:BUSY?", "1 < :TRIG1:SEL:EXEC STAR", "1 < :SOUR1:SEQ:CST?"});
+  const std::uint32_t started = rig.clock.Now();
+  rig.RunToEnd();
+  // The end is seen at the first poll behind it and told 1.5 s later.
+  EXPECT_EQ(TicksSince(rig.clock.Now(), started), 3900 + 1500);
+  // 200 ms, then ten times 50 ms and 200 ms: a poll every 200 ms meets most of the pauses and few bursts.
+  const std::vector<int> rows = RowsFollowed(rig.events);
+  EXPECT_EQ(rows.front(), 1);
+  EXPECT_EQ(rows.back(), 5);
+  EXPECT_THAT(rows, Contains(3));
+  EXPECT_TRUE(std::is_sorted(std::find(rows.begin(), rows.end(), 4), rows.end()));
+  rig.ExpectPrompts({kSaysEnd});
+  rig.ExpectAtRest(OperationMode::Execution, true);
+  rig.session->Disconnect();
+  ExpectGolden("arb-burst-run.log", rig.Log());
+}
+
+TEST(DownloadAndRun, EveryStepIsSeenAtItsTime) {
+  BenchRig rig;
+  rig.Connect();
+  rig.UseSteps({0.5, 1, 0.3, 0.7});
+  rig.DownloadAndStart();
+  EXPECT_EQ(rig.session->State().TotalTime, 2500);
+  rig.events.clear();
+  std::vector<std::pair<int, int>> changes;             // ms since the start, slot
+  const std::uint32_t started = rig.clock.Now() - 100;  // the start command waits 100 ms
+  int shown = -1;
+  while (rig.session->State().RunState == RunState::Running) {
+    const int step = rig.session->State().CurrentStep;
+    if (step != std::exchange(shown, step)) changes.emplace_back(TicksSince(rig.clock.Now(), started), step);
+    ASSERT_LT(changes.size(), 10u);
+    rig.Advance(100);
+  }
+  EXPECT_THAT(changes,
+              ElementsAre(std::pair(100, 0), std::pair(600, 1), std::pair(1600, 2), std::pair(1800, 3)));
+  rig.ExpectPrompts({kSaysEnd});
+  rig.ExpectAtRest(OperationMode::Execution, true);
+  EXPECT_EQ(rig.Instrument().CurrentSlot(), -1);
+
+  // Once more without a download: the outputs are on, the clock starts anew.
+  rig.Press(Run::Start);
+  rig.ExpectPrompts({});
+  rig.Advance(100);
+  EXPECT_EQ(rig.session->State().ElapsedTime, 100);
+  rig.RunToEnd();
+  rig.ExpectPrompts({kSaysEnd});
+  rig.Press(Run::OutputOff);
+  EXPECT_FALSE(rig.Instrument().Output(1));
+  EXPECT_FALSE(rig.Instrument().Output(2));
+  ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
+  rig.ExpectAtRest(OperationMode::Edit, false);
+}
+
+// Memory 0 is the working memory alone; another number is recorded too and can be read back.
+TEST(DownloadAndRun, EverySequenceMemory) {
+  for (const int number : {0, 3, 10}) {
+    SCOPED_TRACE(number);
+    BenchRig rig("QM2210:QM000001");
+    rig.Connect();
+    rig.UseSteps({0.5, 0.25});
+    rig.session->Sequence().SequenceNumber = static_cast<std::int16_t>(number);
+    ASSERT_TRUE(rig.Download());
+    rig.ExpectPrompts({"input: Seq" + std::to_string(number)});
+    const std::string record = "1 < :TRAC:SEQ:REC " + std::to_string(number);
+    EXPECT_EQ(rig.CountSent(record), number == 0 ? 0 : 1);
+    const EventList sent = rig.TakeSent();
+    const std::string transfer = "1 < :TRAC:SEQ " + std::to_string(number) + ",\"E2E\",#3";
+    EXPECT_THAT(sent, Contains(::testing::StartsWith(transfer)));
+    EXPECT_THAT(sent, Contains("1 < :OUTP1?"));  // a QM2210 has one output
+    ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
+
+    rig.session->Sequence().StepCount = 1;
+    ASSERT_TRUE(rig.session->ReadBack());
+    EXPECT_EQ(rig.session->Sequence().StepCount, 2);
+    EXPECT_EQ(rig.session->Sequence().Steps[1].StepTime, 0.25);
+    // A memory that nobody filled.
+    rig.session->Sequence().SequenceNumber = 7;
+    EXPECT_FALSE(rig.session->ReadBack());
+    EXPECT_EQ(rig.session->Sequence().StepCount, 2);
+    rig.ExpectPrompts({"critical: The error was detected while receiving data. "});
+  }
+}
+
+}  // namespace
+}  // namespace corlune::testing

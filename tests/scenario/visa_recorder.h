@@ -1,0 +1,116 @@
+// A VISA library as the program binds it, over the virtual instruments of the test, that writes down every
+// exchange with an instrument:
+//   1 < text            a message to instrument 1 (in the order in which they are plugged in)
+//   1 < (1234 bytes)    the data of a block whose header was the message before
+//   1 > text            a reply
+//   1 > (1234 bytes) file
+//   1 poll 128          a status byte
+//   1 clear             a device clear
+// A failed exchange ends with " !timeout" or " !error".
+#pragma once
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "comm/io_libraries.h"
+#include "standins/virtual_instrument/visa_face.h"
+#include "support/fake_ports.h"
+
+namespace corlune::testing {
+
+class VisaRecorder {
+ public:
+  explicit VisaRecorder(VirtualBench& bench) : bench_(bench) { current_ = this; }
+  ~VisaRecorder() { current_ = nullptr; }
+  VisaRecorder(const VisaRecorder&) = delete;
+  VisaRecorder& operator=(const VisaRecorder&) = delete;
+
+  const VisaTable& Table() const {
+    static const VisaTable table{&viOpenDefaultRM, &viFindRsrc,   &viFindNext, &Open,
+                                 &Close,           &SetAttribute, &Read,       &Write,
+                                 &ReadToFile,      &ReadStatus,   &Clear,      &viGpibControlREN};
+    return table;
+  }
+
+  EventList exchanges;
+
+ private:
+  struct Device {
+    int number = 0;
+    bool endOff = false;     // the next write is the header of a block
+    bool blockOpen = false;  // the next write is its data
+  };
+
+  Device& At(ViSession session) { return devices_[session]; }
+  void Note(ViSession session, const std::string& what, ViStatus status) {
+    const char* suffix = status >= VI_SUCCESS ? "" : status == VI_ERROR_TMO ? " !timeout" : " !error";
+    exchanges.push_back(std::to_string(At(session).number) + " " + what + suffix);
+  }
+  static std::string Line(const ViByte* bytes, ViUInt32 count) {
+    std::string_view text(reinterpret_cast<const char*>(bytes), count);
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.remove_suffix(1);
+    return std::string(text);
+  }
+
+  static ViStatus CORLUNE_LIBRARY_CALL Open(ViSession manager, ViConstRsrc name, ViAccessMode mode,
+                                            ViUInt32 timeOut, ViPSession session) {
+    const ViStatus status = viOpen(manager, name, mode, timeOut, session);
+    if (status < VI_SUCCESS) return status;
+    for (std::size_t i = 0; i < current_->bench_.Count(); ++i) {
+      const std::string& serial = current_->bench_.At(i).Identity().serial;
+      if (std::string_view(name).find(serial) != std::string_view::npos) {
+        current_->devices_[*session] = {static_cast<int>(i) + 1, false, false};
+      }
+    }
+    return status;
+  }
+  static ViStatus CORLUNE_LIBRARY_CALL Close(ViObject object) {
+    current_->devices_.erase(object);
+    return viClose(object);
+  }
+  static ViStatus CORLUNE_LIBRARY_CALL SetAttribute(ViObject object, ViAttr attribute, ViAttrState state) {
+    if (attribute == VI_ATTR_SEND_END_EN) current_->At(object).endOff = state == VI_FALSE;
+    return viSetAttribute(object, attribute, state);
+  }
+  static ViStatus CORLUNE_LIBRARY_CALL Write(ViSession session, ViConstBuf bytes, ViUInt32 size,
+                                             ViPUInt32 count) {
+    const ViStatus status = viWrite(session, bytes, size, count);
+    Device& device = current_->At(session);
+    const bool data = device.blockOpen;
+    device.blockOpen = device.endOff && status >= VI_SUCCESS;
+    current_->Note(session, "< " + (data ? "(" + std::to_string(size) + " bytes)" : Line(bytes, size)),
+                   status);
+    return status;
+  }
+  static ViStatus CORLUNE_LIBRARY_CALL Read(ViSession session, ViPBuf buffer, ViUInt32 size,
+                                            ViPUInt32 count) {
+    const ViStatus status = viRead(session, buffer, size, count);
+    current_->Note(session, "> " + (status >= VI_SUCCESS ? Line(buffer, *count) : std::string()), status);
+    return status;
+  }
+  static ViStatus CORLUNE_LIBRARY_CALL ReadToFile(ViSession session, ViConstString file, ViUInt32 size,
+                                                  ViPUInt32 count) {
+    const ViStatus status = viReadToFile(session, file, size, count);
+    current_->Note(session, "> (" + std::to_string(*count) + " bytes) file", status);
+    return status;
+  }
+  static ViStatus CORLUNE_LIBRARY_CALL ReadStatus(ViSession session, ViPUInt16 byte) {
+    const ViStatus status = viReadSTB(session, byte);
+    current_->Note(session, "poll" + (status >= VI_SUCCESS ? " " + std::to_string(*byte) : std::string()),
+                   status);
+    return status;
+  }
+  static ViStatus CORLUNE_LIBRARY_CALL Clear(ViSession session) {
+    const ViStatus status = viClear(session);
+    current_->Note(session, "clear", status);
+    return status;
+  }
+
+  // C function pointers carry no object.
+  static inline VisaRecorder* current_ = nullptr;
+  VirtualBench& bench_;
+  std::map<ViSession, Device> devices_;
+};
+
+}  // namespace corlune::testing
