@@ -34,7 +34,7 @@ std::string CommonHeaderOf(const GridViews& views, int column) {
 std::string ChannelHeaderOf(const GridViews& views, int channel, int column, bool withUnit) {
   const std::string header = views.ChannelHeader(channel, column);
   const std::size_t unitAt = header.find('\n');
-  const std::string name = views.TabCaption(channel) + " " + header.substr(0, unitAt);
+  std::string name = views.TabCaption(channel) + " " + header.substr(0, unitAt);
   if (!withUnit || unitAt == std::string::npos) return name;
   return WithUnit(name, header.substr(unitAt + 1));
 }

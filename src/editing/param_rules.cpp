@@ -103,7 +103,8 @@ void SetCommonSwitch(StepRow& row, int column, bool on) {
 double CommonValue(const StepRow& row, int column) {
   if (column == kGridStepTime) return row.StepTime;
   if (column == kGridStopPhase) return row.StopPhase;
-  return row.*FieldsOf(column).Value;
+  const auto field = FieldsOf(column).Value;
+  return field == nullptr ? 0 : row.*field;
 }
 
 void SetCommonValue(StepRow& row, int column, double value) {
@@ -111,8 +112,8 @@ void SetCommonValue(StepRow& row, int column, double value) {
     row.StepTime = value;
   } else if (column == kGridStopPhase) {
     row.StopPhase = value;
-  } else {
-    row.*FieldsOf(column).Value = ToInt16(value).value_or(0);
+  } else if (const auto field = FieldsOf(column).Value; field != nullptr) {
+    row.*field = ToInt16(value).value_or(0);
   }
 }
 

@@ -51,15 +51,16 @@ bool BranchesTo(const StepRow& row, int number, const BranchAreaDef& branches) {
 // Moves the steps from `slot` to the end of the sequence `count` slots up; the caller fills the gap.
 void SequenceEditor::OpenSlots(int slot, int count) {
   for (int from = sequence_.StepCount - 1; from >= slot; --from) {
-    sequence_.Steps[static_cast<std::size_t>(from + count)] = sequence_.Steps[static_cast<std::size_t>(from)];
-    CopyCells(sequence_, views_.ChannelGrids(), from, from + count);
+    const int to = from + count;
+    sequence_.Steps[static_cast<std::size_t>(to)] = sequence_.Steps[static_cast<std::size_t>(from)];
+    CopyCells(sequence_, views_.ChannelGrids(), from, to);
   }
   sequence_.StepCount = static_cast<std::int16_t>(sequence_.StepCount + count);
 }
 
 EditOutcome SequenceEditor::AddRow() {
   if (sequence_.StepCount >= views_.MaxSteps()) return {};
-  const EditOutcome outcome = Perform(EditAction::AddRow, [&]() -> std::optional<EditMessage> {
+  EditOutcome outcome = Perform(EditAction::AddRow, [&]() -> std::optional<EditMessage> {
     const int slot = sequence_.StepCount++;
     ResetStep(sequence_, slot, definition_);
     return std::nullopt;
@@ -129,7 +130,7 @@ EditOutcome SequenceEditor::MoveRow(EditAction action, int distance) {
   const int row = cursor_.CurrentRow;
   const int other = row + distance;
   if (row < 1 || row > sequence_.StepCount || other < 1 || other > sequence_.StepCount) return {};
-  const EditOutcome outcome = Perform(action, [&]() -> std::optional<EditMessage> {
+  EditOutcome outcome = Perform(action, [&]() -> std::optional<EditMessage> {
     // Jumps keep pointing at the same step.
     for (int slot = 0; slot < sequence_.StepCount; ++slot) {
       std::int16_t& target = sequence_.Steps[static_cast<std::size_t>(slot)].JumpTo;
@@ -167,12 +168,12 @@ EditOutcome SequenceEditor::DuplicateRows() {
   if (sequence_.StepCount + count > views_.MaxSteps()) {
     return EditOutcome::Refused(Message(kIdTooManySteps, {std::to_string(views_.MaxSteps())}));
   }
-  const EditOutcome outcome = Perform(EditAction::DuplicateRows, [&]() -> std::optional<EditMessage> {
+  EditOutcome outcome = Perform(EditAction::DuplicateRows, [&]() -> std::optional<EditMessage> {
     OpenSlots(block->LastRow, count);
     for (int slot = block->LastRow; slot < block->LastRow + count; ++slot) {
-      sequence_.Steps[static_cast<std::size_t>(slot)] =
-          sequence_.Steps[static_cast<std::size_t>(slot - count)];
-      CopyCells(sequence_, views_.ChannelGrids(), slot - count, slot);
+      const int source = slot - count;
+      sequence_.Steps[static_cast<std::size_t>(slot)] = sequence_.Steps[static_cast<std::size_t>(source)];
+      CopyCells(sequence_, views_.ChannelGrids(), source, slot);
     }
     return std::nullopt;
   });

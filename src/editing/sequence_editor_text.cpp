@@ -120,10 +120,10 @@ std::optional<EditMessage> SequenceEditor::StoreBlockText(const GridBlock& block
   for (int column = block.FirstColumn; column < end; ++column) {
     // Amplitudes are shown by the range of the step, so it is set directly after the waveform.
     if (earlyFirst && column == std::max(block.FirstColumn, kSlotWaveform + 2)) {
-      if (const auto refused = store(early)) return refused;
+      if (auto refused = store(early)) return refused;
     }
     if (earlyFirst && column == early) continue;
-    if (const auto refused = store(column)) return refused;
+    if (auto refused = store(column)) return refused;
   }
   return std::nullopt;
 }
@@ -144,7 +144,8 @@ EditOutcome SequenceEditor::PasteText(std::string_view text) {
   }
   if (table.Rows.empty()) return {};
   const bool single = table.Rows.size() == 1 && table.Rows[0].Cells.size() == 1;
-  const auto width = static_cast<std::size_t>(target.LastColumn - target.FirstColumn + 1);
+  const int columns = target.LastColumn - target.FirstColumn + 1;
+  const auto width = static_cast<std::size_t>(columns);
   const std::vector<std::string> repeated(single ? width : 0, table.Rows[0].Cells[0]);
   if (!single) target.LastRow = target.FirstRow + static_cast<int>(table.Rows.size()) - 1;
   target.LastColumn = lastColumn;
