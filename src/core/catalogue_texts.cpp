@@ -323,6 +323,34 @@ constexpr CatalogueText kRows[] = {
     // Added texts: dialogs.
 
     // Added texts: sequence view.
+    {8250, "Display(&D)", "表示(&D)"},
+    {8251, "Zoom In(&I)", "拡大(&I)"},
+    {8252, "Zoom Out(&O)", "縮小(&O)"},
+    {8253, "Whole Sequence(&W)", "全体表示(&W)"},
+    {8254, "Area Settings(&A)", "エリア設定(&A)"},
+    {8255, "Area", "エリア："},
+    {8256, "Time axis", "時間軸："},
+    {8257, "Time [$1]", "時間 [$1]"},
+    {8258, "The sequence has no steps.", "シーケンスにステップがありません。"},
+    {8259, "$1: no data in this sequence", "$1：このシーケンスにはデータがありません"},
+    {8260, "Step $1: $2", "ステップ$1：$2"},
+    {8261, "$1: $2", "$1：$2"},
+    {8262, "$1: $2 → $3", "$1：$2 → $3"},
+    {8263, "$1: not used in this step", "$1：このステップでは使用しません"},
+    {8264, "Graphs of the sequence", "シーケンスのグラフ"},
+    {8265, "All areas are off.", "表示するエリアがありません。"},
+    // Choices that model definitions offer for the view.
+    {8270, "Auto", "自動"},
+    {8271, "Frequency", "周波数"},
+    {8272, "Amplitude", "振幅"},
+    {8273, "Offset", "オフセット"},
+    {8274, "Phase", "位相"},
+    {8275, "Duty", "デューティ"},
+    {8276, "Envelope", "包絡線"},
+    {8277, "Time", "時間"},
+    {8278, "Steps", "ステップ"},
+    {8279, "OFF", "OFF"},
+    {8280, "ON", "ON"},
 
     // Added texts: console.
     {8103, "$1: steps $2, channels $3, arbitrary waveforms $4", "$1：ステップ数 $2、チャネル数 $3、任意波形 $4"},

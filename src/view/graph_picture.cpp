@@ -1,0 +1,168 @@
+#include "view/graph_picture.h"
+
+#include <algorithm>
+
+#include "core/numbers.h"
+#include "core/step_numbering.h"
+#include "editing/param_rules.h"
+#include "sequence/user_units.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kIdArea1 = 2100;
+constexpr int kIdAxisTitle = 8257;
+constexpr int kIdNoSteps = 8258;
+constexpr int kIdNoData = 8259;
+constexpr int kIdTipStep = 8260;
+constexpr int kIdTipConstant = 8261;
+constexpr int kIdTipRamp = 8262;
+constexpr int kIdTipUnused = 8263;
+constexpr int kIdEnvelope = 8276;
+constexpr int kFirstChoice = 8270;
+constexpr int kLastChoice = 8280;
+constexpr double kMsPerSecond = 1000;
+
+std::string UnitOf(const ParamDef& definition) {
+  if (definition.UnitKind == 2) return definition.UnitList.empty() ? std::string() : definition.UnitList[0];
+  return definition.UnitKind == 0 ? std::string() : definition.UnitName;
+}
+
+std::string UnitOf(const SequenceData& sequence, const ModelDefinition& definition, int channel, int slot) {
+  if (UserUnits(sequence, definition).Active(channel, slot)) {
+    return sequence.Channels.UserUnits[static_cast<std::size_t>(channel)][static_cast<std::size_t>(slot)]
+        .UnitText;
+  }
+  return UnitOf(ChannelColumn(definition, slot));
+}
+
+std::string WithUnit(const std::string& text, const std::string& unit) {
+  return unit.empty() ? text : text + " " + unit;
+}
+
+std::string InBrackets(const std::string& text, const std::string& unit) {
+  return unit.empty() ? text : text + " [" + unit + "]";
+}
+
+std::string StepTimeUnit(const ModelDefinition& definition) {
+  return UnitOf(CommonDefinition(definition, kGridStepTime));
+}
+
+std::string ListText(const TextList& list, int index) {
+  if (index < 0 || static_cast<std::size_t>(index) >= list.Texts.size()) return {};
+  return list.Texts[static_cast<std::size_t>(index)];
+}
+
+void AddTexts(const SequenceData& sequence, const ModelDefinition& definition,
+              const MessageCatalogue& catalogue, AreaPicture& picture) {
+  const GraphArea& area = picture.Graph.Area;
+  const std::string target = ListText(definition.ViewSelections[kAreaTarget], area.Target);
+  const std::string content =
+      ChoiceText(catalogue, ListText(definition.ViewSelections[kAreaContent], area.Content));
+  picture.Title = catalogue.GetResString(kIdArea1 + area.Number);
+  for (const std::string& part : {target, content}) {
+    if (!part.empty()) picture.Title += "  " + part;
+  }
+  if (picture.Graph.Curves.empty()) {
+    picture.Note = catalogue.GetResString(kIdNoData, {target.empty() ? picture.Title : target});
+    return;
+  }
+  if (!picture.Graph.Envelope.empty()) {
+    picture.Legends.push_back(InBrackets(catalogue.GetResString(kIdEnvelope),
+                                         UnitOf(sequence, definition, area.Channel, kSlotOffset)));
+  }
+  bool lists = true;
+  for (const GraphCurve& curve : picture.Graph.Curves) {
+    picture.Legends.push_back(ParameterText(sequence, definition, area.Channel, curve.Slot));
+    lists = lists && ChannelColumn(definition, curve.Slot).ValueKind == 2;
+  }
+  if (lists) picture.Choices = ChannelChoices(definition, picture.Graph.Curves.front().Slot).Texts;
+}
+
+std::string ValueText(const SequenceData& sequence, const ModelDefinition& definition, int channel, int step,
+                      int slot, double stored) {
+  const ChoiceList choices = ChannelChoices(definition, slot);
+  const int index = choices.IndexOf(ToInt16(stored).value_or(-1));
+  if (index >= 0) return choices.Texts[static_cast<std::size_t>(index)];
+  return UserUnits(sequence, definition).UserUnitText(stored, channel, step, slot);
+}
+
+}  // namespace
+
+std::string ChoiceText(const MessageCatalogue& catalogue, const std::string& choice) {
+  const MessageCatalogue english(10000);
+  for (int id = kFirstChoice; id <= kLastChoice; ++id) {
+    if (english.GetResString(id) == choice) return catalogue.GetResString(id);
+  }
+  return choice;
+}
+
+std::string ParameterText(const SequenceData& sequence, const ModelDefinition& definition, int channel,
+                          int slot) {
+  return InBrackets(ChannelColumn(definition, slot).Name, UnitOf(sequence, definition, channel, slot));
+}
+
+GraphPicture BuildGraphPicture(const SequenceData& sequence, const ModelDefinition& definition,
+                               const MessageCatalogue& catalogue, const PictureWish& wish) {
+  GraphPicture picture;
+  picture.Axis = wish.Axis;
+  picture.Spans = StepSpans(sequence, wish.Axis, wish.Length);
+  picture.AxisTitle = catalogue.GetResString(kIdAxisTitle, {StepTimeUnit(definition)});
+  if (picture.Spans.empty()) {
+    picture.Note = catalogue.GetResString(kIdNoSteps);
+    return picture;
+  }
+  for (std::size_t i = 0; i < picture.Spans.size(); ++i) {
+    const StepNumber number = NumberOf(StepIndex{static_cast<int>(i)});
+    picture.StepLabels.push_back(std::to_string(ShownNumber(number, sequence.StartStep)));
+  }
+  if (definition.ReferenceFlag) {
+    picture.ReferenceLine = ParseNumber(definition.ReferenceText);
+    picture.ReferenceText = definition.ReferenceText;
+  }
+  for (const GraphArea& area : GraphAreas(sequence, definition, wish.Channels)) {
+    AreaPicture added;
+    added.Graph = BuildAreaGraph(sequence, definition, area, picture.Spans);
+    AddTexts(sequence, definition, catalogue, added);
+    picture.Areas.push_back(std::move(added));
+  }
+  return picture;
+}
+
+std::string GraphTip(const SequenceData& sequence, const ModelDefinition& definition,
+                     const MessageCatalogue& catalogue, const GraphPicture& picture, std::size_t area,
+                     int step) {
+  const auto index = static_cast<std::size_t>(step);
+  if (area >= picture.Areas.size() || step < 0 || index >= picture.Spans.size() ||
+      step >= sequence.StepCount) {
+    return {};
+  }
+  const StepSpan& span = picture.Spans[index];
+  const std::string time =
+      WithUnit(NumberText((span.EndTime - span.StartTime) / kMsPerSecond), StepTimeUnit(definition));
+  std::string tip = catalogue.GetResString(kIdTipStep, {picture.StepLabels[index], time});
+  const GraphArea& drawn = picture.Areas[area].Graph.Area;
+  if (drawn.Channel < 0) return tip;
+  for (const int slot : ContentSlots(definition, drawn.Content)) {
+    const std::string& name = ChannelColumn(definition, slot).Name;
+    tip += '\n';
+    if (!ChannelInUse(definition, sequence, drawn.Channel, step, slot)) {
+      tip += catalogue.GetResString(kIdTipUnused, {name});
+      continue;
+    }
+    const StepValue stored = StoredValue(sequence.Cell(drawn.Channel, step, slot));
+    const std::string unit = UnitOf(sequence, definition, drawn.Channel, slot);
+    const auto text = [&](double value) {
+      return ValueText(sequence, definition, drawn.Channel, step, slot, value);
+    };
+    if (stored.From == stored.To) {
+      tip += catalogue.GetResString(kIdTipConstant, {name, WithUnit(text(stored.To), unit)});
+    } else {
+      tip += catalogue.GetResString(kIdTipRamp, {name, text(stored.From), WithUnit(text(stored.To), unit)});
+    }
+  }
+  return tip;
+}
+
+}  // namespace corlune

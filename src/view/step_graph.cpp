@@ -1,0 +1,510 @@
+#include "view/step_graph.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/numbers.h"
+#include "editing/param_rules.h"
+#include "sequence/user_units.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr double kMsPerSecond = 1000;
+constexpr double kUnitFactor = 1000;  // between the first two units of a list, e.g. Hz and kHz
+constexpr double kHeadroom = 0.08;    // of the values' range, above and below a fitted scale
+constexpr int kLogarithmic = 1;       // form of a user unit
+constexpr int kLogPoints = 16;        // lines that stand for a ramp in a logarithmic unit
+
+int UsedSteps(const SequenceData& sequence) {
+  return std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
+}
+
+std::size_t Index(int value) {
+  return static_cast<std::size_t>(value);
+}
+
+bool IsNumber(const ModelDefinition& definition, int slot) {
+  return ChannelColumn(definition, slot).ValueKind != 2;
+}
+
+// Converts stored values of one channel and parameter into those shown.
+class Shown {
+ public:
+  Shown(const SequenceData& sequence, const ModelDefinition& definition, int channel, int slot)
+      : units_(sequence, definition),
+        channel_(channel),
+        slot_(slot),
+        converts_(IsNumber(definition, slot)),
+        logarithmic_(units_.Active(channel, slot) &&
+                     sequence.Channels.UserUnits[Index(channel)][Index(slot)].Form == kLogarithmic) {}
+
+  std::optional<double> operator()(double stored, int step) const {
+    if (logarithmic_ && stored <= 0) return std::nullopt;
+    const double value = converts_ ? units_.SystemToUser(stored, channel_, step, slot_) : stored;
+    return std::isfinite(value) ? std::optional(value) : std::nullopt;
+  }
+  bool Logarithmic() const { return logarithmic_; }
+
+ private:
+  UserUnits units_;
+  int channel_;
+  int slot_;
+  bool converts_;
+  bool logarithmic_;
+};
+
+GraphCurve BuildCurve(const SequenceData& sequence, const ModelDefinition& definition, int channel, int slot,
+                      const std::vector<StepSpan>& spans) {
+  GraphCurve curve;
+  curve.Slot = slot;
+  const Shown shown(sequence, definition, channel, slot);
+  bool gap = true;
+  for (std::size_t step = 0; step < spans.size(); ++step) {
+    const int number = static_cast<int>(step);
+    if (!ChannelInUse(definition, sequence, channel, number, slot)) {
+      gap = true;
+      continue;
+    }
+    const StepValue stored = StoredValue(sequence.Cell(channel, number, slot));
+    const int parts = shown.Logarithmic() && stored.From != stored.To ? kLogPoints : 1;
+    for (int part = 0; part <= parts; ++part) {
+      const double along = static_cast<double>(part) / parts;
+      const double value = part == parts ? stored.To : stored.From + (stored.To - stored.From) * along;
+      const std::optional<double> y = shown(value, number);
+      if (y) {
+        const StepSpan& span = spans[step];
+        curve.Points.push_back(
+            {part == parts ? span.End : span.Start + (span.End - span.Start) * along, *y, gap});
+      }
+      gap = !y;
+    }
+  }
+  return curve;
+}
+
+// The part of a full swing that lies below and above the offset: the range FS reaches to both sides, PFS only
+// above, MFS only below.
+std::array<double, 2> SwingParts(const SequenceData& sequence, int channel, int step) {
+  constexpr int kRanges = 3;
+  const double code = sequence.Cell(channel, step, kSlotPolarityRange).Value;
+  switch (ToInt16(code).value_or(0) % kRanges) {
+    case 1:
+      return {0, 1};
+    case 2:
+      return {-1, 0};
+    default:
+      return {-0.5, 0.5};
+  }
+}
+
+bool DrawsEnvelope(const SequenceData& sequence, const ModelDefinition& definition, int channel,
+                   const std::vector<int>& slots) {
+  const auto lists = [&slots](int slot) {
+    return std::find(slots.begin(), slots.end(), slot) != slots.end();
+  };
+  const UserUnits units(sequence, definition);
+  return slots.size() == 2 && lists(kSlotAmplitude) && lists(kSlotOffset) &&
+         !units.Active(channel, kSlotAmplitude) && !units.Active(channel, kSlotOffset);
+}
+
+std::vector<EnvelopePiece> BuildEnvelope(const SequenceData& sequence, const ModelDefinition& definition,
+                                         int channel, const std::vector<StepSpan>& spans) {
+  std::vector<EnvelopePiece> pieces;
+  for (std::size_t i = 0; i < spans.size(); ++i) {
+    const int step = static_cast<int>(i);
+    const auto offset = ValueInStep(sequence, definition, channel, step, kSlotOffset);
+    const auto amplitude = ValueInStep(sequence, definition, channel, step, kSlotAmplitude);
+    if (!offset && !amplitude) continue;
+    const StepValue middle = offset.value_or(StepValue{});
+    const StepValue swing = amplitude.value_or(StepValue{});
+    const auto [below, above] = SwingParts(sequence, channel, step);
+    pieces.push_back({spans[i].Start, spans[i].End, middle.From + below * swing.From,
+                      middle.From + above * swing.From, middle.To + below * swing.To,
+                      middle.To + above * swing.To});
+  }
+  return pieces;
+}
+
+class RangeFinder {
+ public:
+  void Take(double value) {
+    low_ = any_ ? std::min(low_, value) : value;
+    high_ = any_ ? std::max(high_, value) : value;
+    any_ = true;
+  }
+  std::optional<ValueRange> Found() const {
+    return any_ ? std::optional(ValueRange{low_, high_}) : std::nullopt;
+  }
+
+ private:
+  bool any_ = false;
+  double low_ = 0;
+  double high_ = 0;
+};
+
+// What the parameter can be set to by any waveform, as shown.
+void TakeFullScale(const SequenceData& sequence, const ModelDefinition& definition, int channel, int slot,
+                   RangeFinder& finder) {
+  if (!IsNumber(definition, slot)) {
+    finder.Take(0);
+    const auto last = ChannelColumn(definition, slot).Choices.size();
+    finder.Take(static_cast<double>(std::max<std::size_t>(last, 1) - 1));
+    return;
+  }
+  const Shown shown(sequence, definition, channel, slot);
+  for (const auto& group : definition.Sequence.Params) {
+    const ParamDef& bounds = group[Index(slot)];
+    if (!bounds.InUse || bounds.ValueKind != 0) continue;
+    if (const auto low = shown(bounds.Minimum, 0)) finder.Take(*low);
+    if (const auto high = shown(bounds.Maximum, 0)) finder.Take(*high);
+  }
+}
+
+std::optional<ValueRange> FullScale(const SequenceData& sequence, const ModelDefinition& definition,
+                                    const AreaGraph& graph) {
+  RangeFinder finder;
+  for (const GraphCurve& curve : graph.Curves) {
+    TakeFullScale(sequence, definition, graph.Area.Channel, curve.Slot, finder);
+  }
+  return finder.Found();
+}
+
+ValueRange RangeOf(const SequenceData& sequence, const ModelDefinition& definition, const AreaGraph& graph) {
+  if (graph.Area.Magnification > 0) {
+    const auto full = FullScale(sequence, definition, graph);
+    if (full && full->Low < full->High) {
+      return {full->Low / graph.Area.Magnification, full->High / graph.Area.Magnification};
+    }
+  }
+  RangeFinder finder;
+  for (const GraphCurve& curve : graph.Curves) {
+    for (const GraphPoint& point : curve.Points) finder.Take(point.Y);
+  }
+  for (const EnvelopePiece& piece : graph.Envelope) {
+    for (const double value : {piece.LowStart, piece.HighStart, piece.LowEnd, piece.HighEnd})
+      finder.Take(value);
+  }
+  const auto found = finder.Found();
+  return found ? FitRange(found->Low, found->High) : FitRange(0, 0);
+}
+
+// "x2" gives 2; everything else, "Auto" among it, 0.
+double MagnificationOf(const ModelDefinition& definition, int choice) {
+  const auto& texts = definition.ViewSelections[kAreaScale].Texts;
+  if (choice < 0 || Index(choice) >= texts.size() || texts[Index(choice)].empty()) return 0;
+  const std::string& text = texts[Index(choice)];
+  if (text[0] != 'x' && text[0] != 'X') return 0;
+  const double factor = ParseNumber(std::string_view(text).substr(1)).value_or(0);
+  return factor > 0 ? factor : 0;
+}
+
+int ChannelOf(const ModelDefinition& definition, int target, int channels) {
+  const auto& texts = definition.ViewSelections[kAreaTarget].Texts;
+  if (target < 0 || Index(target) >= texts.size()) return -1;
+  const auto name = ParseTarget(texts[Index(target)]);
+  // The sequence in the editor is that of the first instrument.
+  if (!name || name->Device != 1 || name->Channel > std::min(channels, MAX_CHANNELS)) return -1;
+  return name->Channel - 1;
+}
+
+bool UsesContent(const SequenceData& sequence, const ModelDefinition& definition, int channel, int content) {
+  for (const int slot : ContentSlots(definition, content)) {
+    for (int step = 0; step < UsedSteps(sequence); ++step) {
+      if (ChannelInUse(definition, sequence, channel, step, slot)) return true;
+    }
+  }
+  return false;
+}
+
+int TargetOf(const ModelDefinition& definition, int channel) {
+  const auto& texts = definition.ViewSelections[kAreaTarget].Texts;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    if (ParseTarget(texts[i]) == TargetName{1, channel + 1}) return static_cast<int>(i);
+  }
+  return -1;
+}
+
+ViewAreaTable Arrangement(const SequenceData& sequence, const ModelDefinition& definition, int channels) {
+  ViewAreaTable areas{};
+  const int shared = std::clamp(channels, 1, MAX_CHANNELS);
+  const int contents = static_cast<int>(definition.ViewSelections[kAreaContent].Texts.size());
+  std::size_t area = 0;
+  for (int channel = 0; channel < std::min(channels, MAX_CHANNELS); ++channel) {
+    const int target = TargetOf(definition, channel);
+    int left = kViewAreas / shared;
+    for (int content = 0; content < contents && target >= 0 && left > 0; ++content) {
+      // A content of several parameters repeats what the single ones show.
+      if (ContentSlots(definition, content).size() != 1) continue;
+      if (!UsesContent(sequence, definition, channel, content)) continue;
+      areas[area++] = {1, 0, static_cast<std::int16_t>(content), static_cast<std::int16_t>(target)};
+      --left;
+    }
+  }
+  return areas;
+}
+
+struct Box {
+  double Left, Top, Right, Bottom;
+};
+
+// Cuts the line from `a` to `b` at the box; nullopt when none of it lies inside.
+std::optional<std::array<PixelPoint, 2>> Cut(PixelPoint a, PixelPoint b, const Box& box) {
+  double from = 0;
+  double to = 1;
+  const auto edge = [&](double start, double delta, double low, double high) {
+    if (delta == 0) return start >= low && start <= high;
+    const double one = (low - start) / delta;
+    const double other = (high - start) / delta;
+    from = std::max(from, std::min(one, other));
+    to = std::min(to, std::max(one, other));
+    return from <= to;
+  };
+  const double dx = b.X - a.X;
+  const double dy = b.Y - a.Y;
+  if (!edge(a.X, dx, box.Left, box.Right) || !edge(a.Y, dy, box.Top, box.Bottom)) return std::nullopt;
+  const PixelPoint start = from == 0 ? a : PixelPoint{a.X + dx * from, a.Y + dy * from};
+  const PixelPoint end = to == 1 ? b : PixelPoint{a.X + dx * to, a.Y + dy * to};
+  return std::array{start, end};
+}
+
+int DecimalsOf(double step) {
+  constexpr int kMostDecimals = 9;
+  return std::clamp(static_cast<int>(-std::floor(std::log10(step) + 1e-9)), 0, kMostDecimals);
+}
+
+}  // namespace
+
+StepValue StoredValue(const ParamCell& cell) {
+  const double factor = cell.UnitIndex == 1 ? kUnitFactor : 1;
+  switch (cell.ChangeMode) {
+    case kModeKeep:
+      return {cell.StartValue * factor, cell.StartValue * factor};
+    case kModeSweep:
+      return {cell.StartValue * factor, cell.Value * factor};
+    default:
+      return {cell.Value * factor, cell.Value * factor};
+  }
+}
+
+std::vector<StepSpan> StepSpans(const SequenceData& sequence, TimeAxis axis, StepLength length) {
+  std::vector<StepSpan> spans;
+  const int count = UsedSteps(sequence);
+  spans.reserve(Index(count));
+  double time = 0;
+  for (int i = 0; i < count; ++i) {
+    const StepRow& row = sequence.Steps[Index(i)];
+    const bool runTime = length == StepLength::RunTime && row.StepRunTime > 0;
+    const double ms = std::max(runTime ? row.StepRunTime : row.StepTime * kMsPerSecond, 0.0);
+    const double end = time + ms;
+    if (axis == TimeAxis::Time) {
+      spans.push_back({time, end, time, end});
+    } else {
+      spans.push_back({static_cast<double>(i), static_cast<double>(i) + 1, time, end});
+    }
+    time = end;
+  }
+  return spans;
+}
+
+std::optional<int> StepAt(const std::vector<StepSpan>& spans, double position) {
+  if (spans.empty()) return std::nullopt;
+  const auto next = std::upper_bound(spans.begin(), spans.end(), position,
+                                     [](double at, const StepSpan& span) { return at < span.End; });
+  const auto found = next == spans.end() ? spans.end() - 1 : next;
+  return static_cast<int>(found - spans.begin());
+}
+
+std::optional<double> MarkerPosition(const std::vector<StepSpan>& spans, int step, std::uint32_t changedAt,
+                                     std::uint32_t tick) {
+  if (step < 0 || Index(step) >= spans.size()) return std::nullopt;
+  const StepSpan& span = spans[Index(step)];
+  const double length = span.EndTime - span.StartTime;
+  const auto since = static_cast<std::int32_t>(tick - changedAt);
+  const double part = length > 0 ? std::clamp(since / length, 0.0, 1.0) : 1.0;
+  return span.Start + (span.End - span.Start) * part;
+}
+
+ViewAreaTable AreasInEffect(const SequenceData& sequence, const ModelDefinition& definition, int channels) {
+  const bool any = std::any_of(sequence.ViewAreas.begin(), sequence.ViewAreas.end(),
+                               [](const auto& area) { return area[kAreaDisplay] != 0; });
+  return any ? sequence.ViewAreas : Arrangement(sequence, definition, channels);
+}
+
+std::vector<GraphArea> GraphAreas(const SequenceData& sequence, const ModelDefinition& definition,
+                                  int channels) {
+  std::vector<GraphArea> areas;
+  const ViewAreaTable table = AreasInEffect(sequence, definition, channels);
+  for (std::size_t i = 0; i < table.size(); ++i) {
+    const auto& items = table[i];
+    if (items[kAreaDisplay] == 0) continue;
+    areas.push_back({static_cast<int>(i), items[kAreaContent], items[kAreaTarget],
+                     ChannelOf(definition, items[kAreaTarget], channels),
+                     MagnificationOf(definition, items[kAreaScale])});
+  }
+  return areas;
+}
+
+std::vector<int> ContentSlots(const ModelDefinition& definition, int content) {
+  std::vector<int> slots;
+  if (content < 0 || Index(content) >= definition.DisplaySelections.size()) return slots;
+  for (const std::string& text : definition.DisplaySelections[Index(content)].Texts) {
+    const int slot = ParseInt16(text).value_or(-1);
+    if (slot < 0 || slot >= ChannelParams(definition)) continue;
+    if (std::find(slots.begin(), slots.end(), slot) == slots.end()) slots.push_back(slot);
+  }
+  return slots;
+}
+
+std::optional<TargetName> ParseTarget(std::string_view text) {
+  const std::size_t dash = text.find('-');
+  if (dash == std::string_view::npos) return std::nullopt;
+  const std::size_t digits = text.find_first_of("0123456789", dash + 1);
+  if (digits == std::string_view::npos) return std::nullopt;
+  const auto device = ParseInt16(text.substr(0, dash));
+  const auto channel = ParseInt16(text.substr(digits));
+  if (!device || !channel || *device < 1 || *channel < 1) return std::nullopt;
+  return TargetName{*device, *channel};
+}
+
+std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDefinition& definition,
+                                     int channel, int step, int slot) {
+  if (!ChannelInUse(definition, sequence, channel, step, slot)) return std::nullopt;
+  const Shown shown(sequence, definition, channel, slot);
+  const StepValue stored = StoredValue(sequence.Cell(channel, step, slot));
+  const auto from = shown(stored.From, step);
+  const auto to = shown(stored.To, step);
+  if (!from || !to) return std::nullopt;
+  return StepValue{*from, *to};
+}
+
+AreaGraph BuildAreaGraph(const SequenceData& sequence, const ModelDefinition& definition,
+                         const GraphArea& area, const std::vector<StepSpan>& spans) {
+  AreaGraph graph;
+  graph.Area = area;
+  if (area.Channel >= 0) {
+    const std::vector<int> slots = ContentSlots(definition, area.Content);
+    const bool envelope = DrawsEnvelope(sequence, definition, area.Channel, slots);
+    if (envelope) graph.Envelope = BuildEnvelope(sequence, definition, area.Channel, spans);
+    for (const int slot : slots) {
+      if (envelope && slot == kSlotAmplitude) continue;
+      graph.Curves.push_back(BuildCurve(sequence, definition, area.Channel, slot, spans));
+    }
+  }
+  graph.Range = RangeOf(sequence, definition, graph);
+  return graph;
+}
+
+ValueRange FitRange(double low, double high) {
+  if (low == high) {
+    if (low == 0) return {-1, 1};
+    low = std::min(low, 0.0);
+    high = std::max(high, 0.0);
+  }
+  const double room = (high - low) * kHeadroom;
+  // Values that differ in their last digits only would leave no room for a scale.
+  const double least = std::max(std::fabs(low), std::fabs(high)) * 1e-9;
+  return {low - std::max(room, least), high + std::max(room, least)};
+}
+
+AxisTicks NiceTicks(const ValueRange& range, int most) {
+  AxisTicks ticks;
+  const double length = range.High - range.Low;
+  if (!(length > 0) || !std::isfinite(length) || most < 1) return ticks;
+  const double slack = length * 1e-9;
+  double power = std::pow(10, std::floor(std::log10(length / most)));
+  for (int attempt = 0; attempt < 6; ++attempt, power *= attempt % 3 == 0 ? 10 : 1) {
+    constexpr std::array<double, 3> kSteps{1, 2, 5};
+    const double step = kSteps[Index(attempt % 3)] * power;
+    const double first = std::ceil((range.Low - slack) / step);
+    const double last = std::floor((range.High + slack) / step);
+    if (!(last - first + 1 <= most)) continue;
+    ticks.Step = step;
+    const int count = static_cast<int>(last - first) + 1;
+    for (int i = 0; i < count; ++i) ticks.Values.push_back((first + i) * step);
+    return ticks;
+  }
+  return ticks;
+}
+
+std::string TickText(double value, const AxisTicks& ticks) {
+  constexpr double kPlainMost = 9999;
+  constexpr double kPlainLeast = 1e-3;
+  double largest = 0;
+  for (const double tick : ticks.Values) largest = std::max(largest, std::fabs(tick));
+  double unit = 1;
+  std::string suffix;
+  struct Prefix {
+    double Factor;
+    const char* Text;
+  };
+  constexpr std::array<Prefix, 6> kPrefixes{
+      {{1e9, "G"}, {1e6, "M"}, {1e3, "k"}, {1e-3, "m"}, {1e-6, "µ"}, {1e-9, "n"}}};
+  if (largest > kPlainMost || (largest > 0 && ticks.Step < kPlainLeast)) {
+    for (const Prefix& prefix : kPrefixes) {
+      if (largest < prefix.Factor * (1 - 1e-9)) continue;
+      if (prefix.Factor > 1 && largest <= kPlainMost) continue;
+      // Below a thousand the plain number reads better until its decimals run out.
+      if (prefix.Factor == 1e-3 && largest >= 1) break;
+      unit = prefix.Factor;
+      suffix = prefix.Text;
+      break;
+    }
+  }
+  std::string pattern = "0";
+  const int decimals = ticks.Step > 0 ? DecimalsOf(ticks.Step / unit) : 0;
+  if (decimals > 0) pattern += "." + std::string(Index(decimals), '0');
+  return FormatNumber(value / unit, pattern) + (value == 0 ? std::string() : suffix);
+}
+
+std::vector<PixelLine> VisibleLines(const GraphCurve& curve, const PlotScale& scale) {
+  const Box box{scale.Left - scale.Width, scale.Top - scale.Height, scale.Left + 2 * scale.Width,
+                scale.Top + 2 * scale.Height};
+  std::vector<PixelLine> lines;
+  std::optional<PixelPoint> last;
+  bool open = false;  // the line under way ends at `last`
+  for (const GraphPoint& point : curve.Points) {
+    const PixelPoint here{scale.XOf(point.X), scale.YOf(point.Y)};
+    if (last && !point.Begins) {
+      const auto piece = Cut(*last, here, box);
+      if (piece) {
+        if (!open || lines.back().back() != (*piece)[0]) lines.push_back({(*piece)[0]});
+        lines.back().push_back((*piece)[1]);
+      }
+      open = piece && (*piece)[1] == here;
+    } else {
+      open = false;
+    }
+    last = here;
+  }
+  return lines;
+}
+
+std::vector<std::optional<double>> PlaceLabels(const std::vector<LabelWish>& wishes, double left,
+                                               double right, double gap) {
+  std::vector<std::optional<double>> places(wishes.size());
+  std::vector<std::pair<double, double>> taken;
+  const auto place = [&](std::size_t i) {
+    const LabelWish& wish = wishes[i];
+    if (wish.Center < left || wish.Center > right || wish.Width > right - left) return;
+    const double start = std::clamp(wish.Center - wish.Width / 2, left, right - wish.Width);
+    const double end = start + wish.Width;
+    const bool free = std::none_of(taken.begin(), taken.end(), [&](const auto& other) {
+      return start < other.second + gap && other.first < end + gap;
+    });
+    if (!free) return;
+    places[i] = start;
+    taken.emplace_back(start, end);
+  };
+  const auto fits = [&](std::size_t i) { return wishes[i].Width + gap <= wishes[i].Room; };
+  for (std::size_t i = 0; i < wishes.size(); ++i) {
+    if (fits(i)) place(i);
+  }
+  for (std::size_t i = 0; i < wishes.size(); ++i) {
+    if (!fits(i)) place(i);
+  }
+  return places;
+}
+
+}  // namespace corlune
