@@ -11,6 +11,7 @@
 #include "editing/control_states.h"
 #include "editing/edit_outcome.h"
 #include "editing/sequence_editor.h"
+#include "ui/twips.h"
 
 namespace corlune {
 
@@ -28,6 +29,9 @@ class GridPanel : public QWidget {
   // Repaints what an operation changed, moves the cursor and opens the cell's editor again; shows the
   // outcome's message first when it was refused.
   void Apply(const EditOutcome& outcome);
+  // Stores what is typed in an open cell editor, as Enter would. False: it was refused, after its message,
+  // and the editor keeps the focus. To be called before a command that leaves or saves the sequence.
+  bool CommitEntry();
   // Takes back every open cell editor without storing.
   void HideEditors();
   // Enabled states and visibilities of row buttons, tabs and editors.
@@ -64,12 +68,14 @@ class GridPanel : public QWidget {
   void ImportRequested();
   void ExportRequested();
 
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  bool event(QEvent* event) override;
+
  private:
   class Impl;
   std::unique_ptr<Impl> impl_;
 };
-
-// Pixels of `twips` on the screen of `widget`: 15 twips a pixel at 96 dpi.
-int TwipsToPixels(int twips, const QWidget* widget);
 
 }  // namespace corlune

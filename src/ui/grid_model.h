@@ -1,0 +1,63 @@
+// GridModel: one area of the sequence as a table model. It maps the cells of GridViews to roles and holds no
+// rules and no values; model row r shows grid row r + 1, the header row is the horizontal header.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QColor>
+#include <QString>
+
+#include "editing/cell_view.h"
+
+namespace corlune {
+
+class GridModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  // `views` must outlive the model. `channel` counts only in the sequence area.
+  GridModel(const GridViews& views, GridArea area, int channel, QObject* parent = nullptr);
+
+  GridArea Area() const { return area_; }
+  int Channel() const { return channel_; }
+  // The cell behind an index.
+  CellPlace PlaceOf(const QModelIndex& index) const;
+  CellView Cell(const QModelIndex& index) const { return views_.Cell(PlaceOf(index)); }
+
+  // Branch area: the step whose branches are shown, as its row in the step grids. Returns true when another
+  // step is shown now.
+  bool ShowStep(GridRow step);
+  GridRow Step() const { return step_; }
+
+  // Everything may be different.
+  void Reset();
+  // Takes over a new number of rows, by adding or removing rows at the end.
+  void SyncRows();
+  // Cells of grid rows first..last (1-based, both included) changed; rows outside the model are ignored.
+  void RowsChanged(int first, int last);
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+  // The spare row can be neither selected nor made current.
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+
+  // Width of a column in twips.
+  int ColumnTwips(int column) const;
+
+ private:
+  int RowsNow() const;
+  int ColumnsNow() const;
+  QString Header(int column) const;
+
+  const GridViews& views_;
+  GridArea area_;
+  int channel_;
+  GridRow step_{1};
+  int rows_;
+  int columns_;
+};
+
+QColor ToQColor(Color color);
+
+}  // namespace corlune
