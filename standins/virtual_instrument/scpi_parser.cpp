@@ -103,8 +103,9 @@ std::string_view ScpiErrorText(ScpiError error) {
   return "Device error";
 }
 
-std::optional<std::size_t> ScpiMessageLength(std::string_view bytes, bool end) {
+std::optional<ScpiMessageSpan> FirstScpiMessage(std::string_view bytes, bool end) {
   char quote = 0;
+  std::size_t blockEnd = 0;
   bool argumentStart = false;  // behind a blank or a comma, where "#" begins a block
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     const char c = bytes[i];
@@ -112,7 +113,7 @@ std::optional<std::size_t> ScpiMessageLength(std::string_view bytes, bool end) {
       if (c == quote) quote = 0;
       continue;
     }
-    if (c == '\n') return i + 1;
+    if (c == '\n') return ScpiMessageSpan{i, i + 1};
     if (c == '"' || c == '\'') {
       quote = c;
     } else if (c == '#' && argumentStart) {
@@ -121,12 +122,14 @@ std::optional<std::size_t> ScpiMessageLength(std::string_view bytes, bool end) {
         const std::size_t whole = header->headerLength + header->dataLength;
         if (whole > bytes.size() - i) break;
         i += whole - 1;
+        blockEnd = i + 1;
       }
     }
     argumentStart = c == ',' || IsBlank(c);
   }
-  if (end && !bytes.empty()) return bytes.size();
-  return std::nullopt;
+  if (!end || bytes.empty()) return std::nullopt;
+  const bool lineFeed = bytes.back() == '\n' && blockEnd != bytes.size();
+  return ScpiMessageSpan{bytes.size() - (lineFeed ? 1 : 0), bytes.size()};
 }
 
 void ScpiUnitReader::SkipBlanks() {

@@ -68,9 +68,14 @@ struct ScpiUnit {
   std::vector<ScpiArgument> arguments;
 };
 
-// Length of the first message of `bytes` with its line feed; nullopt while it is not complete. Line feeds in
-// texts and blocks do not count. With `end` (END came with the last byte) the rest is a message in any case.
-std::optional<std::size_t> ScpiMessageLength(std::string_view bytes, bool end);
+struct ScpiMessageSpan {
+  std::size_t content = 0;  // without the line feed that ends the message
+  std::size_t whole = 0;
+};
+// The first message of `bytes`; nullopt while it is not complete. Line feeds in texts and blocks do not
+// count, neither does one that is the last byte of a block. With `end` (END came with the last byte) the rest
+// is a message in any case.
+std::optional<ScpiMessageSpan> FirstScpiMessage(std::string_view bytes, bool end);
 
 // Takes a message (without its final line feed) apart, unit by unit.
 class ScpiUnitReader {

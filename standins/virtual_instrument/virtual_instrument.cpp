@@ -95,14 +95,13 @@ void VirtualInstrument::Write(std::string_view bytes, bool end) {
 
 void VirtualInstrument::HandleInput(std::string_view bytes, bool end) {
   while (!bytes.empty()) {
-    const auto length = ScpiMessageLength(bytes, end);
-    if (!length) {
+    const auto span = FirstScpiMessage(bytes, end);
+    if (!span) {
       input_ = bytes;
       return;
     }
-    std::string_view message = bytes.substr(0, *length);
-    bytes.remove_prefix(*length);
-    if (message.back() == '\n') message.remove_suffix(1);
+    const std::string_view message = bytes.substr(0, span->content);
+    bytes.remove_prefix(span->whole);
     if (!HandleMessage(message)) {
       skipToEnd_ = !end;
       return;

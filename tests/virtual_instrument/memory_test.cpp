@@ -103,6 +103,27 @@ TEST(WaveformMemory, StoresDescribesAndGivesBack) {
   EXPECT_EQ(rig.instrument.WaveformPoints(), 0U);
 }
 
+// The last byte of a block belongs to it, also when it looks like the end of a message or of a unit.
+TEST(WaveformMemory, TakesAnyLastByteOfABlock) {
+  InstrumentRig rig;
+  const std::string header = ":TRAC:DATA 1,\"A\",";
+  for (const char last : {'\n', '\r', ' ', ';', ',', '"', '#'}) {
+    std::string block = WaveformBlock(0, 4096);
+    block.back() = last;
+    for (const char* behind : {"", "\n", ";*CLS"}) {
+      rig.Tell(":TRAC:DEL 1");
+      rig.Tell(header + BlockOf(block) + behind);
+      EXPECT_EQ(rig.Ask(":TRAC:DATA? 1"), BlockOf(block)) << int{last} << " before " << behind;
+    }
+    // As the program sends it: the header first, END with the last byte of the data.
+    rig.Tell(":TRAC:DEL 1");
+    rig.instrument.Write(header + BlockOf(block).substr(0, 6), false);
+    rig.Tell(block);
+    EXPECT_EQ(rig.Ask(":TRAC:DATA? 1"), BlockOf(block)) << int{last};
+  }
+  EXPECT_EQ(rig.Error(), kNoError);
+}
+
 TEST(WaveformMemory, RefusesMalformedBlocks) {
   const std::string good = WaveformBlock(0, 4096);
   const struct {
