@@ -242,8 +242,13 @@ CommStatus UsbTmcMdl::WriteBlock(const std::string& header, std::span<const std:
   // Whatever happened, the next command must end its message again.
   const CommStatus endOn = GP_EOI(true);
   if (Failed(status)) return status;
-  if (Failed(endOn)) return endOn;
-  return Checked(kOperation, WriteBytes(data.data(), data.size()));
+  status = Failed(endOn) ? endOn : Checked(kOperation, WriteBytes(data.data(), data.size()));
+  if (Failed(status)) {
+    // The instrument waits for the rest of the block; without a clear it would take the next commands for it.
+    const CommStatus cleared = Converted(visa_->Clear(CurrentSession()));
+    LogDevice(Device(), '<', "GP_SDC", cleared);
+  }
+  return status;
 }
 
 CommStatus UsbTmcMdl::GP_Send_AsciiBinary_Data(const std::string& header, std::span<const std::uint8_t> data,
