@@ -156,6 +156,14 @@ class BenchRig {
     sequence.StepCount = static_cast<std::int16_t>(slot);
     for (std::size_t i = 0; i < slot; ++i) sequence.Steps[i].StepTerm = i + 1 == slot ? 1 : 0;
   }
+  // The set-up dialog's OK without a change: closes and opens everything.
+  bool Reconnect() {
+    SystemSetup setup;
+    setup.modelName = session->State().ModelName;
+    setup.instrumentCount = session->State().InstrumentCount;
+    setup.instruments = session->State().Instruments;
+    return session->ApplySetup(setup) && session->State().Online == 1;
+  }
   bool Download() { return session->Control().SetOperationMode(OperationMode::Execution); }
   void Press(Run command) { session->Control().MenuItem(static_cast<int>(command)); }
   // Lets time pass; the monitor's timer fires every 100 ms while it is on.
@@ -188,6 +196,11 @@ class BenchRig {
     const auto faults = ParseFaults(text, bench.At(instrument).Identity().serial, &problem);
     ASSERT_TRUE(faults) << problem;
     bench.At(instrument).SetFaults(FaultPlan(*faults));
+  }
+  // Back on the bus, without faults. The bus reset empties the buffers of its interface.
+  void Replug(std::size_t instrument = 0) {
+    Faults("", instrument);
+    bench.At(instrument).DeviceClear();
   }
   VirtualInstrument& Instrument(int number = 1) { return bench.At(static_cast<std::size_t>(number - 1)); }
 

@@ -50,7 +50,7 @@ TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
   ASSERT_TRUE(rig.Download());
   rig.ExpectPrompts({kAsksName});
   rig.ExpectAtRest(OperationMode::Execution, false);
-  rig.ExpectSent({"1 < :SYST:REM;*ESE 60", "1 < :SOUR1:SEQ:STAT?", "1 < :SOUR1:SEQ:STAT 1",
+  rig.ExpectSent({"1 < *CLS;:SYST:REM;*ESE 60", "1 < :SOUR1:SEQ:STAT?", "1 < :SOUR1:SEQ:STAT 1",
                   "1 < :STAT:OPER:CH1:COND?",
                   // both waveforms
                   "1 < *CLS", "1 < :TRACe:DATA 1,\"Arb1\",#48200", "1 < (8200 bytes)", "1 < :SYST:ERR?",
