@@ -27,6 +27,9 @@ struct PreviewHandlers {
   std::function<bool(const std::string&)> enterStartStep;
   std::function<bool(const std::string&)> enterBranchChannel;
   std::function<void()> closed;
+  // View areas as chosen in the view, to be stored in the sequence; false: refused. Without it the areas are
+  // shown as they are and cannot be chosen.
+  std::function<bool(const decltype(SequenceData::ViewAreas)&)> enterViewAreas = {};
 };
 
 class FrmPreview : public QMainWindow {
@@ -38,13 +41,19 @@ class FrmPreview : public QMainWindow {
              const MessageCatalogue& catalogue, PreviewHandlers handlers, QWidget* parent = nullptr);
   ~FrmPreview() override;
 
-  // Redraws for the present sequence and current step.
+  // Redraws for the present sequence and current step. Cheap when nothing has changed.
   void PicDisp();
   // Places the marker inside the current step by the time since StepChangedAt.
   void MoveShape(std::uint32_t tick);
   void MeasureStart();
   void MeasureEnd();
 
+  // Layout of the window alone, on a screen's available area, and tiled to the right of the main window,
+  // whose frame is `leftWindow`. Both restore a minimised window; neither shows a hidden one.
+  void FormStyleNomal(const QRect& screen);
+  void FormStyleAlign(const QRect& leftWindow);
+
+  // Also redraws: what the controls follow may have changed the sequence.
   void ShowStates(const ControlStates& states);
   // Copies of the main window's fields and status texts.
   void ShowFields(const std::string& sequenceNumber, const std::string& startStep,
@@ -54,6 +63,7 @@ class FrmPreview : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void showEvent(QShowEvent* event) override;
 
  private:
   class Impl;

@@ -1,0 +1,77 @@
+#include "view/flow_layout.h"
+
+#include <algorithm>
+
+#include <QWidget>
+
+namespace corlune {
+
+FlowLayout::FlowLayout(QWidget* parent, int spacing) : QLayout(parent) {
+  setContentsMargins(0, 0, 0, 0);
+  setSpacing(spacing);
+}
+
+FlowLayout::~FlowLayout() = default;
+
+void FlowLayout::addItem(QLayoutItem* item) {
+  items_.emplace_back(item);
+}
+
+QLayoutItem* FlowLayout::itemAt(int index) const {
+  return index >= 0 && index < count() ? items_[static_cast<std::size_t>(index)].get() : nullptr;
+}
+
+QLayoutItem* FlowLayout::takeAt(int index) {
+  if (index < 0 || index >= count()) return nullptr;
+  const auto place = items_.begin() + index;
+  QLayoutItem* item = place->release();
+  items_.erase(place);
+  return item;
+}
+
+QSize FlowLayout::minimumSize() const {
+  QSize size;
+  for (const auto& item : items_) {
+    if (!item->isEmpty()) size = size.expandedTo(item->minimumSize());
+  }
+  return size;
+}
+
+void FlowLayout::setGeometry(const QRect& rect) {
+  QLayout::setGeometry(rect);
+  Place(rect, true);
+}
+
+int FlowLayout::Place(const QRect& rect, bool apply) const {
+  // A row is placed when it is full, so that lower items can stand at its bottom line.
+  std::vector<QLayoutItem*> row;
+  int x = rect.x();
+  int y = rect.y();
+  int rowHeight = 0;
+  const auto finishRow = [&] {
+    int left = rect.x();
+    for (QLayoutItem* item : row) {
+      const QSize size = item->sizeHint();
+      if (apply) item->setGeometry({QPoint(left, y + rowHeight - size.height()), size});
+      left += size.width() + spacing();
+    }
+    row.clear();
+  };
+  for (const auto& item : items_) {
+    if (item->isEmpty()) continue;
+    const QSize size = item->sizeHint();
+    if (!row.empty() && x + size.width() > rect.x() + rect.width()) {
+      finishRow();
+      x = rect.x();
+      y += rowHeight + spacing();
+      rowHeight = 0;
+    }
+    row.push_back(item.get());
+    x += size.width() + spacing();
+    rowHeight = std::max(rowHeight, size.height());
+  }
+  finishRow();
+  return y + rowHeight - rect.y();
+}
+
+}  // namespace corlune

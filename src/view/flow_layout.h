@@ -1,0 +1,36 @@
+// FlowLayout: items side by side, in as many rows as the width asks for; nothing is cut off in a narrow
+// window.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include <QLayout>
+#include <QRect>
+
+namespace corlune {
+
+class FlowLayout : public QLayout {
+ public:
+  FlowLayout(QWidget* parent, int spacing);
+  ~FlowLayout() override;
+
+  void addItem(QLayoutItem* item) override;
+  int count() const override { return static_cast<int>(items_.size()); }
+  QLayoutItem* itemAt(int index) const override;
+  QLayoutItem* takeAt(int index) override;
+  Qt::Orientations expandingDirections() const override { return {}; }
+  bool hasHeightForWidth() const override { return true; }
+  int heightForWidth(int width) const override { return Place(QRect(0, 0, width, 0), false); }
+  QSize sizeHint() const override { return minimumSize(); }
+  QSize minimumSize() const override;
+  void setGeometry(const QRect& rect) override;
+
+ private:
+  // Returns the height that the items take.
+  int Place(const QRect& rect, bool apply) const;
+
+  std::vector<std::unique_ptr<QLayoutItem>> items_;
+};
+
+}  // namespace corlune

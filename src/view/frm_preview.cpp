@@ -1,0 +1,317 @@
+#include "view/frm_preview.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QGuiApplication>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScreen>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+#include "core/time_text.h"
+#include "editing/control_states.h"
+#include "sequence/channel_tabs.h"
+#include "view/area_settings.h"
+#include "view/graph_canvas.h"
+#include "view/graph_picture.h"
+#include "view/run_buttons.h"
+#include "view/run_fields.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kIdTitle = 2000;
+constexpr int kIdRunMenu = 7400;
+constexpr int kIdTotal = 1405;
+constexpr int kIdElapsed = 1406;
+constexpr int kIdDisplayMenu = 8250;
+constexpr int kIdZoomIn = 8251;
+constexpr int kIdZoomOut = 8252;
+constexpr int kIdShowAll = 8253;
+constexpr int kIdAreaSettings = 8254;
+constexpr int kIdGraphs = 8264;
+constexpr int kIdAllOff = 8265;
+
+constexpr int kRunItems = 6;
+constexpr std::size_t kOutputOnItem = 4;
+constexpr std::size_t kOutputOffItem = 5;
+constexpr int kMargin = 8;  // pixels
+constexpr QSize kNormalSize{960, 660};
+
+QColor ColorOf(const Color& color) {
+  return {color.Red, color.Green, color.Blue};
+}
+
+}  // namespace
+
+class FrmPreview::Impl {
+ public:
+  Impl(FrmPreview& window, AppState& appState, const ModelDefinition& modelDefinition,
+       const SequenceData& sequenceData, const MessageCatalogue& messages, PreviewHandlers previewHandlers)
+      : form(window),
+        state(appState),
+        definition(modelDefinition),
+        sequence(sequenceData),
+        catalogue(messages),
+        handlers(std::move(previewHandlers)) {}
+
+  QString Text(int id) const { return QString::fromStdString(catalogue.GetResString(id)); }
+
+  void BuildMenus();
+  QWidget* BuildContent();
+  void BuildStatusBar();
+  void Draw();
+  void FollowRun();
+  bool StepUnderWay() const {
+    return state.CurrentStep >= 0 && state.CurrentStep < static_cast<int>(canvas->Picture().Spans.size());
+  }
+
+  FrmPreview& form;
+  AppState& state;
+  const ModelDefinition& definition;
+  const SequenceData& sequence;
+  const MessageCatalogue& catalogue;
+  PreviewHandlers handlers;
+
+  QMenu* runMenu = nullptr;
+  std::array<QAction*, kRunItems> runItems{};
+  RunButtons* buttons = nullptr;
+  RunFields* fields = nullptr;
+  AreaSettings* settings = nullptr;
+  GraphCanvas* canvas = nullptr;
+  QLabel* total = nullptr;
+  QLabel* elapsed = nullptr;
+  TimeAxis axis = TimeAxis::Time;
+  bool measuring = false;
+};
+
+void FrmPreview::Impl::BuildMenus() {
+  constexpr std::array<const char*, kRunItems> kShortcuts{"F5", "Shift+F5", "F6", "F7", "", ""};
+  runMenu = form.menuBar()->addMenu(Text(kIdRunMenu));
+  runMenu->setObjectName(QStringLiteral("mnuRun"));
+  for (int i = 0; i < kRunItems; ++i) {
+    QAction* action = runMenu->addAction(Text(kIdRunMenu + 1 + i));
+    action->setObjectName(QStringLiteral("mnuRunItem_%1").arg(i));
+    action->setShortcut(QKeySequence(QString::fromUtf8(kShortcuts[static_cast<std::size_t>(i)])));
+    connect(action, &QAction::triggered, &form, [this, i] {
+      if (handlers.runMenuItem) handlers.runMenuItem(i);
+    });
+    runItems[static_cast<std::size_t>(i)] = action;
+  }
+  QMenu* display = form.menuBar()->addMenu(Text(kIdDisplayMenu));
+  display->setObjectName(QStringLiteral("mnuDisplay"));
+  const auto add = [&](int id, const char* name, const QList<QKeySequence>& keys, auto handler) {
+    QAction* action = display->addAction(Text(id));
+    action->setObjectName(QString::fromUtf8(name));
+    action->setShortcuts(keys);
+    connect(action, &QAction::triggered, &form, handler);
+    return action;
+  };
+  // "+" is a shifted "=" on many keyboards.
+  add(kIdZoomIn, "mnuZoomIn", {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
+      [this] { canvas->ZoomIn(); });
+  add(kIdZoomOut, "mnuZoomOut", {QKeySequence(Qt::CTRL | Qt::Key_Minus)}, [this] { canvas->ZoomOut(); });
+  add(kIdShowAll, "mnuShowAll", {QKeySequence(Qt::CTRL | Qt::Key_0)}, [this] { canvas->ShowAll(); });
+  display->addSeparator();
+  QAction* areas = add(kIdAreaSettings, "mnuAreaSettings", {}, [this](bool on) { settings->setVisible(on); });
+  areas->setCheckable(true);
+  areas->setChecked(true);
+}
+
+QWidget* FrmPreview::Impl::BuildContent() {
+  auto* content = new QWidget(&form);
+  auto* rows = new QVBoxLayout(content);
+  rows->setContentsMargins(kMargin, kMargin / 2, kMargin, 0);
+  rows->setSpacing(kMargin / 2);
+  buttons = new RunButtons(
+      catalogue,
+      [this](int index) {
+        if (handlers.runButton) handlers.runButton(index);
+      },
+      content);
+  fields = new RunFields(catalogue,
+                         {handlers.enterSequenceNumber, handlers.enterStartStep, handlers.enterBranchChannel},
+                         content);
+  settings = new AreaSettings(catalogue,
+                              {[this](const ViewAreaTable& areas) {
+                                 const bool stored =
+                                     handlers.enterViewAreas && handlers.enterViewAreas(areas);
+                                 if (stored) form.PicDisp();
+                                 return stored;
+                               },
+                               [this](TimeAxis chosen) {
+                                 axis = chosen;
+                                 form.PicDisp();
+                               },
+                               static_cast<bool>(handlers.enterViewAreas)},
+                              content);
+  settings->setObjectName(QStringLiteral("AreaSettings"));
+  canvas = new GraphCanvas(
+      [this](std::size_t area, int step) {
+        return GraphTip(sequence, definition, catalogue, canvas->Picture(), area, step);
+      },
+      content);
+  canvas->setObjectName(QStringLiteral("PicView"));
+  canvas->setAccessibleName(Text(kIdGraphs));
+  rows->addWidget(buttons);
+  rows->addWidget(fields);
+  rows->addWidget(settings);
+  rows->addWidget(canvas, 1);
+  return content;
+}
+
+void FrmPreview::Impl::BuildStatusBar() {
+  QStatusBar* bar = form.statusBar();
+  bar->setObjectName(QStringLiteral("StatBar1"));
+  const auto add = [&](const char* name, int captionId) {
+    auto* panel = new QLabel(bar);
+    panel->setObjectName(QString::fromUtf8(name));
+    panel->setTextFormat(Qt::PlainText);
+    // The digits change ten times a second; the panel keeps its place.
+    panel->setText(QString::fromStdString(TimePanelText(catalogue, captionId, 0)));
+    panel->setMinimumWidth(panel->sizeHint().width() + kMargin);
+    bar->addWidget(panel);
+    return panel;
+  };
+  total = add("PanelTotal", kIdTotal);
+  elapsed = add("PanelElapsed", kIdElapsed);
+}
+
+void FrmPreview::Impl::Draw() {
+  const int channels = EditedChannels(state);
+  // Run times are those of the last download; while the sequence is edited only the entered ones are true.
+  const StepLength length =
+      state.OperationMode == OperationMode::Execution ? StepLength::RunTime : StepLength::Entered;
+  GraphPicture picture = BuildGraphPicture(sequence, definition, catalogue, {channels, axis, length});
+  if (picture.Note.empty() && picture.Areas.empty()) picture.Note = catalogue.GetResString(kIdAllOff);
+  canvas->ShowPicture(std::move(picture));
+  settings->ShowAreas(definition, AreasInEffect(sequence, definition, channels), axis);
+}
+
+void FrmPreview::Impl::FollowRun() {
+  const bool shown = measuring && StepUnderWay();
+  canvas->ShowCurrentStep(shown ? std::optional<int>(state.CurrentStep) : std::nullopt,
+                          ColorOf(definition.Common.CurrentCell));
+  if (!shown) canvas->ShowMarker(std::nullopt, ColorOf(definition.Indicator));
+}
+
+FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const SequenceData& sequence,
+                       const MessageCatalogue& catalogue, PreviewHandlers handlers, QWidget* parent)
+    : QMainWindow(parent),
+      impl_(std::make_unique<Impl>(*this, state, definition, sequence, catalogue, std::move(handlers))) {
+  setObjectName(QStringLiteral("FrmPreview"));
+  setWindowTitle(impl_->Text(kIdTitle));
+  setContextMenuPolicy(Qt::NoContextMenu);
+  impl_->BuildMenus();
+  setCentralWidget(impl_->BuildContent());
+  impl_->BuildStatusBar();
+  ShowTotalTime(state.TotalTime);
+  ShowElapsedTime(state.ElapsedTime);
+  resize(kNormalSize);
+  PicDisp();
+}
+
+FrmPreview::~FrmPreview() {
+  if (isVisible()) impl_->state.SequenceViewShown = false;
+}
+
+void FrmPreview::PicDisp() {
+  impl_->Draw();
+  impl_->FollowRun();
+}
+
+void FrmPreview::MoveShape(std::uint32_t tick) {
+  if (!impl_->measuring) return;
+  impl_->FollowRun();
+  const auto position = MarkerPosition(impl_->canvas->Picture().Spans, impl_->state.CurrentStep,
+                                       impl_->state.StepChangedAt, tick);
+  impl_->canvas->ShowMarker(position, ColorOf(impl_->definition.Indicator));
+}
+
+void FrmPreview::MeasureStart() {
+  impl_->measuring = true;
+  PicDisp();
+  MoveShape(impl_->state.StepChangedAt);
+}
+
+void FrmPreview::MeasureEnd() {
+  impl_->measuring = false;
+  impl_->FollowRun();
+}
+
+void FrmPreview::FormStyleNomal(const QRect& screen) {
+  if (isMinimized()) showNormal();
+  const QRect frame = frameGeometry();
+  const QSize edges = frame.size() - size();
+  const QSize size = kNormalSize.boundedTo(screen.size() - edges).expandedTo(minimumSizeHint());
+  resize(size);
+  move(screen.center() - QPoint((size.width() + edges.width()) / 2, (size.height() + edges.height()) / 2));
+}
+
+void FrmPreview::FormStyleAlign(const QRect& leftWindow) {
+  if (isMinimized()) showNormal();
+  const QScreen* on = QGuiApplication::screenAt(leftWindow.center());
+  const QRect area = (on ? on : screen())->availableGeometry();
+  const QSize edges = frameGeometry().size() - size();
+  const int left = leftWindow.right() + 1;
+  const QSize free(area.right() + 1 - left, leftWindow.height());
+  const QSize wanted = (free - edges).expandedTo(minimumSizeHint());
+  resize(wanted);
+  // On a narrow screen the view rather covers a part of the main window than reaching off the screen.
+  const int rightmost = area.right() + 1 - wanted.width() - edges.width();
+  move(std::max(std::min(left, rightmost), area.left()), leftWindow.top());
+}
+
+void FrmPreview::ShowStates(const ControlStates& states) {
+  impl_->buttons->ShowStates(states, impl_->state, impl_->definition);
+  impl_->fields->ShowStates(states);
+  constexpr auto kRun = static_cast<std::size_t>(Menu::Run);
+  impl_->runMenu->menuAction()->setVisible(states.Menus[kRun].Visible);
+  for (std::size_t i = 0; i < impl_->runItems.size(); ++i) {
+    impl_->runItems[i]->setVisible(states.MenuItems[kRun][i].Visible);
+    impl_->runItems[i]->setEnabled(states.MenuItems[kRun][i].Enabled);
+  }
+  // One key for both: it switches the output to its other state.
+  const QKeySequence key(Qt::Key_F8);
+  impl_->runItems[kOutputOnItem]->setShortcut(impl_->state.OutputOn ? QKeySequence() : key);
+  impl_->runItems[kOutputOffItem]->setShortcut(impl_->state.OutputOn ? key : QKeySequence());
+  PicDisp();
+}
+
+void FrmPreview::ShowFields(const std::string& sequenceNumber, const std::string& startStep,
+                            const std::string& branchChannel) {
+  impl_->fields->ShowTexts(sequenceNumber, startStep, branchChannel);
+}
+
+void FrmPreview::ShowTotalTime(double milliseconds) {
+  impl_->total->setText(QString::fromStdString(TimePanelText(impl_->catalogue, kIdTotal, milliseconds)));
+}
+
+void FrmPreview::ShowElapsedTime(std::int32_t milliseconds) {
+  impl_->elapsed->setText(QString::fromStdString(TimePanelText(impl_->catalogue, kIdElapsed, milliseconds)));
+}
+
+void FrmPreview::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  if (event->spontaneous()) return;
+  impl_->state.SequenceViewShown = true;
+  impl_->canvas->setFocus();
+}
+
+void FrmPreview::closeEvent(QCloseEvent* event) {
+  QMainWindow::closeEvent(event);
+  if (!event->isAccepted()) return;
+  impl_->state.SequenceViewShown = false;
+  // The run goes on without the view.
+  MeasureEnd();
+  if (impl_->handlers.closed) impl_->handlers.closed();
+}
+
+}  // namespace corlune

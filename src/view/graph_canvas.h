@@ -1,0 +1,91 @@
+// GraphCanvas: the scrolling, zooming surface that shows a GraphPicture, the step under way and the run
+// marker.
+//
+// The drawing is kept as a picture; moving the marker repaints two narrow strips of it.
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include <QAbstractScrollArea>
+#include <QPixmap>
+
+#include "view/graph_painter.h"
+#include "view/graph_picture.h"
+
+namespace corlune {
+
+class GraphCanvas : public QAbstractScrollArea {
+  Q_OBJECT
+
+ public:
+  // Text for a place on the graphs: area of the picture and step.
+  using Tip = std::function<std::string(std::size_t area, int step)>;
+
+  explicit GraphCanvas(Tip tip, QWidget* parent = nullptr);
+
+  // Repaints when the picture differs from the one shown.
+  void ShowPicture(GraphPicture picture);
+  const GraphPicture& Picture() const { return picture_; }
+
+  // The step under way, in `color`; none: no step. A step that has come up is scrolled into view.
+  void ShowCurrentStep(std::optional<int> step, const QColor& color);
+  // The run marker at an axis position; none hides it. A marker that was in view stays in view.
+  void ShowMarker(std::optional<double> position, const QColor& color);
+  std::optional<double> Marker() const { return marker_; }
+  // Columns of the viewport that the marker at `position` covers.
+  QRect MarkerStrip(double position) const;
+
+  // Row 1..count of the first step in view; 0 without steps.
+  int TopRow() const;
+  AxisWindow Window() const;
+  PlotScale Scale(std::size_t area) const;
+
+  void ZoomIn() { ZoomBy(kZoomStep, PlotCenter()); }
+  void ZoomOut() { ZoomBy(1 / kZoomStep, PlotCenter()); }
+  void ShowAll();
+  double Zoom() const { return zoom_; }
+
+  // Text at a place of the viewport; empty where there is no graph.
+  QString TipAt(const QPoint& place) const;
+
+  QSize sizeHint() const override;
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void scrollContentsBy(int dx, int dy) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  static constexpr double kZoomStep = 1.25;
+
+  double AxisLength() const;
+  double PlotCenter() const { return layout_.PlotLeft + layout_.PlotWidth / 2; }
+  double DefaultZoom() const;
+  void ZoomBy(double factor, double anchor);
+  // Places everything anew; keeps the axis position at the left edge of the plot at `start`.
+  void Arrange(double start);
+  void Redraw();
+  void PaintMoving(QPainter& painter);
+  QRect StepRect(int step) const;
+  void ScrollTo(double start);
+
+  Tip tip_;
+  GraphPicture picture_;
+  GraphLayout layout_;
+  QPixmap layer_;
+  bool layerValid_ = false;
+  double zoom_ = 1;
+  bool zoomed_ = false;  // by the user; else the zoom follows window and sequence
+  bool arranging_ = false;
+  std::optional<int> step_;
+  QColor stepColor_;
+  std::optional<double> marker_;
+  QColor markerColor_;
+};
+
+}  // namespace corlune

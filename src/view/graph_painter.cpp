@@ -1,0 +1,432 @@
+#include "view/graph_painter.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include <QPainterPath>
+#include <QPolygonF>
+
+#include "core/numbers.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr double kPad = 4;  // around texts
+constexpr double kTickLength = 4;
+constexpr double kRightMargin = 14;
+constexpr double kLineWidth = 2;
+constexpr double kSampleWidth = 20;  // line sample of a legend
+constexpr double kLabelGap = 8;
+constexpr double kLeastBoundaryGap = 4;  // between two drawn step boundaries
+constexpr int kLeastPlotLines = 3;       // lines of text in the height of the lowest plot
+constexpr double kMsPerSecond = 1000;
+
+QString Text(const std::string& text) {
+  return QString::fromStdString(text);
+}
+
+double LineHeight(const QFont& font) {
+  return std::ceil(QFontMetricsF(font).height());
+}
+
+double HeaderHeight(const QFont& font) {
+  return LineHeight(font) + kPad;
+}
+
+double LeastAreaHeight(const QFont& font) {
+  return HeaderHeight(font) + (kLeastPlotLines + 1) * LineHeight(font);
+}
+
+double RulerHeight(const QFont& font) {
+  return LineHeight(font) + 2 * kPad;
+}
+
+double TimeAxisHeight(const QFont& font) {
+  return kTickLength + 2 * LineHeight(font) + kPad;
+}
+
+AxisTicks ChoiceTicks(const ValueRange& range, const std::vector<std::string>& choices, int most) {
+  AxisTicks ticks = NiceTicks(range, most);
+  std::erase_if(ticks.Values, [&](double value) {
+    return value != std::floor(value) || value < 0 || value >= static_cast<double>(choices.size());
+  });
+  return ticks;
+}
+
+void FillTicks(const AreaPicture& area, const QFont& font, AreaPlace& place) {
+  const int most = std::max(2, static_cast<int>(place.Plot.height() / (LineHeight(font) * 1.5)));
+  place.Ticks = area.Choices.empty() ? NiceTicks(area.Graph.Range, most)
+                                     : ChoiceTicks(area.Graph.Range, area.Choices, most);
+  for (const double value : place.Ticks.Values) {
+    place.TickLabels.push_back(Text(area.Choices.empty() ? TickText(value, place.Ticks)
+                                                         : area.Choices[static_cast<std::size_t>(value)]));
+  }
+}
+
+// Draws one canvas with everything its parts share.
+class PicturePainter {
+ public:
+  PicturePainter(QPainter& painter, const GraphPicture& picture, const GraphLayout& layout,
+                 const AxisWindow& window, const GraphColors& colors, const QFont& font)
+      : painter_(painter),
+        picture_(picture),
+        layout_(layout),
+        window_(window),
+        colors_(colors),
+        metrics_(font),
+        font_(font) {
+    FindVisibleSteps();
+  }
+
+  void Paint() {
+    painter_.setFont(font_);
+    painter_.fillRect(layout_.Ruler.united(layout_.TimeAxis), colors_.Panel);
+    painter_.save();
+    painter_.setClipRect(layout_.Middle);
+    for (std::size_t i = 0; i < layout_.Areas.size(); ++i) PaintArea(i);
+    painter_.restore();
+    PaintRuler();
+    PaintTimeAxis();
+  }
+
+ private:
+  double XOf(double position) const {
+    return layout_.PlotLeft + (position - window_.Start) / (window_.End - window_.Start) * layout_.PlotWidth;
+  }
+  double PlotRight() const { return layout_.PlotLeft + layout_.PlotWidth; }
+
+  void FindVisibleSteps() {
+    first_ = static_cast<std::size_t>(StepAt(picture_.Spans, window_.Start).value_or(0));
+    last_ = first_;
+    while (last_ < picture_.Spans.size() && picture_.Spans[last_].Start <= window_.End) ++last_;
+  }
+
+  void PaintArea(std::size_t index) {
+    const AreaPicture& area = picture_.Areas[index];
+    const AreaPlace& place = layout_.Areas[index];
+    if (!place.Header.united(place.Plot).intersects(layout_.Middle)) return;
+    painter_.fillRect(place.Plot, colors_.Background);
+    PaintHeader(area, place);
+    if (!area.Note.empty()) {
+      painter_.setPen(colors_.Faint);
+      painter_.drawText(place.Plot, Qt::AlignCenter | Qt::TextWordWrap, Text(area.Note));
+    } else {
+      const PlotScale scale = ScaleOf(layout_, window_, index, picture_);
+      PaintGrid(place, scale);
+      PaintCurves(area, place, scale);
+    }
+    painter_.setPen(QPen(colors_.Faint, 1));
+    painter_.setBrush(Qt::NoBrush);
+    painter_.drawRect(place.Plot);
+  }
+
+  void PaintHeader(const AreaPicture& area, const AreaPlace& place) {
+    QFont bold = font_;
+    bold.setBold(true);
+    painter_.setFont(bold);
+    painter_.setPen(colors_.Text);
+    QRectF rest = place.Header;
+    const QFontMetricsF boldMetrics(bold);
+    const QString title = boldMetrics.elidedText(Text(area.Title), Qt::ElideRight, rest.width());
+    painter_.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter, title);
+    rest.setLeft(rest.left() + boldMetrics.horizontalAdvance(title) + 3 * kLabelGap);
+    painter_.setFont(font_);
+    const std::size_t curvesFrom = area.Graph.Envelope.empty() ? 0 : 1;
+    for (std::size_t i = 0; i < area.Legends.size(); ++i) {
+      const double room = rest.width() - kSampleWidth - kPad;
+      if (room < metrics_.averageCharWidth() * 4) break;
+      const double middle = rest.center().y();
+      if (i < curvesFrom) {
+        const QRectF sample(rest.left(), middle - 4, kSampleWidth, 8);
+        painter_.fillRect(sample, colors_.Envelope(area.Graph.Area.Channel));
+      } else {
+        painter_.setPen(CurvePen(area, i - curvesFrom));
+        painter_.drawLine(QPointF(rest.left(), middle), QPointF(rest.left() + kSampleWidth, middle));
+      }
+      rest.setLeft(rest.left() + kSampleWidth + kPad);
+      const QString legend = metrics_.elidedText(Text(area.Legends[i]), Qt::ElideRight, room);
+      painter_.setPen(colors_.Text);
+      painter_.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter, legend);
+      rest.setLeft(rest.left() + metrics_.horizontalAdvance(legend) + 2 * kLabelGap);
+    }
+  }
+
+  // A second parameter of an area is dashed: colour tells channels apart, not parameters.
+  QPen CurvePen(const AreaPicture& area, std::size_t curve) const {
+    QPen pen(colors_.Channel(area.Graph.Area.Channel), kLineWidth);
+    const bool solid = curve == 0 && area.Graph.Envelope.empty();
+    if (!solid) pen.setStyle(curve % 2 == 0 ? Qt::DashLine : Qt::DotLine);
+    pen.setCapStyle(Qt::FlatCap);
+    pen.setJoinStyle(Qt::MiterJoin);
+    return pen;
+  }
+
+  void PaintGrid(const AreaPlace& place, const PlotScale& scale) {
+    painter_.setPen(QPen(colors_.Grid, 1));
+    double lastLine = layout_.PlotLeft;
+    for (std::size_t i = std::max<std::size_t>(first_, 1); i < last_; ++i) {
+      const double x = XOf(picture_.Spans[i].Start);
+      if (x - lastLine < kLeastBoundaryGap || x > PlotRight()) continue;
+      painter_.drawLine(QPointF(x, place.Plot.top()), QPointF(x, place.Plot.bottom()));
+      lastLine = x;
+    }
+    const double height = LineHeight(font_);
+    for (std::size_t i = 0; i < place.Ticks.Values.size(); ++i) {
+      const double y = scale.YOf(place.Ticks.Values[i]);
+      painter_.setPen(QPen(colors_.Grid, 1));
+      painter_.drawLine(QPointF(layout_.PlotLeft - kTickLength, y), QPointF(PlotRight(), y));
+      const double top =
+          std::clamp(y - height / 2, place.Plot.top() - kPad, place.Plot.bottom() - height + kPad);
+      painter_.setPen(colors_.Text);
+      painter_.drawText(QRectF(0, top, layout_.PlotLeft - kTickLength - 2, height),
+                        Qt::AlignRight | Qt::AlignVCenter, place.TickLabels[i]);
+    }
+    PaintReference(scale);
+  }
+
+  void PaintReference(const PlotScale& scale) {
+    if (!picture_.ReferenceLine) return;
+    const double value = *picture_.ReferenceLine;
+    if (value < scale.Values.Low || value > scale.Values.High) return;
+    const double y = scale.YOf(value);
+    painter_.setPen(QPen(colors_.Reference, 1, Qt::DashDotLine));
+    painter_.drawLine(QPointF(layout_.PlotLeft, y), QPointF(PlotRight(), y));
+  }
+
+  void PaintCurves(const AreaPicture& area, const AreaPlace& place, const PlotScale& scale) {
+    painter_.save();
+    painter_.setClipRect(place.Plot.intersected(layout_.Middle), Qt::IntersectClip);
+    painter_.setRenderHint(QPainter::Antialiasing);
+    PaintEnvelope(area, scale);
+    for (std::size_t i = 0; i < area.Graph.Curves.size(); ++i) {
+      painter_.setPen(CurvePen(area, i));
+      painter_.setBrush(Qt::NoBrush);
+      for (const PixelLine& line : VisibleLines(area.Graph.Curves[i], scale)) {
+        QPolygonF polygon;
+        for (const PixelPoint& point : line) polygon.append({point.X, point.Y});
+        painter_.drawPolyline(polygon);
+      }
+    }
+    painter_.restore();
+  }
+
+  void PaintEnvelope(const AreaPicture& area, const PlotScale& scale) {
+    const int channel = area.Graph.Area.Channel;
+    for (EnvelopePiece piece : area.Graph.Envelope) {
+      if (piece.End < window_.Start || piece.Start > window_.End) continue;
+      CutPiece(piece);
+      const double left = XOf(piece.Start);
+      const double right = XOf(piece.End);
+      const QPointF highStart(left, scale.YOf(piece.HighStart));
+      const QPointF highEnd(right, scale.YOf(piece.HighEnd));
+      const QPointF lowEnd(right, scale.YOf(piece.LowEnd));
+      const QPointF lowStart(left, scale.YOf(piece.LowStart));
+      painter_.setPen(Qt::NoPen);
+      painter_.setBrush(colors_.Envelope(channel));
+      painter_.drawPolygon(QPolygonF({highStart, highEnd, lowEnd, lowStart}));
+      painter_.setPen(QPen(colors_.Channel(channel), kLineWidth));
+      painter_.drawLine(highStart, highEnd);
+      painter_.drawLine(lowStart, lowEnd);
+    }
+  }
+
+  // To the window and a little beyond: at high zooms a piece reaches far over both sides.
+  void CutPiece(EnvelopePiece& piece) const {
+    const double length = piece.End - piece.Start;
+    if (length <= 0) return;
+    const double margin = (window_.End - window_.Start) / 10;
+    const double from = std::clamp((window_.Start - margin - piece.Start) / length, 0.0, 1.0);
+    const double to = std::clamp((window_.End + margin - piece.Start) / length, 0.0, 1.0);
+    const auto at = [](double a, double b, double part) { return a + (b - a) * part; };
+    const EnvelopePiece whole = piece;
+    piece.Start = at(whole.Start, whole.End, from);
+    piece.End = at(whole.Start, whole.End, to);
+    piece.LowStart = at(whole.LowStart, whole.LowEnd, from);
+    piece.LowEnd = at(whole.LowStart, whole.LowEnd, to);
+    piece.HighStart = at(whole.HighStart, whole.HighEnd, from);
+    piece.HighEnd = at(whole.HighStart, whole.HighEnd, to);
+  }
+
+  void PaintRuler() {
+    const QRectF& ruler = layout_.Ruler;
+    std::vector<LabelWish> wishes;
+    for (std::size_t i = first_; i < last_; ++i) {
+      const double left = std::max(XOf(picture_.Spans[i].Start), layout_.PlotLeft);
+      const double right = std::min(XOf(picture_.Spans[i].End), PlotRight());
+      wishes.push_back(
+          {(left + right) / 2, metrics_.horizontalAdvance(Text(picture_.StepLabels[i])), right - left});
+    }
+    const auto places = PlaceLabels(wishes, layout_.PlotLeft, ruler.right(), kPad);
+    painter_.setPen(colors_.Text);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+      if (!places[i]) continue;
+      const QRectF box(*places[i], ruler.top(), wishes[i].Width + 1, ruler.height());
+      painter_.drawText(box, Qt::AlignLeft | Qt::AlignVCenter, Text(picture_.StepLabels[first_ + i]));
+    }
+  }
+
+  struct TimeMark {
+    double X;
+    QString Label;
+  };
+
+  std::vector<TimeMark> TimeMarks() const {
+    std::vector<TimeMark> marks;
+    if (picture_.Axis == TimeAxis::Steps) {
+      // The time at which each step begins, and the end of the last one.
+      for (std::size_t i = first_; i < last_; ++i) {
+        const StepSpan& span = picture_.Spans[i];
+        marks.push_back({XOf(span.Start), SecondsText(span.StartTime)});
+        if (i + 1 == picture_.Spans.size()) marks.push_back({XOf(span.End), SecondsText(span.EndTime)});
+      }
+      return marks;
+    }
+    const ValueRange seconds{window_.Start / kMsPerSecond, window_.End / kMsPerSecond};
+    AxisTicks ticks = NiceTicks(seconds, static_cast<int>(layout_.PlotWidth / 40));
+    // Fewer ticks until their texts stand apart.
+    for (int most = static_cast<int>(layout_.PlotWidth / 40) - 1; most >= 1 && !StandApart(ticks); --most) {
+      ticks = NiceTicks(seconds, most);
+    }
+    for (const double tick : ticks.Values)
+      marks.push_back({XOf(tick * kMsPerSecond), Text(PlainTick(tick, ticks))});
+    return marks;
+  }
+
+  static QString SecondsText(double milliseconds) {
+    return Text(FormatNumber(milliseconds / kMsPerSecond, "0.###"));
+  }
+
+  // Times are never shortened by prefixes.
+  static std::string PlainTick(double value, const AxisTicks& ticks) {
+    std::string pattern = "0";
+    const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(ticks.Step) + 1e-9)));
+    if (decimals > 0) pattern += "." + std::string(static_cast<std::size_t>(decimals), '0');
+    return FormatNumber(value, pattern);
+  }
+
+  bool StandApart(const AxisTicks& ticks) const {
+    if (ticks.Values.size() < 2) return true;
+    const double distance = XOf(ticks.Step * kMsPerSecond) - XOf(0);
+    return std::all_of(ticks.Values.begin(), ticks.Values.end(), [&](double tick) {
+      return metrics_.horizontalAdvance(Text(PlainTick(tick, ticks))) + kLabelGap <= distance;
+    });
+  }
+
+  void PaintTimeAxis() {
+    const QRectF& axis = layout_.TimeAxis;
+    const std::vector<TimeMark> marks = TimeMarks();
+    std::vector<LabelWish> wishes;
+    for (const TimeMark& mark : marks) wishes.push_back({mark.X, metrics_.horizontalAdvance(mark.Label), 0});
+    const auto places = PlaceLabels(wishes, 0, axis.right(), kLabelGap);
+    const double height = LineHeight(font_);
+    for (std::size_t i = 0; i < marks.size(); ++i) {
+      if (!places[i] || marks[i].X < layout_.PlotLeft - 0.5 || marks[i].X > PlotRight() + 0.5) continue;
+      painter_.setPen(QPen(colors_.Faint, 1));
+      painter_.drawLine(QPointF(marks[i].X, axis.top()), QPointF(marks[i].X, axis.top() + kTickLength));
+      painter_.setPen(colors_.Text);
+      painter_.drawText(QRectF(*places[i], axis.top() + kTickLength, wishes[i].Width + 1, height),
+                        Qt::AlignLeft | Qt::AlignVCenter, marks[i].Label);
+    }
+    painter_.drawText(QRectF(0, axis.top() + kTickLength + height, PlotRight(), height),
+                      Qt::AlignRight | Qt::AlignVCenter, Text(picture_.AxisTitle));
+  }
+
+  QPainter& painter_;
+  const GraphPicture& picture_;
+  const GraphLayout& layout_;
+  const AxisWindow& window_;
+  const GraphColors& colors_;
+  QFontMetricsF metrics_;
+  QFont font_;
+  std::size_t first_ = 0;  // visible steps: first, and one behind the last
+  std::size_t last_ = 0;
+};
+
+QColor Mixed(const QColor& a, const QColor& b, double part) {
+  return QColor::fromRgbF(static_cast<float>(a.redF() + (b.redF() - a.redF()) * part),
+                          static_cast<float>(a.greenF() + (b.greenF() - a.greenF()) * part),
+                          static_cast<float>(a.blueF() + (b.blueF() - a.blueF()) * part));
+}
+
+}  // namespace
+
+GraphColors::GraphColors(const QPalette& palette)
+    : Background(palette.color(QPalette::Base)),
+      Panel(palette.color(QPalette::Window)),
+      Text(palette.color(QPalette::WindowText)),
+      Faint(Mixed(Panel, Text, 0.55)),
+      Grid(Mixed(Background, palette.color(QPalette::Text), 0.18)),
+      Reference(Mixed(Background, palette.color(QPalette::Text), 0.6)),
+      Dark(Background.lightness() < 128) {}
+
+QColor GraphColors::Channel(int channel) const {
+  if (channel == 1) return Dark ? QColor(0xF0, 0xA0, 0x30) : QColor(0xD5, 0x5E, 0x00);
+  return Dark ? QColor(0x56, 0xB4, 0xE9) : QColor(0x00, 0x72, 0xB2);
+}
+
+QColor GraphColors::Envelope(int channel) const {
+  QColor color = Channel(channel);
+  color.setAlpha(Dark ? 90 : 60);
+  return color;
+}
+
+int ComfortableHeight(int areas, const QFont& font) {
+  return static_cast<int>(RulerHeight(font) + TimeAxisHeight(font) +
+                          std::max(areas, 1) * LeastAreaHeight(font));
+}
+
+GraphLayout ComputeLayout(const GraphPicture& picture, const QSize& size, const QFont& font,
+                          double scrolled) {
+  GraphLayout layout;
+  const double ruler = RulerHeight(font);
+  const double axis = TimeAxisHeight(font);
+  const double middle = std::max(size.height() - ruler - axis, 0.0);
+  layout.Ruler = QRectF(0, 0, size.width(), ruler);
+  layout.Middle = QRectF(0, ruler, size.width(), middle);
+  layout.TimeAxis = QRectF(0, ruler + middle, size.width(), axis);
+  if (picture.Areas.empty()) return layout;
+  const auto count = static_cast<double>(picture.Areas.size());
+  const double height = std::floor(std::max(middle / count, LeastAreaHeight(font)));
+  layout.ContentHeight = height * count;
+  const QFontMetricsF metrics(font);
+  double labels = 0;
+  for (std::size_t i = 0; i < picture.Areas.size(); ++i) {
+    const double top = ruler + static_cast<double>(i) * height - scrolled;
+    AreaPlace place;
+    place.Header = QRectF(kPad, top, size.width() - 2 * kPad, HeaderHeight(font));
+    place.Plot = QRectF(0, place.Header.bottom(), 1, height - HeaderHeight(font) - 2 * kPad);
+    if (picture.Areas[i].Note.empty()) FillTicks(picture.Areas[i], font, place);
+    for (const QString& label : place.TickLabels) labels = std::max(labels, metrics.horizontalAdvance(label));
+    layout.Areas.push_back(std::move(place));
+  }
+  layout.PlotLeft = std::ceil(labels + kTickLength + 2 * kPad);
+  layout.PlotWidth = std::max(size.width() - layout.PlotLeft - kRightMargin, 1.0);
+  for (AreaPlace& place : layout.Areas) {
+    place.Plot.setLeft(layout.PlotLeft);
+    place.Plot.setWidth(layout.PlotWidth);
+  }
+  return layout;
+}
+
+PlotScale ScaleOf(const GraphLayout& layout, const AxisWindow& window, std::size_t area,
+                  const GraphPicture& picture) {
+  const QRectF& plot = layout.Areas[area].Plot;
+  return {window.Start, window.End,   picture.Areas[area].Graph.Range, plot.left(), plot.top(),
+          plot.width(), plot.height()};
+}
+
+void PaintPicture(QPainter& painter, const GraphPicture& picture, const GraphLayout& layout,
+                  const AxisWindow& window, const GraphColors& colors, const QFont& font) {
+  const QRectF whole = layout.Ruler.united(layout.TimeAxis);
+  painter.fillRect(whole, colors.Panel);
+  if (!picture.Note.empty()) {
+    painter.setFont(font);
+    painter.setPen(colors.Text);
+    painter.drawText(whole, Qt::AlignCenter | Qt::TextWordWrap, Text(picture.Note));
+    return;
+  }
+  PicturePainter(painter, picture, layout, window, colors, font).Paint();
+}
+
+}  // namespace corlune

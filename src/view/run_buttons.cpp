@@ -1,0 +1,90 @@
+#include "view/run_buttons.h"
+
+#include <utility>
+
+#include <QPushButton>
+
+#include "editing/cell_view.h"
+#include "view/flow_layout.h"
+
+namespace corlune {
+
+namespace {
+
+constexpr int kFirstCaption = 8000;
+constexpr int kSpacing = 4;
+
+QColor ColorOf(const Color& color) {
+  return {color.Red, color.Green, color.Blue};
+}
+
+QColor Mixed(const QColor& a, const QColor& b) {
+  return {(a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2};
+}
+
+}  // namespace
+
+bool RunButtonApplies(PanelButton button, const AppState& state) {
+  const bool execution = state.OperationMode == OperationMode::Execution;
+  switch (button) {
+    case PanelButton::Mode:
+      return execution;
+    case PanelButton::Start:
+      return state.RunState == RunState::Running;
+    case PanelButton::Stop:
+      return execution && state.RunState == RunState::Stopped;
+    case PanelButton::Hold:
+      return state.RunState == RunState::Held;
+    case PanelButton::Branch:
+      return state.BranchRequested;
+    case PanelButton::Output:
+      return execution && state.OutputOn;
+  }
+  return false;
+}
+
+RunButtons::RunButtons(const MessageCatalogue& catalogue, std::function<void(int)> pressed, QWidget* parent)
+    : QWidget(parent) {
+  auto* layout = new FlowLayout(this, kSpacing);
+  for (int i = 0; i < kPanelButtonCount; ++i) {
+    const QString caption = QString::fromStdString(catalogue.GetResString(kFirstCaption + i));
+    auto* button = new QPushButton(caption, this);
+    button->setObjectName(QStringLiteral("CmdBtn1_%1").arg(i));
+    button->setAutoDefault(false);
+    // The bold caption of a state that applies must fit without moving the other buttons.
+    QFont font = button->font();
+    font.setBold(true);
+    button->setFont(font);
+    button->setMinimumWidth(button->sizeHint().width());
+    font.setBold(false);
+    button->setFont(font);
+    connect(button, &QPushButton::clicked, this, [pressed, i] { pressed(i); });
+    layout->addWidget(button);
+    buttons_[static_cast<std::size_t>(i)] = button;
+  }
+}
+
+void RunButtons::ShowStates(const ControlStates& states, const AppState& state,
+                            const ModelDefinition& definition) {
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    QPushButton* button = buttons_[i];
+    const bool applies = RunButtonApplies(static_cast<PanelButton>(i), state);
+    const Color& color = applies ? definition.Buttons[i].Color2 : definition.Buttons[i].Color1;
+    const QColor face = ColorOf(color);
+    const QColor text = ColorOf(TextColorOn(color));
+    QPalette palette = button->palette();
+    palette.setColor(QPalette::Button, face);
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::Disabled, QPalette::ButtonText, Mixed(face, text));
+    if (palette != button->palette()) button->setPalette(palette);
+    QFont font = button->font();
+    if (font.bold() != applies) {
+      font.setBold(applies);
+      button->setFont(font);
+    }
+    button->setVisible(states.Buttons[i].Visible);
+    button->setEnabled(states.Buttons[i].Enabled);
+  }
+}
+
+}  // namespace corlune
