@@ -154,7 +154,7 @@ std::string QtFilter(const std::string& filter) {
 }
 
 std::string FilterSuffix(const std::string& filter) {
-  static const QRegularExpression kSuffix(QStringLiteral("\\|[^|]*\\*\\.(\\w+)"));
+  static const QRegularExpression kSuffix(QStringLiteral("\\|[^|]*?\\*\\.(\\w+)"));
   return kSuffix.match(Text(filter)).captured(1).toStdString();
 }
 

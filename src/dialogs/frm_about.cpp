@@ -59,7 +59,7 @@ FrmAbout::FrmAbout(const MessageCatalogue& catalogue, const AboutFacts& facts, Q
   auto* layout = new QVBoxLayout(this);
   auto* head = new QHBoxLayout;
   auto* titles = new QVBoxLayout;
-  const QIcon icon = QApplication::windowIcon();
+  const QIcon icon = parent ? parent->windowIcon() : QApplication::windowIcon();
   if (!icon.isNull()) {
     auto* picture = new QLabel(this);
     picture->setPixmap(icon.pixmap(kIconSize * logicalDpiX() / 96));

@@ -14,6 +14,7 @@
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
 #include "ui/stat_bar.h"
+#include "ui/ui_font.h"
 #include "view/frm_preview.h"
 
 namespace corlune {
@@ -65,6 +66,7 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
       place_(parts.settings.Place()) {
   setObjectName(QStringLiteral("frmMain"));
   setAcceptDrops(true);
+  setFont(UiFont(session_.State()));
   setMinimumSize(TwipsToPixels(kLeastWidth, this), TwipsToPixels(kLeastHeight, this));
   recentFiles_ = settings_.RecentFiles();
   SetAppIcon(this, QString::fromUtf8(kApplicationIcon), true);
@@ -108,13 +110,10 @@ QWidget* MainWindow::BuildButtonRow() {
     auto* button = new QPushButton(Caption(8000 + i), row);
     button->setObjectName(QStringLiteral("CmdBtn1_%1").arg(i));
     button->setAutoDefault(false);
-    // A state that applies is written bold; the width is that of the bold caption from the beginning.
+    // A state that applies is written bold: no narrower than that caption.
     QFont bold = button->font();
     bold.setBold(true);
-    button->setFont(bold);
-    button->setMinimumWidth(button->sizeHint().width());
-    bold.setBold(false);
-    button->setFont(bold);
+    button->setMinimumWidth(QFontMetrics(bold).horizontalAdvance(button->text()) + 2 * kMargin);
     connect(button, &QPushButton::clicked, this, [this, i] { RunButton(i); });
     buttons_[static_cast<std::size_t>(i)] = button;
     layout->addWidget(button);

@@ -1,0 +1,105 @@
+// Arithmetic of places and widths, the settings file, and the file dialog's filters.
+#include <gtest/gtest.h>
+
+#include "app/qt_ports.h"
+#include "support/temp_folder.h"
+#include "ui/form_style.h"
+#include "ui/window_settings.h"
+
+namespace corlune::testing {
+namespace {
+
+TEST(Placement, AWindowComesBackOntoAVisibleScreen) {
+  const QRect left(0, 0, 1000, 800);
+  const QRect right(1000, 0, 1000, 600);
+  const QSize smallest(512, 480);
+  struct Row {
+    const char* what;
+    QRect wanted;
+    QList<QRect> screens;
+    QRect placed;
+  };
+  const std::vector<Row> rows{
+      {"as it was", {1100, 50, 700, 500}, {left, right}, {1100, 50, 700, 500}},
+      {"the second screen is gone", {1100, 50, 700, 500}, {left}, {300, 50, 700, 500}},
+      {"above and left of everything", {-5000, -40, 700, 500}, {left}, {0, 0, 700, 500}},
+      {"a smaller screen", {100, 100, 1800, 1200}, {left}, {0, 0, 1000, 800}},
+      {"across two screens, mostly on the right", {900, 10, 600, 500}, {left, right}, {1000, 10, 600, 500}},
+      {"a screen smaller than the window can be",
+       {0, 0, 700, 700},
+       {QRect(0, 0, 400, 300)},
+       {0, 0, 512, 480}},
+      {"no screen at all", {7, 8, 700, 500}, {}, {7, 8, 700, 500}},
+  };
+  for (const Row& row : rows)
+    EXPECT_EQ(ClampToScreens(row.wanted, row.screens, smallest), row.placed) << row.what;
+}
+
+TEST(Placement, WidthsAreThoseOfTheTwoStylesAndBetweenThem) {
+  EXPECT_EQ(StyleForWidth(10995), (FormStyle{10995, 8415, 10215, 10575}));
+  EXPECT_EQ(StyleForWidth(7680), (FormStyle{7680, 5580, 7175, 7435}));
+  EXPECT_EQ(StyleForWidth(12000), (FormStyle{12000, 8415, 11220, 11580}));
+  for (int width = 7680; width < 13000; width += 15) {
+    const FormStyle style = StyleForWidth(width);
+    EXPECT_LT(style.ChannelGrid, style.Tabs) << width;
+    EXPECT_LT(style.Tabs, style.Window) << width;
+    EXPECT_LE(style.CommonGrid, StyleForWidth(width + 15).CommonGrid) << width;
+  }
+}
+
+TEST(Placement, DamagedSettingsCountAsNone) {
+  const TempFolder folder;
+  for (const char* text : {"", "[Window]\nLeft=1\nTop=2\nWidth=0\nHeight=500\n",
+                           "[Window]\nLeft=a\nTop=2\nWidth=700\nHeight=500\n",
+                           "[Window]\nLeft=1\nTop=2\nWidth=99999999999\nHeight=500\n", "\x01\xff[[["}) {
+    folder.Write("CorluneWindow.ini", text);
+    EXPECT_FALSE(WindowSettings(folder.Path()).Place()) << text;
+    EXPECT_TRUE(WindowSettings(folder.Path()).RecentFiles().isEmpty()) << text;
+  }
+  QStringList files;
+  for (int i = 0; i < 12; ++i) files = WithRecentFile(files, QStringLiteral("/日本,%1.dat").arg(i));
+  files = WithRecentFile(files, QStringLiteral("/日本,6.dat"));
+  EXPECT_EQ(files.size(), 8);
+  EXPECT_EQ(files[0], QStringLiteral("/日本,6.dat"));
+  const WindowSettings settings(folder.Path());
+  settings.Write(WindowPlace{{-20, 5, 600, 500}, true}, files);
+  EXPECT_EQ(settings.RecentFiles(), files);
+  ASSERT_TRUE(settings.Place());
+  EXPECT_EQ(settings.Place()->geometry, QRect(-20, 5, 600, 500));
+  EXPECT_TRUE(settings.Place()->maximized);
+}
+
+TEST(FileFilters, AreGivenToTheDialogInItsOwnForm) {
+  struct Row {
+    const char* filter;
+    const char* dialog;
+    const char* suffix;
+  };
+  for (const Row& row :
+       {Row{"Sequence data(*.dat) | *.dat", "Sequence data (*.dat)", "dat"},
+        Row{"Sequence data(*.daf;*.dat) | *.daf;*.dat", "Sequence data (*.daf *.dat)", "daf"},
+        Row{"シーケンスデータ (*.dat) | *.dat", "シーケンスデータ (*.dat)", "dat"}, Row{"all", "all", ""}}) {
+    EXPECT_EQ(QtFilter(row.filter), row.dialog);
+    EXPECT_EQ(FilterSuffix(row.filter), row.suffix);
+  }
+}
+
+// Jumps past the end of the wait between two looks.
+class JumpingClock : public TickClock {
+ public:
+  std::uint32_t Now() const override { return now_ += 7; }
+
+ private:
+  mutable std::uint32_t now_ = 0xFFFFFFF0U;
+};
+
+TEST(EventPump, AWaitEndsEvenWhenItsEndIsPassedBetweenTwoLooks) {
+  JumpingClock clock;
+  QtEventPump pump(clock);
+  const std::uint32_t tick = clock.Now() + 10;
+  pump.SleepUntil(tick);
+  EXPECT_TRUE(TickReached(clock.Now(), tick));
+}
+
+}  // namespace
+}  // namespace corlune::testing

@@ -1,0 +1,186 @@
+// Modes and runs through the window: what can be pressed when, and presses that arrive inside waits.
+#include <gmock/gmock.h>
+
+#include "gui/main_window/window_rig.h"
+
+namespace corlune::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+// Enabled run buttons as digits, "-" for a disabled one; then E for editing, F for opening files, C for
+// closing.
+std::string Possible(const WindowRig& rig) {
+  std::string text;
+  for (int i = 0; i < kPanelButtonCount; ++i) text += rig.Button(i)->isEnabled() ? std::to_string(i) : "-";
+  text += rig.window->States().EditCells ? " E" : " -";
+  text += rig.Item("mnuFileItem_1")->isEnabled() ? "F" : "-";
+  text += rig.window->States().Close ? "C" : "-";
+  return text;
+}
+
+TEST(WindowRun, ControlsFollowModeAndRunState) {
+  WindowRig rig;
+  rig.Start();
+  EXPECT_EQ(Possible(rig), "0----- EFC");
+  rig.prompts.Answer(PromptAnswer::Ok);
+  rig.Click(rig.Button(0));
+  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9204))) << "execution mode needs a step";
+  EXPECT_EQ(Possible(rig), "0----- EFC");
+
+  rig.AddSteps(2);
+  rig.EnterExecution();
+  EXPECT_EQ(Possible(rig), "01---5 --C");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Mode), "Execution mode");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Total), "Total time:00:00:02.0");
+
+  rig.StartRun();
+  EXPECT_EQ(Possible(rig), "--2345 ---");
+  EXPECT_FALSE(rig.window->close()) << "a running sequence keeps the window open";
+  rig.Key(Qt::Key_F6);
+  rig.Tick();
+  EXPECT_EQ(rig.session->State().RunState, RunState::Held);
+  EXPECT_EQ(Possible(rig), "-12--5 ---");
+  EXPECT_FALSE(rig.window->close());
+  rig.Key(Qt::Key_F5);
+  EXPECT_EQ(rig.session->State().RunState, RunState::Running);
+
+  rig.Key(Qt::Key_F5, Qt::ShiftModifier);
+  EXPECT_EQ(rig.session->State().RunState, RunState::Running) << "a stop waits for the tick";
+  rig.Tick();
+  EXPECT_EQ(Possible(rig), "01---5 --C");
+  rig.Click(rig.Button(0));
+  EXPECT_EQ(Possible(rig), "0----- EFC");
+}
+
+TEST(WindowRun, F8SwitchesTheOutputToItsOtherState) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(1);
+  rig.EnterExecution();
+  const bool before = rig.session->State().OutputOn;
+  rig.Key(Qt::Key_F8);
+  EXPECT_EQ(rig.session->State().OutputOn, !before);
+  rig.Key(Qt::Key_F8);
+  EXPECT_EQ(rig.session->State().OutputOn, before);
+  rig.Click(rig.Button(5));
+  EXPECT_EQ(rig.session->State().OutputOn, !before);
+}
+
+TEST(WindowRun, NothingCanBePressedDuringADownload) {
+  WindowRig rig(WindowRig::Bus::OneInstrument);
+  rig.Start();
+  rig.AddSteps(1);
+  std::vector<std::string> seen;
+  rig.prompts.WhileOpen([&] { seen.push_back(Possible(rig)); });
+  rig.pump.OnEveryCall([&] {
+    QCoreApplication::processEvents();
+    seen.push_back(Possible(rig));
+    // Whatever arrives all the same starts nothing.
+    rig.window->OpenPath(rig.folder.File("Corlune_Std.ini"));
+    EXPECT_FALSE(rig.window->close());
+    EXPECT_FALSE(rig.window->EndOfDesktopSession(true));
+    rig.session->Control().Button(0);
+  });
+  rig.EnterExecution();
+  rig.pump.OnEveryCall({});
+  ASSERT_GT(seen.size(), 10U) << "a download waits";
+  EXPECT_THAT(seen, ::testing::Each(std::string("------ ---")));
+  EXPECT_EQ(rig.script.CountOf("0 block "), 1);
+  EXPECT_EQ(rig.closed, 0);
+  EXPECT_EQ(Possible(rig), "01---5 --C");
+}
+
+TEST(WindowRun, AFailedDownloadIsNamedInTheStatusBarUntilTheNextCommand) {
+  struct Case {
+    const char* what;
+    std::function<void(WindowRig&)> prepare;
+    std::string notice;
+  };
+  const std::vector<Case> cases{
+      {"an error number",
+       [](WindowRig& rig) {
+         rig.prompts.Type("A");
+         rig.script.Reply(":SYST:ERR?", {"-102,\"Syntax error\""});
+       },
+       "-102"},
+      {"the name was cancelled", [](WindowRig& rig) { rig.prompts.Type(std::nullopt); }, ""},
+  };
+  for (const Case& test : cases) {
+    SCOPED_TRACE(test.what);
+    WindowRig rig(WindowRig::Bus::OneInstrument);
+    rig.Start();
+    rig.AddSteps(1);
+    test.prepare(rig);
+    rig.Click(rig.Button(0));
+    EXPECT_EQ(rig.session->State().OperationMode, OperationMode::Edit);
+    EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr(test.notice));
+    EXPECT_EQ(rig.window->Status().Notice().isEmpty(), test.notice.empty());
+    EXPECT_EQ(Possible(rig), "0----- EFC");
+    rig.window->Grids().EditCommand(4);
+    rig.prompts.Answer(PromptAnswer::No);
+    rig.Key(Qt::Key_N, Qt::ControlModifier);
+    EXPECT_TRUE(rig.window->Status().Notice().isEmpty());
+  }
+}
+
+TEST(WindowRun, StopWorksWhileTheStartIsStillWaiting) {
+  WindowRig rig(WindowRig::Bus::OneInstrument);
+  rig.Start();
+  rig.AddSteps(1);
+  rig.EnterExecution();
+  bool pressed = false;
+  rig.pump.OnEveryCall([&] {
+    QCoreApplication::processEvents();
+    if (std::exchange(pressed, true)) return;
+    EXPECT_EQ(Possible(rig).substr(0, 6), "--2---");
+    QTest::mouseClick(rig.Button(2), Qt::LeftButton);
+    EXPECT_FALSE(rig.window->close()) << "closing during a command wait";
+  });
+  rig.script.ClearLog();
+  rig.Key(Qt::Key_F5);
+  EXPECT_TRUE(pressed) << "the start command has a wait";
+  EXPECT_EQ(rig.session->State().RunState, RunState::Stopped);
+  EXPECT_EQ(rig.script.CountOf("0 < :TRIG1:SEL:EXEC STOP"), 1);
+  EXPECT_EQ(Possible(rig), "01---5 --C");
+}
+
+TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
+  WindowRig rig(WindowRig::Bus::OneInstrument);
+  rig.Start();
+  rig.AddSteps(2);
+  rig.EnterExecution();
+  rig.StartRun();
+  rig.script.FailOn("0 < :SOUR1:SEQ:CST?", CommStatus::Error, 99);
+  rig.prompts.Answer(PromptAnswer::Ok);
+  rig.Tick();
+  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
+  EXPECT_EQ(Possible(rig), "0----- EFC");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Mode), "Edit mode");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Elapsed), "Elapsed time:00:00:00.0");
+}
+
+TEST(WindowRun, ReadBackLocksEditingAndIsOneUndoEntry) {
+  WindowRig rig(WindowRig::Bus::OneInstrument);
+  rig.Start();
+  rig.AddSteps(2);
+  rig.script.FileReply(
+      "[DATA]\r\nSEQ=1,SYNC,OFF,STAR,OFF\r\n"
+      "STEP#0=7.5,CONT,OFF,0,OFF,1,OFF,1,OFF,1,INF,1,OFF,0\r\n");
+  std::vector<std::string> seen;
+  rig.pump.OnEveryCall([&] { seen.push_back(Possible(rig)); });
+  rig.Click(rig.window->findChild<QPushButton*>("CmdRead"));
+  EXPECT_THAT(seen, ::testing::AllOf(::testing::Not(IsEmpty()), ::testing::Each(std::string("------ ---"))));
+  EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 7.5);
+  EXPECT_EQ(rig.session->Sequence().StepCount, 1);
+  EXPECT_TRUE(rig.window->isWindowModified());
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+  rig.Item("mnuUndo")->trigger();
+  EXPECT_EQ(rig.session->Sequence().StepCount, 2);
+  EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 1);
+}
+
+}  // namespace
+}  // namespace corlune::testing

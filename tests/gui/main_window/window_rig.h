@@ -1,0 +1,161 @@
+// The main window over a session with scripted instruments, prompts and file dialogs, on the test's clock.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QAction>
+#include <QApplication>
+#include <QPushButton>
+#include <QTest>
+
+#include "session/session_rig.h"
+#include "ui/entry_field.h"
+#include "ui/grid_panel.h"
+#include "ui/main_window.h"
+#include "ui/stat_bar.h"
+#include "ui/window_display.h"
+
+namespace corlune::testing {
+
+// Leaves the text as it is: the scripted instrument takes everything.
+class AgreeableCompiler : public CompilerLibrary {
+ public:
+  CompilerCall CompileSeqData(const std::string&, const std::array<ArbInformation, 128>&, CompileErrorRecord&,
+                              std::int32_t&) override {
+    return CompilerCall::Done;
+  }
+  std::string Problem() const override { return {}; }
+};
+
+struct WindowRig {
+  enum class Bus { Empty, OneInstrument };
+
+  explicit WindowRig(Bus bus = Bus::Empty, bool english = true) {
+    definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
+    folder.Write("Corlune.ini", "[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n");
+    options.english = english;
+    if (bus == Bus::OneInstrument) search.Attach(kPrefix2220, "1000001");
+    script.Reply("*IDN?", {"TAVRIN,QM2220,1000001,1.00"});
+    script.Reply(":SOUR1:SEQ:STAT?", {"1"});
+    script.Reply(":SYST:ERR?", {"0,\"No error\""});
+    script.Reply(":SYST:BUSY?", {"0"});
+    script.Reply("*ESR?", {"0"});
+    script.Reply(":OUTP1?;:OUTP2?", {"1;1"});
+    script.Reply(":SOUR1:SEQ:CST?", {"0"});
+    script.Reply(":STAT:OPER:CH1:COND?", {"2"});
+    script.StatusBytes({0x80});
+    // Presses and repaints arrive inside the waits.
+    pump.OnEveryCall([] { QCoreApplication::processEvents(); });
+  }
+
+  // Starts the program up to its shown window, as after a start of the process.
+  void Start() {
+    window.reset();
+    editor.reset();
+    session.reset();
+    folder.Write("Corlune_Std.ini", definition);
+    options.appFolder = folder.Path();
+    const SessionPorts ports{prompts, clock, pump, timer, progress, display, display, end, files, display};
+    session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram&) {
+      return OutsideParts{std::make_unique<GpFrontEnd>(state, ScriptedBackends(script), &search),
+                          std::make_unique<AgreeableCompiler>()};
+    });
+    editor = std::make_unique<SequenceEditor>(session->State(), session->Definition(), session->Sequence(),
+                                              session->Catalogue(), prompts);
+    ASSERT_EQ(session->StartUp({}), StartUpResult::Show);
+    editor->Restart();
+    settings = std::make_unique<WindowSettings>(folder.Path());
+    window = std::make_unique<MainWindow>(
+        MainWindowParts{*session, *editor, prompts, files, *settings, "1.2.3", QDate(2018, 9, 5)});
+    display.Attach(window.get());
+    QObject::connect(window.get(), &MainWindow::Closed, window.get(), [this] { ++closed; });
+    window->ShowAtPlace();
+    QApplication::setActiveWindow(window.get());
+    Settle();
+  }
+  ~WindowRig() { display.Attach(nullptr); }
+
+  void Settle() const {
+    for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
+  }
+  void AddSteps(int count) {
+    for (int i = 0; i < count; ++i) window->Grids().EditCommand(4);
+    Settle();
+  }
+  // A saved sequence of one step.
+  std::string SequenceFile(const std::string& name) {
+    const std::string path = folder.File(name);
+    EXPECT_TRUE(session->WriteFile(path, true));
+    return path;
+  }
+
+  QAction* Item(const char* name) const {
+    auto* action = window->findChild<QAction*>(QString::fromUtf8(name));
+    if (!action) ADD_FAILURE() << "no menu item " << name;
+    return action;
+  }
+  QPushButton* Button(int index) const {
+    return window->findChild<QPushButton*>(QStringLiteral("CmdBtn1_%1").arg(index));
+  }
+  EntryField* Field(const char* name) const {
+    return window->findChild<EntryField*>(QString::fromUtf8(name));
+  }
+  void Click(QWidget* widget) const {
+    QTest::mouseClick(widget, Qt::LeftButton);
+    Settle();
+  }
+  void Key(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const {
+    QWidget* target = QApplication::focusWidget() ? QApplication::focusWidget() : window.get();
+    QTest::keyClick(target, static_cast<Qt::Key>(key), modifiers);
+    Settle();
+  }
+  void Type(const QString& text) const { QTest::keyClicks(QApplication::focusWidget(), text); }
+  // Into execution mode, with the proposed name when on-line.
+  void EnterExecution() {
+    if (session->State().Online == 1) prompts.Type("Seq0");
+    Click(Button(0));
+    ASSERT_EQ(session->State().OperationMode, OperationMode::Execution);
+  }
+  void StartRun() {
+    if (!session->State().OutputOn) prompts.Answer(PromptAnswer::Ok);
+    script.Reply(":STAT:OPER:CH1:COND?", {"4"});
+    Key(Qt::Key_F5);
+    ASSERT_EQ(session->State().RunState, RunState::Running);
+  }
+  void Tick() {
+    clock.Advance(101);
+    session->Monitor().Tick();
+    Settle();
+  }
+  std::string Text(int id) const { return session->Catalogue().GetResString(id); }
+  std::vector<std::string> Messages() {
+    std::vector<std::string> texts;
+    for (const MessageRequest& message : prompts.messages) texts.push_back(message.text);
+    prompts.messages.clear();
+    return texts;
+  }
+
+  TempFolder folder;
+  std::string definition;  // content of the model definition file
+  ScriptedPrompts prompts;
+  FakeClock clock;
+  FakePump pump{clock};
+  RecordedTickSource timer;
+  RecordedProgress progress;
+  RecordedEnd end;
+  ScriptedFiles files;
+  WindowDisplay display;
+  GpScript script;
+  FakeSearch search;
+  SessionOptions options;
+  std::unique_ptr<WindowSettings> settings;
+  std::unique_ptr<Session> session;
+  std::unique_ptr<SequenceEditor> editor;
+  std::unique_ptr<MainWindow> window;
+  int closed = 0;
+};
+
+}  // namespace corlune::testing

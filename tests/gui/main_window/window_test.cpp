@@ -1,0 +1,304 @@
+// The window itself: menus, title, files that arrive from outside, closing, and what the next start finds.
+#include <gmock/gmock.h>
+#include <map>
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QTableView>
+#include <QUrl>
+
+#include "dialogs/frm_about.h"
+#include "dialogs/frm_prgrs.h"
+#include "gui/main_window/window_rig.h"
+
+namespace corlune::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+std::vector<std::string> Shown(const QList<QAction*>& actions) {
+  std::vector<std::string> texts;
+  for (const QAction* action : actions) {
+    if (action->isVisible() && !action->isSeparator()) texts.push_back(action->text().toStdString());
+  }
+  return texts;
+}
+
+TEST(WindowMenus, AreBuiltFromTheModelDefinition) {
+  WindowRig rig;
+  const auto replace = [&](const std::string& from, const std::string& to) {
+    for (std::size_t at = rig.definition.find(from); at != std::string::npos;
+         at = rig.definition.find(from, at + to.size())) {
+      rig.definition.replace(at, from.size(), to);
+    }
+  };
+  replace("MN_VIEW=1", "MN_VIEW=0");
+  replace("MN_RUNITEM=1,1,1,1,1,1", "MN_RUNITEM=1,1,0,0,1,1");
+  replace("SC_BTNHOLD=1", "SC_BTNHOLD=0");
+  replace("SC_BRANCH=1", "SC_BRANCH=0");
+  rig.Start();
+  EXPECT_THAT(Shown(rig.window->menuBar()->actions()),
+              ElementsAre("File(&F)", "Edit(&E)", "Mode(&M)", "Run(&R)", "Tool(&T)", "Help(&H)"));
+  EXPECT_THAT(Shown(rig.window->findChild<QMenu*>("mnuRun")->actions()),
+              ElementsAre("Start(&S)", "Stop(&E)", "Output ON(&N)", "Output OFF(&F)"));
+  EXPECT_THAT(Shown(rig.window->findChild<QMenu*>("mnuFile")->actions()),
+              ElementsAre("New(&N)", "Open...(&O)", "Save(&S)", "Save As...(&A)", "Import CSV...(&I)",
+                          "Export CSV...(&E)", "Recent Files(&R)", "Exit(&X)"));
+  EXPECT_FALSE(rig.Button(3)->isVisible());
+  EXPECT_FALSE(rig.Field("TxtBranch")->isVisible());
+  EXPECT_TRUE(rig.Field("TxtStrStep")->isVisible());
+}
+
+TEST(WindowMenus, EveryKeyBelongsToOneCommand) {
+  WindowRig rig;
+  rig.Start();
+  std::map<QString, QStringList> owners;
+  for (const QAction* action : rig.window->findChildren<QAction*>()) {
+    if (action->shortcutContext() != Qt::WindowShortcut) continue;
+    for (const QKeySequence& keys : action->shortcuts()) owners[keys.toString()].append(action->objectName());
+  }
+  for (const auto& [keys, names] : owners) {
+    EXPECT_EQ(names.size(), 1) << keys.toStdString() << ": " << names.join(", ").toStdString();
+  }
+  for (const char* keys :
+       {"Ctrl+N", "Ctrl+O", "Ctrl+S", "Ctrl+Shift+S", "Ctrl+C", "Ctrl+V", "Ctrl+A", "Ctrl+Q", "F1", "F5",
+        "Shift+F5", "F6", "F7", "F8", "Ctrl+Z", "Ctrl+Y", "Ctrl+Shift+Z"}) {
+    EXPECT_TRUE(owners.contains(QString::fromUtf8(keys))) << keys;
+  }
+}
+
+TEST(WindowTitle, NamesTheFileAndMarksChanges) {
+  WindowRig rig;
+  rig.Start();
+  const std::string name = "Tavrin Corlune for QM2210/20";
+  EXPECT_EQ(rig.window->windowTitle().toStdString(), name + "  [*]");
+  rig.AddSteps(1);
+  EXPECT_TRUE(rig.window->isWindowModified());
+  rig.files.save = {rig.folder.File("a[*].dat")};
+  rig.Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_FALSE(rig.window->isWindowModified());
+  EXPECT_EQ(rig.window->windowTitle().toStdString(), name + "  " + rig.folder.File("a[*][*].dat") + "[*]");
+  rig.Key(Qt::Key_N, Qt::ControlModifier);
+  EXPECT_EQ(rig.session->Sequence().StepCount, 0);
+  EXPECT_EQ(rig.window->windowTitle().toStdString(), name + "  [*]");
+}
+
+// A drop as the desktop delivers it: enter, drop, then the event loop. True when it was accepted.
+bool Drop(const WindowRig& rig, const QList<QUrl>& urls) {
+  QMimeData data;
+  data.setUrls(urls);
+  QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(rig.window.get(), &enter);
+  if (!enter.isAccepted()) return false;
+  QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(rig.window.get(), &drop);
+  rig.Settle();
+  return true;
+}
+
+TEST(WindowFiles, ADroppedSequenceFileIsOpenedThroughTheSaveQuestion) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(3);
+  const std::string three = rig.SequenceFile("three.DAT");
+  rig.AddSteps(1);
+  const QUrl url = QUrl::fromLocalFile(QString::fromStdString(three));
+  rig.prompts.Answer(PromptAnswer::Cancel);
+  EXPECT_TRUE(Drop(rig, {url}));
+  EXPECT_EQ(rig.session->Sequence().StepCount, 4) << "cancelled";
+  rig.prompts.Answer(PromptAnswer::No);
+  EXPECT_TRUE(Drop(rig, {url}));
+  EXPECT_EQ(rig.session->Sequence().StepCount, 3);
+  EXPECT_EQ(rig.session->State().CurrentFilePath, three);
+
+  rig.folder.Write("foreign.dat", "not a sequence");
+  rig.prompts.Answer(PromptAnswer::Ok);
+  EXPECT_TRUE(Drop(rig, {QUrl::fromLocalFile(QString::fromStdString(rig.folder.File("foreign.dat")))}));
+  EXPECT_EQ(rig.session->Sequence().StepCount, 3) << "a file that cannot be read changes nothing";
+
+  EXPECT_FALSE(Drop(rig, {url, url})) << "two files";
+  EXPECT_FALSE(Drop(rig, {QUrl(QStringLiteral("https://example.org/three.dat"))}));
+  EXPECT_FALSE(Drop(rig, {QUrl::fromLocalFile(QStringLiteral("/etc/hosts"))}));
+  rig.EnterExecution();
+  EXPECT_FALSE(Drop(rig, {url})) << "execution mode";
+}
+
+TEST(WindowFiles, ASecondStartComesToTheFrontAndOpensItsFileOnlyInEditMode) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(2);
+  const std::string path = rig.SequenceFile("two.dat");
+  rig.window->showMinimized();
+  rig.prompts.Answer(PromptAnswer::No);
+  rig.window->ActivatedByOtherStart(path);
+  EXPECT_FALSE(rig.window->isMinimized());
+  EXPECT_EQ(rig.session->State().CurrentFilePath, path);
+
+  rig.EnterExecution();
+  rig.window->ActivatedByOtherStart(path + "x");
+  EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr(path + "x"));
+  EXPECT_EQ(rig.session->State().CurrentFilePath, path);
+  rig.Click(rig.Button(0));
+  EXPECT_TRUE(rig.window->Status().Notice().isEmpty());
+
+  // While a message is open the file waits for nobody: it is named and not opened.
+  rig.AddSteps(1);
+  rig.prompts.WhileOpen([&] { rig.window->ActivatedByOtherStart(path + "y"); });
+  rig.prompts.Answer(PromptAnswer::Cancel);
+  rig.Key(Qt::Key_N, Qt::ControlModifier);
+  EXPECT_EQ(rig.Messages().size(), 2U) << "two save questions in all";
+}
+
+TEST(WindowFiles, RecentFilesAreKeptForTheNextStartAndForgottenWhenGone) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(1);
+  const std::string one = rig.SequenceFile("one.dat");
+  const std::string two = rig.SequenceFile("t&o.dat");
+  rig.prompts.Answer(PromptAnswer::No);
+  rig.window->OpenPath(one);
+  rig.window->OpenPath(two);
+  rig.window->OpenPath(one);
+  EXPECT_TRUE(rig.window->close());
+  rig.Start();
+  QMenu* recent = rig.window->findChild<QMenu*>("mnuRecent");
+  EXPECT_THAT(Shown(recent->actions()), ElementsAre("&1 one.dat", "&2 t&&o.dat"));
+  ASSERT_EQ(std::remove(two.c_str()), 0);
+  rig.prompts.Answer(PromptAnswer::Ok);
+  recent->actions().at(1)->trigger();
+  rig.Settle();
+  EXPECT_THAT(rig.Messages(), ::testing::Contains(rig.Text(9306)));
+  EXPECT_THAT(Shown(recent->actions()), ElementsAre("&1 one.dat"));
+}
+
+TEST(WindowClose, WritesEverythingForTheNextStart) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(3);
+  rig.prompts.Answer(PromptAnswer::Cancel);
+  EXPECT_FALSE(rig.window->close());
+  EXPECT_TRUE(rig.window->isVisible());
+  EXPECT_EQ(TempFolder::Read(rig.folder.File("Corlune_QM2220.ini")), "") << "cancelled: no work file";
+  EXPECT_EQ(rig.closed, 0);
+
+  rig.window->resize(rig.window->width() - 40, rig.window->height() - 30);
+  rig.window->move(30, 20);
+  rig.Settle();
+  const QRect place(rig.window->pos(), rig.window->size());
+  rig.prompts.Answer(PromptAnswer::No);
+  rig.Key(Qt::Key_Q, Qt::ControlModifier);
+  EXPECT_EQ(rig.closed, 1);
+  EXPECT_FALSE(rig.window->isVisible());
+  EXPECT_EQ(TempFolder::Read(rig.folder.File("Corlune.ini")), "[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n");
+
+  rig.Start();
+  EXPECT_EQ(rig.session->Sequence().StepCount, 3);
+  EXPECT_EQ(QRect(rig.window->pos(), rig.window->size()), place);
+}
+
+TEST(WindowClose, TheEndOfTheDesktopSessionAsksOnlyWhenItMay) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(2);
+  EXPECT_TRUE(rig.window->EndOfDesktopSession(false));
+  EXPECT_THAT(TempFolder::Read(rig.folder.File("Corlune_QM2220.ini")), HasSubstr("FI_STEPNUM=2"));
+  EXPECT_EQ(rig.closed, 0) << "the session may go on after all";
+  rig.prompts.Answer(PromptAnswer::Cancel);
+  EXPECT_FALSE(rig.window->EndOfDesktopSession(true));
+  rig.prompts.Answer(PromptAnswer::No);
+  EXPECT_TRUE(rig.window->EndOfDesktopSession(true));
+  EXPECT_EQ(rig.closed, 1);
+}
+
+TEST(WindowState, TheReasonForBeingOffLineCanBeRead) {
+  WindowRig rig;
+  rig.Start();
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Connection), "off-line mode");
+  const auto* panel = rig.window->findChild<QLabel*>("Panel1");
+  EXPECT_THAT(panel->toolTip().toStdString(), HasSubstr(rig.Text(8206)));
+
+  WindowRig online(WindowRig::Bus::OneInstrument);
+  online.Start();
+  EXPECT_EQ(online.window->Status().PanelText(StatBar::Connection), "on-line mode");
+  EXPECT_THAT(online.window->findChild<QLabel*>("Panel1")->toolTip().toStdString(),
+              HasSubstr("Device1: USBTMC 1000001, Ch: 2"));
+  const AboutFacts facts{"1.2.3", QDate(2018, 9, 5), "libvisa.so: not found", ""};
+  EXPECT_EQ(VersionLine(MessageCatalogue(10000), facts), "Version 1.2.3.0 Sept.5,2018");
+  EXPECT_EQ(LibraryLines(MessageCatalogue(10000), facts),
+            "Instrument library:\nlibvisa.so: not found\nSequence compiler: no problem");
+}
+
+TEST(WindowProgress, CannotBeClosedBeforeItsEnd) {
+  FrmPrgrs progress;
+  progress.Begin("Transmitting", 3);
+  QWidget* shown = nullptr;
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (widget->objectName() == QLatin1String("frmPrgrs")) shown = widget;
+  }
+  ASSERT_TRUE(shown && shown->isVisible());
+  QTest::keyClick(shown, Qt::Key_Escape);
+  shown->close();
+  EXPECT_TRUE(shown->isVisible());
+  progress.Advance();
+  progress.End();
+  EXPECT_FALSE(shown->isVisible());
+  progress.Advance();
+}
+
+// Visible parts of the rows around the grids, by name.
+std::map<std::string, QWidget*> Parts(const WindowRig& rig) {
+  std::map<std::string, QWidget*> parts;
+  for (QWidget* widget : rig.window->findChildren<QWidget*>()) {
+    static const QStringList kBeginnings{"CmdBtn1_", "Txt", "Lab", "CmdRead", "Panel", "GridPanel"};
+    const bool inGrids = rig.window->Grids().isAncestorOf(widget);
+    for (const QString& beginning : kBeginnings) {
+      if (widget->isVisible() && !inGrids && widget->objectName().startsWith(beginning)) {
+        parts[widget->objectName().toStdString()] = widget;
+      }
+    }
+  }
+  return parts;
+}
+
+TEST(WindowLayout, NothingOverlapsOrIsCutOffAtTheSmallestSize) {
+  for (const bool english : {true, false}) {
+    SCOPED_TRACE(english ? "English" : "Japanese");
+    WindowRig rig(WindowRig::Bus::OneInstrument, english);
+    rig.Start();
+    rig.AddSteps(2);
+    for (const bool execution : {false, true}) {
+      if (execution) rig.EnterExecution();
+      rig.window->resize(1, 1);
+      rig.Settle();
+      EXPECT_EQ(rig.window->size(), QSize(512, 480)) << "7680 x 7200 twips at 96 dpi";
+      const auto parts = Parts(rig);
+      EXPECT_GE(parts.size(), 18U);
+      const auto place = [&](QWidget* part) {
+        return QRect(part->mapTo(rig.window.get(), QPoint(0, 0)), part->size());
+      };
+      for (auto a = parts.begin(); a != parts.end(); ++a) {
+        EXPECT_TRUE(rig.window->rect().contains(place(a->second))) << a->first;
+        // The device panel may end in "..."; it has a tooltip.
+        const auto* button = qobject_cast<QPushButton*>(a->second);
+        if (button) {
+          EXPECT_GT(button->width(), button->fontMetrics().horizontalAdvance(button->text()) + 8) << a->first;
+        } else if (a->first != "Panel3") {
+          EXPECT_GE(a->second->width(), a->second->minimumSizeHint().width()) << a->first;
+        }
+        EXPECT_GE(a->second->height(), a->second->minimumSizeHint().height()) << a->first;
+        for (auto b = std::next(a); b != parts.end(); ++b) {
+          EXPECT_FALSE(place(a->second).intersects(place(b->second))) << a->first << " and " << b->first;
+        }
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace corlune::testing
