@@ -6,7 +6,8 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
+#include <QStyleOptionButton>
+#include <QStylePainter>
 #include <QWheelEvent>
 
 #include "ui/grid_model.h"
@@ -15,6 +16,7 @@ namespace corlune {
 
 namespace {
 
+constexpr int kOptionPadding = 4;          // pixels
 constexpr std::size_t kSwitchOptions = 3;  // OptModeSet4 and 5 come after the three of the change modes
 
 std::size_t IndexOfArea(GridArea area) {
@@ -96,11 +98,22 @@ void CellOption::Offer(const EditorOption& option) {
   setPalette(colors);
 }
 
-void CellOption::paintEvent(QPaintEvent* event) {
-  QRadioButton::paintEvent(event);
-  QPainter painter(this);
+void CellOption::paintEvent(QPaintEvent*) {
+  QStylePainter painter(this);
+  QStyleOptionButton option;
+  initStyleOption(&option);
+  option.rect.setLeft(kOptionPadding);
+  painter.drawControl(QStyle::CE_RadioButton, option);
   painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid));
   painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+QSize CellOption::sizeHint() const {
+  return QRadioButton::sizeHint() + QSize(2 * kOptionPadding, 0);
+}
+
+bool CellOption::hitButton(const QPoint& at) const {
+  return rect().contains(at);
 }
 
 CellEditors::CellEditors(const std::array<QWidget*, 3>& viewports, QObject* parent) : QObject(parent) {
@@ -162,7 +175,7 @@ void CellEditors::FillText() {
   text.setText(original_);
   text.setEnabled(spec_.TextEnabled);
   text.setAlignment(Qt::AlignRight);
-  text.selectAll();
+  if (spec_.TextEnabled) text.selectAll();
 }
 
 void CellEditors::FillList(CellCombo& combo, const std::vector<std::string>& texts, int chosen) {

@@ -47,9 +47,11 @@ class CellOption : public QRadioButton {
  public:
   CellOption(const char* name, QWidget* parent);
   void Offer(const EditorOption& option);
+  QSize sizeHint() const override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  bool hitButton(const QPoint& at) const override;
 };
 
 class CellEditors : public QObject {

@@ -98,6 +98,7 @@ class GridControl : public QObject {
   void Jump(GridJump jump);
   void NextOption();
   void EditText();
+  void Enter(GridTable& table);
   void Leave(bool forward);
   void FocusChanged(QWidget* now);
   void FinishLeaving();

@@ -357,6 +357,19 @@ void GridControl::FinishLeaving() {
   CloseEditors();
 }
 
+// The focus has come to a grid by the keyboard.
+void GridControl::Enter(GridTable& table) {
+  if (panel_.window()->focusWidget() != &table || !Commit()) return;
+  if (&table != &ActiveTable()) {
+    GridCursor& cursor = editor_.Cursor();
+    cursor.ActiveGrid = table.Model().Area();
+    if (cursor.ActiveGrid == GridArea::Sequence) cursor.CurrentChannel = table.Model().Channel();
+    SetPosition(Position());
+  }
+  ShowCursor(true);
+  emit Changed();
+}
+
 bool GridControl::eventFilter(QObject* watched, QEvent* event) {
   auto* table = qobject_cast<GridTable*>(watched);
   if (table == nullptr) return QObject::eventFilter(watched, event);
@@ -372,20 +385,9 @@ bool GridControl::eventFilter(QObject* watched, QEvent* event) {
       const bool entered = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason ||
                            reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
       if (!entered || showing_ || committing_) break;
-      GridCursor& cursor = editor_.Cursor();
-      const GridModel& model = table->Model();
-      if (table != &ActiveTable()) {
-        cursor.ActiveGrid = model.Area();
-        if (model.Area() == GridArea::Sequence) cursor.CurrentChannel = model.Channel();
-        SetPosition(Position());
-      }
       // Not inside the focus change: the editor takes the focus over.
       QMetaObject::invokeMethod(
-          this,
-          [this, table] {
-            if (table->hasFocus()) ShowCursor(true);
-          },
-          Qt::QueuedConnection);
+          this, [this, table] { Enter(*table); }, Qt::QueuedConnection);
       break;
     }
     default:

@@ -136,7 +136,8 @@ QString GridModel::Header(int column) const {
     case GridArea::Branch:
       break;
   }
-  return QString::fromStdString(views_.BranchHeader(column));
+  // The branch grid is narrow: a word a line.
+  return QString::fromStdString(views_.BranchHeader(column)).replace(QLatin1Char(' '), QLatin1Char('\n'));
 }
 
 QVariant GridModel::headerData(int section, Qt::Orientation orientation, int role) const {

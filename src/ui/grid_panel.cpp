@@ -258,7 +258,8 @@ void GridPanel::Impl::PlaceRowAdd() {
 
 // The common grid grows with the window until all its columns show.
 void GridPanel::Impl::LimitWidths() {
-  tables_.Common->setMaximumWidth(std::max(tables_.Common->ContentWidth(), 1));
+  tables_.Common->setMaximumWidth(
+      std::max(tables_.Common->ContentWidth(), tables_.Common->sizeHint().width()));
 }
 
 void GridPanel::Impl::Run(GridCommand command) {
@@ -397,6 +398,7 @@ void GridPanel::SetWidths(int commonTwips, int channelTwips, int tabTwips) {
   impl_->tables_.Common->PreferWidth(common);
   const int side = tab - common - impl_->rowAddStrip_->width() - 2 * kSpacing;
   impl_->side_->setFixedWidth(std::max(side, 1));
+  impl_->LimitWidths();
   const int margins = std::max((tab - TwipsToPixels(channelTwips, this)) / 2 - kTabFrame, 0);
   for (QVBoxLayout* page : impl_->pages_) page->setContentsMargins(margins, kTabFrame, margins, kTabFrame);
   for (GridTable* table : impl_->tables_.Channels) table->PreferWidth(TwipsToPixels(channelTwips, this));

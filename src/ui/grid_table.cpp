@@ -94,6 +94,11 @@ void GridTable::LayOut(int rowHeight) {
   rowHeight_ = rowHeight;
   verticalHeader()->setDefaultSectionSize(rowHeight);
   header_->setFixedHeight(std::max(TwipsToPixels(kHeaderHeight, this), header_->TwoLines()));
+  if (model_.Area() == GridArea::Branch) {
+    // The frame decides about its width.
+    header_->setSectionResizeMode(QHeaderView::Stretch);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  }
   for (int column = 0; column < model_.columnCount(); ++column) {
     header_->resizeSection(column, TwipsToPixels(model_.ColumnTwips(column), this));
   }
@@ -119,7 +124,9 @@ QSize GridTable::sizeHint() const {
 }
 
 QSize GridTable::minimumSizeHint() const {
-  return {120, header_->height() + kLeastRows * rowHeight_ + horizontalScrollBar()->sizeHint().height()};
+  const bool narrow = model_.Area() == GridArea::Branch;
+  return {narrow ? 60 : 120,
+          header_->height() + kLeastRows * rowHeight_ + horizontalScrollBar()->sizeHint().height()};
 }
 
 void GridTable::mousePressEvent(QMouseEvent* event) {

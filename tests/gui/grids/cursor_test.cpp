@@ -1,0 +1,246 @@
+// Keyboard and mouse paths of the cell cursor, through the real widgets.
+#include "gui/grids/grids_rig.h"
+
+namespace corlune::testing {
+namespace {
+
+struct CursorCase {
+  int row, column;
+  Qt::Key key;
+  int expectedRow, expectedColumn;
+};
+
+std::string NameOf(const CursorCase& row) {
+  return "from " + std::to_string(row.row) + "," + std::to_string(row.column) + " by " +
+         QKeySequence(row.key).toString().toStdString();
+}
+
+TEST(CursorKeys, CommonArea) {
+  GridsRig rig(5);
+  const CursorCase cases[] = {
+      {2, 1, Qt::Key_Return, 3, 1},
+      {2, 1, Qt::Key_Enter, 3, 1},
+      {5, 1, Qt::Key_Return, 5, 1},
+      {2, 3, Qt::Key_Down, 3, 3},
+      {5, 3, Qt::Key_Down, 5, 3},
+      {2, 8, Qt::Key_Tab, 2, 9},
+      {2, 9, Qt::Key_Tab, 3, 1},
+      {5, 9, Qt::Key_Tab, 5, 9},
+      {1, 1, Qt::Key_Tab, 1, 2},
+      {2, 1, Qt::Key_Backtab, 1, 9},
+      {1, 1, Qt::Key_Backtab, 1, 1},
+      {2, 4, Qt::Key_Backtab, 2, 3},
+      // Up: columns 2 and 4 to 8 stop in row 2, the others in row 1.
+      {2, 1, Qt::Key_Up, 1, 1},
+      {2, 2, Qt::Key_Up, 2, 2},
+      {2, 3, Qt::Key_Up, 1, 3},
+      {2, 4, Qt::Key_Up, 2, 4},
+      {2, 8, Qt::Key_Up, 2, 8},
+      {2, 9, Qt::Key_Up, 1, 9},
+      {3, 2, Qt::Key_Up, 2, 2},
+      {3, 8, Qt::Key_Up, 2, 8},
+      {1, 1, Qt::Key_Up, 1, 1},
+      // Left and Right do nothing in the first row.
+      {2, 2, Qt::Key_Left, 2, 1},
+      {2, 1, Qt::Key_Left, 2, 1},
+      {1, 4, Qt::Key_Left, 1, 4},
+      {2, 8, Qt::Key_Right, 2, 9},
+      {2, 9, Qt::Key_Right, 2, 9},
+      {1, 4, Qt::Key_Right, 1, 4},
+      // Columns with a list editor and with options.
+      {3, 2, Qt::Key_Down, 4, 2},
+      {3, 9, Qt::Key_Up, 2, 9},
+      {3, 6, Qt::Key_Right, 3, 7},
+      {3, 8, Qt::Key_Return, 4, 8},
+  };
+  for (const CursorCase& row : cases) {
+    SCOPED_TRACE(NameOf(row));
+    rig.GoTo(GridArea::Common, row.row, row.column);
+    rig.Press(row.key);
+    EXPECT_EQ(rig.At(), std::to_string(row.expectedRow) + "," + std::to_string(row.expectedColumn));
+    EXPECT_EQ(rig.Common().currentIndex(),
+              rig.Common().model()->index(row.expectedRow - 1, row.expectedColumn));
+  }
+}
+
+TEST(CursorKeys, ChannelGrid) {
+  GridsRig rig(5);
+  const CursorCase cases[] = {
+      {2, 3, Qt::Key_Return, 3, 3},
+      {5, 3, Qt::Key_Return, 5, 3},
+      {2, 3, Qt::Key_Tab, 2, 4},
+      {2, 9, Qt::Key_Tab, 3, 1},
+      {5, 9, Qt::Key_Tab, 5, 9},
+      {1, 3, Qt::Key_Up, 1, 3},
+      {2, 3, Qt::Key_Up, 1, 3},
+      {2, 1, Qt::Key_Up, 1, 1},
+      {5, 3, Qt::Key_Down, 5, 3},
+      {4, 3, Qt::Key_Down, 5, 3},
+      {1, 1, Qt::Key_Left, 1, 1},
+      {1, 4, Qt::Key_Left, 1, 3},
+      {1, 3, Qt::Key_Right, 1, 4},
+      {1, 9, Qt::Key_Right, 1, 9},
+      {2, 1, Qt::Key_Backtab, 1, 9},
+      // A parameter that the waveform does not have can be passed, though it has no editor.
+      {2, 1, Qt::Key_Right, 2, 2},
+      {2, 2, Qt::Key_Right, 2, 3},
+  };
+  for (const int channel : {0, 1}) {
+    for (const CursorCase& row : cases) {
+      SCOPED_TRACE(NameOf(row) + " in channel " + std::to_string(channel));
+      rig.GoTo(GridArea::Sequence, row.row, row.column, channel);
+      rig.Press(row.key);
+      EXPECT_EQ(rig.At(), std::to_string(row.expectedRow) + "," + std::to_string(row.expectedColumn));
+      EXPECT_EQ(rig.editor->Cursor().CurrentChannel, channel);
+    }
+  }
+}
+
+TEST(CursorKeys, BranchGridMovesBetweenBranchChannels) {
+  GridsRig rig(5);
+  rig.GoTo(GridArea::Common, 3, 1);
+  struct {
+    int row;
+    Qt::Key key;
+    int expected;
+  } const cases[] = {{1, Qt::Key_Return, 2}, {5, Qt::Key_Down, 5}, {4, Qt::Key_Tab, 5},
+                     {1, Qt::Key_Up, 1},     {3, Qt::Key_Up, 2},   {3, Qt::Key_Left, 3}};
+  for (const auto& row : cases) {
+    SCOPED_TRACE(row.row);
+    rig.GoTo(GridArea::Branch, row.row, 1);
+    rig.Press(row.key);
+    EXPECT_EQ(rig.Branch().currentIndex().row() + 1, row.expected);
+    EXPECT_EQ(rig.editor->Cursor().CurrentRow, 3);  // the step stays
+    EXPECT_EQ(rig.FocusName(), "Text3");
+  }
+}
+
+TEST(CursorKeys, ArrowsActWhenTheKeyIsLetGo) {
+  GridsRig rig(5);
+  rig.GoTo(GridArea::Common, 2, 1);
+  QTest::keyPress(rig.Focus(), Qt::Key_Down);
+  EXPECT_EQ(rig.At(), "2,1");
+  QTest::keyRelease(rig.Focus(), Qt::Key_Down);
+  EXPECT_EQ(rig.At(), "3,1");
+  // A release that began elsewhere, in a list for example, means nothing.
+  QTest::keyRelease(rig.Focus(), Qt::Key_Down);
+  EXPECT_EQ(rig.At(), "3,1");
+  // Enter acts at once.
+  QTest::keyPress(rig.Focus(), Qt::Key_Return);
+  EXPECT_EQ(rig.At(), "4,1");
+}
+
+TEST(CursorKeys, PagesAndEnds) {
+  GridsRig rig(100);
+  rig.Press(Qt::Key_End, Qt::ControlModifier);
+  EXPECT_EQ(rig.At(), "100,9");
+  rig.Press(Qt::Key_Home);
+  EXPECT_EQ(rig.At(), "100,1");
+  rig.Press(Qt::Key_PageUp);
+  EXPECT_LT(rig.editor->Cursor().CurrentRow, 99);
+  rig.Press(Qt::Key_Home, Qt::ControlModifier);
+  EXPECT_EQ(rig.At(), "1,1");
+  rig.Press(Qt::Key_End);
+  EXPECT_EQ(rig.At(), "1,9");
+}
+
+TEST(CursorKeys, ControlTabLeavesTheGridsInBothDirections) {
+  GridsRig rig(3);
+  EXPECT_EQ(rig.FocusName(), "Text1");
+  rig.Press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(rig.Focus(), rig.before);
+  rig.Press(Qt::Key_Tab);
+  EXPECT_EQ(rig.FocusName(), "Text1") << "the cell that was left";
+  std::vector<std::string> passed;
+  for (int i = 0; i < 20 && rig.Focus() != rig.behind; ++i) {
+    // Inside a grid Tab would move between cells.
+    const bool cell = rig.FocusName().rfind("Text", 0) == 0 || rig.FocusName().rfind("Combo", 0) == 0;
+    rig.Press(Qt::Key_Tab, cell ? Qt::ControlModifier : Qt::NoModifier);
+    passed.push_back(rig.FocusName());
+  }
+  EXPECT_EQ(rig.Focus(), rig.behind);
+  for (const char* name : {"CmdInsert", "CmdUp", "Text3", "Combo2"}) {
+    EXPECT_NE(std::find(passed.begin(), passed.end(), name), passed.end()) << name;
+  }
+}
+
+TEST(CursorKeys, AnEmptySequenceHoldsNoCursor) {
+  GridsRig rig(0);
+  for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Down, Qt::Key_Right, Qt::Key_5}) rig.Press(key);
+  EXPECT_EQ(rig.At(), "1,1");
+  EXPECT_FALSE(rig.Common().currentIndex().isValid());
+  rig.Press(Qt::Key_Tab);
+  EXPECT_NE(rig.FocusName(), "MSFlexGrid1");
+}
+
+std::string Block(const GridsRig& rig) {
+  const GridBlock block = SelectedBlock(rig.editor->Cursor());
+  return std::to_string(block.FirstRow) + "," + std::to_string(block.FirstColumn) + ":" +
+         std::to_string(block.LastRow) + "," + std::to_string(block.LastColumn);
+}
+
+TEST(Selection, GrowsByShiftDragAndStepNumber) {
+  GridsRig rig(10);
+  QTableView& grid = rig.Common();
+  rig.GoTo(GridArea::Common, 3, 2);
+  rig.Press(Qt::Key_Down, Qt::ShiftModifier);
+  rig.Press(Qt::Key_Right, Qt::ShiftModifier);
+  EXPECT_EQ(Block(rig), "3,2:4,3");
+  EXPECT_EQ(grid.selectionModel()->selectedIndexes().size(), 4);
+  rig.Click(grid, 1, 1, Qt::ShiftModifier);
+  EXPECT_EQ(Block(rig), "1,1:3,2");
+  rig.Press(Qt::Key_Down);  // from the cell where the selection began
+  EXPECT_EQ(Block(rig), "4,2:4,2");
+
+  const auto center = [&](int row, int column) {
+    return grid.visualRect(grid.model()->index(row - 1, column)).center();
+  };
+  QTest::mousePress(grid.viewport(), Qt::LeftButton, {}, center(2, 1));
+  QTest::mouseMove(grid.viewport(), center(3, 3));
+  QTest::mouseRelease(grid.viewport(), Qt::LeftButton, {}, center(3, 3));
+  EXPECT_EQ(Block(rig), "2,1:3,3");
+  EXPECT_FALSE(rig.Text(1).isVisible()) << "the editor would hide a part of the selection";
+
+  rig.Click(grid, 5, 0);
+  EXPECT_EQ(Block(rig), "5,1:5,9");
+  rig.Click(grid, 6, 0, Qt::ShiftModifier);
+  EXPECT_EQ(Block(rig), "5,1:6,9");
+  rig.panel->ReduceSelection();
+  EXPECT_EQ(Block(rig), "5,1:5,1");
+  rig.Press(Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(Block(rig), "1,1:10,9");
+
+  // Dragging out of the untouched editor selects cells as well.
+  rig.GoTo(GridArea::Common, 2, 1);
+  QLineEdit& text = rig.Text(1);
+  QTest::mousePress(&text, Qt::LeftButton, {}, QPoint(5, 5));
+  QTest::mouseMove(&text, QPoint(5, 5 + 2 * text.height()));
+  QTest::mouseRelease(&text, Qt::LeftButton, {}, QPoint(5, 5 + 2 * text.height()));
+  EXPECT_EQ(Block(rig), "2,1:4,1");
+}
+
+TEST(Selection, SpareRowAndHeaderTakeNoCursor) {
+  GridsRig rig(3);
+  rig.GoTo(GridArea::Common, 2, 1);
+  rig.Click(rig.Common(), 4, 1);  // the empty row under the last step
+  EXPECT_EQ(rig.At(), "2,1");
+  EXPECT_EQ(rig.FocusName(), "Text1");
+}
+
+TEST(Selection, ExecutionModeMovesWithoutEditors) {
+  GridsRig rig(5);
+  rig.state.OperationMode = OperationMode::Execution;
+  rig.ShowStates();
+  rig.GoTo(GridArea::Common, 2, 1);
+  EXPECT_EQ(rig.FocusName(), "MSFlexGrid1");
+  rig.Press(Qt::Key_Down);
+  rig.Type("5");
+  rig.Press(Qt::Key_Delete);
+  EXPECT_EQ(rig.At(), "3,1");
+  EXPECT_FALSE(rig.Text(1).isVisible());
+  EXPECT_FALSE(rig.state.Modified);
+  EXPECT_FALSE(rig.Named<QPushButton>("CmdInsert").isEnabled());
+}
+
+}  // namespace
+}  // namespace corlune::testing

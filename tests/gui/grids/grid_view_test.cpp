@@ -1,0 +1,263 @@
+// What the grids show, and how little they repaint.
+#include <QAbstractItemModelTester>
+#include <QHeaderView>
+#include <QSignalSpy>
+
+#include "gui/grids/grids_rig.h"
+#include "ui/cell_editors.h"
+#include "ui/grid_delegate.h"
+#include "ui/grid_model.h"
+
+namespace corlune::testing {
+namespace {
+
+using Mode = QAbstractItemModelTester::FailureReportingMode;
+
+// Every cell shows what a rebuild from scratch would.
+void ExpectShownAsRebuilt(const GridsRig& rig) {
+  const GridViews fresh(rig.state, rig.definition, rig.sequence, rig.catalogue);
+  for (const QTableView* grid : {&rig.Common(), &rig.Channel(0), &rig.Channel(1), &rig.Branch()}) {
+    const auto& model = dynamic_cast<const GridModel&>(*grid->model());
+    const bool branch = model.Area() == GridArea::Branch;
+    ASSERT_EQ(model.rowCount(), (branch ? fresh.BranchRows() : fresh.RowCount()) - 1);
+    for (int row = 0; row < model.rowCount(); ++row) {
+      for (int column = 0; column < model.columnCount(); ++column) {
+        const QModelIndex index = model.index(row, column);
+        const CellView cell = fresh.Cell(model.PlaceOf(index));
+        ASSERT_EQ(index.data().toString().toStdString(), cell.Text) << row << "," << column;
+        ASSERT_EQ(index.data(Qt::BackgroundRole).value<QColor>(), ToQColor(cell.Background));
+      }
+    }
+  }
+}
+
+TEST(GridModels, FollowEveryOperationUpToTheLimit) {
+  GridsRig rig(0);
+  std::vector<std::unique_ptr<QAbstractItemModelTester>> testers;
+  for (QTableView* grid : {&rig.Common(), &rig.Channel(0), &rig.Channel(1), &rig.Branch()}) {
+    testers.push_back(std::make_unique<QAbstractItemModelTester>(grid->model(), Mode::Fatal));
+  }
+  const auto run = [&](int command) {
+    rig.panel->EditCommand(command);
+    QApplication::processEvents();
+  };
+  constexpr int kAdd = 4, kInsert = 5, kDelete = 6, kUp = 7, kDown = 8;
+  run(kAdd);
+  run(kInsert);
+  run(kAdd);
+  rig.GoTo(GridArea::Common, 2, 1);
+  for (const int command : {kUp, kDown, kDown, kInsert, kDelete, kDelete, kDelete, kDelete}) run(command);
+  EXPECT_EQ(rig.sequence.StepCount, 0);
+  ExpectShownAsRebuilt(rig);
+  rig.panel->Undo();
+  rig.panel->Undo();
+  ExpectShownAsRebuilt(rig);
+  while (rig.sequence.StepCount < 255) rig.panel->DuplicateRows();
+  EXPECT_TRUE(rig.Named<QPushButton>("CmdRowAdd").isVisible());
+  run(kAdd);
+  EXPECT_EQ(rig.sequence.StepCount, MAX_STEPS);
+  EXPECT_EQ(rig.Common().model()->rowCount(), MAX_STEPS) << "no spare row at the limit";
+  EXPECT_FALSE(rig.Named<QPushButton>("CmdRowAdd").isVisible());
+  EXPECT_FALSE(rig.Named<QPushButton>("CmdInsert").isEnabled());
+  run(kAdd);
+  rig.panel->DuplicateRows();
+  EXPECT_EQ(rig.sequence.StepCount, MAX_STEPS);
+  run(kDelete);
+  EXPECT_TRUE(rig.Named<QPushButton>("CmdRowAdd").isVisible());
+  ExpectShownAsRebuilt(rig);
+}
+
+TEST(GridModels, ADefinitionWithOneChannelHidesTheOtherTab) {
+  GridsRig rig(3);
+  auto& tabs = rig.Named<QTabWidget>("SSTab1");
+  rig.GoTo(GridArea::Sequence, 2, 3, 1);
+  rig.state.Instruments[0].ChannelCount = 1;
+  rig.panel->Rebuild();
+  EXPECT_FALSE(tabs.isTabVisible(1));
+  EXPECT_EQ(rig.editor->Cursor().CurrentChannel, 0);
+  EXPECT_TRUE(tabs.isTabVisible(0));
+  EXPECT_EQ(tabs.tabText(0), QStringLiteral("Ch1"));
+}
+
+TEST(Repaints, ARebuildPaintsOnce) {
+  GridsRig rig(MAX_STEPS);
+  PaintCounter common(*rig.Common().viewport());
+  PaintCounter channel(*rig.Channel(0).viewport());
+  rig.panel->Rebuild();
+  EXPECT_EQ(common.count, 0) << "not before the event loop comes round";
+  QApplication::processEvents();
+  EXPECT_EQ(common.count, 1);
+  EXPECT_EQ(channel.count, 1);
+}
+
+TEST(Repaints, AHighlightMovePaintsTwoRows) {
+  GridsRig rig(50);
+  rig.panel->HighlightRow({3}, true);
+  PaintCounter common(*rig.Common().viewport());
+  PaintCounter channel(*rig.Channel(0).viewport());
+  rig.panel->HighlightRow({3}, false);
+  rig.panel->HighlightRow({4}, true);
+  QApplication::processEvents();
+  for (const auto& [grid, paint] :
+       {std::pair{&rig.Common(), &common}, std::pair{&rig.Channel(0), &channel}}) {
+    const QRect rows =
+        grid->visualRect(grid->model()->index(2, 0)) | grid->visualRect(grid->model()->index(3, 0));
+    EXPECT_EQ(paint->count, 1);
+    EXPECT_EQ(paint->region.boundingRect().top(), rows.top());
+    EXPECT_LE(paint->region.boundingRect().height(), rows.height() + 1);
+    EXPECT_GE(paint->region.boundingRect().height(), rows.height());
+  }
+}
+
+TEST(Repaints, AnEntryPaintsItsRowAndTheNextCell) {
+  GridsRig rig(50);
+  PaintCounter channel(*rig.Channel(0).viewport());
+  rig.TypeThen("5", Qt::Key_Return);
+  EXPECT_LE(channel.count, 1);
+  const int height = rig.Channel(0).rowHeight(0);
+  EXPECT_LE(channel.region.boundingRect().height(), height + 1);
+}
+
+TEST(Highlight, MarksAndGivesBackExactly) {
+  GridsRig rig(5);
+  rig.Step(4).JumpOn = 1;
+  rig.Step(4).JumpTo = 2;
+  rig.panel->Rebuild();
+  const auto colors = [&](int row) {
+    std::vector<QColor> all;
+    for (const QTableView* grid : {&rig.Common(), &rig.Channel(0), &rig.Channel(1)}) {
+      for (int column = 0; column < grid->model()->columnCount(); ++column) {
+        all.push_back(grid->model()->index(row - 1, column).data(Qt::BackgroundRole).value<QColor>());
+      }
+    }
+    return all;
+  };
+  const auto before = colors(3);
+  rig.panel->HighlightRow({3}, true);
+  for (const QColor& color : colors(3)) EXPECT_EQ(color, ToQColor(rig.definition.Common.CurrentCell));
+  EXPECT_EQ(rig.CellText(rig.Common(), 3, 0), "▶ 3") << "not by colour alone";
+  EXPECT_EQ(rig.CellText(rig.Channel(1), 3, 0), "▶ 3");
+  rig.panel->HighlightRow({2}, false);  // another row
+  EXPECT_EQ(rig.CellText(rig.Common(), 3, 0), "▶ 3");
+  rig.panel->HighlightRow({3}, false);
+  EXPECT_EQ(colors(3), before);
+  rig.panel->HighlightRow({200}, true);  // beyond the last step
+  rig.panel->HighlightRow({200}, false);
+}
+
+// The colours that reach the screen: the cell's own, the selection over it, the mark of the running row.
+TEST(Painting, SelectionNeverHidesTheCellColour) {
+  GridsRig rig(5);
+  rig.GoTo(GridArea::Common, 2, 3);
+  rig.Press(Qt::Key_Down, Qt::ShiftModifier);
+  rig.panel->HighlightRow({5}, true);
+  QApplication::processEvents();
+  const QTableView& grid = rig.Common();
+  const QImage image = grid.viewport()->grab().toImage();
+  const auto corner = [&](int row, int column) {
+    const QRect cell = grid.visualRect(grid.model()->index(row - 1, column));
+    return image.pixelColor(cell.right() - 3, cell.top() + 3);
+  };
+  const QColor cell = ToQColor(rig.editor->Views().CommonCell({3}, 3).Background);
+  EXPECT_EQ(corner(3, 3), SelectedColor(cell, grid.palette().color(QPalette::Highlight)));
+  EXPECT_EQ(corner(4, 3), cell);
+  const QRect number = grid.visualRect(grid.model()->index(4, 0));
+  EXPECT_EQ(image.pixelColor(number.left() + 5, number.center().y()), QColor(Qt::black));
+}
+
+TEST(Layout, WidthsAndHeights) {
+  GridsRig rig(3);
+  rig.window.layout()->setContentsMargins(0, 0, 0, 0);
+  for (const auto& [common, channel, tab] : {std::array{8415, 10215, 10575}, std::array{5580, 7175, 7435}}) {
+    rig.panel->SetWidths(common, channel, tab);
+    rig.window.resize(TwipsToPixels(tab, &rig.window), 600);
+    QApplication::processEvents();
+    EXPECT_EQ(rig.Common().width(), TwipsToPixels(common, rig.panel));
+    EXPECT_NEAR(rig.Channel(0).width(), TwipsToPixels(channel, rig.panel), 4);
+    EXPECT_EQ(rig.Named<QTabWidget>("SSTab1").width(), TwipsToPixels(tab, rig.panel));
+  }
+  EXPECT_EQ(rig.Common().columnWidth(1), TwipsToPixels(1000, rig.panel));
+  EXPECT_GE(rig.Common().horizontalHeader()->height(), TwipsToPixels(500, rig.panel));
+  EXPECT_EQ(rig.Common().rowHeight(0), rig.Combo(1).sizeHint().height());
+}
+
+TEST(Layout, AddButtonFollowsTheEndOfTheGrid) {
+  GridsRig rig(0);
+  auto& button = rig.Named<QPushButton>("CmdRowAdd");
+  const int row = rig.Common().rowHeight(0) > 0 ? rig.Combo(1).sizeHint().height() : 0;
+  const int top = button.mapTo(&rig.window, QPoint()).y() - rig.Common().mapTo(&rig.window, QPoint()).y();
+  EXPECT_EQ(top, TwipsToPixels(550, rig.panel));
+  for (int steps = 1; steps <= 15; ++steps) {
+    rig.panel->EditCommand(4);
+    QApplication::processEvents();
+    EXPECT_EQ(button.y(), std::min(row * std::min(steps, 10) + TwipsToPixels(550, rig.panel),
+                                   button.parentWidget()->height() - button.height()))
+        << steps;
+  }
+}
+
+TEST(Scrolling, StepGridsShowTheSameSteps) {
+  GridsRig rig(100);
+  const auto top = [](const QTableView& grid) { return grid.verticalScrollBar()->value(); };
+  rig.panel->ScrollTo({40});
+  EXPECT_EQ(top(rig.Common()), 39);
+  EXPECT_EQ(top(rig.Channel(0)), 39);
+  rig.Channel(0).verticalScrollBar()->setValue(20);
+  EXPECT_EQ(top(rig.Common()), 20);
+  rig.Named<QTabWidget>("SSTab1").setCurrentIndex(1);
+  QApplication::processEvents();
+  EXPECT_EQ(top(rig.Channel(1)), 20);
+  rig.GoTo(GridArea::Common, 90, 1);
+  EXPECT_EQ(top(rig.Common()), top(rig.Channel(1)));
+}
+
+TEST(BranchFrame, ShowsTheStepOfTheCursor) {
+  GridsRig rig(5);
+  rig.Step(4).BranchStep = {1, 2, 3, 4, 5};
+  rig.sequence.StartStep = 10;
+  rig.panel->Rebuild();
+  rig.GoTo(GridArea::Common, 4, 1);
+  EXPECT_EQ(rig.Named<QLineEdit>("TxtStepNo").text(), QStringLiteral("13"));
+  EXPECT_EQ(rig.CellText(rig.Branch(), 5, 1), "14");
+  rig.Press(Qt::Key_Up);
+  EXPECT_EQ(rig.Named<QLineEdit>("TxtStepNo").text(), QStringLiteral("12"));
+  EXPECT_EQ(rig.CellText(rig.Branch(), 5, 1), "0");
+}
+
+// Rectangles of what stands beside a cell.
+TEST(EditorPlaces, StayInsideTheViewport) {
+  const QSize viewport(200, 100);
+  const std::vector<QSize> two{{60, 20}, {60, 20}};
+  struct {
+    QRect cell;
+    QPoint first;
+  } const cases[] = {
+      {{10, 10, 50, 20}, {10, 30}},    // below
+      {{170, 10, 30, 20}, {140, 30}},  // below, moved in from the right
+      {{10, 70, 50, 20}, {10, 30}},    // above
+      {{10, 35, 50, 40}, {60, 60}},    // no room on either side: to the right
+      {{150, 35, 50, 40}, {90, 60}},   // or to the left
+  };
+  for (const auto& row : cases) {
+    const auto places = StackAtCell(row.cell, viewport, two);
+    ASSERT_EQ(places.size(), 2U);
+    EXPECT_EQ(places[0].topLeft(), row.first) << row.cell.left() << "," << row.cell.top();
+    EXPECT_EQ(places[1].top(), places[0].bottom() + 1);
+    EXPECT_FALSE(places[0].intersects(row.cell) || places[1].intersects(row.cell));
+  }
+}
+
+TEST(Headers, CutTextsShowInATooltip) {
+  GridsRig rig(2);
+  for (const QTableView* grid : {&rig.Common(), &rig.Channel(0), &rig.Branch()}) {
+    const QHeaderView* header = grid->horizontalHeader();
+    for (int column = 0; column < header->count(); ++column) {
+      const QString text = header->model()->headerData(column, Qt::Horizontal).toString();
+      const int needed = header->fontMetrics().size(0, text).width() * 3 / 4;
+      EXPECT_LE(needed, header->sectionSize(column)) << text.toStdString();
+    }
+  }
+}
+
+}  // namespace
+}  // namespace corlune::testing
