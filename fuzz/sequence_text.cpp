@@ -16,9 +16,9 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fuzz::Require(count >= 0 && count <= MAX_STEPS, "the step count is in range");
 
   auto strict = std::make_unique<CompiledSequence>();
-  std::string error;
-  if (!ParseSequenceText(text, *strict, &error)) {
-    fuzz::Require(!error.empty(), "a refused text has a reason");
+  TextProblem problem;
+  if (!ParseSequenceText(text, *strict, &problem)) {
+    fuzz::Require(!problem.Reason.empty(), "a refused text has a reason");
     return 0;
   }
   auto again = std::make_unique<CompiledSequence>();

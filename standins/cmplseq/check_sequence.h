@@ -25,6 +25,9 @@ inline constexpr std::size_t kMaxWalkStates = 20000;
 
 enum class SequenceRefusal : std::int32_t {
   None = 0,
+  Text = 1,  // no sequence text
+  File = 2,  // the file cannot be read or replaced
+  OutOfMemory = 3,
   Frequency = 40,
   Level = 41,
   Duty = 42,

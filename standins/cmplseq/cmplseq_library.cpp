@@ -1,4 +1,5 @@
 // The one function that the sequence compiler library offers.
+#include "check_sequence.h"
 #include "compile_file.h"
 #include "core/files.h"
 #include "platform/abi/cmplseq.h"
@@ -21,6 +22,7 @@ CMPLSEQ_EXPORT std::int32_t CompileSeqData(const char* path, const ArbInformatio
     const std::string file = corlune::DecodeText(path);
     return static_cast<std::int32_t>(corlune::CompileSequenceFile(file, {arbs, kArbCount}, *record));
   } catch (...) {
+    *record = {0, 0, 0, 0, static_cast<std::int32_t>(corlune::SequenceRefusal::OutOfMemory)};
     return static_cast<std::int32_t>(CompileResult::OutOfMemory);
   }
 }

@@ -89,10 +89,17 @@ bool IsUnsetSlot(const CompiledSequence& sequence, int slot);
 // and the next slot unless the step stops or its jump repeats without limit. Unset slots are left out.
 std::vector<int> NextSlots(const CompiledSequence& sequence, int slot);
 
+// Where a sequence text is wrong.
+struct TextProblem {
+  std::string Reason;  // with the line's number
+  int Channel = 0;     // 0-based
+  int Step = 0;        // 1-based, 0: not in the line of a step
+};
+
 // Strict: exactly the lines the program writes, in their order, with CR LF. On failure `out` stays as it was
-// and *error (may be null) names line and reason.
+// and *problem (may be null) says what is wrong.
 [[nodiscard]] bool ParseSequenceText(std::string_view text, CompiledSequence& out,
-                                     std::string* error = nullptr);
+                                     TextProblem* problem = nullptr);
 // The sequence text, byte for byte in the program's form.
 std::string WriteSequenceText(const CompiledSequence& sequence);
 

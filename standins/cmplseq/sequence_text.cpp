@@ -92,17 +92,22 @@ class TextParser {
       return false;
     }
     for (int slot = 0; slot < kSequenceSlots; ++slot) {
+      step_ = slot + 1;
       if (!Step(slot, out.Steps[static_cast<std::size_t>(slot)])) return false;
     }
     for (int channel = 0; channel < out.Channels; ++channel) {
       auto& cells = out.Cells[static_cast<std::size_t>(channel)];
+      channel_ = channel;
       for (int slot = 0; slot < kSequenceSlots; ++slot) {
+        step_ = slot + 1;
         if (!Cell(slot, channel, cells[static_cast<std::size_t>(slot)])) return false;
       }
     }
+    channel_ = 0;
+    step_ = 0;
     return rest_.empty() || Fail("text after the last line");
   }
-  std::string Error() const { return "line " + std::to_string(line_) + ": " + reason_; }
+  TextProblem Problem() const { return {"line " + std::to_string(line_) + ": " + reason_, channel_, step_}; }
 
  private:
   bool Fail(std::string reason) {
@@ -198,6 +203,8 @@ class TextParser {
 
   std::string_view rest_;
   int line_ = 0;
+  int channel_ = 0;
+  int step_ = 0;
   std::string reason_;
 };
 
@@ -255,11 +262,11 @@ void AppendCell(std::string& out, int slot, int channel, const SeqCell& cell) {
 
 }  // namespace
 
-bool ParseSequenceText(std::string_view text, CompiledSequence& out, std::string* error) {
+bool ParseSequenceText(std::string_view text, CompiledSequence& out, TextProblem* problem) {
   const auto parsed = std::make_unique<CompiledSequence>();
   TextParser parser(text);
   if (!parser.Parse(*parsed)) {
-    if (error != nullptr) *error = parser.Error();
+    if (problem != nullptr) *problem = parser.Problem();
     return false;
   }
   out = std::move(*parsed);

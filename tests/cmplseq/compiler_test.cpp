@@ -324,20 +324,33 @@ TEST(CompileFile, ReplacesTheTextOrLeavesIt) {
     std::string text;
     CompileResult result;
     int code;
+    int step = 0;  // position B
+    int channel = 0;
   };
   CompiledSequence tooLoud = OneStep();
   tooLoud.Cells[0][0].Amplitude.Value = 21;
+  const auto without = [](const std::string& line) {
+    CompiledSequence sequence = OneStep();
+    sequence.Channels = 2;
+    std::string text = WriteSequenceText(sequence);
+    return text.erase(text.find(line), line.size());
+  };
   const Row rows[] = {
       {WriteSequenceText(OneStep()), CompileResult::Done, 0},
-      {WriteSequenceText(tooLoud), CompileResult::Refused, 41},
-      {"[FILE]\r\n", CompileResult::Malformed, 0},
-      {"", CompileResult::Malformed, 0},
+      {WriteSequenceText(tooLoud), CompileResult::Refused, 41, 1},
+      {"[FILE]\r\n", CompileResult::Malformed, 1},
+      {"", CompileResult::Malformed, 1},
+      {without("STEP#7="), CompileResult::Malformed, 1, 8},
+      {without("CHAN#2#2="), CompileResult::Malformed, 1, 3, 1},
+      {WriteSequenceText(OneStep()) + "\r\n", CompileResult::Malformed, 1},
   };
   for (const Row& row : rows) {
     ASSERT_TRUE(ReplaceFile(path, row.text));
     CompileErrorRecord record{1, 1, 1, 1, 1};
     EXPECT_EQ(CompileSequenceFile(path, NoArbs(), record), row.result);
     EXPECT_EQ(record.Code, row.code);
+    EXPECT_EQ(record.PositionB, row.step);
+    EXPECT_EQ(record.Channel, row.channel);
     const std::string after = ReadWholeFile(path).value();
     if (row.result != CompileResult::Done) {
       EXPECT_EQ(after, row.text);
@@ -350,7 +363,7 @@ TEST(CompileFile, ReplacesTheTextOrLeavesIt) {
   }
   CompileErrorRecord record{1, 1, 1, 1, 1};
   EXPECT_EQ(CompileSequenceFile(folder.File("absent.bin"), NoArbs(), record), CompileResult::FileError);
-  EXPECT_EQ(record.Code, 0);
+  EXPECT_EQ(record.Code, 2);
 }
 
 TEST(CompilerLibraryFile, CompilesWhenLoaded) {

@@ -98,9 +98,10 @@ TEST(SequenceForms, SurviveTextAndBinary) {
     const CompiledSequence sequence = RandomSequence(seed).Make();
     const std::string text = WriteSequenceText(sequence);
     CompiledSequence parsed;
-    std::string error;
-    ASSERT_TRUE(ParseSequenceText(text, parsed, &error)) << error;
+    TextProblem problem;
+    ASSERT_TRUE(ParseSequenceText(text, parsed, &problem)) << problem.Reason;
     EXPECT_TRUE(parsed == sequence);
+    std::string error;
     const auto decoded = DecodeCompiledSequence(EncodeCompiledSequence(parsed), &error);
     ASSERT_TRUE(decoded) << error;
     EXPECT_EQ(WriteSequenceText(*decoded), text);
