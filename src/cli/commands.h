@@ -9,11 +9,11 @@
 
 namespace corlune {
 
-// Loads the file, reads every waveform its steps use, and checks the waveform memory.
+// Loads the file and reads every waveform that its steps use.
 int CheckCommand(ConsoleProgram& program, const std::string& file);
 // The sequence text, to standard output or `out`.
 int TextCommand(ConsoleProgram& program, const std::string& file, const std::string& out);
-// The compiled sequence, to "sendata.bin" in the application folder and, when named, to `out`.
+// The compiled sequence, to `out`, or to "sendata.bin" in the application folder.
 int CompileCommand(ConsoleProgram& program, const std::string& file, const std::string& out);
 // Rewrites the file in the user-file form, or the work-file form.
 int SaveCommand(ConsoleProgram& program, const std::string& file, bool work, const std::string& out);

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <iostream>
 
+#include "compile/transfer_file.h"
 #include "core/files.h"
 #include "platform/folders.h"
 
@@ -10,12 +11,13 @@ namespace corlune {
 
 void ExitProgram::EndNow(int exitCode) {
   loop_.RawKeys(false);
+  transferFolder_.Remove();
   std::cout.flush();
   std::_Exit(exitCode);
 }
 
 ConsoleProgram::ConsoleProgram(const ProgramOptions& options, const ConsoleAnswers& answers)
-    : loop_(clock_), prompts_(loop_, answers), end_(loop_) {
+    : loop_(clock_), prompts_(loop_, answers), end_(loop_, transferFolder_) {
   SessionOptions sessionOptions;
   sessionOptions.programFolder = ProgramFolder();
   sessionOptions.appFolder = options.folder.empty() ? DefaultApplicationFolder() : options.folder;
@@ -26,6 +28,7 @@ ConsoleProgram::ConsoleProgram(const ProgramOptions& options, const ConsoleAnswe
                            display_, view_,  end_,  files_, sessionDisplay_};
   session_ = std::make_unique<Session>(ports, sessionOptions,
                                        MakeParts(options, sessionOptions.programFolder, prompts_, clock_));
+  session_->State().TransferFolder = transferFolder_.Path();
   display_.Attach(session_->State(), session_->Sequence(), session_->Catalogue());
   loop_.OnTick([this] { session_->Monitor().Tick(); });
 }
@@ -65,6 +68,22 @@ bool ConsoleProgram::Connect(const std::optional<std::string>& serial) {
       return false;
   }
   return false;
+}
+
+bool ConsoleProgram::Compile(std::string& compiled) {
+  const std::string file = TransferFile(session_->State(), kSendFileName);
+  if (session_->Download().CompileSequence(file) != 0) {
+    const std::string& detail = session_->Download().Outcome().Detail;
+    if (!detail.empty()) Fail(detail);
+    return false;
+  }
+  auto bytes = ReadWholeFile(file);
+  if (!bytes) {
+    Fail(Catalogue().GetResString(9501, {file}));
+    return false;
+  }
+  compiled = *std::move(bytes);
+  return true;
 }
 
 int Fail(const std::string& text) {

@@ -7,6 +7,7 @@
 
 #include "cli/console_loop.h"
 #include "cli/console_ports.h"
+#include "cli/temporary_folder.h"
 #include "core/system_ports.h"
 #include "session/program_options.h"
 #include "session/session.h"
@@ -29,11 +30,13 @@ class NoFileDialogs : public FileDialogs {
 
 class ExitProgram : public EndProgram {
  public:
-  explicit ExitProgram(ConsoleLoop& loop) : loop_(loop) {}
+  ExitProgram(ConsoleLoop& loop, TemporaryFolder& transferFolder)
+      : loop_(loop), transferFolder_(transferFolder) {}
   void EndNow(int exitCode) override;
 
  private:
   ConsoleLoop& loop_;
+  TemporaryFolder& transferFolder_;
 };
 
 class ConsoleProgram {
@@ -50,6 +53,8 @@ class ConsoleProgram {
   bool Load(const std::string& path);
   // Goes on-line; says on standard error why it could not. False: failed.
   bool Connect(const std::optional<std::string>& serial);
+  // Compiles the loaded sequence into `compiled`; says on standard error what is wrong. False: failed.
+  bool Compile(std::string& compiled);
 
  private:
   SteadyTickClock clock_;
@@ -57,6 +62,7 @@ class ConsoleProgram {
   ConsolePrompts prompts_;
   ConsoleProgress progress_;
   NoView view_;
+  TemporaryFolder transferFolder_;
   ExitProgram end_;
   NoFileDialogs files_;
   SessionDisplay sessionDisplay_;

@@ -3,6 +3,7 @@
 
 #include "cli/commands.h"
 #include "compile/sequence_text.h"
+#include "compile/transfer_file.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "sequence/channel_tabs.h"
@@ -72,18 +73,12 @@ int TextCommand(ConsoleProgram& program, const std::string& file, const std::str
 
 int CompileCommand(ConsoleProgram& program, const std::string& file, const std::string& out) {
   if (!program.Load(file)) return kExitFailed;
-  Session& session = program.GetSession();
-  const std::string workFile = JoinPath(session.State().AppFolder, "sendata.bin");
-  if (session.Download().CompileSequence(workFile) != 0) {
-    const std::string problem = session.Compiler().Problem();
-    return problem.empty() ? kExitFailed : Fail(problem);
-  }
-  const auto compiled = ReadWholeFile(workFile);
-  if (!compiled) return Fail(program.Catalogue().GetResString(9501, {workFile}));
-  if (!out.empty() && WriteOutput(out, *compiled) != kExitSuccess) return kExitFailed;
-  std::cout << program.Catalogue().GetResString(
-                   8104, {out.empty() ? workFile : out, std::to_string(compiled->size())})
-            << std::endl;
+  std::string compiled;
+  if (!program.Compile(compiled)) return kExitFailed;
+  const std::string path =
+      out.empty() ? JoinPath(program.GetSession().State().AppFolder, kSendFileName) : out;
+  if (WriteOutput(path, compiled) != kExitSuccess) return kExitFailed;
+  std::cout << program.Catalogue().GetResString(8104, {path, std::to_string(compiled.size())}) << std::endl;
   return kExitSuccess;
 }
 

@@ -8,6 +8,7 @@
 
 #include "compile/sequence_text.h"
 #include "compile/step_flow.h"
+#include "compile/transfer_file.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "sequence/channel_tabs.h"
@@ -138,7 +139,7 @@ bool Downloader::AgreeToInterface() {
 
 DownloadEnd Downloader::Send() {
   if (!AskName()) return DownloadEnd::Cancelled;
-  const std::string workFile = JoinPath(state_.AppFolder, kWorkFileName);
+  const std::string workFile = TransferFile(state_, kSendFileName);
   if (CompileSequence(workFile) != 0) return DownloadEnd::Refused;
 
   const CommandEntry& prepare = definition_.Commands.Device.Entries[0];

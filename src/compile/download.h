@@ -15,7 +15,6 @@
 
 namespace corlune {
 
-inline constexpr const char* kWorkFileName = "sendata.bin";
 inline constexpr const char* kUseStepFileName = "UseStep.txt";
 
 // How the last download ended. Only Refused has always been shown; the places that must not stay silent (a

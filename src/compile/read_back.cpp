@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "compile/sequence_text.h"
+#include "compile/transfer_file.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/profile_file.h"
@@ -243,7 +244,7 @@ std::int16_t ReceivedStepCount(const ReceivedSteps& received, const SequenceData
 bool ReadBackSequence(CommandLayer& commands, Prompts& prompts, const MessageCatalogue& catalogue, int number,
                       SequenceData& sequence) {
   if (!commands.Online()) return false;
-  const std::string path = JoinPath(commands.State().AppFolder, kReceivedFileName);
+  const std::string path = TransferFile(commands.State(), kReceiveFileName);
   const bool arrived = ReceiveIntoFile(commands, number, path);
   const std::optional<std::string> bytes = arrived ? ReadWholeFile(path) : std::nullopt;
   if (!bytes) return Refuse(prompts, catalogue);

@@ -12,8 +12,6 @@
 
 namespace corlune {
 
-inline constexpr const char* kReceivedFileName = "recvdata.bin";
-
 // Slots of which at least one line was taken over.
 using ReceivedSteps = std::bitset<MAX_STEPS>;
 

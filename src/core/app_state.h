@@ -41,6 +41,9 @@ struct AppState {
   std::string StdIniPath;    // Corlune_Std.ini, the model definition file
   std::string WorkFilePath;  // Corlune_<model>.ini
   std::string SysIniPath;    // Corlune.ini
+  // Where the files of a transfer stand. Empty: the application folder, which one editor has to itself. A
+  // console program gives every run a folder of its own, so that runs side by side do not mix their data.
+  std::string TransferFolder;
   bool UseEnglish = true;
   std::int32_t LangOffset = 10000;  // added to every message id: 10000 English, 0 Japanese
   std::string UiFontName = "Arial";

@@ -320,6 +320,17 @@ TEST(Download, WorkFileThatCannotBeWritten) {
   EXPECT_TRUE(rig.display.downloadEnabled);
 }
 
+TEST(Download, WorksInTheTransferFolderWhenThereIsOne) {
+  DownloadRig rig;
+  const corlune::testing::TempFolder own;
+  rig.state.TransferFolder = own.Path();
+  rig.folder.Write("sendata.bin", "of another program");
+  rig.prompts.Type("x");
+  EXPECT_TRUE(rig.downloader.DownloadSequence());
+  EXPECT_EQ(corlune::testing::TempFolder::Read(own.File("sendata.bin")), rig.compiler.binary);
+  EXPECT_EQ(corlune::testing::TempFolder::Read(rig.folder.File("sendata.bin")), "of another program");
+}
+
 #ifndef _WIN32
 TEST(Download, FullDisk) {
   DownloadRig rig;

@@ -1,0 +1,124 @@
+// The console program as a process: exit codes, what it says, what it leaves behind.
+#include <cstdio>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/wait.h>
+
+#include "support/temp_folder.h"
+
+namespace corlune {
+namespace {
+
+using corlune::testing::TempFolder;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+namespace fs = std::filesystem;
+
+struct Outcome {
+  int exitCode = -1;
+  std::string text;  // standard output and standard error
+};
+
+// A shell command in which $cli is the program. Its temporary files stand below `folder`.
+Outcome RunShell(const TempFolder& folder, const std::string& command) {
+  fs::create_directory(folder.File("temporary"));
+  const std::string line = "export TMPDIR='" + folder.File("temporary") +
+                           "' LC_ALL=C cli='" CORLUNE_BIN "/corlune-cli'; cd '" + folder.Path() +
+                           "'; exec 2>&1; " + command;
+  Outcome outcome;
+  FILE* pipe = popen(line.c_str(), "r");
+  if (pipe == nullptr) return outcome;
+  char buffer[4096];
+  while (const std::size_t got = fread(buffer, 1, sizeof buffer, pipe)) outcome.text.append(buffer, got);
+  const int status = pclose(pipe);
+  outcome.exitCode = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return outcome;
+}
+
+std::string Example(const std::string& name) {
+  return TempFolder::Read(std::string(CORLUNE_DATA "/examples/") + name);
+}
+
+std::string Replaced(std::string text, const std::string& from, const std::string& to) {
+  const std::size_t at = text.find(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
+// An application folder of its own, with an example in it.
+class ConsoleTest : public ::testing::Test {
+ protected:
+  ConsoleTest() {
+    folder.Write("Corlune_Std.ini", TempFolder::Read(CORLUNE_DATA "/Corlune_Std.ini"));
+    folder.Write("ramp.dat", Example("ramp.dat"));
+  }
+  TempFolder folder;
+};
+
+TEST_F(ConsoleTest, ExitCodes) {
+  struct Row {
+    const char* command;
+    int exitCode;
+    const char* text;
+  };
+  const Row rows[] = {
+      {"$cli --folder . check ramp.dat", 0, "QM2210: steps 7"},
+      {"$cli --folder . --lang ja check ramp.dat", 0, "ステップ数 7"},
+      {"$cli --folder . times ramp.dat", 0, "\n26000\n"},
+      {"$cli --folder . text ramp.dat > /dev/full", 1, "write failed"},
+      {"$cli --folder . check absent.dat", 1, "The file could not be read. absent.dat"},
+      {"$cli --folder . --lang ja check absent.dat", 1, "ファイルを読み込めませんでした。"},
+      {"$cli --folder . check Corlune_Std.ini", 1, "The sequence data file error."},
+      {"$cli --folder absent check ramp.dat", 1, "Initialization file doesn't exist"},
+      {"$cli --folder . text ramp.dat -o absent/out", 1, "absent/out"},
+      {"$cli --folder . --visa none run ramp.dat", 1, "No instrument was found."},
+      {"$cli", 2, "a command is needed"},
+      {"$cli check", 2, "file is required"},
+      {"$cli read 11", 2, "not in range"},
+  };
+  for (const Row& row : rows) {
+    const Outcome outcome = RunShell(folder, row.command);
+    EXPECT_EQ(outcome.exitCode, row.exitCode) << row.command << '\n' << outcome.text;
+    EXPECT_THAT(outcome.text, HasSubstr(row.text)) << row.command;
+  }
+}
+
+TEST_F(ConsoleTest, CompilesWithoutTouchingTheFilesOfOthers) {
+  // The editor may be downloading from the same folder.
+  folder.Write("sendata.bin", "of another program");
+  Outcome outcome = RunShell(folder, "$cli --folder . compile ramp.dat -o out.bin");
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.text;
+  const std::string compiled = TempFolder::Read(folder.File("out.bin"));
+  EXPECT_THAT(outcome.text, HasSubstr("out.bin: " + std::to_string(compiled.size()) + " bytes"));
+  EXPECT_THAT(compiled, Not(HasSubstr("[DATA]")));
+  EXPECT_EQ(TempFolder::Read(folder.File("sendata.bin")), "of another program");
+
+  outcome = RunShell(folder, "$cli --folder . compile ramp.dat");
+  EXPECT_EQ(outcome.exitCode, 0) << outcome.text;
+  EXPECT_EQ(TempFolder::Read(folder.File("sendata.bin")), compiled);
+  EXPECT_TRUE(fs::is_empty(folder.File("temporary")));
+}
+
+TEST_F(ConsoleTest, ARefusedSequenceGivesNoCompiledFile) {
+  // Waveform 99 of step 1; an amplitude of 99 V in step 1.
+  const std::string odd = Replaced(Example("ramp.dat"), "SE_SETVAL#0#0=0,3,", "SE_SETVAL#0#0=0,99,");
+  const std::string loud =
+      Replaced(Example("ramp.dat"), "SE_SETVAL#0#0=0,3,0,0,1,0,0,1000,0,0,0,0,0,0,0,0,0,",
+               "SE_SETVAL#0#0=0,3,0,0,1,0,0,1000,0,0,0,0,0,0,0,0,99,");
+  for (const std::string& text : {odd, loud}) {
+    folder.Write("refused.dat", text);
+    folder.Write("out.bin", "of the last time");
+    const Outcome outcome = RunShell(folder, "$cli --folder . compile refused.dat -o out.bin");
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_THAT(outcome.text, AllOf(HasSubstr("The error was detected in the sequence data. Ch:1 Step:1"),
+                                    Not(HasSubstr("bytes"))));
+    EXPECT_EQ(TempFolder::Read(folder.File("out.bin")), "of the last time");
+    EXPECT_TRUE(fs::is_empty(folder.File("temporary")));
+  }
+}
+
+}  // namespace
+}  // namespace corlune
