@@ -217,14 +217,23 @@ TEST_F(SequenceFileTest, ReadsWhatAnEditorMayLeave) {
   for (char c : text) {
     if (c != '\r') bare += c;
   }
+  std::string oldMac;
+  std::string doubled;  // a transfer that took "\n" for a line end of its own
+  for (char c : text) {
+    if (c != '\n') oldMac += c;
+    doubled += c == '\n' ? "\r\n" : std::string(1, c);
+  }
   const std::size_t view = text.find("[FRMVIEW]");
   const std::size_t system = text.find("[SYSTEM]");
   const std::size_t common = text.find("[COMMON]");
   for (const Row& row :
-       {Row{"LF line ends", bare},
+       {Row{"LF line ends", bare}, Row{"CR line ends", oldMac}, Row{"CR CR LF line ends", doubled},
+        Row{"a line longer than the reader's window",
+            Replaced(text, "CM_TRIG", ";" + std::string(10000, 'x') + "\r\nCM_TRIG")},
         Row{"blank lines and comments", Replaced(text, "CM_TRIG", "\r\n ;CM_TRIG=9\r\nCM_TRIG")},
         Row{"no view section", text.substr(0, view)},
-        Row{"section names in lower case", Replaced(Replaced(text, "[DATA]", "[data]"), "[FILE]", " [File]")},
+        Row{"section names in lower case",
+            Replaced(Replaced(text, "[DATA]", "[data]"), "[FILE]", " [ File ]")},
         Row{"set-up at the end",
             text.substr(0, system) + text.substr(common) + text.substr(system, common - system)},
         Row{"a second section of the same name", text + "[DATA]\r\nCM_TRIG=x\r\n"},
