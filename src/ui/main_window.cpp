@@ -72,16 +72,20 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
   SetAppIcon(this, QString::fromUtf8(kApplicationIcon), true);
 
   auto* central = new QWidget(this);
-  auto* rows = new QVBoxLayout(central);
-  rows->setContentsMargins(kMargin, kMargin / 2, kMargin, 2);
+  auto* whole = new QVBoxLayout(central);
+  whole->setContentsMargins(1, 0, 1, 1);
+  whole->setSpacing(0);
+  auto* rows = new QVBoxLayout;
+  rows->setContentsMargins(kMargin - 1, kMargin / 2, kMargin - 1, kMargin / 4);
   rows->setSpacing(kMargin / 2);
   rows->addWidget(BuildButtonRow());
   rows->addWidget(BuildFieldRow());
   grids_ = new GridPanel(editor_, prompts_, central);
   grids_->setObjectName(QStringLiteral("GridPanel"));
   rows->addWidget(grids_, 1);
+  whole->addLayout(rows, 1);
   statBar_ = new StatBar(session_.Catalogue(), central);
-  rows->addWidget(statBar_);
+  whole->addWidget(statBar_);
   setCentralWidget(central);
   BuildMenus();
 

@@ -147,16 +147,17 @@ void MainWindow::ViewCommand(int index) {
     }
     const bool shown = session_.State().SequenceViewShown;
     FrmPreview& preview = NeedPreview();
-    preview.showNormal();
     if (index == 2) {
       FormStyleAlign();
-      // Beside the frame of this window, as far as the screen reaches.
+      // Beside the frame of this window, as far as the screen reaches. Before it is shown, so that the window
+      // manager counts its frame in.
       const QRect area = screen()->availableGeometry();
-      const int left = frameGeometry().right() + 1;
+      const int left = x() + TwipsToPixels(kAlignedStyle.Window, this) + frameGeometry().width() - width();
       const int frame = frameGeometry().width() - width();
-      preview.move(left, frameGeometry().top());
+      preview.move(left, y());
       preview.resize(std::max(preview.minimumSizeHint().width(), area.right() + 1 - left - frame), height());
     }
+    preview.showNormal();
     ShowFields();
     preview.ShowStates(states_);
     preview.ShowTotalTime(session_.State().TotalTime);

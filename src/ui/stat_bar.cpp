@@ -5,7 +5,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPainter>
-#include <QSizeGrip>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -34,7 +33,7 @@ class ElidedLabel : public QLabel {
   }
 };
 
-constexpr int kPanelMargin = 3;
+constexpr int kPanelMargin = 2;
 
 }  // namespace
 
@@ -55,7 +54,7 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
   bar->setObjectName(QStringLiteral("StatusBar1"));
   auto* layout = new QHBoxLayout(bar);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(2);
+  layout->setSpacing(1);
   for (int i = 0; i < kPanels; ++i) {
     QLabel* panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
     panel->setObjectName(QStringLiteral("Panel%1").arg(i + 1));
@@ -65,7 +64,6 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
     panels_[static_cast<std::size_t>(i)] = panel;
     layout->addWidget(panel, i == Device ? 1 : 0);
   }
-  layout->addWidget(new QSizeGrip(bar), 0, Qt::AlignBottom);
   rows->addWidget(bar);
   TotalTime(0);
   ElapsTime(0);
