@@ -1,0 +1,192 @@
+// Something happens in a wait of a download and a run: each wait in turn, each kind of press. Nothing may
+// come between the exchanges of what is under way.
+#include "scenario/bench_rig.h"
+
+namespace corlune::testing {
+namespace {
+
+using ::testing::AnyOf;
+using ::testing::IsEmpty;
+
+// The whole way: download, start, hold, resume, branch, end.
+struct WholeWay : BenchRig {
+  WholeWay() {
+    Connect();
+    UseSteps({0.6, 60, 0.5});
+    SequenceData& sequence = session->Sequence();
+    sequence.SequenceNumber = 2;
+    sequence.Cell(0, 0, kSlotWaveform).Value = kWaveUser;
+    sequence.Cell(0, 0, kSlotArbNumber).Value = 1;
+    sequence.Channels.ArbFiles[0].FilePath = std::string(CORLUNE_DATA) + "/examples/chirp.txt";
+    for (std::size_t slot = 0; slot < 3; ++slot) sequence.Steps[slot].BranchStep[0] = 3;
+  }
+  void Play() {
+    inDownload = true;
+    downloaded = Download();
+    inDownload = false;
+    if (!downloaded) return;
+    Press(Run::Start);
+    for (int tick = 0; tick < 80; ++tick) {
+      if (tick == 2) Press(Run::Hold);
+      if (tick == 9) Press(Run::Branch);
+      Advance(100);
+      if (session->State().RunState == RunState::Held) Press(Run::Start);
+    }
+  }
+  void ExpectEnded() {
+    EXPECT_TRUE(downloaded);
+    ExpectAtRest(OperationMode::Execution, true);
+    EXPECT_EQ(Instrument().Phase(), RunPhase::Idle);
+  }
+
+  bool inDownload = false;
+  bool downloaded = false;
+};
+
+struct Undisturbed {
+  EventList exchanges;
+  EventList said;
+  int waits = 0;
+  int downloadWaits = 0;
+};
+
+const Undisturbed& PlayUndisturbed() {
+  static const Undisturbed record = [] {
+    WholeWay way;
+    const int before = way.pump.Calls();
+    Undisturbed result;
+    way.pump.OnEveryCall([&] { result.downloadWaits += way.inDownload ? 1 : 0; });
+    way.Play();
+    way.pump.OnEveryCall({});
+    way.ExpectEnded();
+    result.exchanges = way.recorder.exchanges;
+    result.said = std::exchange(way.prompts.said, {});
+    result.waits = way.pump.Calls() - before;
+    return result;
+  }();
+  return record;
+}
+
+// Plays the whole way and runs `action` in wait `wait`, counted from the beginning of the download.
+void PlayWith(WholeWay& way, int wait, const std::function<void()>& action) {
+  bool reached = false;
+  way.pump.OnCall(way.pump.Calls() + wait, [&] {
+    reached = true;
+    action();
+  });
+  way.Play();
+  EXPECT_TRUE(reached);
+}
+
+TEST(InterruptionOnTheWay, TheUndisturbedWayHasEveryKindOfWait) {
+  const Undisturbed& record = PlayUndisturbed();
+  EXPECT_EQ(record.said, (EventList{"input: Seq2", kAsksOutput, kSaysEnd}));
+  for (const char* command : {":TRAC:SEQ:REC 2", ":TRIG:COMP", ":TRIG1:SEL:EXEC STAR", ":TRIG1:SEL:EXEC HOLD",
+                              ":TRIG1:SEL:EXEC RES", ":TRIG1:SEL:EXEC BRAN 3"}) {
+    EXPECT_THAT(record.exchanges, ::testing::Contains("1 < " + std::string(command)));
+  }
+  // Name, preparation, waveform, 10 s, 5 s, polls; question, busy polling, commands, the end.
+  EXPECT_GT(record.downloadWaits, 35);
+  EXPECT_GT(record.waits, record.downloadWaits + 7);
+}
+
+// What must not start while something is under way is refused in every wait, and leaves no trace.
+TEST(InterruptionOnTheWay, ItIsRefused) {
+  struct Attempt {
+    const char* what;
+    std::function<void(WholeWay&)> action;
+  };
+  const Attempt attempts[] = {
+      {"tick", [](WholeWay& way) { way.session->Monitor().Tick(); }},
+      {"close, files and set-up",
+       [](WholeWay& way) {
+         Session& session = *way.session;
+         EXPECT_FALSE(session.RequestClose());
+         EXPECT_FALSE(session.NewSequence());
+         EXPECT_FALSE(session.OpenFile(std::string(CORLUNE_DATA) + "/examples/ramp.dat"));
+         EXPECT_FALSE(session.ReadBack());
+         EXPECT_FALSE(way.Reconnect());
+         EXPECT_FALSE(way.Download());
+         EXPECT_FALSE(session.Control().SetOperationMode(OperationMode::Edit));
+       }},
+      {"output",
+       [](WholeWay& way) {
+         // In a tick it is carried out behind it; everywhere else it is ignored.
+         if (!way.session->Activity().inTick) way.Press(Run::OutputOff);
+       }},
+  };
+  const Undisturbed& record = PlayUndisturbed();
+  for (const Attempt& attempt : attempts) {
+    for (int wait = 1; wait <= record.waits; ++wait) {
+      SCOPED_TRACE(std::string(attempt.what) + " in wait " + std::to_string(wait));
+      WholeWay way;
+      PlayWith(way, wait, [&] { attempt.action(way); });
+      EXPECT_EQ(way.recorder.exchanges, record.exchanges);
+      way.ExpectPrompts(record.said);
+      way.ExpectEnded();
+    }
+  }
+}
+
+TEST(InterruptionOnTheWay, RunButtonsDoNothingDuringADownload) {
+  const Undisturbed& record = PlayUndisturbed();
+  for (int wait = 1; wait <= record.downloadWaits; ++wait) {
+    SCOPED_TRACE("wait " + std::to_string(wait));
+    WholeWay way;
+    PlayWith(way, wait, [&] {
+      for (int button = 0; button <= 5; ++button) way.session->Control().Button(button);
+    });
+    EXPECT_EQ(way.recorder.exchanges, record.exchanges);
+    way.ExpectPrompts(record.said);
+    way.ExpectEnded();
+  }
+}
+
+TEST(InterruptionOnTheWay, StopInAnyWaitOfTheRunStopsIt) {
+  const Undisturbed& record = PlayUndisturbed();
+  int stopped = 0;
+  for (int wait = record.downloadWaits + 1; wait <= record.waits; ++wait) {
+    SCOPED_TRACE("wait " + std::to_string(wait));
+    WholeWay way;
+    std::uint32_t pressed = 0;
+    PlayWith(way, wait, [&] {
+      pressed = way.clock.Now();
+      way.Press(Run::Stop);
+    });
+    way.ExpectEnded();
+    const int stops = way.CountSent("1 < :TRIG1:SEL:EXEC STOP");
+    const bool ended = way.CountSent("1 > -1") > 0;
+    // Either the run had come to its end by itself or it was stopped, once.
+    EXPECT_EQ(stops + (ended ? 1 : 0), 1);
+    stopped += stops;
+    EventList said = record.said;
+    if (!ended) said.pop_back();
+    way.ExpectPrompts(said);
+    // Behind the last word of the instrument nothing more is sent.
+    EXPECT_THAT(way.recorder.exchanges.back(), AnyOf("1 > 2", "1 > 1;1"));
+  }
+  EXPECT_GT(stopped, 4);
+}
+
+TEST(InterruptionOnTheWay, HoldAndBranchInAnyWaitOfTheRun) {
+  const Undisturbed& record = PlayUndisturbed();
+  for (const corlune::Run press : {Run::Hold, Run::Branch}) {
+    int effects = 0;
+    for (int wait = record.downloadWaits + 1; wait <= record.waits; ++wait) {
+      SCOPED_TRACE((press == Run::Hold ? "hold in wait " : "branch in wait ") + std::to_string(wait));
+      WholeWay way;
+      PlayWith(way, wait, [&] { way.Press(press); });
+      // Held runs are resumed; in the end it ends as always.
+      way.ExpectEnded();
+      way.ExpectPrompts(record.said);
+      const std::string command =
+          press == Run::Hold ? "1 < :TRIG1:SEL:EXEC HOLD" : "1 < :TRIG1:SEL:EXEC BRAN 3";
+      effects += way.CountSent(command) - 1;
+      EXPECT_EQ(way.CountSent("1 < :TRIG1:SEL:EXEC RES"), way.CountSent("1 < :TRIG1:SEL:EXEC HOLD"));
+    }
+    EXPECT_GT(effects, 0);
+  }
+}
+
+}  // namespace
+}  // namespace corlune::testing
