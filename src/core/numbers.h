@@ -30,9 +30,6 @@ std::optional<std::int32_t> ToInt32(double value);
 // ("e" or "E"). Nothing else is a number: no group separators, currency, parentheses, hexadecimal, "inf" or
 // "nan". nullopt when the text is no number or its value overflows a double.
 std::optional<double> ParseNumber(std::string_view text);
-inline bool IsNumeric(std::string_view text) {
-  return ParseNumber(text).has_value();
-}
 // ParseNumber, then half to even into the type.
 std::optional<std::int16_t> ParseInt16(std::string_view text);
 std::optional<std::int32_t> ParseInt32(std::string_view text);
