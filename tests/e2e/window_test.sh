@@ -1,0 +1,101 @@
+#!/usr/bin/env bash
+# Starts the real window program under Xvfb with a window manager: start, picture, second start, sibling editor,
+# closing, and the exit codes.
+#   window_test.sh FOLDER_OF_THE_PROGRAM DATA_FOLDER
+set -euo pipefail
+bin=$(cd "$1" && pwd)
+data=$(cd "$2" && pwd)
+# shellcheck source=tests/e2e/x_session.sh
+. "$(dirname "$0")/x_session.sh"
+
+for tool in Xvfb openbox xdotool wmctrl import convert; do
+  command -v "$tool" >/dev/null || fail "$tool is missing; setup.sh installs it"
+done
+
+work=$(mktemp -d)
+trap 'end_x; rm -rf "$work"' EXIT
+export HOME=$work XDG_RUNTIME_DIR=$work/runtime
+mkdir -m 700 "$XDG_RUNTIME_DIR"
+
+new_folder() {
+  mkdir "$work/$1"
+  cp "$data/Corlune_Std.ini" "$work/$1/"
+  printf '[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n' > "$work/$1/Corlune.ini"
+}
+exit_code_of() {
+  local code=0
+  timeout 30 "$@" >/dev/null 2>&1 || code=$?
+  echo "$code"
+}
+is() { [ "$1" = "$2" ] || fail "$3: \"$1\" instead of \"$2\""; }
+has_ended() { ! kill -0 "$1" 2>/dev/null; }
+
+is "$(exit_code_of "$bin/corlune" --no-such-option)" 2 "exit code of an unknown option"
+is "$(exit_code_of env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$bin/corlune")" 1 "exit code without a display"
+
+begin_x 900 720
+new_folder first
+cp "$data/examples/phase-shift.dat" "$work/"
+start_corlune --folder "$work/first" --lang en --visa none
+first=$corlune
+wait_until 30 "the main window does not appear" window_named "$main_title"
+main=$(window_named "$main_title")
+
+# The picture: many colours inside the window, so neither blank nor one grey area.
+colours_shown() {
+  [ "$(import -window "$main" png:- | convert png:- -format '%k' info:)" -gt 30 ]
+}
+wait_until 20 "the window stays blank" colours_shown
+
+# Another program has the keyboard; a second start brings the window back, with its file, and ends.
+"$bin/titled_window" "Another program" &
+children+=($!)
+wait_until 20 "the other window does not appear" window_named '^Another program$'
+activate "$(window_named '^Another program$')"
+is "$(exit_code_of "$bin/corlune" --folder "$work/first" --visa none "$work/phase-shift.dat")" 0 "exit code of a second start"
+wait_until 20 "the second start does not open its file" window_named "$main_title.*phase-shift\.dat"
+wait_until 20 "the second start does not bring the window forward" is_active "$main"
+is "$(xdotool search --onlyvisible --name "$main_title" | wc -l)" 1 "main windows"
+
+# Another application folder is another program; the sibling editor keeps it from starting.
+new_folder second
+"$bin/titled_window" "a.wdb - Tavrin Plindor for QM2210/20" &
+sibling=$!
+children+=("$sibling")
+wait_until 20 "the sibling window does not appear" window_named 'Plindor'
+start_corlune --folder "$work/second" --lang en --visa none
+wait_until 20 "no message about the sibling editor" window_named '^Corlune$'
+activate "$(window_named '^Corlune$')"
+xdotool key Return
+wait_until 20 "the program goes on beside the sibling editor" has_ended "$corlune"
+code=0
+wait "$corlune" || code=$?
+is "$code" 1 "exit code beside the sibling editor"
+is "$(ls "$work/second")" "$(printf 'Corlune.ini\nCorlune_Std.ini')" "files after a refused start"
+kill "$sibling"
+
+# A folder without a model definition: a message, then the end.
+mkdir "$work/empty"
+start_corlune --folder "$work/empty" --lang en --visa none
+for message in 1 2; do  # the settings, then the definition
+  wait_until 20 "no message $message about missing files" window_named '^Corlune$'
+  dialog=$(window_named '^Corlune$')
+  activate "$dialog"
+  xdotool key Return
+  message_gone() { [ "$(window_named '^Corlune$')" != "$dialog" ]; }
+  wait_until 20 "message $message stays" message_gone
+done
+code=0
+wait "$corlune" || code=$?
+is "$code" 1 "exit code without a model definition"
+
+# Closing writes everything for the next start.
+wmctrl -i -c "$main"
+wait_until 20 "the program does not end" has_ended "$first"
+code=0
+wait "$first" || code=$?
+is "$code" 0 "exit code after closing"
+is "$(cat "$work/first/Corlune.ini")" "$(printf '[EDIT]\r\nEDIT_MODEL=1,QM2220\r')" "Corlune.ini"
+grep -q '^FI_STEPNUM=[1-9]' "$work/first/Corlune_QM2220.ini" || fail "the work file holds no steps"
+grep -q 'phase-shift.dat' "$work/first/CorluneWindow.ini" || fail "the recent file is not kept"
+echo "the window program passed"
