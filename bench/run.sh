@@ -7,7 +7,7 @@ cd "$(dirname "$0")/.."
 build=${BUILD:-build/release}
 
 cmake --preset release -B "$build" > /dev/null
-cmake --build "$build" --target benches > /dev/null
+cmake --build "$build" --target benches >&2
 
 results=$(mktemp -d)
 trap 'rm -rf "$results"' EXIT
