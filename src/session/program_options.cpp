@@ -56,7 +56,8 @@ void AddProgramOptions(CLI::App& app, ProgramOptions& options) {
 
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder) {
   if (!options.virtualInstrument) return;
-  if (options.visa.file.empty()) options.visa = {false, JoinPath(programFolder, kVirtualVisa)};
+  if (options.visa.file.empty() && !options.visa.none)
+    options.visa = {false, JoinPath(programFolder, kVirtualVisa)};
   for (LibraryChoice* other : {&options.gpib, &options.usb488, &options.ieee32m}) {
     if (other->file.empty()) other->none = true;
   }

@@ -25,7 +25,8 @@ typedef struct ArbInformation {
 
 /* `path` is in the system code page. Reads the sequence text from the file and leaves the compiled binary
  * in the same file. */
-typedef int32_t (*CompileSeqDataFunction)(const char* path, const ArbInformation* arbs, CompileErrorRecord* record);
+typedef int32_t (*CompileSeqDataFunction)(const char* path, const ArbInformation* arbs,
+                                          CompileErrorRecord* record);
 
 #ifdef __cplusplus
 }
