@@ -248,11 +248,11 @@ void FrmPreview::MeasureEnd() {
 
 void FrmPreview::FormStyleNomal(const QRect& screen) {
   if (isMinimized()) showNormal();
-  const QRect frame = frameGeometry();
-  const QSize edges = frame.size() - size();
-  const QSize size = kNormalSize.boundedTo(screen.size() - edges).expandedTo(minimumSizeHint());
-  resize(size);
-  move(screen.center() - QPoint((size.width() + edges.width()) / 2, (size.height() + edges.height()) / 2));
+  const QSize edges = frameGeometry().size() - size();
+  const QSize wanted = kNormalSize.boundedTo(screen.size() - edges).expandedTo(minimumSizeHint());
+  resize(wanted);
+  const QSize free = screen.size() - wanted - edges;
+  move(screen.x() + free.width() / 2, screen.y() + free.height() / 2);
 }
 
 void FrmPreview::FormStyleAlign(const QRect& leftWindow) {

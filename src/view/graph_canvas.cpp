@@ -177,20 +177,25 @@ void GraphCanvas::ShowMarker(std::optional<double> position, const QColor& color
 }
 
 void GraphCanvas::PaintMoving(QPainter& painter) {
-  painter.setClipRect(QRectF(layout_.PlotLeft - kMarkerHalf, 0, layout_.PlotWidth + 2 * kMarkerHalf + 1,
-                             layout_.Middle.bottom()));
+  const QRectF moving(layout_.PlotLeft - kMarkerHalf, 0, layout_.PlotWidth + 2 * kMarkerHalf + 1,
+                      layout_.Middle.bottom());
+  painter.setClipRect(moving);
   if (step_) {
     QColor tint = stepColor_;
     tint.setAlpha(90);
-    painter.fillRect(StepRect(*step_), tint);
+    const QRectF step = StepRect(*step_);
+    painter.fillRect(step.intersected(layout_.Ruler), tint);
+    painter.setClipRect(layout_.Middle, Qt::IntersectClip);
+    for (const AreaPlace& area : layout_.Areas) painter.fillRect(step.intersected(area.Plot), tint);
   }
   if (!marker_) return;
   const QRect strip = MarkerStrip(*marker_);
   if (strip.isEmpty()) return;
+  painter.setClipRect(moving);
   const double x = strip.x() + kMarkerHalf + 0.5;
   const double tip = layout_.Ruler.bottom();
   painter.setRenderHint(QPainter::Antialiasing, false);
-  painter.fillRect(QRectF(x - kMarkerWidth / 2, layout_.Ruler.top(), kMarkerWidth, layout_.Middle.bottom()),
+  painter.fillRect(QRectF(x - kMarkerWidth / 2, tip, kMarkerWidth, layout_.Middle.height()),
                    palette().color(QPalette::WindowText));
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(palette().color(QPalette::WindowText), 1));

@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include <QPainterPath>
-#include <QPolygonF>
 
 #include "core/numbers.h"
 
@@ -14,12 +13,13 @@ namespace {
 
 constexpr double kPad = 4;  // around texts
 constexpr double kTickLength = 4;
+constexpr double kMarkerHead = 10;  // below the step numbers
 constexpr double kRightMargin = 14;
 constexpr double kLineWidth = 2;
 constexpr double kSampleWidth = 20;  // line sample of a legend
 constexpr double kLabelGap = 8;
 constexpr double kLeastBoundaryGap = 4;  // between two drawn step boundaries
-constexpr int kLeastPlotLines = 3;       // lines of text in the height of the lowest plot
+constexpr int kLeastPlotLines = 4;       // lines of text in the height of the lowest plot
 constexpr double kMsPerSecond = 1000;
 
 QString Text(const std::string& text) {
@@ -39,7 +39,7 @@ double LeastAreaHeight(const QFont& font) {
 }
 
 double RulerHeight(const QFont& font) {
-  return LineHeight(font) + 2 * kPad;
+  return LineHeight(font) + kPad + kMarkerHead;
 }
 
 double TimeAxisHeight(const QFont& font) {
@@ -55,7 +55,7 @@ AxisTicks ChoiceTicks(const ValueRange& range, const std::vector<std::string>& c
 }
 
 void FillTicks(const AreaPicture& area, const QFont& font, AreaPlace& place) {
-  const int most = std::max(2, static_cast<int>(place.Plot.height() / (LineHeight(font) * 1.5)));
+  const int most = std::max(3, static_cast<int>(place.Plot.height() / (LineHeight(font) * 1.5)));
   place.Ticks = area.Choices.empty() ? NiceTicks(area.Graph.Range, most)
                                      : ChoiceTicks(area.Graph.Range, area.Choices, most);
   for (const double value : place.Ticks.Values) {
@@ -200,19 +200,53 @@ class PicturePainter {
     painter_.setRenderHint(QPainter::Antialiasing);
     PaintEnvelope(area, scale);
     for (std::size_t i = 0; i < area.Graph.Curves.size(); ++i) {
-      painter_.setPen(CurvePen(area, i));
-      painter_.setBrush(Qt::NoBrush);
-      for (const PixelLine& line : VisibleLines(area.Graph.Curves[i], scale)) {
-        QPolygonF polygon;
-        for (const PixelPoint& point : line) polygon.append({point.X, point.Y});
-        painter_.drawPolyline(polygon);
-      }
+      const QPen pen = CurvePen(area, i);
+      for (const PixelLine& line : VisibleLines(area.Graph.Curves[i], scale)) PaintLine(line, pen);
     }
     painter_.restore();
   }
 
+  // Piece by piece: most pieces are level or upright, which are mere rectangles, while a long softened line
+  // with many corners takes a painter a hundred times as long.
+  void PaintLine(const PixelLine& line, const QPen& pen) {
+    painter_.setPen(pen);
+    for (std::size_t i = 1; i < line.size(); ++i) {
+      PaintPiece({line[i - 1].X, line[i - 1].Y}, {line[i].X, line[i].Y}, pen);
+    }
+  }
+
+  void PaintPiece(const QPointF& from, const QPointF& to, const QPen& pen) {
+    constexpr double kDash = 8;
+    constexpr double kSpace = 5;
+    if (from.y() != to.y() && from.x() != to.x()) {
+      painter_.drawLine(from, to);
+      return;
+    }
+    const double half = kLineWidth / 2;
+    const QRectF whole = QRectF(from, to).normalized().adjusted(-half, -half, half, half);
+    const QRectF box = whole.intersected(QRectF(layout_.PlotLeft, -1e5, layout_.PlotWidth, 2e5));
+    if (pen.style() == Qt::SolidLine || from.x() == to.x()) {
+      FillAligned(box, pen.color());
+      return;
+    }
+    for (double x = box.left(); x < box.right(); x += kDash + kSpace) {
+      FillAligned(QRectF(x, box.top(), std::min(kDash, box.right() - x), box.height()), pen.color());
+    }
+  }
+
+  // On whole pixels of the screen, so that level lines are sharp.
+  void FillAligned(const QRectF& box, const QColor& color) {
+    const double ratio = painter_.device()->devicePixelRatioF();
+    const auto aligned = [ratio](double value) { return std::round(value * ratio) / ratio; };
+    const double left = aligned(box.left());
+    const double top = aligned(box.top());
+    painter_.fillRect(QRectF(left, top, aligned(box.right()) - left, aligned(box.bottom()) - top), color);
+  }
+
   void PaintEnvelope(const AreaPicture& area, const PlotScale& scale) {
     const int channel = area.Graph.Area.Channel;
+    const QPen edge(colors_.Channel(channel), kLineWidth);
+    std::optional<EnvelopePiece> before;
     for (EnvelopePiece piece : area.Graph.Envelope) {
       if (piece.End < window_.Start || piece.Start > window_.End) continue;
       CutPiece(piece);
@@ -222,12 +256,21 @@ class PicturePainter {
       const QPointF highEnd(right, scale.YOf(piece.HighEnd));
       const QPointF lowEnd(right, scale.YOf(piece.LowEnd));
       const QPointF lowStart(left, scale.YOf(piece.LowStart));
-      painter_.setPen(Qt::NoPen);
-      painter_.setBrush(colors_.Envelope(channel));
-      painter_.drawPolygon(QPolygonF({highStart, highEnd, lowEnd, lowStart}));
-      painter_.setPen(QPen(colors_.Channel(channel), kLineWidth));
-      painter_.drawLine(highStart, highEnd);
-      painter_.drawLine(lowStart, lowEnd);
+      if (highStart.y() == highEnd.y() && lowStart.y() == lowEnd.y()) {
+        FillAligned(QRectF(highStart, lowEnd).normalized(), colors_.Envelope(channel));
+      } else {
+        QPainterPath body(highStart);
+        for (const QPointF& corner : {highEnd, lowEnd, lowStart}) body.lineTo(corner);
+        painter_.fillPath(body, colors_.Envelope(channel));
+      }
+      painter_.setPen(edge);
+      PaintPiece(highStart, highEnd, edge);
+      PaintPiece(lowStart, lowEnd, edge);
+      if (before && before->End == piece.Start) {
+        PaintPiece(QPointF(left, scale.YOf(before->HighEnd)), highStart, edge);
+        PaintPiece(QPointF(left, scale.YOf(before->LowEnd)), lowStart, edge);
+      }
+      before = piece;
     }
   }
 
@@ -261,7 +304,7 @@ class PicturePainter {
     painter_.setPen(colors_.Text);
     for (std::size_t i = 0; i < places.size(); ++i) {
       if (!places[i]) continue;
-      const QRectF box(*places[i], ruler.top(), wishes[i].Width + 1, ruler.height());
+      const QRectF box(*places[i], ruler.top() + kPad / 2, wishes[i].Width + 1, ruler.height() - kMarkerHead);
       painter_.drawText(box, Qt::AlignLeft | Qt::AlignVCenter, Text(picture_.StepLabels[first_ + i]));
     }
   }

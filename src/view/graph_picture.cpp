@@ -19,6 +19,7 @@ constexpr int kIdTipStep = 8260;
 constexpr int kIdTipConstant = 8261;
 constexpr int kIdTipRamp = 8262;
 constexpr int kIdTipUnused = 8263;
+constexpr int kIdNotUsed = 8266;
 constexpr int kIdEnvelope = 8276;
 constexpr int kFirstChoice = 8270;
 constexpr int kLastChoice = 8280;
@@ -66,6 +67,12 @@ void AddTexts(const SequenceData& sequence, const ModelDefinition& definition,
   }
   if (picture.Graph.Curves.empty()) {
     picture.Note = catalogue.GetResString(kIdNoData, {target.empty() ? picture.Title : target});
+    return;
+  }
+  const auto empty = [](const GraphCurve& curve) { return curve.Points.empty(); };
+  const auto& curves = picture.Graph.Curves;
+  if (picture.Graph.Envelope.empty() && std::all_of(curves.begin(), curves.end(), empty)) {
+    picture.Note = catalogue.GetResString(kIdNotUsed);
     return;
   }
   if (!picture.Graph.Envelope.empty()) {
