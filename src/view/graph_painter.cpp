@@ -1,6 +1,7 @@
 #include "view/graph_painter.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 #include <QPainterPath>
@@ -155,8 +156,9 @@ class PicturePainter {
   // A second parameter of an area is dashed: colour tells channels apart, not parameters.
   QPen CurvePen(const AreaPicture& area, std::size_t curve) const {
     QPen pen(colors_.Channel(area.Graph.Area.Channel), kLineWidth);
-    const bool solid = curve == 0 && area.Graph.Envelope.empty();
-    if (!solid) pen.setStyle(curve % 2 == 0 ? Qt::DashLine : Qt::DotLine);
+    constexpr std::array kStyles{Qt::SolidLine, Qt::DashLine, Qt::DotLine};
+    const std::size_t style = curve + (area.Graph.Envelope.empty() ? 0 : 1);
+    pen.setStyle(kStyles[std::min(style, kStyles.size() - 1)]);
     pen.setCapStyle(Qt::FlatCap);
     pen.setJoinStyle(Qt::MiterJoin);
     return pen;
@@ -216,8 +218,6 @@ class PicturePainter {
   }
 
   void PaintPiece(const QPointF& from, const QPointF& to, const QPen& pen) {
-    constexpr double kDash = 8;
-    constexpr double kSpace = 5;
     if (from.y() != to.y() && from.x() != to.x()) {
       painter_.drawLine(from, to);
       return;
@@ -229,8 +229,10 @@ class PicturePainter {
       FillAligned(box, pen.color());
       return;
     }
-    for (double x = box.left(); x < box.right(); x += kDash + kSpace) {
-      FillAligned(QRectF(x, box.top(), std::min(kDash, box.right() - x), box.height()), pen.color());
+    const double dash = pen.style() == Qt::DashLine ? 8 : 2;
+    constexpr double kSpace = 4;
+    for (double x = box.left(); x < box.right(); x += dash + kSpace) {
+      FillAligned(QRectF(x, box.top(), std::min(dash, box.right() - x), box.height()), pen.color());
     }
   }
 

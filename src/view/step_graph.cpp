@@ -99,14 +99,26 @@ std::array<double, 2> SwingParts(const SequenceData& sequence, int channel, int 
   }
 }
 
+// Amplitude and offset can be added: both are in volts, or in user units that scale volts alike.
+bool SameUnit(const SequenceData& sequence, const ModelDefinition& definition, int channel) {
+  const UserUnits units(sequence, definition);
+  const bool active = units.Active(channel, kSlotAmplitude);
+  if (active != units.Active(channel, kSlotOffset)) return false;
+  if (!active) return true;
+  const auto& table = sequence.Channels.UserUnits[Index(channel)];
+  const UserUnitDef& swing = table[kSlotAmplitude];
+  const UserUnitDef& middle = table[kSlotOffset];
+  return swing.Form != kLogarithmic && middle.Form != kLogarithmic && swing.UnitText == middle.UnitText &&
+         swing.M == middle.M && swing.N == 0;
+}
+
 bool DrawsEnvelope(const SequenceData& sequence, const ModelDefinition& definition, int channel,
                    const std::vector<int>& slots) {
   const auto lists = [&slots](int slot) {
     return std::find(slots.begin(), slots.end(), slot) != slots.end();
   };
-  const UserUnits units(sequence, definition);
   return slots.size() == 2 && lists(kSlotAmplitude) && lists(kSlotOffset) &&
-         !units.Active(channel, kSlotAmplitude) && !units.Active(channel, kSlotOffset);
+         SameUnit(sequence, definition, channel);
 }
 
 std::vector<EnvelopePiece> BuildEnvelope(const SequenceData& sequence, const ModelDefinition& definition,

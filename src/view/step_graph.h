@@ -106,7 +106,8 @@ struct ValueRange {
 struct AreaGraph {
   GraphArea Area;
   std::vector<GraphCurve> Curves;
-  // Amplitude and offset in one area, both in volts: the envelope takes the amplitude's place.
+  // Amplitude and offset in one area, both in volts or in like user units: the envelope takes the amplitude's
+  // place.
   std::vector<EnvelopePiece> Envelope;
   ValueRange Range;
   bool operator==(const AreaGraph&) const = default;

@@ -167,7 +167,12 @@ TEST(EnvelopeTest, FollowsSweepsAndIsFlatForDc) {
 
 TEST(EnvelopeTest, GivesWayToTwoLinesWhenAUserUnitMakesTheValuesUnlike) {
   ViewRig rig(1);
-  rig.sequence.Channels.UserUnits[0][kSlotAmplitude].UseUserUnit = 1;
+  rig.Set(0, kSlotAmplitude, 4);
+  auto& units = rig.sequence.Channels.UserUnits[0];
+  units[kSlotAmplitude] = {1, 0, "kV", 10, 0};
+  units[kSlotOffset] = {1, 0, "kV", 10, 1};
+  EXPECT_EQ(GraphOf(rig, kEnvelope).Envelope.at(0), (EnvelopePiece{0, 1000, -10, 30, -10, 30}));
+  units[kSlotAmplitude].M = 5;
   const AreaGraph graph = GraphOf(rig, kEnvelope);
   EXPECT_TRUE(graph.Envelope.empty());
   ASSERT_EQ(graph.Curves.size(), 2U);
