@@ -352,13 +352,13 @@ TEST(SequenceViewAreasTest, TipNamesStepParameterAndValue) {
     const PlotScale scale = rig.Canvas().Scale(area);
     return rig.Canvas().TipAt(QPointF(scale.XOf(ms), scale.Top + 20).toPoint());
   };
-  EXPECT_EQ(tip(0, 1500), "Step 12: 1 s\nAmplitude: 0 → 2.5 Vp-p");
+  EXPECT_EQ(tip(0, 1500), "Step 12: 1 s\nAmplitude: 0 to 2.5 Vp-p");
   EXPECT_EQ(tip(0, 2500), "Step 13: 1 s\nAmplitude: not used in this step");
   EXPECT_EQ(tip(1, 500), "Step 11: 1 s\nFrequency: 0.000001 Hz");
   EXPECT_EQ(rig.Canvas().TipAt({2, 2}), "");
   rig.sequence.Channels.UserUnits[0][kSlotAmplitude] = {1, 0, "Vrms", 0.5, 0};
   rig.view->PicDisp();
-  EXPECT_EQ(tip(0, 1500), "Step 12: 1 s\nAmplitude: 0 → 1.25 Vrms");
+  EXPECT_EQ(tip(0, 1500), "Step 12: 1 s\nAmplitude: 0 to 1.25 Vrms");
   EXPECT_EQ(rig.Canvas().Picture().Areas[0].Legends, (std::vector<std::string>{"Amplitude [Vrms]"}));
 }
 
