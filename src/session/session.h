@@ -146,7 +146,8 @@ class Session {
   bool LoadWorkData();
   void SetUpUsbTmc();
   int FindInstruments();
-  bool FindModelOfInstrument();
+  // The first model of which an instrument is found, with `serial` the first of which that instrument is.
+  ConnectResult FindModelOfInstrument(const std::optional<std::string>& serial);
   void SetWorkFilePath();
   void ApplySimulated();
   StartUpResult EndOfStartUp(StartUpResult result);

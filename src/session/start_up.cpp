@@ -24,6 +24,15 @@ std::string Describe(const std::string& path, const DefinitionProblem& problem) 
   return text + ": " + problem.reason;
 }
 
+// The instrument that `serial` names, by serial number or whole resource name; without it the first one.
+const FoundInstrument* FindSerial(const std::vector<FoundInstrument>& found,
+                                  const std::optional<std::string>& serial) {
+  const auto chosen = std::find_if(found.begin(), found.end(), [&](const FoundInstrument& instrument) {
+    return !serial || instrument.SerialNo == *serial || instrument.Resource == *serial;
+  });
+  return chosen == found.end() ? nullptr : &*chosen;
+}
+
 }  // namespace
 
 bool Session::LoadDefinitionOf(AppState& state, ModelDefinition& definition, bool showBadValue) {
@@ -211,30 +220,38 @@ bool Session::StartUpWithoutFile() {
   return true;
 }
 
-bool Session::FindModelOfInstrument() {
+ConnectResult Session::FindModelOfInstrument(const std::optional<std::string>& serial) {
+  ConnectResult result = ConnectResult::NoneFound;
   const std::vector<std::string> models = definition_.Models;
   for (std::size_t i = 0; i < models.size(); ++i) {
     state_.ModelIndex = static_cast<std::int16_t>(i);
     state_.ModelName = models[i];
     if (FindInstruments() == 0) continue;
-    if (!LoadDefinitionOf(state_, definition_, false)) return false;
+    if (FindSerial(Gp().Found(), serial) == nullptr) {
+      result = ConnectResult::NotFound;
+      continue;
+    }
+    if (!LoadDefinitionOf(state_, definition_, false)) return ConnectResult::NoneFound;
     ResetSequence(sequence_, definition_);
     SetUpUsbTmc();
-    return true;
+    return ConnectResult::Connected;
   }
-  return false;
+  return result;
 }
 
 ConnectResult Session::Connect(const std::optional<std::string>& serial) {
   const WorkGuard guard(activity_);
   if (state_.Instruments[0].InterfaceKind == InterfaceKind::UsbTmc) {
-    if (anyModel_ ? !FindModelOfInstrument() : FindInstruments() == 0) return ConnectResult::NoneFound;
+    if (anyModel_) {
+      const ConnectResult result = FindModelOfInstrument(serial);
+      if (result != ConnectResult::Connected) return result;
+    } else if (FindInstruments() == 0) {
+      return ConnectResult::NoneFound;
+    }
     const std::vector<FoundInstrument>& found = Gp().Found();
     if (found.size() > 1 && !serial && !anyModel_) return ConnectResult::SeveralFound;
-    const auto chosen = std::find_if(found.begin(), found.end(), [&](const FoundInstrument& instrument) {
-      return !serial || instrument.SerialNo == *serial || instrument.Resource == *serial;
-    });
-    if (chosen == found.end()) return ConnectResult::NotFound;
+    const FoundInstrument* const chosen = FindSerial(found, serial);
+    if (chosen == nullptr) return ConnectResult::NotFound;
     SelectSerial(chosen->SerialNo);
   }
   if (!OpenConnection()) return ConnectResult::OpenFailed;

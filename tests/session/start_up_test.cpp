@@ -316,5 +316,16 @@ TEST(StartUp, WithoutAFileTheInstrumentTellsItsModel) {
   EXPECT_EQ(rig.session->Definition().Commands.OutputOn.Template, ":OUTP1 ON;:OUTP2 ON");
 }
 
+TEST(StartUp, WithoutAFileASerialNumberNamesAnInstrumentOfAnyModel) {
+  SessionRig rig;
+  rig.search.Attach(kPrefix2210, "1000001");
+  rig.search.Attach(kPrefix2220, "2000001");
+  rig.script.Reply("*IDN?", {"TAVRIN,QM2220,2000001,1.00"});
+  ASSERT_TRUE(rig.session->StartUpWithoutFile());
+  EXPECT_EQ(rig.session->Connect("3000001"), ConnectResult::NotFound);
+  ASSERT_EQ(rig.session->Connect("2000001"), ConnectResult::Connected);
+  EXPECT_EQ(rig.session->State().ModelName, "QM2220");
+}
+
 }  // namespace
 }  // namespace corlune::testing
