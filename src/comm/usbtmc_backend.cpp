@@ -238,13 +238,15 @@ std::string UsbTmcMdl::DeviceName(std::int16_t device) const {
 CommStatus UsbTmcMdl::WriteBlock(const std::string& header, std::span<const std::uint8_t> data) {
   constexpr const char* kOperation = "GP_Send_AsciiBinary_Data";
   CommStatus status = GP_EOI(false);
-  if (!Failed(status)) status = Checked(kOperation, WriteBytes(header.data(), header.size()));
+  const bool begun = !Failed(status);
+  if (begun) status = Checked(kOperation, WriteBytes(header.data(), header.size()));
   // Whatever happened, the next command must end its message again.
   const CommStatus endOn = GP_EOI(true);
-  if (Failed(status)) return status;
-  status = Failed(endOn) ? endOn : Checked(kOperation, WriteBytes(data.data(), data.size()));
-  if (Failed(status)) {
-    // The instrument waits for the rest of the block; without a clear it would take the next commands for it.
+  if (!Failed(status)) status = endOn;
+  if (!Failed(status)) status = Checked(kOperation, WriteBytes(data.data(), data.size()));
+  if (begun && Failed(status)) {
+    // The instrument may wait for the rest of the header or of the block; without a clear it would take the
+    // next commands for it.
     const CommStatus cleared = Converted(visa_->Clear(CurrentSession()));
     LogDevice(Device(), '<', "GP_SDC", cleared);
   }

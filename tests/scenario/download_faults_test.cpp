@@ -8,7 +8,7 @@ namespace {
 
 enum class Fate {
   NotSent,         // the download ends, nothing more is sent
-  BlockBroken,     // the same; a clear makes the instrument forget the first part of the block
+  BlockBroken,     // the same; a clear makes the instrument forget what it has of the block
   NotCompiled,     // the same, once the instrument was to take the sequence over
   NotPrepared,     // not checked: the instrument refuses to compile in its normal operation
   ErrorUnknown,    // counts as no error; the instrument's complaint about it is found by the next question
@@ -31,11 +31,11 @@ const std::vector<Exchange> kDownload{
     {"1 < :STAT:OPER:CH1:COND?", Fate::NotSent},
     {"1 > 0", Fate::NotSent},
     {"1 < *CLS", Fate::NotSent},
-    {"1 < :TRACe:DATA 1,\"Arb1\",#48200", Fate::NotSent},
+    {"1 < :TRACe:DATA 1,\"Arb1\",#48200", Fate::BlockBroken},
     {"1 < (8200 bytes)", Fate::BlockBroken},
     {"1 < :SYST:ERR?", Fate::ErrorUnknown},
     {"1 > 0,\"No error\"", Fate::ErrorUnknown},
-    {"1 < :TRAC:SEQ 1,\"E2E\",#3337", Fate::NotSent},
+    {"1 < :TRAC:SEQ 1,\"E2E\",#3337", Fate::BlockBroken},
     {"1 < (337 bytes)", Fate::BlockBroken},
     {"1 < :SYST:ERR?", Fate::ErrorUnknown},
     {"1 > 0,\"No error\"", Fate::ErrorUnknown},
@@ -259,7 +259,7 @@ TEST(DownloadFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
     while (!IsChecked(kDownload[checked].fate)) ++checked;
     rest.end = EndOf(kDownload[checked].fate);
     for (std::size_t i = n; i <= checked; ++i) rest.lines.push_back(FailedLine(kDownload[i].line, " !error"));
-    if (kDownload[n].fate == Fate::BlockBroken) rest.lines.emplace_back("1 clear !error");
+    if (kDownload[checked].fate == Fate::BlockBroken) rest.lines.emplace_back("1 clear !error");
     if (kDownload[n].fate == Fate::PollAgain) {
       rest.lines.assign(200 - (n - kFirstPoll), "1 poll !error");
       rest.lines.insert(rest.lines.end(), {"1 < :SYST:ERR? !error", "1 >  !error"});
