@@ -17,6 +17,8 @@ constexpr std::int16_t kStatusEvent = 0x20;     // event status summary
 constexpr std::int16_t kStatusCompiled = 0x80;  // the instrument has taken the sequence over
 constexpr int kCompilePolls = 200;
 constexpr std::int32_t kCompilePollWait = 100;  // ms
+// Polls that time out take seconds each; a dead instrument must not hold the program up for all of them.
+constexpr std::int32_t kCompileLimit = 60000;  // ms
 
 constexpr std::int32_t kConditionRunning = 4;
 constexpr std::int32_t kConditionHeld = 8;
@@ -73,7 +75,9 @@ bool InstrumentDialogues::PrepareSequenceMode() {
 }
 
 bool InstrumentDialogues::WaitCompileDone() {
+  const std::uint32_t start = commands_.Clock().Now();
   for (int poll = 0; poll < kCompilePolls; ++poll) {
+    if (TicksSince(commands_.Clock().Now(), start) >= kCompileLimit) break;
     const std::int16_t statusByte = SerialPoll();
     commands_.DelayMs(kCompilePollWait);
     if (statusByte == 0) continue;

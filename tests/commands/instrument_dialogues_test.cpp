@@ -141,6 +141,15 @@ TEST(InstrumentDialogues, WaitCompileDone) {
   }
 }
 
+// An instrument that is gone lets every poll run into its time-out.
+TEST(InstrumentDialogues, CompileWaitIsLimitedInTime) {
+  Rig rig;
+  rig.script.StatusBytes({0});
+  rig.script.onExchange = [&](const std::string&) { rig.clock.Advance(3000); };
+  EXPECT_FALSE(rig.dialogues.WaitCompileDone());
+  EXPECT_EQ(rig.script.CountOf("0 spoll"), 20);
+}
+
 TEST(InstrumentDialogues, CompileWaitEndsWhenTheStatusQueryFails) {
   for (const std::size_t failing : {1u, 2u}) {
     Rig rig;
