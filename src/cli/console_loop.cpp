@@ -27,34 +27,55 @@ void HandleSignal(int) {
   errno = saved;
 }
 
+constexpr std::array<int, 4> kSignals{SIGINT, SIGTERM, SIGHUP, SIGPIPE};
+std::array<struct sigaction, kSignals.size()> before;  // while a handler is set
+
+void CatchSignals() {
+  for (std::size_t i = 0; i < kSignals.size(); ++i) {
+    struct sigaction action {};  // without SA_RESTART: a prompt that waits for a line ends
+    action.sa_handler = kSignals[i] == SIGPIPE ? SIG_IGN : HandleSignal;
+    sigaction(kSignals[i], nullptr, &before[i]);
+    // Started so that it survives its terminal.
+    if (kSignals[i] == SIGHUP && before[i].sa_handler == SIG_IGN) continue;
+    sigaction(kSignals[i], &action, nullptr);
+  }
+}
+
+void ReleaseSignals() {
+  for (std::size_t i = 0; i < kSignals.size(); ++i) sigaction(kSignals[i], &before[i], nullptr);
+}
+
 }  // namespace
 
 ConsoleLoop::ConsoleLoop(TickClock& clock) : clock_(clock) {
-  if (pipe2(wakePipe, O_NONBLOCK | O_CLOEXEC) == 0) {
-    struct sigaction action {};
-    action.sa_handler = HandleSignal;
-    sigaction(SIGINT, &action, nullptr);
-    sigaction(SIGTERM, &action, nullptr);
-  }
+  // Without the pipe a signal is noticed at the next turn of the loop all the same.
+  if (pipe2(wakePipe, O_NONBLOCK | O_CLOEXEC) != 0) wakePipe[0] = wakePipe[1] = -1;
 }
 
 ConsoleLoop::~ConsoleLoop() {
   RawKeys(false);
-  signal(SIGINT, SIG_DFL);
-  signal(SIGTERM, SIG_DFL);
+  OnInterrupt({});
   for (int& end : wakePipe) {
     if (end >= 0) close(end);
     end = -1;
   }
 }
 
-int ConsoleLoop::Interrupts() const {
-  return interruptCount;
+void ConsoleLoop::OnInterrupt(std::function<void(int)> handler) {
+  if (!onInterrupt_ && handler) {
+    interruptCount = 0;
+    interruptsSeen_ = 0;
+    CatchSignals();
+  }
+  if (onInterrupt_ && !handler) ReleaseSignals();
+  onInterrupt_ = std::move(handler);
 }
 
 void ConsoleLoop::RawKeys(bool on) {
   rawKeys_ = on;
-  if (on && !terminalChanged_ && isatty(STDIN_FILENO) != 0 && tcgetattr(STDIN_FILENO, &savedTerminal) == 0) {
+  // A program in the background would be halted by a change of the terminal, and its run left to itself.
+  const bool ours = isatty(STDIN_FILENO) != 0 && tcgetpgrp(STDIN_FILENO) == getpgrp();
+  if (on && !terminalChanged_ && ours && tcgetattr(STDIN_FILENO, &savedTerminal) == 0) {
     termios single = savedTerminal;
     single.c_lflag &= ~static_cast<tcflag_t>(ICANON | ECHO);
     single.c_cc[VMIN] = 1;
@@ -97,7 +118,8 @@ void ConsoleLoop::Turn(int milliseconds) {
   }
   while (interruptsSeen_ < interruptCount) {
     ++interruptsSeen_;
-    if (onInterrupt_) onInterrupt_(interruptsSeen_);
+    // A copy: the handler may take itself away.
+    if (const auto handler = onInterrupt_) handler(interruptsSeen_);
   }
   // A tick that runs a wait of its own comes back here; the timer does not fire inside its own handler.
   if (nextTick_ && !inTick_ && TickReached(clock_.Now(), *nextTick_)) {

@@ -21,8 +21,10 @@ class ConsoleLoop : public EventPump, public TickSource {
   // Handlers; both may be empty. They run inside HandlePending and SleepUntil.
   void OnKey(std::function<void(char)> handler) { onKey_ = std::move(handler); }
   void OnTick(std::function<void()> handler) { onTick_ = std::move(handler); }
-  // Called for every Ctrl+C (and SIGTERM), with the number of presses so far.
-  void OnInterrupt(std::function<void(int)> handler) { onInterrupt_ = std::move(handler); }
+  // Called for every Ctrl+C, and when the program is asked to end or its terminal goes away, with the number
+  // of times since the handler was set. Without a handler such a signal ends the process at once. While there
+  // is one, a reader of the output that goes away does not: the instrument may be running.
+  void OnInterrupt(std::function<void(int)> handler);
 
   // Switches a terminal to single keys without echo; back off for prompts that read a line.
   void RawKeys(bool on);
@@ -30,8 +32,6 @@ class ConsoleLoop : public EventPump, public TickSource {
   void HandlePending() override;
   void SleepUntil(std::uint32_t tick) override;
   void Enable(bool on) override;  // the monitor's timer
-
-  int Interrupts() const;
 
  private:
   // Handles what is due; waits at most `milliseconds` for something to come.

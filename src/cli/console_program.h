@@ -46,7 +46,6 @@ class ConsoleProgram {
 
   Session& GetSession() { return *session_; }
   ConsoleLoop& Loop() { return loop_; }
-  ConsoleDisplay& Display() { return display_; }
   const MessageCatalogue& Catalogue() const { return session_->Catalogue(); }
 
   // Loads the file with its model and set-up; shows its problem. False: failed.
@@ -55,6 +54,8 @@ class ConsoleProgram {
   bool Connect(const std::optional<std::string>& serial);
   // Compiles the loaded sequence into `compiled`; says on standard error what is wrong. False: failed.
   bool Compile(std::string& compiled);
+  // Leaves at once, without destructors, with terminal and files tidied up.
+  void EndNow(int exitCode) { end_.EndNow(exitCode); }
 
  private:
   SteadyTickClock clock_;

@@ -11,8 +11,14 @@ int ReadCommand(ConsoleProgram& program, const ReadOptions& options) {
   if (options.setup.empty() ? !session.StartUpWithoutFile() : !program.Load(options.setup))
     return kExitFailed;
   if (!program.Connect(options.serial)) return kExitFailed;
+  // The instrument only waits to be read, so a read can be given up at any time.
+  program.Loop().OnInterrupt([&](int) {
+    session.Disconnect();
+    program.EndNow(kExitFailed);
+  });
   session.Sequence().SequenceNumber = static_cast<std::int16_t>(options.number);
   const bool received = session.ReadBack();
+  program.Loop().OnInterrupt({});
   session.Disconnect();
   if (!received) return kExitFailed;
   if (!options.out.empty()) return session.WriteFile(options.out, true) ? kExitSuccess : kExitFailed;

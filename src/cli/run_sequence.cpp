@@ -46,8 +46,8 @@ class RunKeys {
     }
   }
   void Interrupt(int count) {
-    if (count == 1 && session_.State().RunState == RunState::Stopped) {
-      // A transfer is under way; the instrument runs nothing yet. It ends first, then the program does.
+    if (count == 1 && session_.Download().UnderWay()) {
+      // The instrument runs nothing yet; the transfer ends first, then the program does.
       std::cerr << program_.Catalogue().GetResString(9523) << std::endl;
     }
     Stop();
@@ -78,22 +78,22 @@ int TellDownloadEnd(ConsoleProgram& program) {
   return text.empty() ? kExitFailed : Fail(text);
 }
 
-int RunConnected(ConsoleProgram& program, int number) {
+int RunConnected(ConsoleProgram& program, const RunKeys& keys, int number) {
   Session& session = program.GetSession();
   session.Sequence().SequenceNumber = static_cast<std::int16_t>(number);
-  RunKeys keys(program);
+  const std::string stopped = program.Catalogue().GetResString(9524);
+  const std::string broken = program.Catalogue().GetResString(9528);
+  program.Loop().HandlePending();
+  if (keys.Stopped()) return Fail(stopped);
   if (!session.Control().SetOperationMode(OperationMode::Execution)) return TellDownloadEnd(program);
-  if (keys.Stopped()) return kExitFailed;
-  if (!session.Control().RunCommand(Run::Start)) return kExitFailed;
-  FollowRun(program);
-  if (keys.Stopped()) {
-    std::cout << program.Catalogue().GetResString(9524) << std::endl;
-    return kExitFailed;
+  if (keys.Stopped()) return Fail(stopped);
+  if (!session.Control().RunCommand(Run::Start)) {
+    // Back in edit mode: it was started, but does not say where it is.
+    return session.State().OperationMode == OperationMode::Edit ? Fail(broken) : kExitFailed;
   }
-  // A run that failed leaves edit mode or the outputs known as off; one that was stopped at the instrument
-  // too.
-  const bool well = session.State().OutputOn && session.State().OperationMode == OperationMode::Execution;
-  return well ? kExitSuccess : kExitFailed;
+  FollowRun(program);
+  if (!session.Monitor().EndedWell()) return Fail(broken);
+  return keys.Stopped() ? Fail(stopped) : kExitSuccess;
 }
 
 }  // namespace
@@ -101,8 +101,10 @@ int RunConnected(ConsoleProgram& program, int number) {
 int RunSequenceCommand(ConsoleProgram& program, const RunOptions& options) {
   if (!program.Load(options.file)) return kExitFailed;
   if (options.offline) return PrintTimes(program);
+  if (program.GetSession().Sequence().StepCount == 0) return Fail(program.Catalogue().GetResString(9204));
+  const RunKeys keys(program);
   if (!program.Connect(options.serial)) return kExitFailed;
-  const int exitCode = RunConnected(program, options.number);
+  const int exitCode = RunConnected(program, keys, options.number);
   program.GetSession().Disconnect();
   return exitCode;
 }

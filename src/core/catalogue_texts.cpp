@@ -364,7 +364,7 @@ constexpr CatalogueText kRows[] = {
     {9525, "The instrument reported the error number $1. The download has ended.", "機器がエラー番号 $1 を報告しました。ダウンロードを終了しました。"},
     {9526, "The instrument did not take the sequence over. The download has ended.", "機器がシーケンスを受け付けませんでした。ダウンロードを終了しました。"},
     {9527, "No sequence name was given that the instrument can take. Use --name or --yes.", "機器が受け付けるシーケンス名が指定されていません。--name または --yes を使用してください。"},
-    {9528, "The sequence execution did not end as it should. The outputs may still be on.", "シーケンス実行は正常に終了しませんでした。出力がONのままの可能性があります。"},
+    {9528, "The sequence execution did not end as it should. Check the instrument.", "シーケンス実行は正常に終了しませんでした。機器の状態を確認してください。"},
     {9524, "The sequence execution was stopped.", "シーケンス実行を停止しました。"},
 
     // Added texts: files and session.

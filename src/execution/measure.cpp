@@ -44,6 +44,7 @@ void Measure::MeasureStart() {
   state.ElapsedTime = 0;
   lastPoll.reset();
   monitoring_ = true;
+  endedWell_ = false;
   run_.timer.Enable(true);
   if (state.SequenceViewShown) run_.view.MeasureStart();
 }

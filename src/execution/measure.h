@@ -26,6 +26,11 @@ class Measure {
   // MeasureEnd when a run is monitored or held, else only the stopped state.
   void EndRun();
 
+  // The run has ended as it should: behind its last step, or by a stop that reached every instrument. The
+  // next MeasureStart forgets it.
+  void MarkEndedWell() { endedWell_ = true; }
+  bool EndedWell() const { return endedWell_; }
+
   // A run is being followed or held: MeasureStart was called, MeasureEnd not yet.
   bool Monitoring() const { return monitoring_; }
   // How often MeasureEnd was called; a tick that sees it grow skips its rest.
@@ -44,6 +49,7 @@ class Measure {
 
   RunContext run_;
   bool monitoring_ = false;
+  bool endedWell_ = false;
   std::uint32_t endCount_ = 0;
 };
 

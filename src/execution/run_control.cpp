@@ -166,6 +166,7 @@ bool RunControl::Stop() {
   const CommandTable& table = run_.commands.Definition().Commands;
   const int failed = SendToAll([&](int) { return table.Stop.Template; }, table.Stop.Wait);
   if (failed >= 0) return FailRun(failed);
+  measure_.MarkEndedWell();
   measure_.EndRun();
   // The instrument clears its run status when it is read; nobody needs the answer.
   std::string discarded;

@@ -31,8 +31,10 @@ void RunMonitor::RunSteps() {
   AppState& state = run_.state;
   const std::uint32_t now = run_.commands.Clock().Now();
   if (state.BranchRequested) state.StepDeadline = now;
+  // Past its maximum the difference turns negative, and positive again after as long; the maximum stays.
+  constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max();
   const std::int32_t elapsed = TicksSince(now, state.RunStartTime);
-  state.ElapsedTime = elapsed >= 0 ? elapsed : std::numeric_limits<std::int32_t>::max();
+  state.ElapsedTime = elapsed >= 0 && state.ElapsedTime != kLongest ? elapsed : kLongest;
   ShowElapsed();
 
   Next next = Poll();
@@ -87,6 +89,7 @@ RunMonitor::Next RunMonitor::AfterLastStep() {
     RefreshBoth(run_);
     return Next::EndOfTick;
   }
+  measure_.MarkEndedWell();
   measure_.MeasureEnd();
   RefreshBoth(run_);
   ShowMessage(run_.prompts, run_.catalogue, 9202, PromptIcon::Information);

@@ -18,9 +18,8 @@ class RunMonitor {
              RunActivity& activity)
       : run_(run), measure_(measure), queries_(queries), control_(control), activity_(activity) {}
 
-  void MeasureStart() { measure_.MeasureStart(); }
-  void MeasureReStart() { measure_.MeasureReStart(); }
-  void MeasureEnd() { measure_.MeasureEnd(); }
+  // See Measure::EndedWell.
+  bool EndedWell() const { return measure_.EndedWell(); }
 
   // The timer's handler. Pumps events and may show messages. Does nothing inside another tick, inside a
   // command, and when no run is being followed (a timer event that was already waiting).

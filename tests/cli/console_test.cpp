@@ -75,6 +75,7 @@ TEST_F(ConsoleTest, ExitCodes) {
       {"$cli --folder absent check ramp.dat", 1, "Initialization file doesn't exist"},
       {"$cli --folder . text ramp.dat -o absent/out", 1, "absent/out"},
       {"$cli --folder . --visa none run ramp.dat", 1, "No instrument was found."},
+      {"$cli --folder . --virtual-instrument --visa none devices", 1, "VISA: switched off"},
       {"$cli", 2, "a command is needed"},
       {"$cli check", 2, "file is required"},
       {"$cli read 11", 2, "not in range"},

@@ -258,6 +258,47 @@ TEST(RunMonitor, TheClockMayWrapInAStepAndInAHold) {
   EXPECT_EQ(rig.Tick(10).front(), "elapsed " + std::to_string(ran + 10));
 }
 
+TEST(RunMonitor, ElapsedTimeStaysAtItsMaximum) {
+  RunRig rig;
+  rig.StartRun();
+  for (int quarter = 1; quarter <= 5; ++quarter) {
+    const std::string shown = quarter == 1 ? "elapsed 1073741824" : "elapsed 2147483647";
+    EXPECT_EQ(rig.Tick(1U << 30).front(), shown) << quarter;
+  }
+  ASSERT_TRUE(rig.control.RunCommand(Run::Stop));
+  rig.StartRun();
+  EXPECT_EQ(rig.Tick(7).front(), "elapsed 7");
+}
+
+TEST(RunMonitor, KnowsWhetherARunEndedAsItShould) {
+  struct Row {
+    const char* name;
+    const char* output;
+    const char* step;
+    const char* status;
+    const char* failing;
+    int messages;
+    bool endedWell;
+  };
+  for (const Row& row : {Row{"behind the last step", "1", "-1", "4", "", 1, true},
+                         Row{"stop asked for by the instrument", "1", "0", "2", "", 0, true},
+                         Row{"that stop fails", "1", "0", "2", "0 < :STOP", 1, false},
+                         Row{"output switched off", "0", "0", "4", "", 1, false},
+                         Row{"output query fails", "1", "0", "4", "0 < :OUTP?", 1, false},
+                         Row{"status query fails", "1", "0", "4", "0 < :STAT?", 1, false},
+                         Row{"the step is no number", "1", "x", "4", "", 0, false}}) {
+    SCOPED_TRACE(row.name);
+    RunRig rig;
+    rig.StartRun();
+    rig.Reply(row.output, row.step, row.status);
+    if (*row.failing) rig.script.FailOn(row.failing, CommStatus::Error);
+    for (int i = 0; i < row.messages; ++i) OneMessage(rig);
+    rig.Tick();
+    ASSERT_EQ(rig.state.RunState, RunState::Stopped);
+    EXPECT_EQ(rig.monitor.EndedWell(), row.endedWell);
+  }
+}
+
 TEST(RunMonitor, ScrollsWithTheStep) {
   struct Row {
     int count;
