@@ -141,10 +141,13 @@ bool VirtualInstrument::HandleMessage(std::string_view message) {
 }
 
 void VirtualInstrument::FinishReply() {
-  if (state_.reply.empty()) return;
+  const auto& fault = state_.faults.ReplyFault();
+  // A text answers also for an instrument that cannot.
+  const bool invented = fault && fault->kind == FaultKind::TextReply && head_.find('?') != std::string::npos;
+  if (state_.reply.empty() && !invented) return;
   output_ = std::exchange(state_.reply, std::string());
   readAt_ = 0;
-  if (const auto& fault = state_.faults.ReplyFault()) {
+  if (fault) {
     switch (fault->kind) {
       case FaultKind::DropReply:
         output_.clear();

@@ -374,6 +374,18 @@ TEST_F(VisaFaceTest, FaultsHitTheirExchange) {
   EXPECT_EQ(reply.find('\0'), 0U);
 }
 
+TEST_F(VisaFaceTest, ATextAnswersForAnEmptyMemory) {
+  Faults("text:content@SEQ?");
+  ASSERT_EQ(Write(":TRAC:SEQ? 3"), VI_SUCCESS);
+  std::string reply;
+  EXPECT_EQ(Read(1000, reply), VI_SUCCESS);
+  EXPECT_EQ(reply, "content\n");
+  // Commands still have no reply.
+  Faults("text:content");
+  ASSERT_EQ(Write("*CLS"), VI_SUCCESS);
+  EXPECT_EQ(Read(1000, reply), VI_ERROR_TMO);
+}
+
 TEST_F(VisaFaceTest, DroppedReplyIsNoMistakeOfTheClient) {
   Faults("drop=1");
   std::string reply;

@@ -1,0 +1,355 @@
+"""The console program as a process: its commands on the example sequences, its refusals, and runs on the
+virtual instrument in real time.
+
+usage: console_test.py <folder of the programs> <folder of the shipped data> files|runs
+"""
+import os
+import re
+import shutil
+import signal
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import unittest
+
+PROGRAMS = os.path.abspath(sys.argv[1])
+DATA = os.path.abspath(sys.argv[2])
+EXAMPLES = os.path.join(DATA, "examples")
+CONSOLE = os.path.join(PROGRAMS, "corlune-cli")
+DEFINITION = "Corlune_Std.ini"
+
+
+def sequences():
+    return sorted(name for name in os.listdir(EXAMPLES) if name.endswith(".dat"))
+
+
+def example(name):
+    return os.path.join(EXAMPLES, name)
+
+
+def read(path):
+    with open(path, "rb") as file:
+        return file.read()
+
+
+class Bench(unittest.TestCase):
+    """An application folder with the shipped model definition and nothing else."""
+
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="corlune-console-")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.out = tempfile.mkdtemp(prefix="corlune-console-out-")
+        self.addCleanup(shutil.rmtree, self.out)
+        self.temporary = os.path.join(self.out, "temporary")
+        os.mkdir(self.temporary)
+        shutil.copy(os.path.join(DATA, DEFINITION), self.folder)
+
+    def environment(self, **more):
+        clean = {key: value for key, value in os.environ.items() if not key.startswith("CORLUNE_")}
+        return {**clean, "TMPDIR": self.temporary, **more}
+
+    def start(self, *arguments, **more):
+        return subprocess.Popen([CONSOLE, "--folder", self.folder, "--lang", "en", *arguments],
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                cwd=self.out, env=self.environment(**more))
+
+    def run_console(self, *arguments, code=0, **more):
+        process = self.start(*arguments, **more)
+        out, err = process.communicate(timeout=100)
+        self.assertEqual(process.returncode, code, f"{arguments}\n{out.decode()}\n{err.decode()}")
+        return out, err.decode()
+
+    def refused(self, *arguments, code=1, says=(), **more):
+        """Refused with one line on standard error that says what and where."""
+        out, err = self.run_console(*arguments, code=code, **more)
+        self.assertEqual(out, b"", arguments)
+        self.assertEqual(err.count("\n"), 1, f"{arguments}: {err}")
+        for part in says:
+            self.assertIn(part, err)
+
+    def file(self, name):
+        return os.path.join(self.out, name)
+
+    def write(self, name, data):
+        with open(self.file(name), "wb") as file:
+            file.write(data)
+        return self.file(name)
+
+    def left_behind(self):
+        return sorted(set(os.listdir(self.folder)) - {DEFINITION})
+
+    def assert_clean(self, *allowed):
+        """Neither settings nor a work file nor anything else appears beside the model definition."""
+        self.assertEqual(self.left_behind(), sorted(allowed))
+        self.assertEqual(os.listdir(self.temporary), [])
+
+
+class Files(Bench):
+    def test_every_example_passes_every_command(self):
+        self.assertGreaterEqual(len(sequences()), 5)
+        for name in sequences():
+            with self.subTest(name):
+                self.run_console("check", example(name))
+                text, _ = self.run_console("text", example(name))
+                self.run_console("text", example(name), "-o", self.file("text"))
+                self.assertEqual(read(self.file("text")), text)
+                self.assertTrue(text.startswith(b"[FILE]\r\n"))
+                self.assertEqual(text.count(b"\r\nSTEP#"), 256)
+
+                out, _ = self.run_console("compile", example(name), "-o", self.file("compiled"))
+                size = os.path.getsize(self.file("compiled"))
+                self.assertIn(f"{size} bytes", out.decode())
+
+                out, _ = self.run_console("times", example(name))
+                lines = out.decode().splitlines()
+                # Without jumps the total is the sum of the steps.
+                if name == "ramp.dat":
+                    self.assertEqual(float(lines[-1]), sum(float(line.split()[1]) for line in lines[:-1]))
+                offline, _ = self.run_console("run", "--offline", example(name))
+                self.assertEqual(offline, out)
+        self.assert_clean("UseStep.txt")
+
+    def test_saving_keeps_the_sequence(self):
+        for name in sequences():
+            with self.subTest(name):
+                text, _ = self.run_console("text", example(name))
+                user, work = self.file(name), self.file("work.ini")
+                self.run_console("save", example(name), "-o", user)
+                self.run_console("save", "--work", user, "-o", work)
+                self.run_console("save", work, "-o", self.file("again.dat"))
+                self.assertEqual(read(self.file("again.dat")), read(user))
+                for path in (user, work):
+                    self.assertEqual(self.run_console("text", path)[0], text)
+                # The waveforms are still found from the other folder.
+                self.run_console("check", user)
+        self.assert_clean()
+
+    def test_a_waveform_becomes_its_transfer_block(self):
+        self.run_console("wave", example("chirp.txt"), "-o", self.file("block"))
+        block = read(self.file("block"))
+        self.assertEqual(struct.unpack(">II", block[:8]), (0, 4096))
+        values = [int(value) for value in re.split(r"[,\s]+", read(example("chirp.txt")).decode().strip())]
+        self.assertEqual(list(struct.unpack(">4096h", block[8:])), values)
+        for name, says in (("absent.txt", ["absent.txt"]), ("ramp.dat", ["ramp.dat"])):
+            self.refused("wave", example(name), "-o", self.file("other"), says=says)
+            self.assertFalse(os.path.exists(self.file("other")))
+
+    def test_options_that_are_none(self):
+        for arguments in (["--bogus"], ["check", "--bogus", example("ramp.dat")], ["frobnicate"], ["text"],
+                          ["save", example("ramp.dat")], ["read", "11"], ["read", "x"],
+                          ["run", example("ramp.dat"), "--number", "-1"], ["--lang", "fr", "devices"]):
+            with self.subTest(arguments):
+                # The language of setUp's options would come twice.
+                process = subprocess.run([CONSOLE, *arguments], stdin=subprocess.DEVNULL, capture_output=True,
+                                         env=self.environment(), check=False)
+                self.assertEqual(process.returncode, 2)
+                self.assertEqual(process.stdout, b"")
+                self.assertEqual(process.stderr.count(b"\n"), 1, process.stderr)
+
+    def test_files_that_cannot_be_read_or_written(self):
+        nowhere = self.file("absent/out")
+        for command in ("check", "text", "compile", "times", "run"):
+            self.refused(command, self.file("absent.dat"), says=["absent.dat"])
+            self.refused(command, self.out, says=[self.out])
+        self.refused("save", self.file("absent.dat"), "-o", self.file("x"), says=["absent.dat"])
+        self.refused("text", example("ramp.dat"), "-o", nowhere, says=[nowhere])
+        self.refused("save", example("ramp.dat"), "-o", nowhere, says=[nowhere])
+        self.refused("wave", example("chirp.txt"), "-o", nowhere, says=[nowhere])
+        self.refused("compile", example("ramp.dat"), "-o", nowhere, says=[nowhere])
+        # A folder stands where the file is to go.
+        os.mkdir(self.file("taken"))
+        self.refused("text", example("ramp.dat"), "-o", self.file("taken"), says=["taken"])
+        os.mkdir(self.file("taken.dat"))
+        self.refused("save", example("ramp.dat"), "-o", self.file("taken.dat"), says=["taken.dat"])
+
+    def test_a_file_that_is_no_sequence(self):
+        whole = read(example("ramp.dat"))
+        for data in (b"", b"\0" * 5000, bytes(range(256)) * 40, whole[: len(whole) // 2],
+                     whole.replace(b"ST_SETVAL#0=", b"ST_SETVAL#0=x")):
+            path = self.write("broken.dat", data)
+            _, err = self.run_console("check", path, code=1)
+            self.assertIn("broken.dat", err)
+        self.run_console("check", self.write("model.dat", whole.replace(b"QM2210", b"QM9999")), code=1)
+
+    def test_a_bad_number_in_the_model_definition_is_named(self):
+        path = os.path.join(self.folder, DEFINITION)
+        definition = read(path)
+        with open(path, "wb") as file:
+            file.write(definition.replace(b"CM_STAR=:TRIG1:SEL:EXEC STAR,100", b"CM_STAR=:TRIG1:SEL:EXEC STAR,1O0"))
+        self.refused("check", example("ramp.dat"), says=[DEFINITION, "SPEC", "CM_STAR"])
+        os.remove(path)
+        _, err = self.run_console("check", example("ramp.dat"), code=1)
+        self.assertIn("Initialization file doesn't exist", err)
+
+    def test_devices(self):
+        out, _ = self.run_console("--virtual-instrument", "devices",
+                                  CORLUNE_VI_INSTRUMENTS="QM2220:A1,QM2210:B2")
+        self.assertEqual(sorted(line.split() for line in out.decode().splitlines()),
+                         [["QM2210", "B2", "USB0::0x3A1F::0x2210::B2::INSTR"],
+                          ["QM2220", "A1", "USB0::0x3A1F::0x2220::A1::INSTR"]])
+        # Not found, found but no library, found but not whole: each is said with the name that was tried.
+        for library, reason in ((self.file("absent.so"), "No such file"),
+                                (self.write("text.so", b"no library"), "invalid ELF header|file too short"),
+                                (os.path.join(PROGRAMS, "libCmplSeq.so"), "viOpenDefaultRM")):
+            _, err = self.run_console("--visa", library, "devices", code=1)
+            self.assertIn(library, err)
+            self.assertRegex(err, reason)
+        _, err = self.run_console("--virtual-instrument", "devices", code=1, CORLUNE_VI_INSTRUMENTS="rubbish")
+        self.assertIn("resource manager does not open", err)
+        self.assert_clean()
+
+    def test_runs_that_cannot_begin(self):
+        virtual = ["--virtual-instrument", "run", example("arb-burst.dat")]
+        two = {"CORLUNE_VI_INSTRUMENTS": "QM2220:A1,QM2220:A2"}
+        cases = [
+            (["--visa", "none", "run", example("ramp.dat")], {}, "No instrument was found."),
+            # The instrument is another model.
+            (["--virtual-instrument", "run", example("ramp.dat")], {}, "No instrument was found."),
+            (virtual, two, "A1"),
+            (virtual + ["--serial", "A3"], two, "A3"),
+            # No person at the terminal, no name, no --yes.
+            (virtual, {}, "--name"),
+            (virtual + ["--name", 'quo"te'], {}, "Input value Error!"),
+            (virtual + ["--name", "a name of 21 letters."], {}, "--name"),
+            (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
+            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
+            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
+            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, "model name 1"),
+        ]
+        for arguments, environment, says in cases:
+            with self.subTest(arguments=arguments, environment=environment):
+                _, err = self.run_console(*arguments, code=1, **environment)
+                self.assertIn(says, err)
+        self.assertLessEqual(set(self.left_behind()), {"UseStep.txt"})
+        self.assertEqual(os.listdir(self.temporary), [])
+
+    def test_a_failed_read_writes_nothing(self):
+        target = self.write("kept.dat", b"of the last time")
+        for faults in ("error=1:0xBFFF003E@:TRACe:SEQ", "gone=0"):
+            for path in (target, self.file("new.dat")):
+                self.run_console("--virtual-instrument", "read", "3", "-o", path, code=1,
+                                 CORLUNE_VI_FAULTS=faults)
+            self.assertEqual(read(target), b"of the last time")
+            self.assertFalse(os.path.exists(self.file("new.dat")))
+        self.assert_clean()
+
+
+class Runs(Bench):
+    """In real time; the waits of a transfer are long, so everything happens at once."""
+
+    def quick_sequence(self, seconds):
+        """Steps of so many seconds each, two waveforms."""
+        data = read(example("arb-burst.dat"))
+        times = re.sub(rb"(ST_SETVAL#\d+=)[0-9.]+", rb"\g<1>" + str(seconds).encode(), data)
+        # The third step jumps back nine times; once is enough.
+        times = times.replace(b",1,2,1,9,", b",1,2,1,1,")
+        self.assertNotEqual(times, data)
+        for name in ("gaussian-burst.txt", "chirp.txt"):
+            shutil.copy(example(name), self.out)
+        return self.write("quick.dat", times)
+
+    def switch_log_on(self):
+        path = os.path.join(self.folder, DEFINITION)
+        data = read(path).replace(b'MYADRS=0"', b'MYADRS=0,LOG_FILE=comm.log"')
+        with open(path, "wb") as file:
+            file.write(data)
+
+    def log(self):
+        lines = read(os.path.join(self.folder, "comm.log")).decode().splitlines()
+        return [match[1] for line in lines if (match := re.search(r'GP_Send_Str "(.*)"', line))] + [lines[-1]]
+
+
+class RunToItsEnd(Runs):
+    def test_run(self):
+        out, err = self.run_console("run", self.quick_sequence(0.4), "--virtual-instrument", "--yes", "--name", "E2E",
+                                    "--number", "3")
+        text = out.decode()
+        # The question that --yes answers.
+        self.assertEqual(err, "Output switch truns to 'on' and sequence will start. Is it OK?\n")
+        for line in ("Transmitting the arbitrary wave data.....ARB 1", "Transmitting the sequence data.",
+                     "The sequence execution was ended."):
+            self.assertIn(line, text)
+        steps = [int(number) for number in re.findall(r"  Step[^\d\n]*(\d+)$", text, re.M)]
+        # A machine that is held up may miss some of the steps, but never sees them in another order.
+        way = iter([1, 2, 3, 2, 3, 4, 5])
+        self.assertTrue(steps and all(step in way for step in steps), text)
+        self.assert_clean("UseStep.txt")
+
+
+class RunIsStopped(Runs):
+    def test_control_c(self):
+        self.switch_log_on()
+        process = self.start("run", self.quick_sequence(5), "--virtual-instrument", "--yes")
+        guard = threading.Timer(90, process.kill)
+        guard.start()
+        lines = []
+        pressed = False
+        for line in process.stdout:
+            lines.append(line.decode())
+            if not pressed and re.search(r"  Step[^\d]*\d$", line.decode()):
+                process.send_signal(signal.SIGINT)
+                pressed = True
+        process.wait()
+        guard.cancel()
+        said = "".join(lines) + process.stderr.read().decode()
+        process.stdout.close()
+        process.stderr.close()
+        self.assertTrue(pressed, said)
+        self.assertEqual(process.returncode, 1, said)
+        self.assertNotIn("The sequence execution was ended.", said)
+        sent = self.log()
+        self.assertEqual(sent.count(":TRIG1:SEL:EXEC STOP"), 1, said)
+        # The stop is the last command; the status behind it is read, and the connection is closed.
+        self.assertEqual(sent[-3:], [":TRIG1:SEL:EXEC STOP", ":STAT:OPER:CH1:COND?", "ALL < GP_END"])
+        self.assert_clean("UseStep.txt", "comm.log")
+
+
+class ReadIntoAFile(Runs):
+    def test_read(self):
+        sent, _ = self.run_console("text", example("quick-tour.dat"))
+        # What an instrument that holds the example would answer.
+        fault = "text:" + sent.decode() + "@:TRACe:SEQ"
+        self.run_console("--virtual-instrument", "read", "2", "-o", self.file("received.dat"),
+                         CORLUNE_VI_FAULTS=fault)
+        received, _ = self.run_console("text", self.file("received.dat"))
+        self.assertEqual(received, sent)
+        self.assert_clean()
+
+
+class ReadBreaksOff(Runs):
+    def test_read(self):
+        target = self.write("kept.dat", b"of the last time")
+        self.run_console("--virtual-instrument", "read", "2", "-o", target, code=1,
+                         CORLUNE_VI_FAULTS="gone=1@:TRACe:SEQ")
+        self.assertEqual(read(target), b"of the last time")
+        self.assert_clean()
+
+
+def run_at_once(cases):
+    """Each case in a thread of its own: they only wait."""
+    results = [unittest.TestResult() for _ in cases]
+    suites = [unittest.defaultTestLoader.loadTestsFromTestCase(case) for case in cases]
+    threads = [threading.Thread(target=suite.run, args=(result,)) for suite, result in zip(suites, results)]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    for result in results:
+        for test, trace in result.failures + result.errors:
+            print(f"{test}\n{trace}", file=sys.stderr)
+    ran = sum(result.testsRun for result in results)
+    print(f"{ran} runs")
+    return ran == len(cases) and all(result.wasSuccessful() for result in results)
+
+
+def main():
+    if sys.argv[3] == "files":
+        suite = unittest.defaultTestLoader.loadTestsFromTestCase(Files)
+        return unittest.TextTestRunner().run(suite).wasSuccessful()
+    return run_at_once([RunToItsEnd, RunIsStopped, ReadIntoAFile, ReadBreaksOff])
+
+
+if __name__ == "__main__":
+    sys.exit(0 if main() else 1)
