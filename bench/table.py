@@ -147,6 +147,12 @@ ROWS = [
     ("insert at step 1, undo (mean) / copy", "insert_row_and_undo", "editing_reference", Limit(16e3, 2)),
     ("paste 256 x 9 cells / copy", "paste_cells", "editing_reference", Limit(50e3)),
     ("paste 256 x 9 cells as text / copy", "paste_text", "editing_reference", Limit(50e3)),
+    ("grids: rebuild, 256 steps / paint empty views", "grids_rebuild", "grids_reference", Limit(16e3)),
+    ("grids: jump entry with its repaint / same", "grids_cell_entry", "grids_reference", Limit(16e3)),
+    ("grids: insert at step 1 / same", "grids_insert", "grids_reference", Limit(16e3)),
+    ("grids: undo of it / same", "grids_undo", "grids_reference", Limit(16e3)),
+    ("grids: paste 256 x 9 cells as text / same", "grids_paste", "grids_reference", Limit(50e3)),
+    ("grids: move the running step's mark / same", "grids_highlight", "grids_reference", Limit(16e3)),
 ]
 
 

@@ -24,8 +24,8 @@ constexpr int kIdChannelTab = 1301;
 constexpr std::array<int, kCommonColumns> kCommonWidths{720, 1000, 670, 800, 720, 720, 710, 710, 950, 1050};
 constexpr int kNamedColumnWidth = 750;
 constexpr int kNumberColumnWidth = 720;
-constexpr std::array<int, MAX_PARAMS> kChannelWidths{1000, 800,  1500, 1000, 1400, 1000,
-                                                     1000, 1000, 800,  1000, 1000};
+constexpr std::array<int, MAX_PARAMS> kChannelWidths{900, 800, 1500, 1000, 1400, 1000,
+                                                     900, 900, 800,  1000, 1000};
 constexpr int kTwipsPerHeaderCharacter = 100;
 
 // Display columns of UTF-8 text: characters beyond Latin count twice.

@@ -259,6 +259,7 @@ void CellEditors::Place(const QRect& cell) {
   int width = cell.width();
   for (const QWidget* editor : stacked) width = std::max(width, editor->sizeHint().width());
   std::vector<QSize> sizes;
+  sizes.reserve(stacked.size());
   for (const QWidget* editor : stacked) sizes.emplace_back(width, editor->sizeHint().height());
   const std::vector<QRect> places = StackAtCell(cell, viewport_->size(), sizes);
   for (std::size_t i = 0; i < stacked.size(); ++i) stacked[i]->setGeometry(places[i]);
@@ -411,6 +412,7 @@ std::vector<QRect> StackAtCell(const QRect& cell, const QSize& viewport, const s
     left = cell.right() + 1 + width <= viewport.width() ? cell.right() + 1 : cell.left() - width;
   }
   std::vector<QRect> places;
+  places.reserve(sizes.size());
   for (const QSize& size : sizes) {
     places.emplace_back(QPoint(left, top), size);
     top += size.height();

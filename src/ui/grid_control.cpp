@@ -45,6 +45,9 @@ GridControl::GridControl(SequenceEditor& editor, Prompts& prompts, const GridTab
     ActiveTable().DragTo(at);
   });
   connect(&editors_, &CellEditors::DragEnded, this, [this] { Release(ActiveTable()); });
+  connect(this, &GridControl::FocusWent, this, &GridControl::FinishLeaving, Qt::QueuedConnection);
+  connect(
+      this, &GridControl::FocusCame, this, [this](GridTable* table) { Enter(*table); }, Qt::QueuedConnection);
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) { FocusChanged(now); });
 }
 

@@ -61,6 +61,9 @@ class GridControl : public QObject {
   void Changed();
   void CommandRequested(GridCommand command);
   void MenuRequested(const QPoint& global);
+  // Queued to itself: a focus change is no moment to show messages or to move the focus on.
+  void FocusWent(QPrivateSignal);
+  void FocusCame(corlune::GridTable* table, QPrivateSignal);
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;

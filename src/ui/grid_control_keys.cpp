@@ -345,7 +345,7 @@ void GridControl::FocusChanged(QWidget* now) {
   const CellPlace& place = editors_.Where();
   if (now == &TableOf(place.Area, place.Channel)) return;
   // Not inside the focus change, which the refusal's message box would disturb.
-  QMetaObject::invokeMethod(this, &GridControl::FinishLeaving, Qt::QueuedConnection);
+  emit FocusWent(QPrivateSignal());
 }
 
 void GridControl::FinishLeaving() {
@@ -386,8 +386,7 @@ bool GridControl::eventFilter(QObject* watched, QEvent* event) {
                            reason == Qt::ShortcutFocusReason || reason == Qt::OtherFocusReason;
       if (!entered || showing_ || committing_) break;
       // Not inside the focus change: the editor takes the focus over.
-      QMetaObject::invokeMethod(
-          this, [this, table] { Enter(*table); }, Qt::QueuedConnection);
+      emit FocusCame(table, QPrivateSignal());
       break;
     }
     default:

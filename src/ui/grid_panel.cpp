@@ -179,7 +179,9 @@ void GridPanel::Impl::BuildSide(QWidget& side) {
   stepNumber_->setObjectName(QStringLiteral("TxtStepNo"));
   stepNumber_->setReadOnly(true);
   stepNumber_->setFocusPolicy(Qt::NoFocus);
-  stepNumber_->setMaximumWidth(40);
+  // Three digits; the label needs the rest.
+  stepNumber_->setFixedWidth(stepNumber_->fontMetrics().horizontalAdvance(QStringLiteral("000")) +
+                             3 * kSpacing);
   stepNumber_->setAccessibleName(stepLabel->text());
   tables_.Branch = new GridTable(branchModel_);
   tables_.Branch->setObjectName(QStringLiteral("MSFlexGrid3"));
@@ -187,6 +189,7 @@ void GridPanel::Impl::BuildSide(QWidget& side) {
   branch->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
   branch->setSpacing(kSpacing / 2);
   auto* number = new QHBoxLayout;
+  number->setSpacing(kSpacing / 2);
   number->addWidget(stepLabel, 1);
   number->addWidget(stepNumber_);
   branch->addWidget(branchLabel);

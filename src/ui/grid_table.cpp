@@ -19,6 +19,7 @@ namespace {
 
 constexpr int kHeaderPadding = 2;  // pixels on each side of a header text
 constexpr int kNarrowest = 75;     // percent
+constexpr int kChannelShare = 58;  // percent of a narrow branch grid
 constexpr int kLeastRows = 3;      // rows that stay visible in a small window
 
 int TextWidth(const QFontMetrics& metrics, const QString& text) {
@@ -74,6 +75,8 @@ bool GridHeader::viewportEvent(QEvent* event) {
 GridTable::GridTable(GridModel& model, QWidget* parent)
     : QTableView(parent), model_(model), header_(new GridHeader(this)) {
   setHorizontalHeader(header_);
+  // Before the model comes: a header that can be seen measures the texts of hundreds of rows.
+  verticalHeader()->hide();
   setModel(&model);
   setItemDelegate(new GridDelegate(this));
   setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -85,7 +88,6 @@ GridTable::GridTable(GridModel& model, QWidget* parent)
   setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
   setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
   setFocusPolicy(Qt::StrongFocus);
-  verticalHeader()->hide();
   verticalHeader()->setMinimumSectionSize(1);
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
 }
@@ -94,15 +96,27 @@ void GridTable::LayOut(int rowHeight) {
   rowHeight_ = rowHeight;
   verticalHeader()->setDefaultSectionSize(rowHeight);
   header_->setFixedHeight(std::max(TwipsToPixels(kHeaderHeight, this), header_->TwoLines()));
-  if (model_.Area() == GridArea::Branch) {
-    // The frame decides about its width.
-    header_->setSectionResizeMode(QHeaderView::Stretch);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  }
+  if (model_.Area() == GridArea::Branch) setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   for (int column = 0; column < model_.columnCount(); ++column) {
     header_->resizeSection(column, TwipsToPixels(model_.ColumnTwips(column), this));
   }
+  FitToFrame();
   updateGeometry();
+}
+
+// The frame around the branch grid decides about its width: the channel column leaves room for the step.
+void GridTable::FitToFrame() {
+  if (model_.Area() != GridArea::Branch) return;
+  const int room = viewport()->width();
+  const int channel =
+      std::clamp(TwipsToPixels(model_.ColumnTwips(0), this), 1, std::max(room * kChannelShare / 100, 1));
+  header_->resizeSection(0, channel);
+  header_->resizeSection(1, std::max(room - channel, 1));
+}
+
+void GridTable::resizeEvent(QResizeEvent* event) {
+  QTableView::resizeEvent(event);
+  FitToFrame();
 }
 
 void GridTable::PreferWidth(int pixels) {

@@ -66,6 +66,7 @@ class GridTable : public QTableView {
   bool viewportEvent(QEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
   void updateGeometries() override;
+  void resizeEvent(QResizeEvent* event) override;
   bool focusNextPrevChild(bool next) override;
   void dataChanged(const QModelIndex& topLeft, const QModelIndex& bottomRight,
                    const QList<int>& roles = {}) override;
@@ -75,6 +76,8 @@ class GridTable : public QTableView {
   void DragTo(const QPoint& global);
 
  private:
+  void FitToFrame();
+
   GridModel& model_;
   GridHeader* header_;
   int rowHeight_ = 20;
