@@ -29,6 +29,9 @@ class EntryField : public QLineEdit {
   void ShowText(const QString& text);
   const QString& OldFieldText() const { return oldFieldText_; }
 
+  // Hands the text over as that ending does. False: it was refused.
+  bool Enter(EntryEnd end);
+
  protected:
   void keyPressEvent(QKeyEvent* event) override;
   void focusInEvent(QFocusEvent* event) override;
@@ -36,8 +39,6 @@ class EntryField : public QLineEdit {
   bool focusNextPrevChild(bool next) override;
 
  private:
-  bool Enter(EntryEnd end);
-
   Check check_;
   QString oldFieldText_;
   bool checking_ = false;  // the check may show a message, which takes the focus

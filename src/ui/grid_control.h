@@ -98,7 +98,9 @@ class GridControl : public QObject {
   bool TypeIntoCell(QKeyEvent& event);
   void Move(CursorKey key);
   void Extend(CursorKey key);
-  void Jump(GridJump jump);
+  void Jump(GridJump jump, bool extend);
+  void NextGrid(bool forward);
+  bool FinishArrow();
   void NextOption();
   void EditText();
   void Enter(GridTable& table);

@@ -1,5 +1,7 @@
 // Keys, mouse and focus of the grids.
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -118,8 +120,11 @@ bool GridControl::WouldHandle(const GridKey& key, const QKeyEvent& event) const 
       return !(editors_.InText() && (key.cursor == CursorKey::Left || key.cursor == CursorKey::Right));
     case GridKey::Kind::Extend:
       return !inText && editor_.Cursor().ActiveGrid != GridArea::Branch;
-    case GridKey::Kind::Jump:
-      return !inText || key.jump == GridJump::PageUp || key.jump == GridJump::PageDown;
+    case GridKey::Kind::Jump: {
+      const bool page = key.jump == GridJump::PageUp || key.jump == GridJump::PageDown;
+      if (key.extend) return !inText && editor_.Cursor().ActiveGrid != GridArea::Branch;
+      return !inText || page || key.jump == GridJump::FirstRow || key.jump == GridJump::LastRow;
+    }
     case GridKey::Kind::Command:
       switch (key.command) {
         case GridCommand::Initialize:
@@ -143,9 +148,8 @@ bool GridControl::WouldHandle(const GridKey& key, const QKeyEvent& event) const 
     case GridKey::Kind::Option:
       return editors_.IsOpen() && !spec.Options.empty() && !inText;
     case GridKey::Kind::Leave:
+    case GridKey::Kind::Grid:
       return true;
-    case GridKey::Kind::Tab:
-      return editor_.Views().ChannelGrids() > 1;
   }
   Q_UNUSED(event);
   return false;
@@ -160,6 +164,16 @@ bool GridControl::HandleKey(QKeyEvent& event) {
       return ReleaseKey(event);
     default:
       break;
+  }
+  // The next key of a fast typist comes down before the arrow is let go; the arrow was pressed first.
+  if (heldArrow_ && !(event.isAutoRepeat() && key && key->cursor == heldArrow_)) {
+    const QWidget* before = panel_.window()->focusWidget();
+    if (!FinishArrow()) return true;
+    QWidget* now = panel_.window()->focusWidget();
+    if (now != before && now != nullptr) {
+      QCoreApplication::sendEvent(now, &event);
+      return true;
+    }
   }
   if (key && WouldHandle(*key, event)) {
     Do(*key, event);
@@ -184,7 +198,7 @@ void GridControl::Do(const GridKey& key, const QKeyEvent& event) {
       Extend(key.cursor);
       return;
     case GridKey::Kind::Jump:
-      Jump(key.jump);
+      Jump(key.jump, key.extend);
       return;
     case GridKey::Kind::Command:
       emit CommandRequested(key.command);
@@ -204,12 +218,9 @@ void GridControl::Do(const GridKey& key, const QKeyEvent& event) {
     case GridKey::Kind::Leave:
       Leave(key.forward);
       return;
-    case GridKey::Kind::Tab: {
-      const int count = editor_.Views().ChannelGrids();
-      const int step = key.forward ? 1 : count - 1;
-      tables_.Tabs->setCurrentIndex((tables_.Tabs->currentIndex() + step) % count);
+    case GridKey::Kind::Grid:
+      NextGrid(key.forward);
       return;
-    }
   }
 }
 
@@ -218,8 +229,14 @@ bool GridControl::ReleaseKey(const QKeyEvent& event) {
   const std::optional<GridKey> key = GridKeyOf(event);
   if (!key || key->kind != GridKey::Kind::Move || !IsArrow(key->cursor)) return false;
   if (heldArrow_ != key->cursor) return false;
-  heldArrow_.reset();
-  Move(key->cursor);
+  FinishArrow();
+  return true;
+}
+
+bool GridControl::FinishArrow() {
+  const auto arrow = std::exchange(heldArrow_, std::nullopt);
+  if (!Commit()) return false;
+  if (arrow) Move(*arrow);
   return true;
 }
 
@@ -273,9 +290,10 @@ void GridControl::Extend(CursorKey key) {
   emit Changed();
 }
 
-void GridControl::Jump(GridJump jump) {
+void GridControl::Jump(GridJump jump, bool extend) {
   if (!Commit() || LastRow() < 1) return;
-  GridPosition position = Position();
+  GridCursor& cursor = editor_.Cursor();
+  GridPosition position = extend ? GridPosition{cursor.SelEndRow, cursor.SelEndCol} : Position();
   const int page = std::max(ActiveTable().VisibleRows() - 1, 1);
   switch (jump) {
     case GridJump::FirstCell:
@@ -283,6 +301,12 @@ void GridControl::Jump(GridJump jump) {
       break;
     case GridJump::LastCell:
       position = {LastRow(), LastColumn()};
+      break;
+    case GridJump::FirstRow:
+      position.Row = 1;
+      break;
+    case GridJump::LastRow:
+      position.Row = LastRow();
       break;
     case GridJump::FirstColumn:
       position.Column = 1;
@@ -297,7 +321,34 @@ void GridControl::Jump(GridJump jump) {
       position.Row = std::min(position.Row + page, LastRow());
       break;
   }
-  SetPosition(position);
+  if (extend) {
+    cursor.SelEndRow = position.Row;
+    cursor.SelEndCol = position.Column;
+  } else {
+    SetPosition(position);
+  }
+  ShowCursor(!extend);
+  emit Changed();
+}
+
+// Common area, the channels, branch area, and round again; the step stays.
+void GridControl::NextGrid(bool forward) {
+  if (!Commit()) return;
+  GridCursor& cursor = editor_.Cursor();
+  std::vector<CellPlace> grids(1);
+  for (int channel = 0; channel < editor_.Views().ChannelGrids(); ++channel) {
+    grids.push_back({GridArea::Sequence, channel, {}, 1, 0});
+  }
+  if (editor_.Views().BranchVisible()) grids.push_back({GridArea::Branch, 0, {}, 1, 0});
+  const auto now = std::find_if(grids.begin(), grids.end(), [&](const CellPlace& grid) {
+    return grid.Area == cursor.ActiveGrid &&
+           (grid.Area != GridArea::Sequence || grid.Channel == cursor.CurrentChannel);
+  });
+  const std::size_t at = now == grids.end() ? 0 : static_cast<std::size_t>(now - grids.begin());
+  const CellPlace& next = grids[(at + (forward ? 1 : grids.size() - 1)) % grids.size()];
+  cursor.ActiveGrid = next.Area;
+  if (next.Area == GridArea::Sequence) cursor.CurrentChannel = next.Channel;
+  SetPosition(Position());
   ShowCursor(true);
   emit Changed();
 }
@@ -340,6 +391,8 @@ void GridControl::Leave(bool forward) {
 // The focus has gone to another control of this window: what was typed is entered. A message box, a menu or
 // another window that takes it does not end the entry.
 void GridControl::FocusChanged(QWidget* now) {
+  // The release of an arrow key will go elsewhere.
+  if (now == nullptr || !panel_.isAncestorOf(now)) heldArrow_.reset();
   if (showing_ || !editors_.IsOpen() || now == nullptr || editors_.Owns(now)) return;
   if (now->window() != panel_.window()) return;
   const CellPlace& place = editors_.Where();

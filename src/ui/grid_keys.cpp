@@ -20,9 +20,10 @@ GridKey Moving(GridKey::Kind kind, CursorKey cursor) {
   return key;
 }
 
-GridKey Jumping(GridJump jump) {
+GridKey Jumping(GridJump jump, bool extend = false) {
   GridKey key = Of(GridKey::Kind::Jump);
   key.jump = jump;
+  key.extend = extend;
   return key;
 }
 
@@ -53,22 +54,51 @@ std::optional<CursorKey> ArrowOf(int key) {
   }
 }
 
+// Keys that go as far as the row, column or page does.
+std::optional<GridJump> FarKey(int key) {
+  switch (key) {
+    case Qt::Key_Home:
+      return GridJump::FirstColumn;
+    case Qt::Key_End:
+      return GridJump::LastColumn;
+    case Qt::Key_PageUp:
+      return GridJump::PageUp;
+    case Qt::Key_PageDown:
+      return GridJump::PageDown;
+    default:
+      return std::nullopt;
+  }
+}
+
+// The same keys and the arrows with Ctrl.
+std::optional<GridJump> FarthestKey(int key) {
+  switch (key) {
+    case Qt::Key_Home:
+      return GridJump::FirstCell;
+    case Qt::Key_End:
+      return GridJump::LastCell;
+    case Qt::Key_Up:
+      return GridJump::FirstRow;
+    case Qt::Key_Down:
+      return GridJump::LastRow;
+    case Qt::Key_Left:
+      return GridJump::FirstColumn;
+    case Qt::Key_Right:
+      return GridJump::LastColumn;
+    default:
+      return std::nullopt;
+  }
+}
+
 std::optional<GridKey> PlainKey(int key) {
   if (const auto arrow = ArrowOf(key)) return Moving(GridKey::Kind::Move, *arrow);
+  if (const auto jump = FarKey(key)) return Jumping(*jump);
   switch (key) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
       return Moving(GridKey::Kind::Move, CursorKey::Enter);
     case Qt::Key_Tab:
       return Moving(GridKey::Kind::Move, CursorKey::Tab);
-    case Qt::Key_Home:
-      return Jumping(GridJump::FirstColumn);
-    case Qt::Key_End:
-      return Jumping(GridJump::LastColumn);
-    case Qt::Key_PageUp:
-      return Jumping(GridJump::PageUp);
-    case Qt::Key_PageDown:
-      return Jumping(GridJump::PageDown);
     case Qt::Key_Delete:
       return Doing(GridCommand::Initialize);
     case Qt::Key_F2:
@@ -85,7 +115,11 @@ std::optional<GridKey> PlainKey(int key) {
 }
 
 std::optional<GridKey> ControlKey(int key) {
+  if (const auto jump = FarthestKey(key)) return Jumping(*jump);
   switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      return Doing(GridCommand::AddRow);
     case Qt::Key_C:
       return Doing(GridCommand::Copy);
     case Qt::Key_V:
@@ -98,22 +132,19 @@ std::optional<GridKey> ControlKey(int key) {
       return Doing(GridCommand::Redo);
     case Qt::Key_D:
       return Doing(GridCommand::FillDown);
-    case Qt::Key_Home:
-      return Jumping(GridJump::FirstCell);
-    case Qt::Key_End:
-      return Jumping(GridJump::LastCell);
     case Qt::Key_Tab:
       return Going(GridKey::Kind::Leave, true);
     case Qt::Key_PageDown:
-      return Going(GridKey::Kind::Tab, true);
+      return Going(GridKey::Kind::Grid, true);
     case Qt::Key_PageUp:
-      return Going(GridKey::Kind::Tab, false);
+      return Going(GridKey::Kind::Grid, false);
     default:
       return std::nullopt;
   }
 }
 
 std::optional<GridKey> ControlShiftKey(int key) {
+  if (const auto jump = FarthestKey(key)) return Jumping(*jump, true);
   switch (key) {
     case Qt::Key_C:
       return Doing(GridCommand::CopyText);
@@ -148,6 +179,7 @@ std::optional<GridKey> AltKey(int key) {
 
 std::optional<GridKey> ShiftKey(int key) {
   if (const auto arrow = ArrowOf(key)) return Moving(GridKey::Kind::Extend, *arrow);
+  if (const auto jump = FarKey(key)) return Jumping(*jump, true);
   if (key == Qt::Key_Backtab || key == Qt::Key_Tab) return Moving(GridKey::Kind::Move, CursorKey::Backtab);
   return std::nullopt;
 }

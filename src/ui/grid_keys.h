@@ -28,26 +28,27 @@ enum class GridCommand {
   FillDown,
 };
 
-enum class GridJump { FirstCell, LastCell, FirstColumn, LastColumn, PageUp, PageDown };
+enum class GridJump { FirstCell, LastCell, FirstRow, LastRow, FirstColumn, LastColumn, PageUp, PageDown };
 
 struct GridKey {
   enum class Kind {
     Move,      // the cell cursor, with validation; arrows act when the key is released
     Extend,    // the end of the selection
-    Jump,      // further than one cell
+    Jump,      // further than one cell; with extend: the end of the selection
     Command,   // an editing command
     EditText,  // into the text of the cell
     Restore,   // the cell's text comes back
     List,      // opens the list of the cell
     Option,    // the next option of the cell
     Leave,     // on to the next or previous control of the window
-    Tab,       // the next or previous channel
+    Grid,      // the next or previous of the grids
   };
   Kind kind = Kind::Move;
   CursorKey cursor = CursorKey::Enter;      // Move, Extend
   GridJump jump = GridJump::FirstCell;      // Jump
   GridCommand command = GridCommand::Copy;  // Command
-  bool forward = true;                      // Leave, Tab
+  bool extend = false;                      // Jump
+  bool forward = true;                      // Leave, Grid
 };
 
 // nullopt: a key for the editor's text, or one that means nothing here.

@@ -52,7 +52,7 @@ const char* ShortcutOf(GridCommand command) {
     case GridCommand::Initialize:
       return "Del";
     case GridCommand::AddRow:
-      return "";
+      return "Ctrl+Enter";
     case GridCommand::InsertRow:
       return "Alt+Ins";
     case GridCommand::DeleteRow:

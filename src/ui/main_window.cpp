@@ -290,7 +290,7 @@ bool MainWindow::EndOfDesktopSession(bool mayAsk) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   if (closed_) return;
-  if (!session_.RequestClose()) {
+  if (!CommitEntries() || !session_.RequestClose()) {
     event->ignore();
     RefreshControls();
     return;

@@ -116,6 +116,7 @@ class MainWindow : public QMainWindow {
 
   // main_window_commands.cpp
   void Perform(const std::function<void()>& command);
+  bool CommitEntries();
   void FileCommand(int index);
   void ViewCommand(int index);
   void ModeCommand(int index);

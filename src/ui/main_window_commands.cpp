@@ -43,11 +43,20 @@ void MainWindow::Perform(const std::function<void()>& command) {
   if (!closed_) RefreshControls();
 }
 
+// Entries that are still being typed are part of what a command saves, runs or leaves. False: one was
+// refused, after its message, and the command is not carried out.
+bool MainWindow::CommitEntries() {
+  auto* field = qobject_cast<EntryField*>(QApplication::focusWidget());
+  if (field != nullptr && field->window() == this && !field->Enter(EntryEnd::Key)) return false;
+  return grids_->CommitEntry();
+}
+
 void MainWindow::FileCommand(int index) {
   if (index == 4) {
     close();
     return;
   }
+  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     bool named = false;
@@ -81,6 +90,7 @@ void MainWindow::OpenPath(const std::string& path) {
     statBar_->ShowNotice(session_.Catalogue().GetResString(9660, {path}));
     return;
   }
+  if (!CommitEntries()) return;
   Perform([&] {
     const bool missing = !QFileInfo(QString::fromStdString(path)).isFile();
     if (session_.OpenFile(path)) {
@@ -171,7 +181,7 @@ void MainWindow::ViewCommand(int index) {
 }
 
 void MainWindow::ModeCommand(int index) {
-  if (index == static_cast<int>(session_.State().OperationMode)) return;
+  if (index == static_cast<int>(session_.State().OperationMode) || !CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     TakeSequenceNumber();
@@ -217,6 +227,7 @@ void MainWindow::RunButton(int index) {
 }
 
 void MainWindow::ReadBack() {
+  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     TakeSequenceNumber();
@@ -226,6 +237,7 @@ void MainWindow::ReadBack() {
 }
 
 void MainWindow::ImportCsv() {
+  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     const auto path = files_.ChooseOpen(Text(kCsvFilter));
@@ -234,6 +246,7 @@ void MainWindow::ImportCsv() {
 }
 
 void MainWindow::ExportCsv() {
+  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     QString suggested = QString::fromStdString(session_.State().CurrentFilePath);

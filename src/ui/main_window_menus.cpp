@@ -39,11 +39,15 @@ struct ShortcutRow {
   const char* keys;
 };
 constexpr ShortcutRow kShortcuts[] = {
-    {Menu::File, 0, "Ctrl+N"},       {Menu::File, 1, "Ctrl+O"}, {Menu::File, 2, "Ctrl+S"},
-    {Menu::File, 3, "Ctrl+Shift+S"}, {Menu::File, 4, "Ctrl+Q"}, {Menu::Edit, 0, "Ctrl+C"},
-    {Menu::Edit, 1, "Ctrl+V"},       {Menu::Edit, 2, "Ctrl+A"}, {Menu::Run, 0, "F5"},
-    {Menu::Run, 1, "Shift+F5"},      {Menu::Run, 2, "F6"},      {Menu::Run, 3, "F7"},
-    {Menu::Help, 0, "F1"},
+    {Menu::File, 0, "Ctrl+N"},      {Menu::File, 1, "Ctrl+O"},
+    {Menu::File, 2, "Ctrl+S"},      {Menu::File, 3, "Ctrl+Shift+S"},
+    {Menu::File, 4, "Ctrl+Q"},      {Menu::Edit, 0, "Ctrl+C"},
+    {Menu::Edit, 1, "Ctrl+V"},      {Menu::Edit, 2, "Ctrl+A"},
+    {Menu::Edit, 4, "Ctrl+Return"}, {Menu::Edit, 5, "Alt+Ins"},
+    {Menu::Edit, 6, "Alt+Del"},     {Menu::Edit, 7, "Alt+Up"},
+    {Menu::Edit, 8, "Alt+Down"},    {Menu::Run, 0, "F5"},
+    {Menu::Run, 1, "Shift+F5"},     {Menu::Run, 2, "F6"},
+    {Menu::Run, 3, "F7"},           {Menu::Help, 0, "F1"},
 };
 
 QKeySequence Keys(const char* keys) {
