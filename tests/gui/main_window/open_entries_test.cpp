@@ -16,10 +16,12 @@ TEST(OpenEntries, BelongToWhatACommandSaves) {
   EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 2.5);
   EXPECT_FALSE(rig.session->State().Modified);
   EXPECT_TRUE(rig.Messages().empty());
-  ASSERT_TRUE(rig.session->OpenFile(path));
+  rig.window->OpenPath(path);
   EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 2.5);
 
+  rig.Settle();
   rig.Field("TxtStrStep")->setFocus();
+  rig.Settle();
   rig.Field("TxtStrStep")->selectAll();
   rig.Type("7");
   rig.Key(Qt::Key_S, Qt::ControlModifier);
