@@ -6,10 +6,12 @@
 #include <optional>
 #include <span>
 
+#include "compile/block_header.h"
 #include "compile/sequence_text.h"
 #include "compile/step_flow.h"
 #include "compile/transfer_file.h"
 #include "core/files.h"
+#include "core/flag_guard.h"
 #include "core/numbers.h"
 #include "sequence/channel_tabs.h"
 #include "sequence/run_times.h"
@@ -40,17 +42,6 @@ class ControlsOff {
 
  private:
   RunDisplay& display_;
-};
-
-class FlagWhile {
- public:
-  explicit FlagWhile(bool& flag) : flag_(flag) { flag_ = true; }
-  ~FlagWhile() { flag_ = false; }
-  FlagWhile(const FlagWhile&) = delete;
-  FlagWhile& operator=(const FlagWhile&) = delete;
-
- private:
-  bool& flag_;
 };
 
 bool CarriesBlocks(InterfaceKind kind) {
@@ -89,12 +80,6 @@ int CheckMessage(ArbCheck check) {
   return check == ArbCheck::NoArbNumber ? 9209 : 9320;
 }
 
-// IEEE 488.2 definite-length block header behind `command`.
-std::string BlockHeader(const std::string& command, std::size_t length) {
-  const std::string digits = std::to_string(length);
-  return command + "#" + std::to_string(digits.size()) + digits;
-}
-
 }  // namespace
 
 Downloader::Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
@@ -112,7 +97,7 @@ Downloader::Downloader(AppState& state, const ModelDefinition& definition, Seque
 
 bool Downloader::DownloadSequence() {
   if (underWay_) return false;
-  const FlagWhile downloading(underWay_);
+  const FlagGuard downloading(underWay_);
   outcome_ = {};
   if (commands_.Online()) {
     if (!AgreeToInterface()) {
@@ -257,29 +242,19 @@ int Downloader::TransferUsedArbs() {
   for (int number = 1; number <= kArbNumbers; ++number) {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
     if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
-    transferEnd_ = TransferOneArb(entry, number);
+    transferEnd_ = waveforms_.SendAndCheck(entry, number, [&](std::int32_t milliseconds) {
+      ShowTimedProgress(milliseconds, catalogue_.GetResString(9305) + "...ARB " + std::to_string(number));
+    });
     if (transferEnd_ == ArbTransfer::Done) continue;
-    if (transferEnd_ != ArbTransfer::MemoryFull) failed = number;
+    if (transferEnd_ == ArbTransfer::MemoryFull) {
+      waveforms_.SetTimeOut(kTimeOutMemoryFull);
+    } else {
+      failed = number;
+    }
     break;
   }
   waveforms_.SetTimeOut(kTimeOutUsual);
   return failed;
-}
-
-ArbTransfer Downloader::TransferOneArb(ArbFileEntry& entry, int number) {
-  const ArbTransfer sent = waveforms_.TransferArbFile(entry, number);
-  if (sent != ArbTransfer::Done) return sent;
-  const std::int16_t wasInInstrument = entry.InInstrument;
-  entry.Transferred = 1;
-  entry.InInstrument = 1;
-  ShowTimedProgress(TransferTime(entry), catalogue_.GetResString(9305) + "...ARB " + std::to_string(number));
-  if (dialogues_.QueryErrorNumber() != kErrorMemoryFull) return ArbTransfer::Done;
-  // The instrument did not keep it, so it has to be sent again once there is room.
-  entry.Transferred = 0;
-  entry.InInstrument = wasInInstrument;
-  ShowCritical(9317);
-  waveforms_.SetTimeOut(kTimeOutMemoryFull);
-  return ArbTransfer::MemoryFull;
 }
 
 DownloadEnd Downloader::SendBlock(const std::string& workFile) {

@@ -72,7 +72,6 @@ class Downloader {
  private:
   DownloadEnd Send();
   DownloadEnd SendWaveforms();
-  ArbTransfer TransferOneArb(ArbFileEntry& entry, int number);
   DownloadEnd SendBlock(const std::string& workFile);
   DownloadEnd RecordInMemory();
   DownloadEnd TakeOver();

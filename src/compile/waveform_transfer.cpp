@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "compile/block_header.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/profile_file.h"
@@ -80,30 +81,34 @@ ArbTransfer WaveformTransfer::TransferArbFile(ArbFileEntry& entry, int number) {
 
   if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), "*CLS", 0))) return ArbTransfer::NotSent;
   const std::string numberText = std::to_string(number);
-  const std::string length = std::to_string(read_.block.size());
   const std::string header =
-      ":TRACe:DATA " + numberText + ",\"Arb" + numberText + "\",#" + std::to_string(length.size()) + length;
+      BlockHeader(":TRACe:DATA " + numberText + ",\"Arb" + numberText + "\",", read_.block.size());
   const CommStatus status = commands_.SendBlockData(header, {read_.block.data(), read_.block.size()},
                                                     commands_.SelectInstrument(0));
   return Failed(status) ? ArbTransfer::NotSent : ArbTransfer::Done;
 }
 
-ArbTransfer WaveformTransfer::TransferOne(ArbFileEntry& entry, int number) {
+ArbTransfer WaveformTransfer::SendAndCheck(ArbFileEntry& entry, int number,
+                                           const std::function<void(std::int32_t)>& wait) {
   const std::int16_t wasTransferred = entry.Transferred;
   const std::int16_t wasInInstrument = entry.InInstrument;
+  const ArbTransfer sent = TransferArbFile(entry, number);
+  if (sent != ArbTransfer::Done) return sent;
+  entry.Transferred = 1;
+  entry.InInstrument = 1;
+  wait(TransferTime(entry));
+  if (dialogues_.QueryErrorNumber() != kErrorMemoryFull) return ArbTransfer::Done;
+  // The instrument did not keep it, so it has to be sent again once there is room.
+  entry.Transferred = wasTransferred;
+  entry.InInstrument = wasInInstrument;
+  ShowMessage(prompts_, catalogue_, 9317, PromptIcon::Critical);
+  return ArbTransfer::MemoryFull;
+}
+
+ArbTransfer WaveformTransfer::TransferOne(ArbFileEntry& entry, int number) {
   SetTimeOut(kTimeOutTransfer);
-  ArbTransfer result = TransferArbFile(entry, number);
-  if (result == ArbTransfer::Done) {
-    entry.Transferred = 1;
-    entry.InInstrument = 1;
-    commands_.DelayMs(TransferTime(entry));
-    if (dialogues_.QueryErrorNumber() == kErrorMemoryFull) {
-      entry.Transferred = wasTransferred;
-      entry.InInstrument = wasInInstrument;
-      result = ArbTransfer::MemoryFull;
-      ShowMessage(prompts_, catalogue_, 9317, PromptIcon::Critical);
-    }
-  }
+  const ArbTransfer result =
+      SendAndCheck(entry, number, [this](std::int32_t milliseconds) { commands_.DelayMs(milliseconds); });
   SetTimeOut(kTimeOutUsual);
   return result;
 }

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "comm/command_layer.h"
@@ -54,9 +55,11 @@ class WaveformTransfer {
   WaveformProblem Problem() const { return read_.problem; }
   const std::string& Reason() const { return read_.reason; }
 
-  // Transfer, wait and error query as one operation, with the long time-out; sets Transferred and
-  // InInstrument. Message 9317 when the memory is full: then the flags are as before the transfer. Pumps
-  // events while it waits.
+  // TransferArbFile, `wait` for the time that the instrument needs (ms), error query; sets Transferred and
+  // InInstrument. Message 9317 when the memory is full: then the flags are as before the transfer.
+  [[nodiscard]] ArbTransfer SendAndCheck(ArbFileEntry& entry, int number,
+                                         const std::function<void(std::int32_t)>& wait);
+  // The same with the long time-out. Pumps events while it waits.
   [[nodiscard]] ArbTransfer TransferOne(ArbFileEntry& entry, int number);
   // Deletes the waveform in the instrument; a file of the entry then counts as not transferred.
   CommStatus ClearOne(ArbFileEntry& entry, int number);

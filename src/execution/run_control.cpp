@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "commands/expand_template.h"
+#include "core/flag_guard.h"
 #include "sequence/channel_tabs.h"
 
 namespace corlune {
@@ -14,7 +15,7 @@ constexpr const char* kResumeCommand = ":TRIG1:SEL:EXEC RES";
 constexpr std::int32_t kResumeWait = 400;  // ms
 constexpr int kRowsBelow = 9;              // with more steps following, the grids scroll to the step
 
-// Holds a counter or flag up for the lifetime of a command.
+// Counts a command for as long as it runs.
 class DepthGuard {
  public:
   explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
@@ -24,17 +25,6 @@ class DepthGuard {
 
  private:
   int& depth_;
-};
-
-class FlagGuard {
- public:
-  explicit FlagGuard(bool& flag) : flag_(flag) { flag_ = true; }
-  ~FlagGuard() { flag_ = false; }
-  FlagGuard(const FlagGuard&) = delete;
-  FlagGuard& operator=(const FlagGuard&) = delete;
-
- private:
-  bool& flag_;
 };
 
 }  // namespace

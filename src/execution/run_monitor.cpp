@@ -4,6 +4,8 @@
 #include <limits>
 #include <utility>
 
+#include "core/flag_guard.h"
+
 namespace corlune {
 
 namespace {
@@ -20,10 +22,11 @@ constexpr std::int16_t kTermWithMessage = 2;
 
 void RunMonitor::Tick() {
   if (activity_.Busy() || !measure_.Monitoring() || run_.state.RunState != RunState::Running) return;
-  activity_.inTick = true;
-  endCountAtStart_ = measure_.EndCount();
-  RunSteps();
-  activity_.inTick = false;
+  {
+    const FlagGuard ticking(activity_.inTick);
+    endCountAtStart_ = measure_.EndCount();
+    RunSteps();
+  }
   control_.TickEnded();
 }
 
