@@ -289,10 +289,4 @@ Color TextColorOn(Color background) {
   return Luminance(background) > kEqualContrast ? Color{0, 0, 0} : Color{0xFF, 0xFF, 0xFF};
 }
 
-int TopRowFor(int row, int top, int visibleRows) {
-  if (row < top) return std::max(row, 1);
-  if (visibleRows > 0 && row >= top + visibleRows) return row - visibleRows + 1;
-  return top;
-}
-
 }  // namespace corlune

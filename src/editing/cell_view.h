@@ -106,7 +106,4 @@ class GridViews {
 // Black or white, whichever stands out more against `background`.
 Color TextColorOn(Color background);
 
-// Top row that brings `row` into view with `visibleRows` rows shown below the header and `top` shown first.
-int TopRowFor(int row, int top, int visibleRows);
-
 }  // namespace corlune

@@ -83,7 +83,7 @@ EditOutcome SequenceEditor::Perform(EditAction action, const Change& change) {
   }
   if (sequence_.Cells != before->Cells) ComputeStartValues(sequence_);
   const std::optional<UndoSpan> span =
-      history_.Record(catalogue_.GetResString(static_cast<int>(action)), *before, sequence_);
+      history_.Record(catalogue_.GetResString(static_cast<int>(action)), cursor_, *before, sequence_);
   if (span) state_.Modified = true;
   return Finish(span);
 }
@@ -94,7 +94,7 @@ EditOutcome SequenceEditor::Record(EditAction action, const std::function<void()
   change();
   if (sequence_.Cells != before->Cells) ComputeStartValues(sequence_);
   const std::optional<UndoSpan> span =
-      history_.Record(catalogue_.GetResString(static_cast<int>(action)), *before, sequence_);
+      history_.Record(catalogue_.GetResString(static_cast<int>(action)), cursor_, *before, sequence_);
   if (span) state_.Modified = true;
   return Finish(span);
 }
@@ -111,6 +111,8 @@ void SequenceEditor::Restart() {
 EditOutcome SequenceEditor::Undo() {
   if (!CanUndo()) return {};
   history_.Synchronise(state_.Modified);
+  // What comes back is shown, wherever the person has gone since.
+  cursor_ = history_.UndoCursor();
   const auto span = history_.Undo(sequence_);
   state_.Modified = !history_.AtSavedState();
   return Finish(span);
@@ -119,6 +121,7 @@ EditOutcome SequenceEditor::Undo() {
 EditOutcome SequenceEditor::Redo() {
   if (!CanRedo()) return {};
   history_.Synchronise(state_.Modified);
+  cursor_ = history_.RedoCursor();
   const auto span = history_.Redo(sequence_);
   state_.Modified = !history_.AtSavedState();
   return Finish(span);

@@ -90,7 +90,7 @@ class SequenceEditor {
   // Replaces the steps by the rows of the text; columns are found by their header.
   EditOutcome ImportCsv(std::string_view text);
 
-  // Undo.
+  // Undo. The cursor goes where the change was made.
   EditOutcome Undo();
   EditOutcome Redo();
   bool CanUndo() const { return Editable() && history_.CanUndo(); }

@@ -136,7 +136,7 @@ EditOutcome SequenceEditor::PasteText(std::string_view text) {
   const TableLimits limits{static_cast<std::size_t>(sequence_.StepCount - target.FirstRow + 1),
                            static_cast<std::size_t>(lastColumn - target.FirstColumn + 1)};
   const char separator = text.find('\t') != std::string_view::npos ? '\t' : ',';
-  const ParsedTable table = ParseTable(text, separator, limits);
+  const ParsedTable table = ParseTable(text, separator, limits, BlankLines::Rows);
   if (table.Problem != TableProblem::None) {
     return EditOutcome::Refused(
         Message(table.Problem == TableProblem::OpenQuote ? kIdOpenQuote : kIdTextTooLarge,

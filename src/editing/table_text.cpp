@@ -10,8 +10,8 @@ constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 class TableParser {
  public:
-  TableParser(std::string_view text, char separator, const TableLimits& limits)
-      : text_(text), separator_(separator), limits_(limits) {}
+  TableParser(std::string_view text, char separator, const TableLimits& limits, BlankLines blankLines)
+      : text_(text), separator_(separator), limits_(limits), blankLines_(blankLines) {}
 
   ParsedTable Parse() {
     while (at_ < text_.size() && table_.Problem == TableProblem::None) ReadRow();
@@ -44,8 +44,12 @@ class TableParser {
       }
       ++at_;  // the separator
     }
-    if (row.Cells.size() == 1 && row.Cells[0].empty()) return;
-    if (table_.Rows.size() >= limits_.Rows) return Fail(TableProblem::TooLarge);
+    if (row.Cells.size() == 1 && row.Cells[0].empty()) {
+      if (blankLines_ == BlankLines::Rows) ++blank_;
+      return;
+    }
+    if (table_.Rows.size() + blank_ >= limits_.Rows) return Fail(TableProblem::TooLarge);
+    for (; blank_ > 0; --blank_) table_.Rows.push_back({row.Line - blank_, {std::string()}});
     table_.Rows.push_back(std::move(row));
   }
   bool Append(std::string& cell, char c) {
@@ -87,6 +91,8 @@ class TableParser {
   std::string_view text_;
   char separator_;
   TableLimits limits_;
+  BlankLines blankLines_;
+  std::size_t blank_ = 0;  // lines since the last row
   std::size_t at_ = 0;
   std::size_t line_ = 1;
   ParsedTable table_;
@@ -94,9 +100,10 @@ class TableParser {
 
 }  // namespace
 
-ParsedTable ParseTable(std::string_view text, char separator, const TableLimits& limits) {
+ParsedTable ParseTable(std::string_view text, char separator, const TableLimits& limits,
+                       BlankLines blankLines) {
   if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) text.remove_prefix(kByteOrderMark.size());
-  return TableParser(text, separator, limits).Parse();
+  return TableParser(text, separator, limits, blankLines).Parse();
 }
 
 void AppendTableCell(std::string& out, std::string_view cell, char separator) {

@@ -13,6 +13,10 @@ struct TableRow {
   std::vector<std::string> Cells;
 };
 
+// Blank lines at the end never count. Before it, a column copied from a spreadsheet has one for each empty
+// cell, while in a file they mean nothing.
+enum class BlankLines { LeftOut, Rows };
+
 enum class TableProblem { None, TooLarge, OpenQuote };
 
 struct ParsedTable {
@@ -28,9 +32,10 @@ struct TableLimits {
 
 inline constexpr std::size_t kLongestTableCell = 4096;  // bytes
 
-// Stops at the first row, column or cell beyond the limits, however long the text is. Blank lines are left
-// out; a byte-order mark is dropped.
-ParsedTable ParseTable(std::string_view text, char separator, const TableLimits& limits);
+// Stops at the first row, column or cell beyond the limits, however long the text is. A byte-order mark is
+// dropped.
+ParsedTable ParseTable(std::string_view text, char separator, const TableLimits& limits,
+                       BlankLines blankLines = BlankLines::LeftOut);
 
 // Appends a cell, quoted when it has to be.
 void AppendTableCell(std::string& out, std::string_view cell, char separator);

@@ -112,15 +112,15 @@ std::size_t UndoEntry::Bytes() const {
   return bytes;
 }
 
-std::optional<UndoSpan> UndoHistory::Record(std::string caption, const SequenceData& before,
-                                            const SequenceData& after) {
+std::optional<UndoSpan> UndoHistory::Record(std::string caption, const GridCursor& cursor,
+                                            const SequenceData& before, const SequenceData& after) {
   std::optional<UndoEntry> entry = UndoEntry::Between(before, after);
   if (!entry) return std::nullopt;
   DropRedo();
   const UndoSpan span = entry->Span();
   bytes_ += entry->Bytes();
   ++newest_;
-  entries_.push_back({std::move(caption), std::move(*entry), current_, newest_});
+  entries_.push_back({std::move(caption), cursor, std::move(*entry), current_, newest_});
   current_ = newest_;
   position_ = entries_.size();
   DropOldest();

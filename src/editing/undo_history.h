@@ -14,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "editing/grid_place.h"
 #include "sequence/sequence_data.h"
 
 namespace corlune {
@@ -72,14 +73,19 @@ class UndoEntry {
 
 class UndoHistory {
  public:
-  // Records the way from `before` to `after` under a caption; nothing when they do not differ. Drops what
-  // could be redone. Returns what the entry touches; nullopt when nothing was recorded.
-  std::optional<UndoSpan> Record(std::string caption, const SequenceData& before, const SequenceData& after);
+  // Records the way from `before` to `after` under a caption, with the cursor that it was made at; nothing
+  // when they do not differ. Drops what could be redone. Returns what the entry touches; nullopt when nothing
+  // was recorded.
+  std::optional<UndoSpan> Record(std::string caption, const GridCursor& cursor, const SequenceData& before,
+                                 const SequenceData& after);
   // Nothing to undo or redo: nullopt.
   std::optional<UndoSpan> Undo(SequenceData& sequence);
   std::optional<UndoSpan> Redo(SequenceData& sequence);
   bool CanUndo() const { return position_ > 0; }
   bool CanRedo() const { return position_ < entries_.size(); }
+  // Where the entry was made that Undo or Redo goes through next; only with such an entry.
+  const GridCursor& UndoCursor() const { return entries_[position_ - 1].Cursor; }
+  const GridCursor& RedoCursor() const { return entries_[position_].Cursor; }
   // Caption of what would be undone or redone next; empty when there is nothing.
   std::string UndoCaption() const;
   std::string RedoCaption() const;
@@ -96,6 +102,7 @@ class UndoHistory {
  private:
   struct Level {
     std::string Caption;
+    GridCursor Cursor;
     UndoEntry Entry;
     std::uint64_t Before = 0;  // numbers of the states that the entry connects
     std::uint64_t After = 0;

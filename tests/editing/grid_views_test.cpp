@@ -188,9 +188,6 @@ TEST(CursorMoves, ChannelAndBranchArea) {
   }
   EXPECT_EQ(MoveBranchCursor({5, 1}, Key::Enter, 5), (GridPosition{5, 1}));
   EXPECT_EQ(MoveBranchCursor({4, 1}, Key::Down, 5), (GridPosition{5, 1}));
-  EXPECT_EQ(TopRowFor(12, 1, 10), 3);
-  EXPECT_EQ(TopRowFor(2, 5, 10), 2);
-  EXPECT_EQ(TopRowFor(7, 5, 10), 5);
 }
 
 // Enabled items, one letter each: New Open Save saveAs Exit | edit items 0-8 | modes | run items | tools |

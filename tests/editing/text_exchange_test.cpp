@@ -103,6 +103,19 @@ TEST(ClipboardText, PasteChecksLikeTyping) {
             "Step 12, Stop Phs[deg]: Input value Error!  Input value 400  Range of Input 0-360");
 }
 
+TEST(ClipboardText, AnEmptyCellOfAColumnKeepsItsRow) {
+  EditingRig rig(4);
+  rig.Select(GridArea::Sequence, 0, 1, 1, kColFrequency, kColFrequency);
+  EXPECT_EQ(rig.IdOf(rig.editor->PasteText("\r\n50\r\n\r\n70\r\n\r\n")), 0);
+  const auto frequency = [&](int row) { return rig.Text(Channel(0, row, kColFrequency)); };
+  EXPECT_EQ(frequency(1) + " " + frequency(2) + " " + frequency(3) + " " + frequency(4), "1000 50 1000 70");
+  rig.Select(GridArea::Common, 0, 1, 1, kGridStepTime, kGridStepTime);
+  EXPECT_EQ(rig.IdOf(rig.editor->PasteText("2\n\n4")), 9108) << "a step without a time";
+  EXPECT_EQ(rig.last.Message->Text.substr(0, 8), "Step 2, ");
+  EXPECT_EQ(rig.IdOf(rig.editor->PasteText("2\n\n\n\n5")), 9555);
+  EXPECT_EQ(rig.IdOf(rig.editor->PasteText(std::string(10U << 20U, '\n'))), 0);
+}
+
 TEST(ClipboardText, WaveformAndRangeComeFirst) {
   EditingRig rig(2);
   rig.Select(GridArea::Sequence, 0, 1, 1, kColWaveform, kColWaveform);

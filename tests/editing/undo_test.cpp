@@ -59,6 +59,29 @@ TEST(Undo, SavedStateClearsTheModifiedFlag) {
   EXPECT_TRUE(other.state.Modified);
 }
 
+TEST(Undo, GoesWhereTheChangeWasMade) {
+  EditingRig rig(50);
+  rig.Select(GridArea::Sequence, 1, 40, 42, kColFrequency, kColFrequency);
+  ASSERT_EQ(rig.IdOf(rig.editor->PasteText("60")), 0);
+  const GridCursor there = rig.editor->Cursor();
+  rig.Select(GridArea::Common, 0, 3, 3, 1, 1);
+  rig.editor->DeleteRow();
+  rig.Select(GridArea::Common, 0, 49, 49, 2, 2);
+  rig.editor->Undo();
+  EXPECT_EQ(rig.editor->Cursor().CurrentRow, 3);
+  rig.editor->Undo();
+  EXPECT_EQ(rig.editor->Cursor(), there);
+  rig.Select(GridArea::Common, 0, 1, 1, 1, 1);
+  rig.editor->Redo();
+  EXPECT_EQ(rig.editor->Cursor(), there);
+  // The last step is gone again, and with it the row where it was added.
+  rig.Select(GridArea::Common, 0, 50, 50, 1, 1);
+  rig.editor->AddRow();
+  rig.Select(GridArea::Common, 0, 51, 51, 1, 1);
+  rig.editor->Undo();
+  EXPECT_EQ(rig.editor->Cursor().CurrentRow, 50);
+}
+
 TEST(Undo, CoversDialogsAndLeavesTheRest) {
   EditingRig rig(2);
   rig.sequence->Channels.ArbFiles[4].FilePath = "old.wdb";
