@@ -98,7 +98,7 @@ class MainWindow : public QMainWindow {
   void BuildEditMenu();
   void AddFileExtras();
   void AddHelpExtras();
-  void AddItems(Menu menu, std::function<void(int)> handler);
+  void AddItems(Menu menu, const std::function<void(int)>& handler);
   QAction* ItemAction(Menu menu, int item) const;
   void SetShortcuts();
   void ShowMenuStates();

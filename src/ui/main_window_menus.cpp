@@ -60,7 +60,7 @@ QAction* MainWindow::ItemAction(Menu menu, int item) const {
   return items_[static_cast<std::size_t>(menu)][static_cast<std::size_t>(item)];
 }
 
-void MainWindow::AddItems(Menu menu, std::function<void(int)> handler) {
+void MainWindow::AddItems(Menu menu, const std::function<void(int)>& handler) {
   const auto index = static_cast<std::size_t>(menu);
   const MenuRow& row = kMenus[index];
   QMenu* popup = menus_[index];

@@ -23,9 +23,9 @@ class ElidedLabel : public QLabel {
   }
 
  protected:
-  void paintEvent(QPaintEvent* event) override {
-    QFrame::paintEvent(event);
+  void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
+    drawFrame(&painter);
     const QRect area = contentsRect().adjusted(margin(), 0, -margin(), 0);
     style()->drawItemText(&painter, area, static_cast<int>(alignment()), palette(), isEnabled(),
                           fontMetrics().elidedText(text(), Qt::ElideRight, area.width()),
