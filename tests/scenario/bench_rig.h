@@ -89,25 +89,25 @@ inline std::string OutputTurnedOff(int instrument) {
          " was turned off. The sequence execution is discontinued.";
 }
 
+struct BenchOptions {
+  bool communicationLog = false;  // "comm.log" in the folder
+  bool writeSettings = false;     // as the window program does
+  std::string responses = {};     // response file: every instrument is simulated
+};
+
 class BenchRig {
  public:
   // `instruments`: "QM2220:QM000001,...", as they are plugged in.
-  explicit BenchRig(const std::string& instruments = "QM2220:QM000001", bool communicationLog = false) {
+  explicit BenchRig(const std::string& instruments = "QM2220:QM000001", BenchOptions benchOptions = {})
+      : options_(std::move(benchOptions)) {
     std::string problem;
     EXPECT_TRUE(bench.AddFromText(instruments, "", &problem)) << problem;
     SetVisaFace(&face);
     std::string definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
-    if (communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
+    if (options_.communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
     folder.Write("Corlune_Std.ini", definition);
-    SessionOptions options;
-    options.appFolder = folder.Path();
-    options.english = true;
-    options.writeSettings = false;
-    const SessionPorts ports{prompts, clock, pump, timer, progress,
-                             display, view,  end,  files, sessionDisplay};
-    session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram& endProgram) {
-      return OutsideParts{MakeFrontEnd(state, endProgram), std::make_unique<LinkedCompiler>()};
-    });
+    if (!options_.responses.empty()) folder.Write("responses.ini", options_.responses);
+    Restart();
   }
   ~BenchRig() {
     session.reset();
@@ -117,6 +117,21 @@ class BenchRig {
   }
   BenchRig(const BenchRig&) = delete;
   BenchRig& operator=(const BenchRig&) = delete;
+
+  // A new process over the same folder and bench.
+  void Restart() {
+    session.reset();
+    SessionOptions options;
+    options.appFolder = folder.Path();
+    options.english = true;
+    options.writeSettings = options_.writeSettings;
+    options.simulated = !options_.responses.empty();
+    const SessionPorts ports{prompts, clock, pump, timer, progress,
+                             display, view,  end,  files, sessionDisplay};
+    session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram& endProgram) {
+      return OutsideParts{MakeFrontEnd(state, endProgram), std::make_unique<LinkedCompiler>()};
+    });
+  }
 
   // ---- The person ----
 
@@ -237,6 +252,7 @@ class BenchRig {
   }
   std::string Log() const { return TempFolder::Read(folder.File("comm.log")); }
 
+  BenchOptions options_;
   TempFolder folder;
   FakeClock clock{0xFFFFD000};
   FakePump pump{clock};
@@ -271,8 +287,11 @@ class BenchRig {
     backends[1] = std::make_unique<KiGpibMdl>(services, Ieee32mLoader(none, {}));
     backends[2] = std::make_unique<Usb488Mdl>(services, Usb488Loader(none, {}));
     backends[3] = std::move(usbTmc);
-    backends[4] = std::make_unique<DebugMdl>(services, std::string());
-    return std::make_unique<GpFrontEnd>(state, std::move(backends), search);
+    backends[4] = std::make_unique<DebugMdl>(services, folder.File("responses.ini"));
+    const bool simulated = !options_.responses.empty();
+    auto frontEnd = std::make_unique<GpFrontEnd>(state, std::move(backends), simulated ? nullptr : search);
+    if (simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);
+    return frontEnd;
   }
 };
 

@@ -45,7 +45,7 @@ std::vector<int> RowsFollowed(const EventList& events) {
 }
 
 TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
-  BenchRig rig("QM2220:QM000001", true);
+  BenchRig rig("QM2220:QM000001", {.communicationLog = true});
   rig.ConnectWithExample("arb-burst.dat");
   ASSERT_TRUE(rig.Download());
   rig.ExpectPrompts({kAsksName});
@@ -147,6 +147,81 @@ TEST(DownloadAndRun, EverySequenceMemory) {
     EXPECT_EQ(rig.session->Sequence().StepCount, 2);
     rig.ExpectPrompts({"critical: The error was detected while receiving data. "});
   }
+}
+
+// The window program's day: start, open, run, close, and the next start finds everything again.
+TEST(DownloadAndRun, FromTheStartOfTheProgramToItsClose) {
+  BenchRig rig("QM2220:QM000001", {.writeSettings = true});
+  rig.folder.Write("Corlune.ini", "[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n");
+  rig.Restart();
+  ASSERT_EQ(rig.session->StartUp({}), StartUpResult::Show);
+  EXPECT_EQ(rig.session->State().Online, 1);
+  ASSERT_TRUE(rig.session->OpenFile(std::string(CORLUNE_DATA) + "/examples/arb-burst.dat"));
+  EXPECT_EQ(rig.session->State().Instruments[0].SerialNo, "QM000001");
+  ASSERT_TRUE(rig.Download());
+  rig.ExpectPrompts({kAsksName});
+  rig.Press(Run::Start);
+  rig.ExpectPrompts({kAsksOutput});
+  rig.Advance(500);
+  EXPECT_FALSE(rig.session->RequestClose());
+  rig.Press(Run::Stop);
+  rig.Advance(200);
+  EXPECT_TRUE(rig.session->RequestClose());
+  EXPECT_TRUE(std::filesystem::exists(rig.folder.File("Corlune_QM2220.ini")));
+  const auto text = std::make_unique<SequenceData>(rig.session->Sequence());
+
+  rig.Restart();
+  ASSERT_EQ(rig.session->StartUp({}), StartUpResult::Show);
+  rig.ExpectPrompts({});
+  const SequenceData& sequence = rig.session->Sequence();
+  EXPECT_EQ(sequence.StepCount, text->StepCount);
+  EXPECT_EQ(sequence.Cells, text->Cells);
+  // The instrument still holds the waveforms, and says so.
+  EXPECT_EQ(sequence.Channels.ArbFiles[0].InInstrument, 1);
+  EXPECT_EQ(sequence.Channels.ArbFiles[0].PointCount, 4096);
+  ASSERT_TRUE(rig.Download());
+  rig.ExpectPrompts({kAsksName});
+  rig.Press(Run::Start);
+  rig.RunToEnd();
+  // The outputs were left on.
+  rig.ExpectPrompts({kSaysEnd});
+}
+
+// Without any instrument: the response file answers, the log is as with a real one.
+TEST(DownloadAndRun, SimulatedInstrument) {
+  BenchOptions options;
+  options.communicationLog = true;
+  options.responses =
+      "[ADRS0]\r\n:SOUR1:SEQ:STAT?=1\r\n:STAT:OPER:CH1:COND?=2\r\n:SYST:ERR?=0,\"No error\"\r\n"
+      "spoll=128\r\n:OUTP2?=1\r\n:SOUR1:SEQ:CST?=-1\r\n:SYST:BUSY?=0\r\n";
+  BenchRig rig("", options);
+  rig.ConnectWithExample("quick-tour.dat");
+  EXPECT_EQ(rig.session->State().Online, 1);
+  ASSERT_TRUE(rig.Download());
+  rig.ExpectPrompts({kAsksName});
+  EXPECT_TRUE(rig.session->State().OutputOn);
+  rig.Press(Run::Start);
+  rig.RunToEnd();
+  rig.ExpectPrompts({kSaysEnd});
+  rig.ExpectAtRest(OperationMode::Execution, true);
+  const std::string log = rig.Log();
+  EXPECT_TRUE(
+      log.starts_with("ALL < GP_REN\r\nALL < GP_MTerm\"LF\"\r\nALL < GP_EOI\r\n"
+                      "ALL < GP_Time_Out\"300ms\"\r\nGP_INIT\r\nALL < GP_Time_Out\"3s\"\r\n"))
+      << log.substr(0, 300);
+  for (const char* line :
+       {"0 <  GP_Send_Str \":TRIG:COMP\"\r\n", "0 < GP_Spoll\"Debug Spoll\"\r\n",
+        "0 >  GP_Receive_Str \"-1\"\r\n", "0 <  GP_Send_AsciiBinary_Data \"0,0,0,0,0,0,16,0,"}) {
+    EXPECT_THAT(log, ::testing::HasSubstr(line));
+  }
+  // No answer to the step query: asked again, then back to edit mode without a message.
+  rig.folder.Write("responses.ini", "[ADRS0]\r\n:OUTP2?=1\r\n");
+  rig.Press(Run::Start);
+  rig.ExpectPrompts({});
+  rig.ExpectAtRest(OperationMode::Edit, false);
+  // It holds no sequences.
+  EXPECT_FALSE(rig.session->ReadBack());
+  rig.ExpectPrompts({"critical: The error was detected while receiving data. "});
 }
 
 }  // namespace
