@@ -16,6 +16,8 @@ packages=(
   xvfb xauth openbox x11-utils xdotool wmctrl imagemagick
   # fonts: metric-compatible with Arial; Japanese
   fonts-liberation fonts-ipafont-gothic
+  # Japanese texts of the standard dialogs
+  qt6-translations-l10n
 )
 
 for option in "$@"; do
