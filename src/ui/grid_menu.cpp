@@ -11,8 +11,8 @@ constexpr int kIdCopyText = 7702;
 constexpr int kIdPasteText = 7703;
 constexpr int kIdDuplicate = 7704;
 constexpr int kIdFillDown = 7705;
-constexpr int kIdImport = 7706;
-constexpr int kIdExport = 7707;
+constexpr int kIdImport = 8201;
+constexpr int kIdExport = 8202;
 constexpr int kEditItems = 9;
 
 QString Caption(const SequenceEditor& editor, GridCommand command) {
