@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include <QApplication>
 #include <QClipboard>
@@ -57,6 +58,7 @@ class GridPanel::Impl {
   void Refresh();
   void PlaceRowAdd();
   void SyncScroll(GridTable* from, int value);
+  void ShowSameRows(int tab);
   void LimitWidths();
   void ShowFileProblem(int id, const std::string& path, const std::string& reason);
   QString Text(int id) const { return QString::fromStdString(editor_.Views().Catalogue().GetResString(id)); }
@@ -81,6 +83,7 @@ class GridPanel::Impl {
   QGroupBox* branchFrame_ = nullptr;
   QLineEdit* stepNumber_ = nullptr;
   ControlStates states_;
+  int shownTab_ = 0;
   bool syncing_ = false;
   std::unique_ptr<GridControl> control_;  // before the widgets are gone
 };
@@ -220,6 +223,8 @@ void GridPanel::Impl::Connect() {
     QObject::connect(table->verticalScrollBar(), &QScrollBar::valueChanged, &panel_,
                      [this, table](int value) { SyncScroll(table, value); });
   }
+  QObject::connect(tables_.Tabs, &QTabWidget::currentChanged, &panel_,
+                   [this](int tab) { ShowSameRows(tab); });
   QObject::connect(tables_.Common, &GridTable::Moved, &panel_, [this] { PlaceRowAdd(); });
 }
 
@@ -230,6 +235,17 @@ void GridPanel::Impl::SyncScroll(GridTable* from, int value) {
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1]}) {
     if (table != from) table->verticalScrollBar()->setValue(value);
   }
+}
+
+// A grid behind another tab has no room to scroll in: it follows when its tab comes to the front.
+void GridPanel::Impl::ShowSameRows(int tab) {
+  const int before = std::exchange(shownTab_, std::clamp(tab, 0, MAX_CHANNELS - 1));
+  if (before == shownTab_) return;
+  const QScopedValueRollback<bool> own(syncing_, true);
+  GridTable& table = *tables_.Channels[static_cast<std::size_t>(shownTab_)];
+  const int value = tables_.Channels[static_cast<std::size_t>(before)]->verticalScrollBar()->value();
+  table.doItemsLayout();
+  table.verticalScrollBar()->setValue(value);
 }
 
 void GridPanel::Impl::Refresh() {

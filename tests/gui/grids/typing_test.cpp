@@ -91,6 +91,22 @@ TEST(Typing, ControlPageKeysGoThroughAllGrids) {
   EXPECT_EQ(place(), expected[1]);
 }
 
+TEST(Typing, TheOtherChannelShowsTheSameSteps) {
+  GridsRig rig(60);
+  auto& tabs = rig.Named<QTabWidget>("SSTab1");
+  rig.GoTo(GridArea::Sequence, 40, 3);
+  const auto top = [&](int channel) { return rig.Channel(channel).verticalScrollBar()->value(); };
+  ASSERT_GT(top(0), 20);
+  for (const int tab : {1, 0, 1}) {
+    rig.Press(Qt::Key_Home, Qt::ControlModifier);
+    rig.GoTo(GridArea::Sequence, 30 + 5 * tab, 3, tabs.currentIndex());
+    const int before = top(tabs.currentIndex());
+    tabs.setCurrentIndex(tab);
+    QApplication::processEvents();
+    EXPECT_EQ(top(tab), before);
+  }
+}
+
 TEST(Typing, FarKeysMoveAndSelect) {
   GridsRig rig(100);
   const auto extent = [&] {
