@@ -56,7 +56,6 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   ViSession OpenResourceManager();
   CommStatus GP_SDC(std::size_t index);
   CommStatus OpenDevice(const char* operation, std::size_t index);
-  void CloseSession(std::size_t index);
   // Closes sessions and resource manager; the first failure.
   CommStatus Release();
   // Calls `action` with every open session, stops at the first failure.

@@ -126,7 +126,6 @@ class Session {
   WaveformTransfer& Waveforms() { return *waveforms_; }
   Downloader& Download() { return *downloader_; }
   RunActivity& Activity() { return activity_; }
-  RunQueries& Queries() { return *queries_; }
   RunControl& Control() { return *control_; }
   RunMonitor& Monitor() { return *monitor_; }
   // "Tavrin Corlune for QM2210/20  path".

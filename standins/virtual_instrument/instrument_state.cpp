@@ -74,11 +74,7 @@ void InstrumentState::StartRun() {
 void InstrumentState::BeginCompile() {
   status.SetOperation(false);
   engine.Unload();
-  compileLeft_ = compileMs;
-  if (compileMs == 0) {
-    compileLeft_.reset();
-    FinishCompile();
-  }
+  compileLeft_ = kCompileMs;
 }
 
 bool InstrumentState::CompileAllowed() const {

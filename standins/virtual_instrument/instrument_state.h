@@ -56,7 +56,6 @@ class InstrumentState {
   std::array<bool, kSequenceChannels> outputs{};
   bool sequenceMode = false;
   bool remote = false;
-  std::uint32_t compileMs = kCompileMs;
 
   // Of the message under way
   std::string reply;

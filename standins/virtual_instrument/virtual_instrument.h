@@ -29,7 +29,6 @@ class VirtualInstrument {
   void SetFaults(FaultPlan plan) { state_.faults = std::move(plan); }
   const FaultPlan& Faults() const { return state_.faults; }
   bool Present() const { return !state_.faults.Unplugged(); }
-  void SetCompileTime(std::uint32_t milliseconds) { state_.compileMs = milliseconds; }
 
   // ---- The interface side ----
 
