@@ -12,7 +12,8 @@
 #endif
 #endif
 #if defined(CORLUNE_ASAN)
-#include <sanitizer/allocator_interface.h>
+// Of the sanitizer's allocator; its header is not everywhere.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();
 #else
 #include <malloc.h>
 #endif
