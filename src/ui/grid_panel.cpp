@@ -137,6 +137,9 @@ void GridPanel::Impl::Build() {
   split_->addWidget(tables_.Tabs);
   split_->setStretchFactor(0, 1);
   split_->setStretchFactor(1, 1);
+  // Before the cursor is shown there, which scrolls only as far as it has to.
+  QObject::connect(tables_.Tabs, &QTabWidget::currentChanged, &panel_,
+                   [this](int tab) { ShowSameRows(tab); });
 }
 
 QPushButton* GridPanel::Impl::MakeButton(const char* name, const QString& caption, GridCommand command) {
@@ -223,8 +226,6 @@ void GridPanel::Impl::Connect() {
     QObject::connect(table->verticalScrollBar(), &QScrollBar::valueChanged, &panel_,
                      [this, table](int value) { SyncScroll(table, value); });
   }
-  QObject::connect(tables_.Tabs, &QTabWidget::currentChanged, &panel_,
-                   [this](int tab) { ShowSameRows(tab); });
   QObject::connect(tables_.Common, &GridTable::Moved, &panel_, [this] { PlaceRowAdd(); });
 }
 
