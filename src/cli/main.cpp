@@ -42,7 +42,10 @@ int Main(int argc, char** argv) {
   CLI::App* save = command("save", "Rewrites a sequence file");
   addFile(save, file);
   save->add_flag("--work", work, "In the work-file form");
-  save->add_option("-o,--output", out, "File to write")->required()->type_name("OUT");
+  save->add_option("-o,--output", out,
+                   "File to write; user form: .dat is appended unless it ends in .dat or .daf")
+      ->required()
+      ->type_name("OUT");
   CLI::App* times = command("times", "Run time of each step and in total, in ms (-1: endless)");
   addFile(times, file);
   CLI::App* wave = command("wave", "Writes the transfer block of a waveform file");
