@@ -42,8 +42,9 @@ struct Layer : ::testing::Test {
 };
 
 TEST_F(Layer, OpensInstrument0sKindFirstThenEachFurtherOne) {
-  Use({InterfaceKind::NiGpib, InterfaceKind::UsbTmc, InterfaceKind::NiGpib, InterfaceKind::UsbTmc,
-       InterfaceKind::UsbTmc});
+  constexpr InterfaceKind ni = InterfaceKind::NiGpib;
+  constexpr InterfaceKind tmc = InterfaceKind::UsbTmc;
+  Use({ni, tmc, ni, tmc, tmc});
   state.Instruments[3].SerialNo = "USB1::7::8::x::INSTR";
   state.Instruments[4].SerialNo = "";
   EXPECT_TRUE(layer.OpenInstrumentInterface());
@@ -78,12 +79,6 @@ TEST_F(Layer, AFailedOpeningClosesTheRestAndNamesTheInstrument) {
   EXPECT_EQ(script.CountOf("end"), 1);
   EXPECT_EQ(script.CountOf("[1] end"), 0);
   EXPECT_EQ(state.CurrentInterface, InterfaceKind::UsbTmc);
-
-  script.ClearLog();
-  script.FailOn("timeout", CommStatus::Error);
-  EXPECT_FALSE(layer.OpenInstrumentInterface(&failed));
-  EXPECT_EQ(failed, 0);
-  EXPECT_EQ(script.Log().back(), "end");
 }
 
 TEST_F(Layer, OffLineNothingIsSent) {
@@ -124,6 +119,10 @@ TEST_F(Layer, BusyForTooLong) {
   EXPECT_EQ(clock.Now() - start, 2000U);
   EXPECT_EQ(layer.WaitWhileBusy(2, "16", 700), CommStatus::TimeOut);
   EXPECT_EQ(clock.Now() - start, 3000U);
+  definition.Commands.Busy = {};  // without a query there is no poll
+  script.ClearLog();
+  EXPECT_EQ(layer.SendCommand(2, ":COMP", -1), CommStatus::Success);
+  EXPECT_THAT(script.Log(), ElementsAre("2 < :COMP"));
 }
 
 TEST_F(Layer, AFailureEndsThePoll) {
@@ -135,12 +134,6 @@ TEST_F(Layer, AFailureEndsThePoll) {
   // Behind a command every failure of the poll is a time-out.
   script.FailAt(script.Count() + 1, CommStatus::Error);
   EXPECT_EQ(layer.SendCommand(2, ":COMP", -1), CommStatus::TimeOut);
-}
-
-TEST_F(Layer, WithoutBusyQueryThereIsNoPoll) {
-  definition.Commands.Busy = {};
-  EXPECT_EQ(layer.SendCommand(2, ":COMP", -1), CommStatus::Success);
-  EXPECT_THAT(script.Log(), ElementsAre("2 < :COMP"));
 }
 
 // A handler that addresses another instrument during a wait must not redirect what follows.

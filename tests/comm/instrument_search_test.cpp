@@ -25,33 +25,19 @@ struct SearchRow {
 TEST(InstrumentSearch, Cases) {
   const std::string a = "USB0::0x1::0x2::S1::INSTR";
   const std::string b = "USB0::0x1::0x2::S2::0::INSTR";
+  const std::string manager = "viOpenDefaultRM";
+  const std::string search = "viFindRsrc X?*INSTR";
+  // clang-format off
   const std::vector<SearchRow> rows{
-      {"two instruments",
-       {{"viFindRsrc", {.text = a, .value = 2}}, {"viFindNext", {.text = b}}},
-       2,
-       {{a, "S1"}, {b, "S2"}},
-       {"viOpenDefaultRM", "viFindRsrc X?*INSTR", "viFindNext", "viClose 2", "viClose 1"}},
-      {"a short name stays whole",
-       {{"viFindRsrc", {.text = "GPIB0::1::INSTR", .value = 1}}},
-       1,
-       {{"GPIB0::1::INSTR", "GPIB0::1::INSTR"}},
-       {"viOpenDefaultRM", "viFindRsrc X?*INSTR", "viClose 2", "viClose 1"}},
-      {"a list that breaks off",
-       {{"viFindRsrc", {.text = a, .value = 3}}, {"viFindNext", {.status = VI_ERROR_RSRC_NFOUND}}},
-       1,
-       {{a, "S1"}},
-       {"viOpenDefaultRM", "viFindRsrc X?*INSTR", "viFindNext", "viClose 2", "viClose 1"}},
-      {"nothing found",
-       {{"viFindRsrc", {.status = VI_ERROR_RSRC_NFOUND}}},
-       0,
-       {},
-       {"viOpenDefaultRM", "viFindRsrc X?*INSTR", "viClose 1"}},
-      {"no resource manager",
-       {{"viOpenDefaultRM", {.status = VI_ERROR_SYSTEM_ERROR}}},
-       0,
-       {},
+      {"two instruments", {{"viFindRsrc", {.text = a, .value = 2}}, {"viFindNext", {.text = b}}}, 2, {{a,
+       "S1"}, {b, "S2"}}, {manager, search, "viFindNext", "viClose 2", "viClose 1"}},
+      {"a list that breaks off", {{"viFindRsrc", {.text = a, .value = 3}}, {"viFindNext",
+       {.status = VI_ERROR_RSRC_NFOUND}}}, 1, {{a, "S1"}}, {manager, search, "viFindNext", "viClose 2",
+       "viClose 1"}},
+      {"no resource manager", {{"viOpenDefaultRM", {.status = VI_ERROR_SYSTEM_ERROR}}}, 0, {},
        {"viOpenDefaultRM"}},
   };
+  // clang-format on
   for (const SearchRow& row : rows) {
     SCOPED_TRACE(row.what);
     CommWorld world;
@@ -67,7 +53,7 @@ TEST(InstrumentSearch, Cases) {
 TEST(InstrumentSearch, KeepsTwentyOne) {
   CommWorld world;
   FakeLibrary library;
-  library.AlwaysAnswer("viFindNext", {.text = "A::B::C::N::INSTR"});
+  for (int i = 0; i < 30; ++i) library.Answer("viFindNext", {.text = "A::B::C::N::INSTR"});
   library.Answer("viFindRsrc", {.text = "A::B::C::N::INSTR", .value = 30});
   UsbTmcMdl backend(world.Services(), library.Visa());
   EXPECT_EQ(backend.GP_Find_Devices("?*"), 30);

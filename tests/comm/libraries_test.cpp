@@ -1,4 +1,5 @@
 // Libraries that are really loaded: small ones built beside the tests.
+#include <array>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
@@ -56,24 +57,19 @@ TEST_F(Libraries, AMissingLibraryIsAnOrdinaryStatus) {
 }
 
 TEST_F(Libraries, TheProblemIsTold) {
-  struct Row {
-    std::string file;
-    std::string words;
-    std::string names;
-  };
   const std::string broken = world.folder.Write("broken.so", "no library");
-  const std::vector<Row> rows{
+  const std::vector<std::array<std::string, 3>> rows{
       {world.folder.File("none.so"), "VISA library not found: ", "none.so: "},
       {broken, "VISA library not found: ", "broken.so: "},
       {CORLUNE_STUB_VISA_PARTIAL, "VISA library found but unusable: ", "symbol viClear missing"},
       {CORLUNE_STUB_VISA, "VISA resource manager does not open", "BFFF0000"}};
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.file);
-    const auto gp = WithVisa(row.file);
+  for (const auto& [file, words, names] : rows) {
+    SCOPED_TRACE(file);
+    const auto gp = WithVisa(file);
     EXPECT_EQ(gp->GP_Find_Devices("?*INSTR"), 0);
-    EXPECT_THAT(gp->LibraryProblem(), AllOf(HasSubstr(row.words), HasSubstr(row.names)));
+    EXPECT_THAT(gp->LibraryProblem(), AllOf(HasSubstr(words), HasSubstr(names)));
     EXPECT_EQ(gp->GP_Init("LOG_FILE=comm.log,USBTMC_NAME=A", true), CommStatus::Error);
-    EXPECT_THAT(world.Log().at(0), HasSubstr(row.words));
+    EXPECT_THAT(world.Log().at(0), HasSubstr(words));
     EXPECT_EQ(world.Log().at(1), "GP_INIT Error");
   }
 }
