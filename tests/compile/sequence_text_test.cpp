@@ -5,12 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "support/temp_folder.h"
-
 namespace corlune {
 namespace {
-
-using corlune::testing::TempFolder;
 
 std::vector<std::string> Lines(const std::string& text) {
   std::vector<std::string> lines;
@@ -22,15 +18,6 @@ std::vector<std::string> Lines(const std::string& text) {
   return lines;
 }
 
-// The lines of slot 0 alone, behind their keys.
-std::vector<std::string> Values(const SequenceData& sequence, int channels) {
-  std::string text;
-  AppendStepLines(text, sequence, 0, channels);
-  std::vector<std::string> values;
-  for (const std::string& line : Lines(text)) values.push_back(line.substr(line.find('=') + 1));
-  return values;
-}
-
 TEST(SequenceText, WholeTextOfATwoChannelSequence) {
   auto sequence = std::make_unique<SequenceData>();
   sequence->StepCount = 1;
@@ -38,17 +25,12 @@ TEST(SequenceText, WholeTextOfATwoChannelSequence) {
   StepRow& row = sequence->Steps[255];
   row.StepTime = 0.00001;
   row.StepTerm = 2;
-  row.AutoHold = 1;
   row.StepCode = 255;
-  row.StateBranchOn = 1;
+  row.AutoHold = row.StateBranchOn = row.EventBranchOn = row.JumpOn = row.JumpCountOn = row.StopPhaseOn = 1;
   row.StateBranchStep = 256;
-  row.EventBranchOn = 1;
   row.EventBranchStep = 3;
-  row.JumpOn = 1;
   row.JumpTo = -1;
-  row.JumpCountOn = 1;
   row.JumpCount = 32767;
-  row.StopPhaseOn = 1;
   row.StopPhase = -2.25;
   const auto set = [&](int param, double value, std::int16_t mode = 0) {
     sequence->Cell(1, 255, param).Value = value;
@@ -85,11 +67,6 @@ TEST(SequenceText, WholeTextOfATwoChannelSequence) {
                   (last ? "=USER,128,INV,MFS,1,1.5E+15,SWE,0.3,KEEP,-1E-05,CONS,0,SWE,12345.6789012346,KEEP"
                         : emptyCell));
   }
-
-  text.clear();
-  AppendSequenceText(text, *sequence, "QM2210", 1);
-  EXPECT_EQ(Lines(text).size(), 8u + 256 + 256);
-  EXPECT_NE(text.find("MODEL=\"QM2210\"\r\nNCHAN=1\r\n"), std::string::npos);
 }
 
 TEST(SequenceText, CodesWithoutAWordGiveEmptyFields) {
@@ -101,8 +78,6 @@ TEST(SequenceText, CodesWithoutAWordGiveEmptyFields) {
   };
   const Case cases[] = {
       {0, 0, 0, "SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
-      {1, 2, 0, "SQU,0,NORM,MFS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
-      {2, 3, 0, "NOIS,0,INV,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
       {3, 2.5, 1, "DC,0,NORM,MFS,0,0,KEEP,0,CONS,0,CONS,0,CONS,0,CONS"},  // half to even
       {4, 4, 2, "USER,0,INV,PFS,0,0,SWE,0,CONS,0,CONS,0,CONS,0,CONS"},
       {5, 6, 3, ",0,INV,FS,0,0,,0,CONS,0,CONS,0,CONS,0,CONS"},
@@ -114,37 +89,10 @@ TEST(SequenceText, CodesWithoutAWordGiveEmptyFields) {
     sequence->Cell(0, 0, kSlotWaveform).Value = c.waveform;
     sequence->Cell(0, 0, kSlotPolarityRange).Value = c.polarityRange;
     sequence->Cell(0, 0, kSlotFrequency).ChangeMode = c.mode;
-    EXPECT_EQ(Values(*sequence, 1).back(), c.expected);
-  }
-}
-
-TEST(SequenceText, CommonParameters) {
-  const std::pair<CommonParams, const char*> cases[] = {
-      {{1, 0, 0, 0, 0}, "SEQ=1,SYNC,0,STAR,POS"},
-      {{255, 2, 1, 1, 1}, "SEQ=255,SSYN,1,SBR,OFF"},
-      {{1, 3, 0, 0, 0}, "SEQ=1,SYNC,0,STAR,"},
-  };
-  for (const auto& [common, expected] : cases) {
-    auto sequence = std::make_unique<SequenceData>();
-    sequence->Common = common;
     std::string text;
-    AppendSequenceText(text, *sequence, "QM2210", 1);
-    EXPECT_EQ(Lines(text)[7], expected);
+    AppendStepLines(text, *sequence, 0, 1);
+    EXPECT_EQ(Lines(text).back().substr(9), c.expected);
   }
-}
-
-TEST(SequenceText, ReplacesTheFileOrLeavesIt) {
-  const TempFolder folder;
-  const auto sequence = std::make_unique<SequenceData>();
-  const std::string path = folder.Write("sendata.bin", "old");
-  std::string error;
-  ASSERT_TRUE(BuildSequenceText(path, *sequence, "QM2220", 2, &error)) << error;
-  std::string text;
-  AppendSequenceText(text, *sequence, "QM2220", 2);
-  EXPECT_EQ(TempFolder::Read(path), text);
-
-  EXPECT_FALSE(BuildSequenceText(folder.File("missing/sendata.bin"), *sequence, "QM2220", 2, &error));
-  EXPECT_FALSE(error.empty());
 }
 
 }  // namespace
