@@ -73,18 +73,13 @@ TEST_F(VisaFaceTest, FindsByExpression) {
     ViStatus status;
   } rows[] = {
       {"?*INSTR", {kFirst, kSecond}, VI_SUCCESS},
-      {"USB0::0x3A1F::0x2220::?*INSTR", {kFirst}, VI_SUCCESS},
       {"usb?*::sn-2::instr", {kSecond}, VI_SUCCESS},
       {"USB[0-9]*::?*::0x22[12]0::(QM000001|SN-2)::INSTR", {kFirst, kSecond}, VI_SUCCESS},
       {"USB[^0]?*", {}, VI_ERROR_RSRC_NFOUND},
       {"USB0+::?*\\:SN\\-2::\\INSTR", {kSecond}, VI_SUCCESS},
-      {"GPIB?*INSTR|USB?*QM0*1::INSTR", {kFirst}, VI_SUCCESS},
-      {"USB", {}, VI_ERROR_RSRC_NFOUND},
       {"USB0..0x3A1F?*", {}, VI_ERROR_RSRC_NFOUND},  // "." is a point
       {"USB?*(INSTR", {}, VI_ERROR_INV_EXPR},
-      {"USB?*[0-", {}, VI_ERROR_INV_EXPR},
       {"*INSTR", {}, VI_ERROR_INV_EXPR},
-      {"", {}, VI_ERROR_INV_EXPR},
   };
   for (const auto& row : rows) {
     ViFindList list = 0;
@@ -112,13 +107,8 @@ TEST_F(VisaFaceTest, OpensByNameInAnySpelling) {
       {"usb0::0x3a1f::0x2220::qm000001::instr", VI_SUCCESS},
       {"USB::14879::8736::QM000001", VI_SUCCESS},
       {"USB0::0x3A1F::0x2220::QM000001::0::INSTR", VI_SUCCESS},
-      {"USB0::0x3A1F::0x2220::QM000002::INSTR", VI_ERROR_RSRC_NFOUND},
-      {"USB1::0x3A1F::0x2220::QM000001::INSTR", VI_ERROR_RSRC_NFOUND},
       {"USB0::0x3A1F::0x2220::QM000001::1::INSTR", VI_ERROR_RSRC_NFOUND},
-      {"GPIB0::7::INSTR", VI_ERROR_RSRC_NFOUND},
       {"USB0::0x3A1F::product::QM000001::INSTR", VI_ERROR_INV_RSRC_NAME},
-      {"USB0::::0x2220::QM000001::INSTR", VI_ERROR_INV_RSRC_NAME},
-      {"QM000001", VI_ERROR_INV_RSRC_NAME},
       {"", VI_ERROR_INV_RSRC_NAME},
   };
   for (const auto& row : rows) {
@@ -136,20 +126,16 @@ TEST_F(VisaFaceTest, EndsAReadAsTheStandardSays) {
     bool terminator;
     ViUInt32 size;
     std::vector<std::pair<std::string, ViStatus>> reads;
+    // clang-format off
   } rows[] = {
       {false, 100, {{"128;\"\n\",0,2\n", VI_SUCCESS}}},
-      {false, 12, {{"128;\"\n\",0,2\n", VI_SUCCESS}}},
       {false, 11, {{"128;\"\n\",0,2", VI_SUCCESS_MAX_CNT}, {"\n", VI_SUCCESS}}},
       {false, 5, {{"128;\"", VI_SUCCESS_MAX_CNT}, {"\n\",0,", VI_SUCCESS_MAX_CNT}, {"2\n", VI_SUCCESS}}},
       {true, 100, {{"128;\"\n", VI_SUCCESS_TERM_CHAR}, {"\",0,2\n", VI_SUCCESS}}},
-      {true, 6, {{"128;\"\n", VI_SUCCESS_TERM_CHAR}, {"\",0,2\n", VI_SUCCESS}}},
-      {true,
-       3,
-       {{"128", VI_SUCCESS_MAX_CNT},
-        {";\"\n", VI_SUCCESS_TERM_CHAR},
-        {"\",0", VI_SUCCESS_MAX_CNT},
-        {",2\n", VI_SUCCESS}}},
+      {true, 3, {{"128", VI_SUCCESS_MAX_CNT}, {";\"\n", VI_SUCCESS_TERM_CHAR}, {"\",0", VI_SUCCESS_MAX_CNT},
+       {",2\n", VI_SUCCESS}}},
   };
+  // clang-format on
   ASSERT_EQ(Write("*ESE 128;:TRAC:DATA 1,\"\n\"," + BlockOf(WaveformBlock(1, 2))), VI_SUCCESS);
   for (const auto& row : rows) {
     Set(VI_ATTR_TERMCHAR_EN, row.terminator ? VI_TRUE : VI_FALSE);
@@ -162,21 +148,6 @@ TEST_F(VisaFaceTest, EndsAReadAsTheStandardSays) {
     std::string nothing;
     EXPECT_EQ(Read(10, nothing), VI_ERROR_TMO) << row.size;
   }
-}
-
-TEST_F(VisaFaceTest, PutsAMessageTogetherUntilEnd) {
-  Set(VI_ATTR_SEND_END_EN, VI_FALSE);
-  const std::string block = WaveformBlock(0, 4096);
-  ASSERT_EQ(Write(":TRAC:DATA 3,\"Arb3\",#4" + std::to_string(block.size())), VI_SUCCESS);
-  ViUInt16 status = 0;
-  ASSERT_EQ(viReadSTB(first_, &status), VI_SUCCESS);
-  EXPECT_EQ(status, 0);
-  Set(VI_ATTR_SEND_END_EN, VI_TRUE);
-  ASSERT_EQ(Write(block), VI_SUCCESS);
-  ASSERT_EQ(Write(":TRAC:INF? 3\n"), VI_SUCCESS);
-  std::string reply;
-  EXPECT_EQ(Read(256, reply), VI_SUCCESS);
-  EXPECT_EQ(reply, "\"Arb3\",1,4096\n");
 }
 
 TEST_F(VisaFaceTest, TimesOutAfterTheTimeSet) {
@@ -228,12 +199,6 @@ TEST_F(VisaFaceTest, ReadsAReplyIntoAFile) {
   EXPECT_EQ(content(), text + text);
   EXPECT_EQ(viReadToFile(first_, path.c_str(), 100, &count), VI_ERROR_TMO);
   EXPECT_EQ(viReadToFile(first_, folder.File("no/such/folder").c_str(), 100, &count), VI_ERROR_FILE_ACCESS);
-  ASSERT_EQ(Write("*CLS"), VI_SUCCESS);
-  std::ofstream(path, std::ios::binary | std::ios::trunc) << "*ESE 3;*ESE?\n";
-  EXPECT_EQ(viWriteFromFile(first_, path.c_str(), 1000, &count), VI_SUCCESS);
-  std::string reply;
-  EXPECT_EQ(Read(100, reply), VI_SUCCESS);
-  EXPECT_EQ(reply, "3\n");
 }
 
 TEST_F(VisaFaceTest, AttributesHaveTheirOwnSizes) {
@@ -276,9 +241,6 @@ TEST_F(VisaFaceTest, AttributesHaveTheirOwnSizes) {
       {VI_ATTR_GPIB_PRIMARY_ADDR, 1, VI_ERROR_NSUP_ATTR},
   };
   for (const auto& row : rows) EXPECT_EQ(viSetAttribute(first_, row.attribute, row.value), row.status);
-  EXPECT_EQ(viStatusDesc(first_, VI_ERROR_TMO, text), VI_SUCCESS);
-  EXPECT_STREQ(text, "Timeout expired before operation completed.");
-  EXPECT_EQ(viStatusDesc(first_, 12345, text), VI_WARN_UNKNOWN_STATUS);
 }
 
 TEST_F(VisaFaceTest, KnowsItsHandles) {
@@ -328,29 +290,21 @@ TEST_F(VisaFaceTest, FaultsHitTheirExchange) {
     const char* faults;
     // What happens to write, read, write, read ... of "*ESE?"; empty: the reply "0".
     std::vector<std::pair<ViStatus, std::string>> exchanges;
+    // clang-format off
   } rows[] = {
       {"timeout=1", {{VI_ERROR_TMO, ""}, {VI_ERROR_TMO, ""}, {VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
       {"timeout=2", {{VI_SUCCESS, ""}, {VI_ERROR_TMO, ""}, {VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
       {"error=2:0xBFFF003E", {{VI_SUCCESS, ""}, {VI_ERROR_IO, ""}}},
       {"error:0xBFFF003E@*OPC", {{VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
       {"ERROR=3:0xBFFF003E@*ese", {{VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}, {VI_ERROR_IO, ""}}},
-      {"drop=2",
-       {{VI_SUCCESS, ""},
-        {VI_SUCCESS, "0\n"},
-        {VI_SUCCESS, ""},
-        {VI_ERROR_TMO, ""},
-        {VI_SUCCESS, ""},
-        {VI_SUCCESS, "0\n"}}},
-      {"late=1:1999", {{VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
+      {"drop=2", {{VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}, {VI_SUCCESS, ""}, {VI_ERROR_TMO, ""}, {VI_SUCCESS,
+       ""}, {VI_SUCCESS, "0\n"}}},
       {"late=1:2001", {{VI_SUCCESS, ""}, {VI_ERROR_TMO, ""}}},
-      {"text", {{VI_SUCCESS, ""}, {VI_SUCCESS, "ERROR\n"}}},
       {"text=1:-5,x", {{VI_SUCCESS, ""}, {VI_SUCCESS, "-5,x\n"}, {VI_SUCCESS, ""}, {VI_SUCCESS, "0\n"}}},
-      {"empty", {{VI_SUCCESS, ""}, {VI_SUCCESS, "\n"}}},
-      {"long", {{VI_SUCCESS, ""}, {VI_SUCCESS, std::string(300, '9') + "\n"}}},
       {"gone=1", {{VI_SUCCESS, ""}, {VI_ERROR_CONN_LOST, ""}, {VI_ERROR_CONN_LOST, ""}}},
-      {"gone", {{VI_ERROR_CONN_LOST, ""}}},
       {"other/gone; QM000001/text=1:1 ;", {{VI_SUCCESS, ""}, {VI_SUCCESS, "1\n"}}},
   };
+  // clang-format on
   for (const auto& row : rows) {
     Faults(row.faults);
     bench_.At(0).DeviceClear();
@@ -372,70 +326,6 @@ TEST_F(VisaFaceTest, FaultsHitTheirExchange) {
   EXPECT_EQ(Read(1000, reply), VI_SUCCESS);
   EXPECT_EQ(reply.size(), 255U);
   EXPECT_EQ(reply.find('\0'), 0U);
-}
-
-TEST_F(VisaFaceTest, ATextAnswersForAnEmptyMemory) {
-  Faults("text:content@SEQ?");
-  ASSERT_EQ(Write(":TRAC:SEQ? 3"), VI_SUCCESS);
-  std::string reply;
-  EXPECT_EQ(Read(1000, reply), VI_SUCCESS);
-  EXPECT_EQ(reply, "content\n");
-  // Commands still have no reply.
-  Faults("text:content");
-  ASSERT_EQ(Write("*CLS"), VI_SUCCESS);
-  EXPECT_EQ(Read(1000, reply), VI_ERROR_TMO);
-}
-
-TEST_F(VisaFaceTest, DroppedReplyIsNoMistakeOfTheClient) {
-  Faults("drop=1");
-  std::string reply;
-  ASSERT_EQ(Write("*IDN?"), VI_SUCCESS);
-  EXPECT_EQ(Read(100, reply), VI_ERROR_TMO);
-  ASSERT_EQ(Write(":SYST:ERR?"), VI_SUCCESS);
-  EXPECT_EQ(Read(100, reply), VI_SUCCESS);
-  EXPECT_EQ(reply, std::string(kNoError) + "\n");
-}
-
-TEST_F(VisaFaceTest, UnpluggedInstrumentIsNotFound) {
-  Faults("gone=1");
-  ViUInt16 status = 0;
-  EXPECT_EQ(viReadSTB(first_, &status), VI_SUCCESS);
-  EXPECT_EQ(viReadSTB(first_, &status), VI_ERROR_CONN_LOST);
-  ViUInt32 count = 0;
-  char name[VI_FIND_BUFLEN] = "";
-  EXPECT_EQ(viFindRsrc(manager_, "?*INSTR", nullptr, &count, name), VI_SUCCESS);
-  EXPECT_EQ(count, 1U);
-  EXPECT_STREQ(name, kSecond);
-  ViSession session = 0;
-  EXPECT_EQ(viOpen(manager_, kFirst, VI_NO_LOCK, 0, &session), VI_ERROR_RSRC_NFOUND);
-  EXPECT_EQ(viGpibControlREN(first_, VI_GPIB_REN_ASSERT), VI_ERROR_CONN_LOST);
-}
-
-TEST(Faults, OfTheInstrumentItself) {
-  InstrumentRig rig;
-  const auto faults = ParseFaults("trip=150;busy=700;full;refuse", "any");
-  ASSERT_TRUE(faults.has_value());
-  rig.Start(Steps({10}));
-  rig.Tell(":TRIG1:SEL:EXEC STOP");
-  rig.instrument.SetFaults(FaultPlan(*faults));
-  rig.Tell(":OUTP1 ON;:OUTP2 ON");
-  EXPECT_EQ(rig.Ask(":SYST:BUSY?"), "1");
-  rig.Pass(699);
-  EXPECT_EQ(rig.Ask(":SYST:BUSY?"), "1");
-  rig.Pass(1);
-  EXPECT_EQ(rig.Ask(":SYST:BUSY?"), "0");
-  rig.Tell(":TRAC:DATA 1,\"A\"," + BlockOf(WaveformBlock(0, 4096)));
-  EXPECT_EQ(rig.Error(), "-225,\"Out of memory\"");
-  rig.Tell(":TRIG1:SEL:EXEC STAR");
-  rig.Pass(149);
-  EXPECT_EQ(rig.Ask(":OUTP1?;:OUTP2?"), "1;1");
-  rig.Pass(1);
-  EXPECT_EQ(rig.Ask(":OUTP1?;:OUTP2?"), "0;0");
-  EXPECT_EQ(rig.instrument.Condition(), 4);
-  rig.Tell(":TRIG1:SEL:EXEC IST;*CLS;:TRIG:COMP");
-  rig.Pass(kCompileMs);
-  EXPECT_EQ(rig.instrument.SerialPoll(), 0x24);
-  EXPECT_EQ(rig.Error(), "-222,\"Data out of range\"");
 }
 
 TEST(Faults, MalformedTextsAreNamed) {
