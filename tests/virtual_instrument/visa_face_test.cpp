@@ -199,6 +199,12 @@ TEST_F(VisaFaceTest, ReadsAReplyIntoAFile) {
   EXPECT_EQ(content(), text + text);
   EXPECT_EQ(viReadToFile(first_, path.c_str(), 100, &count), VI_ERROR_TMO);
   EXPECT_EQ(viReadToFile(first_, folder.File("no/such/folder").c_str(), 100, &count), VI_ERROR_FILE_ACCESS);
+  ASSERT_EQ(Write("*CLS"), VI_SUCCESS);
+  std::ofstream(path, std::ios::binary | std::ios::trunc) << "*ESE 3;*ESE?\n";
+  EXPECT_EQ(viWriteFromFile(first_, path.c_str(), 1000, &count), VI_SUCCESS);
+  std::string reply;
+  EXPECT_EQ(Read(100, reply), VI_SUCCESS);
+  EXPECT_EQ(reply, "3\n");
 }
 
 TEST_F(VisaFaceTest, AttributesHaveTheirOwnSizes) {
