@@ -12,6 +12,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QStandardPaths>
 
 #include "core/catalogue.h"
 
@@ -158,8 +159,16 @@ std::string FilterSuffix(const std::string& filter) {
   return kSuffix.match(Text(filter)).captured(1).toStdString();
 }
 
+QString QtFileDialogs::Folder() const {
+  if (!folder_.isEmpty()) return folder_;
+  const std::string present = presentFile_ ? presentFile_() : std::string();
+  if (!present.empty()) return QFileInfo(Text(present)).absolutePath();
+  const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+  return QFileInfo(documents).isDir() ? documents : QDir::homePath();
+}
+
 std::optional<std::string> QtFileDialogs::Choose(QFileDialog& dialog) {
-  dialog.setDirectory(folder_);
+  dialog.setDirectory(Folder());
   if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
   folder_ = dialog.directory().absolutePath();
   return dialog.selectedFiles().constFirst().toStdString();

@@ -4,6 +4,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include <QPointer>
 #include <QString>
@@ -68,11 +69,17 @@ class QtFileDialogs : public FileDialogs {
   explicit QtFileDialogs(const DialogOwner& owner) : owner_(owner) {}
   std::optional<std::string> ChooseOpen(const std::string& filter) override;
   std::optional<std::string> ChooseSave(const std::string& filter, const std::string& suggested) override;
+  // The file being edited: until a dialog has been used, dialogs begin in its folder.
+  void SetPresentFile(std::function<std::string()> path) { presentFile_ = std::move(path); }
+  // Where the next dialog begins: the folder of the last one, that of the present file, or the person's
+  // documents.
+  QString Folder() const;
 
  private:
   std::optional<std::string> Choose(QFileDialog& dialog);
 
   const DialogOwner& owner_;
+  std::function<std::string()> presentFile_;
   QString folder_;
 };
 

@@ -34,7 +34,11 @@ WindowProgram::WindowProgram(const ProgramOptions& options, bool english, std::s
   settings_ = std::make_unique<WindowSettings>(sessionOptions.appFolder);
   editor_ = std::make_unique<SequenceEditor>(session_->State(), session_->Definition(), session_->Sequence(),
                                              session_->Catalogue(), prompts_);
-  timer_.OnTick([this] { session_->Monitor().Tick(); });
+  timer_.OnTick([this] {
+    session_->Monitor().Tick();
+    session_->NoticeLostConnection();
+  });
+  files_.SetPresentFile([this] { return session_->State().CurrentFilePath; });
   QApplication::setFont(UiFont(session_->State()));
 }
 

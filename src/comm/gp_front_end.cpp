@@ -1,5 +1,6 @@
 #include "comm/gp_front_end.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -88,6 +89,11 @@ std::string GpFrontEnd::LibraryProblem() const {
   std::string problem = backend ? backend->LibraryProblem() : std::string();
   if (problem.empty() && search_) problem = search_->LibraryProblem();
   return problem;
+}
+
+bool GpFrontEnd::ConnectionLost() const {
+  return std::any_of(backends_.begin(), backends_.end(),
+                     [](const auto& backend) { return backend && backend->ConnectionLost(); });
 }
 
 }  // namespace corlune

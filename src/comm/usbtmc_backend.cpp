@@ -79,6 +79,7 @@ ViSession UsbTmcMdl::OpenResourceManager() {
 
 CommStatus UsbTmcMdl::Open(const InitOptions& options) {
   Release();
+  lost_ = false;
   timeOutCode_ = kTimeOut300ms;
   names_ = {};
   const std::string names = options.Value("USBTMC_NAME");
@@ -147,10 +148,18 @@ CommStatus UsbTmcMdl::Select(const char* operation, Transfer transfer, std::int1
   return OpenDevice(operation, index);
 }
 
+CommStatus UsbTmcMdl::Exchanged(ViStatus status) {
+  if (status == VI_ERROR_CONN_LOST) {
+    lost_ = true;
+    problem_ = DeviceName(Device()) + " was unplugged: status " + Hex(status);
+  }
+  return Converted(status);
+}
+
 CommStatus UsbTmcMdl::WriteBytes(const void* data, std::size_t size) {
   if (size > std::numeric_limits<ViUInt32>::max()) return CommStatus::BufferOverflow;
   ViUInt32 written = 0;
-  return Converted(
+  return Exchanged(
       visa_->Write(CurrentSession(), static_cast<ViConstBuf>(data), static_cast<ViUInt32>(size), &written));
 }
 
@@ -165,7 +174,7 @@ CommStatus UsbTmcMdl::Read(std::span<char> buffer, Received& received) {
                                       static_cast<ViUInt32>(buffer.size()), &count);
   received.count = std::min<std::size_t>(count, buffer.size());
   received.ended = status != VI_SUCCESS_MAX_CNT;
-  return Converted(status);
+  return Exchanged(status);
 }
 
 CommStatus UsbTmcMdl::GP_SDC(std::size_t index) {
@@ -186,7 +195,7 @@ CommStatus UsbTmcMdl::DeviceClear() {
 CommStatus UsbTmcMdl::SerialPoll(std::int16_t& statusByte) {
   if (CurrentSession() == 0) return CommStatus::Success;
   ViUInt16 byte = 0;
-  const CommStatus status = Converted(visa_->ReadSTB(CurrentSession(), &byte));
+  const CommStatus status = Exchanged(visa_->ReadSTB(CurrentSession(), &byte));
   statusByte = static_cast<std::int16_t>(byte);
   return status;
 }
@@ -279,7 +288,7 @@ CommStatus UsbTmcMdl::Gp_Recv_ToFile(std::int16_t address, const std::string& fi
     if (!Failed(status)) {
       ViUInt32 count = 0;
       const ViStatus read = visa_->ReadToFile(session, LibraryFileName(fileName).c_str(), byteCount, &count);
-      status = Converted(read);
+      status = Exchanged(read);
       bytesRead = count;
       if (read == VI_SUCCESS_MAX_CNT) status = DropRest();
     }

@@ -34,6 +34,7 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   int GP_Find_Devices(const std::string& expression) override;
   const std::vector<FoundInstrument>& Found() const override { return found_; }
   std::string LibraryProblem() const override { return problem_; }
+  bool ConnectionLost() const override { return lost_; }
 
  private:
   CommStatus Open(const InitOptions& options) override;
@@ -60,6 +61,8 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   CommStatus Release();
   // Calls `action` with every open session, stops at the first failure.
   CommStatus ForEachSession(const std::function<ViStatus(ViSession)>& action);
+  // Converts the status of an exchange with the current device and notes that it was unplugged.
+  CommStatus Exchanged(ViStatus status);
   CommStatus WriteBytes(const void* data, std::size_t size);
   CommStatus WriteBlock(const std::string& header, std::span<const std::uint8_t> data);
   ViSession CurrentSession() const { return sessions_[static_cast<std::size_t>(Device())]; }
@@ -72,6 +75,7 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   std::int16_t timeOutCode_ = kTimeOut300ms;
   std::vector<FoundInstrument> found_;
   std::string problem_;
+  bool lost_ = false;
 };
 
 // Serial number in a VISA resource name: the text between its third and fourth "::". The whole name when it

@@ -66,6 +66,10 @@ void Session::GoOffline() {
   ports_.display.ConnectionChanged();
 }
 
+void Session::NoticeLostConnection() {
+  if (state_.Online == 1 && state_.Connected && Idle() && Gp().ConnectionLost()) GoOffline();
+}
+
 void Session::ForgetInstrumentMemory() {
   for (ArbFileEntry& entry : sequence_.Channels.ArbFiles) {
     entry.Transferred = 0;

@@ -108,6 +108,9 @@ class Session {
   // ends the program. True when every instrument answered rightly.
   bool CheckModels();
   void QueryArbDirectory();
+  // Goes off-line when an instrument was unplugged and nothing is under way. To be called after commands and
+  // ticks.
+  void NoticeLostConnection();
 
   // Nothing that a close request or command must not interrupt is under way, and no run is going or held.
   bool Idle() const { return !control_->BusyOrRunning(); }

@@ -40,7 +40,9 @@ QString SequenceFileIn(const QMimeData* data) {
 void MainWindow::Perform(const std::function<void()>& command) {
   statBar_->ShowNotice({});
   command();
-  if (!closed_) RefreshControls();
+  if (closed_) return;
+  session_.NoticeLostConnection();
+  RefreshControls();
 }
 
 // Entries that are still being typed are part of what a command saves, runs or leaves. False: one was

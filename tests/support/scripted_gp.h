@@ -63,6 +63,11 @@ class GpScript {
   void FailOn(const std::string& beginning, CommStatus status, int times = 1) {
     failOn_.push_back({beginning, status, times});
   }
+  // The device is unplugged: every exchange from now on fails, and the back-end knows why.
+  void Unplug() {
+    unplugged_ = true;
+    FailFrom(count_, CommStatus::Error);
+  }
   // Called with the log line before each exchange is carried out; may call into the program.
   std::function<void(const std::string&)> onExchange;
 
@@ -147,6 +152,7 @@ class GpScript {
   std::vector<std::string> log_;
   std::vector<SentBlock> blocks_;
   std::size_t count_ = 0;
+  bool unplugged_ = false;
 };
 
 // One back-end over a script.
@@ -213,6 +219,7 @@ class ScriptedGp : public GpFamily {
     bytesRead = static_cast<std::uint32_t>(content.size());
     return status;
   }
+  bool ConnectionLost() const override { return kind_ == InterfaceKind::UsbTmc && script_.unplugged_; }
 
  private:
   static std::string At(std::int16_t address) { return std::to_string(address) + " "; }

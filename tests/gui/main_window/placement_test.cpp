@@ -1,6 +1,8 @@
 // Arithmetic of places and widths, the settings file, and the file dialog's filters.
 #include <gtest/gtest.h>
 
+#include <QDir>
+
 #include "app/qt_ports.h"
 #include "support/temp_folder.h"
 #include "ui/form_style.h"
@@ -82,6 +84,14 @@ TEST(FileFilters, AreGivenToTheDialogInItsOwnForm) {
     EXPECT_EQ(QtFilter(row.filter), row.dialog);
     EXPECT_EQ(FilterSuffix(row.filter), row.suffix);
   }
+}
+
+TEST(FileDialogsFolder, IsThatOfTheFileBeingEdited) {
+  const DialogOwner owner;
+  QtFileDialogs dialogs(owner);
+  EXPECT_TRUE(QDir(dialogs.Folder()).exists()) << "not the list of drives";
+  dialogs.SetPresentFile([] { return std::string("/measurements/ramp.dat"); });
+  EXPECT_EQ(dialogs.Folder(), QStringLiteral("/measurements"));
 }
 
 // Jumps past the end of the wait between two looks.

@@ -162,6 +162,34 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Elapsed), "Elapsed time:00:00:00.0");
 }
 
+TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {
+  // In the middle of the download, and at a command of the run.
+  for (const bool download : {true, false}) {
+    SCOPED_TRACE(download ? "download" : "start");
+    WindowRig rig(WindowRig::Bus::OneInstrument);
+    rig.Start();
+    rig.AddSteps(2);
+    if (download) {
+      rig.prompts.Type("Seq0");
+      rig.script.onExchange = [&](const std::string& line) {
+        if (line.find(" block ") != std::string::npos) rig.script.Unplug();
+      };
+      rig.Click(rig.Button(0));
+      EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr("instrument 1"));
+    } else {
+      rig.EnterExecution();
+      rig.script.Unplug();
+      rig.prompts.Answer(PromptAnswer::Ok);
+      rig.Key(Qt::Key_F5);
+      EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
+    }
+    EXPECT_EQ(rig.window->Status().PanelText(StatBar::Connection), "off-line mode");
+    EXPECT_FALSE(rig.window->findChild<QPushButton*>("CmdRead")->isEnabled());
+    EXPECT_EQ(Possible(rig), download ? "0----- EFC" : "01---5 --C");
+    EXPECT_FALSE(rig.session->State().Connected);
+  }
+}
+
 TEST(WindowRun, ReadBackLocksEditingAndIsOneUndoEntry) {
   WindowRig rig(WindowRig::Bus::OneInstrument);
   rig.Start();
