@@ -16,6 +16,7 @@
 #include "ui/stat_bar.h"
 #include "ui/ui_font.h"
 #include "view/frm_preview.h"
+#include "view/run_buttons.h"
 
 namespace corlune {
 
@@ -23,34 +24,6 @@ namespace {
 
 constexpr int kTimer2Interval = 100;  // ms
 constexpr int kMargin = 8;            // pixels
-
-QColor ColorOf(const Color& color) {
-  return {color.Red, color.Green, color.Blue};
-}
-
-QColor Mixed(const QColor& a, const QColor& b) {
-  return {(a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2};
-}
-
-// The second colour of a run button shows the state that the button brings about.
-bool Applies(PanelButton button, const AppState& state) {
-  const bool execution = state.OperationMode == OperationMode::Execution;
-  switch (button) {
-    case PanelButton::Mode:
-      return execution;
-    case PanelButton::Start:
-      return state.RunState == RunState::Running;
-    case PanelButton::Stop:
-      return execution && state.RunState == RunState::Stopped;
-    case PanelButton::Hold:
-      return state.RunState == RunState::Held;
-    case PanelButton::Branch:
-      return state.BranchRequested;
-    case PanelButton::Output:
-      return execution && state.OutputOn;
-  }
-  return false;
-}
 
 }  // namespace
 
@@ -114,10 +87,7 @@ QWidget* MainWindow::BuildButtonRow() {
     auto* button = new QPushButton(Caption(8000 + i), row);
     button->setObjectName(QStringLiteral("CmdBtn1_%1").arg(i));
     button->setAutoDefault(false);
-    // A state that applies is written bold: no narrower than that caption.
-    QFont bold = button->font();
-    bold.setBold(true);
-    button->setMinimumWidth(QFontMetrics(bold).horizontalAdvance(button->text()) + 2 * kMargin);
+    ReserveBoldWidth(button);
     connect(button, &QPushButton::clicked, this, [this, i] { RunButton(i); });
     buttons_[static_cast<std::size_t>(i)] = button;
     layout->addWidget(button);
@@ -129,21 +99,8 @@ QWidget* MainWindow::BuildButtonRow() {
 void MainWindow::ShowButtonStates() {
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
     QPushButton* button = buttons_[i];
-    const ButtonSpec& spec = session_.Definition().Buttons[i];
-    const bool applies = Applies(static_cast<PanelButton>(i), session_.State());
-    const Color& color = applies ? spec.Color2 : spec.Color1;
-    const QColor face = ColorOf(color);
-    const QColor text = ColorOf(TextColorOn(color));
-    QPalette palette = button->palette();
-    palette.setColor(QPalette::Button, face);
-    palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText, Mixed(face, text));
-    if (palette != button->palette()) button->setPalette(palette);
-    QFont font = button->font();
-    if (font.bold() != applies) {
-      font.setBold(applies);
-      button->setFont(font);
-    }
+    ShowRunButtonState(button, RunButtonApplies(static_cast<PanelButton>(i), session_.State()),
+                       session_.Definition().Buttons[i]);
     button->setVisible(states_.Buttons[i].Visible);
     button->setEnabled(states_.Buttons[i].Enabled);
   }

@@ -1,7 +1,5 @@
 #include "view/run_buttons.h"
 
-#include <utility>
-
 #include <QPushButton>
 
 #include "editing/cell_view.h"
@@ -13,6 +11,7 @@ namespace {
 
 constexpr int kFirstCaption = 8000;
 constexpr int kSpacing = 4;
+constexpr int kCaptionMargin = 8;  // pixels on each side of a caption
 
 QColor ColorOf(const Color& color) {
   return {color.Red, color.Green, color.Blue};
@@ -43,7 +42,30 @@ bool RunButtonApplies(PanelButton button, const AppState& state) {
   return false;
 }
 
-RunButtons::RunButtons(const MessageCatalogue& catalogue, std::function<void(int)> pressed, QWidget* parent)
+void ShowRunButtonState(QPushButton* button, bool applies, const ButtonSpec& spec) {
+  const Color& color = applies ? spec.Color2 : spec.Color1;
+  const QColor face = ColorOf(color);
+  const QColor text = ColorOf(TextColorOn(color));
+  QPalette palette = button->palette();
+  palette.setColor(QPalette::Button, face);
+  palette.setColor(QPalette::ButtonText, text);
+  palette.setColor(QPalette::Disabled, QPalette::ButtonText, Mixed(face, text));
+  if (palette != button->palette()) button->setPalette(palette);
+  QFont font = button->font();
+  if (font.bold() != applies) {
+    font.setBold(applies);
+    button->setFont(font);
+  }
+}
+
+void ReserveBoldWidth(QPushButton* button) {
+  QFont font = button->font();
+  font.setBold(true);
+  button->setMinimumWidth(QFontMetrics(font).horizontalAdvance(button->text()) + 2 * kCaptionMargin);
+}
+
+RunButtons::RunButtons(const MessageCatalogue& catalogue, const std::function<void(int)>& pressed,
+                       QWidget* parent)
     : QWidget(parent) {
   auto* layout = new FlowLayout(this, kSpacing);
   for (int i = 0; i < kPanelButtonCount; ++i) {
@@ -51,13 +73,7 @@ RunButtons::RunButtons(const MessageCatalogue& catalogue, std::function<void(int
     auto* button = new QPushButton(caption, this);
     button->setObjectName(QStringLiteral("CmdBtn1_%1").arg(i));
     button->setAutoDefault(false);
-    // The bold caption of a state that applies must fit without moving the other buttons.
-    QFont font = button->font();
-    font.setBold(true);
-    button->setFont(font);
-    button->setMinimumWidth(button->sizeHint().width());
-    font.setBold(false);
-    button->setFont(font);
+    ReserveBoldWidth(button);
     connect(button, &QPushButton::clicked, this, [pressed, i] { pressed(i); });
     layout->addWidget(button);
     buttons_[static_cast<std::size_t>(i)] = button;
@@ -68,20 +84,7 @@ void RunButtons::ShowStates(const ControlStates& states, const AppState& state,
                             const ModelDefinition& definition) {
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
     QPushButton* button = buttons_[i];
-    const bool applies = RunButtonApplies(static_cast<PanelButton>(i), state);
-    const Color& color = applies ? definition.Buttons[i].Color2 : definition.Buttons[i].Color1;
-    const QColor face = ColorOf(color);
-    const QColor text = ColorOf(TextColorOn(color));
-    QPalette palette = button->palette();
-    palette.setColor(QPalette::Button, face);
-    palette.setColor(QPalette::ButtonText, text);
-    palette.setColor(QPalette::Disabled, QPalette::ButtonText, Mixed(face, text));
-    if (palette != button->palette()) button->setPalette(palette);
-    QFont font = button->font();
-    if (font.bold() != applies) {
-      font.setBold(applies);
-      button->setFont(font);
-    }
+    ShowRunButtonState(button, RunButtonApplies(static_cast<PanelButton>(i), state), definition.Buttons[i]);
     button->setVisible(states.Buttons[i].Visible);
     button->setEnabled(states.Buttons[i].Enabled);
   }
