@@ -2,8 +2,6 @@
 #include <cmath>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <map>
-#include <set>
 
 #include "core/files.h"
 #include "modeldef/read_model_definition.h"
@@ -76,6 +74,10 @@ TEST_P(ExampleTest, StaysWithinTheBoundsOfItsWaveforms) {
       const auto value = [&](int slot) { return sequence.Cell(channel, step, slot).Value; };
       const auto group = static_cast<std::size_t>(value(kSlotWaveform));
       ASSERT_LE(group, 4u);
+      if (group == kWaveUser) {
+        const auto arb = static_cast<std::size_t>(value(kSlotArbNumber) - 1);
+        EXPECT_NE(sequence.Channels.ArbFiles.at(arb).FilePath, "");
+      }
       for (int slot = 0; slot < definition.Sequence.ParamCount; ++slot) {
         const ParamDef& column = definition.Sequence.Params[group][static_cast<std::size_t>(slot)];
         if (!column.InUse) continue;
@@ -92,19 +94,10 @@ TEST_P(ExampleTest, StaysWithinTheBoundsOfItsWaveforms) {
 }
 
 TEST_P(ExampleTest, HasItsWaveforms) {
-  std::set<int> used;
-  for (int channel = 0; channel < EditedChannels(state); ++channel) {
-    for (int step = 0; step < sequence.StepCount; ++step) {
-      if (static_cast<int>(sequence.Cell(channel, step, kSlotWaveform).Value) != kWaveUser) continue;
-      used.insert(static_cast<int>(sequence.Cell(channel, step, kSlotArbNumber).Value) - 1);
-    }
-  }
-  for (int slot = 0; slot < kArbNumbers; ++slot) {
-    const std::string& file = sequence.Channels.ArbFiles[static_cast<std::size_t>(slot)].FilePath;
-    EXPECT_EQ(file.empty(), !used.contains(slot)) << slot;
-    if (file.empty()) continue;
-    const WaveformRead read = ReadArbFile(ResolveWaveformPath(file, state));
-    EXPECT_EQ(read.problem, WaveformProblem::None) << file << ": " << read.reason;
+  for (const ArbFileEntry& entry : sequence.Channels.ArbFiles) {
+    if (entry.FilePath.empty()) continue;
+    const WaveformRead read = ReadArbFile(ResolveWaveformPath(entry.FilePath, state));
+    EXPECT_EQ(read.problem, WaveformProblem::None) << entry.FilePath << ": " << read.reason;
   }
 }
 

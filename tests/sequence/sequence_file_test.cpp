@@ -110,28 +110,6 @@ TEST_F(SequenceFileTest, WritesTheFormByteForByte) {
   EXPECT_EQ(Format(Form::User), CrLf(user));
 }
 
-TEST_F(SequenceFileTest, LinesFollowTheSetUp) {
-  struct Row {
-    const char* name;
-    int instruments, channels;
-    std::size_t loads, units, modes, cells;
-  };
-  for (const Row& row :
-       {Row{"one channel", 1, 1, 2, 10, 2, 3}, Row{"two channels", 1, 2, 3, 20, 3, 6},
-        Row{"five instruments", 5, 2, 3, 20, 15, 6}, Row{"eight channels", 2, 8, 3, 20, 6, 6}}) {
-    SCOPED_TRACE(row.name);
-    state = SampleState(row.instruments, row.channels);
-    sequence.StepCount = 3;
-    const std::string text = Format(Form::User);
-    EXPECT_EQ(LinesWith(text, "CP_LOAD#").size(), row.loads);
-    EXPECT_EQ(LinesWith(text, "CP_USERSCL#").size(), row.units);
-    EXPECT_EQ(LinesWith(text, "MD_MODESET").size(), row.modes);
-    EXPECT_EQ(LinesWith(text, "SE_SETVAL#").size(), row.cells);
-    EXPECT_EQ(LinesWith(text, "SS_SERIALNO").size(), static_cast<std::size_t>(row.instruments));
-    EXPECT_TRUE(LinesWith(text, "BR_SETVAL").empty());
-  }
-}
-
 TEST_F(SequenceFileTest, GeneratedSequencesComeBackWhole) {
   SequenceGenerator generate(kSeed);
   for (int round = 0; round < 60; ++round) {
@@ -209,44 +187,29 @@ TEST_F(SequenceFileTest, LoadingKeepsAndReplacesTheRightThings) {
 TEST_F(SequenceFileTest, ReadsWhatAnEditorMayLeave) {
   sequence.StepCount = 2;
   const std::string text = Format(Form::User);
-  struct Row {
-    const char* name;
-    std::string text;
-  };
-  std::string bare;
+  std::string bare, oldMac, doubled;  // "\r\r\n": a transfer took "\n" for a line end of its own
   for (char c : text) {
     if (c != '\r') bare += c;
-  }
-  std::string oldMac;
-  std::string doubled;  // a transfer that took "\n" for a line end of its own
-  for (char c : text) {
     if (c != '\n') oldMac += c;
     doubled += c == '\n' ? "\r\n" : std::string(1, c);
   }
-  const std::size_t view = text.find("[FRMVIEW]");
   const std::size_t system = text.find("[SYSTEM]");
   const std::size_t common = text.find("[COMMON]");
-  for (const Row& row :
-       {Row{"LF line ends", bare}, Row{"CR line ends", oldMac}, Row{"CR CR LF line ends", doubled},
-        Row{"a line longer than the reader's window",
-            Replaced(text, "CM_TRIG", ";" + std::string(10000, 'x') + "\r\nCM_TRIG")},
-        Row{"blank lines and comments", Replaced(text, "CM_TRIG", "\r\n ;CM_TRIG=9\r\nCM_TRIG")},
-        Row{"no view section", text.substr(0, view)},
-        Row{"section names in lower case",
-            Replaced(Replaced(text, "[DATA]", "[data]"), "[FILE]", " [ File ]")},
-        Row{"set-up at the end",
-            text.substr(0, system) + text.substr(common) + text.substr(system, common - system)},
-        Row{"a second section of the same name", text + "[DATA]\r\nCM_TRIG=x\r\n"},
-        Row{"unknown keys and sections",
-            Replaced(text, "CM_TRIG", "XX_NEW=1\r\nCM_TRIG") + "[OTHER]\r\nA=B\r\n"},
-        Row{"blanks around numbers", Replaced(text, "CM_TRIG=0", "CM_TRIG = 0 ")},
-        Row{"signs and exponents", Replaced(text, "ST_SETVAL#0=1,0,", "ST_SETVAL#0=+0.1E+1,0e0,")},
-        Row{"slot 128", Replaced(text, "CP_ARBFILE#0=", "CP_ARBFILE#128=x\r\nCP_ARBFILE#0=")}}) {
-    SCOPED_TRACE(row.name);
+  const auto before = [&](const std::string& line) {
+    return Replaced(text, "CM_TRIG", line + "\r\nCM_TRIG");
+  };
+  for (const std::string& left :
+       {bare, oldMac, doubled, before(";" + std::string(10000, 'x')),  // longer than the reader's window
+        before("\r\n ;CM_TRIG=9"), before("XX_NEW=1") + "[OTHER]\r\nA=B\r\n",
+        text.substr(0, text.find("[FRMVIEW]")),
+        Replaced(Replaced(text, "[DATA]", "[data]"), "[FILE]", " [ File ]"),
+        text.substr(0, system) + text.substr(common) + text.substr(system, common - system),
+        text + "[DATA]\r\nCM_TRIG=x\r\n", Replaced(text, "CM_TRIG=0", "CM_TRIG = 0 "),
+        Replaced(text, "ST_SETVAL#0=1,0,", "ST_SETVAL#0=+0.1E+1,0e0,"), before("CP_ARBFILE#128=x")}) {
     sequence.Steps[1].StepTime = 99;
-    const ReadResult result = Parse(row.text, Form::User);
+    const ReadResult result = Parse(left, Form::User);
     EXPECT_EQ(result.Problem, SequenceFileProblem::None) << result.Detail;
-    EXPECT_EQ(Format(Form::User), text);
+    EXPECT_EQ(Format(Form::User), text) << left;
   }
 }
 
@@ -297,34 +260,30 @@ TEST_F(SequenceFileTest, RefusalsLeaveEverythingAsItWas) {
     rows.push_back({"empty " + heading, user.substr(0, start) + ";only=a comment\r\n" +
                                             user.substr(user.find("\n[", start) + 1)});
   }
-  for (const auto& [from, to] :
-       std::vector<std::pair<std::string, std::string>>{{"SS_CNT=1", "SS_CNT=6"},
-                                                        {"SS_CNT=1", "SS_CNT=0"},
-                                                        {"SS_CHNCNT0=2", "SS_CHNCNT0=0"},
-                                                        {"SS_CHNCNT0=2", "SS_CHNCNT5=2"},
-                                                        {"SS_ADDRESS0=2", "SS_ADDRESS0="},
-                                                        {"SS_INTERFACE0=3", "SS_INTERFACE0=4"},
-                                                        {"CP_LOAD#2", "CP_LOAD#3"},
-                                                        {"CP_USERSCL#1#9", "CP_USERSCL#1#11"},
-                                                        {"CP_USERSCL#1#9", "CP_USERSCL#3#9"},
-                                                        {"CP_ARBFILE#127", "CP_ARBFILE#129"},
-                                                        {"CP_ARBFILE#127", "CP_ARBFILE#"},
-                                                        {"MD_MODESET02", "MD_MODESET06"},
-                                                        {"MD_MODESET02", "MD_MODESET62"},
-                                                        {"ST_SETVAL#3", "ST_SETVAL#256"},
-                                                        {"ST_SETVAL#3", "ST_SETVAL#-1"},
-                                                        {"SE_SETVAL#1#3", "SE_SETVAL#2#3"},
-                                                        {"SE_SETVAL#1#3", "SE_SETVAL#1#256"},
-                                                        {"BR_SETVAL#3=1,2,3,4,5", "BR_SETVAL#3=1,2,3,4"},
-                                                        {"BR_SETVAL#3=1,2,3,4,5", "BR_SETVAL#256=1,2,3,4,5"},
-                                                        {"FV_AREASET4", "FV_AREASET5"},
-                                                        {line("CM_START="), "CM_START=40000"},
-                                                        {line("CM_TRIG="), "CM_TRIG=1,2"},
-                                                        {line("CM_EXTCTRL="), "CM_EXTCTRL=0x1"},
-                                                        {line("CP_LOAD#0="), "CP_LOAD#0=0,nan"},
-                                                        {line("CP_LOAD#0="), "CP_LOAD#0=0,1e999"},
-                                                        {line("CP_LOAD#0="), "CP_LOAD#0=0,inf"}}) {
-    rows.push_back({from + " -> " + to, Replaced(user, from, to)});
+  struct Change {
+    std::string from;
+    std::vector<std::string> to;
+  };
+  const std::vector<Change> changes = {
+      {"SS_CNT=1", {"SS_CNT=6", "SS_CNT=0"}},
+      {"SS_CHNCNT0=2", {"SS_CHNCNT0=0", "SS_CHNCNT5=2"}},
+      {"SS_ADDRESS0=2", {"SS_ADDRESS0="}},
+      {"SS_INTERFACE0=3", {"SS_INTERFACE0=4"}},
+      {"CP_LOAD#2", {"CP_LOAD#3"}},
+      {"CP_USERSCL#1#9", {"CP_USERSCL#1#11", "CP_USERSCL#3#9"}},
+      {"CP_ARBFILE#127", {"CP_ARBFILE#129", "CP_ARBFILE#"}},
+      {"MD_MODESET02", {"MD_MODESET06", "MD_MODESET62"}},
+      {"ST_SETVAL#3", {"ST_SETVAL#256", "ST_SETVAL#-1"}},
+      {"SE_SETVAL#1#3", {"SE_SETVAL#2#3", "SE_SETVAL#1#256"}},
+      {"BR_SETVAL#3=1,2,3,4,5", {"BR_SETVAL#3=1,2,3,4", "BR_SETVAL#256=1,2,3,4,5"}},
+      {"FV_AREASET4", {"FV_AREASET5"}},
+      {line("CM_START="), {"CM_START=40000"}},
+      {line("CM_TRIG="), {"CM_TRIG=1,2"}},
+      {line("CM_EXTCTRL="), {"CM_EXTCTRL=0x1"}},
+      {line("CP_LOAD#0="), {"CP_LOAD#0=0,nan", "CP_LOAD#0=0,1e999", "CP_LOAD#0=0,inf"}},
+  };
+  for (const auto& [from, replacements] : changes) {
+    for (const auto& to : replacements) rows.push_back({from + " -> " + to, Replaced(user, from, to)});
   }
   const SequenceData sequenceBefore = sequence;
   const SystemSettings settingsBefore = settings;
@@ -388,32 +347,6 @@ TEST_F(SequenceFileTest, FormIsToldByTheStepSection) {
   EXPECT_EQ(DetectForm(Format(Form::User)), Form::User);
   EXPECT_EQ(DetectForm(Format(Form::Work)), Form::Work);
   EXPECT_EQ(DetectForm("[FILE]\r\nPROGID=1\r\n;[DATA]\r\n"), std::nullopt);
-}
-
-TEST_F(SequenceFileTest, ReadsAndShowsTheMessages) {
-  TempFolder folder;
-  const MessageCatalogue catalogue(10000);
-  const std::string good = Format(Form::User);
-  struct Row {
-    std::string path;
-    const char* text;
-  };
-  const AppState stateBefore = state;
-  for (const Row& row : {Row{folder.File("missing.dat"), "The sequence data file error."},
-                         Row{folder.Path(), "The sequence data file error."},
-                         Row{folder.Write("cut.dat", good.substr(0, 200)), "The sequence data file error."},
-                         Row{folder.Write("model.dat", Replaced(good, "QM2220", "QM1")),
-                             "The model name QM1 is not registered in initialization file?"}}) {
-    SCOPED_TRACE(row.path);
-    ScriptedPrompts prompts;
-    prompts.Answer(PromptAnswer::Ok);
-    EXPECT_FALSE(
-        ReadSeqFile(row.path, Form::User, OneDefinition(definition), state, sequence, prompts, catalogue));
-    ASSERT_EQ(prompts.messages.size(), 1u);
-    EXPECT_EQ(prompts.messages[0].text, row.text);
-    EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Exclamation);
-    EXPECT_EQ(state.ModelName, stateBefore.ModelName);
-  }
 }
 
 TEST_F(SequenceFileTest, WritesUnderTheRightNameAndReadsBack) {

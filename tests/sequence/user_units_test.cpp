@@ -46,28 +46,17 @@ TEST_F(UserUnitsTest, ConvertShowAndTakeBack) {
   const UserUnitDef logarithmic{1, 1, "dBm", 20, 0};
   for (const UnitCase& row : {
            UnitCase{"plain", kSlotAmplitude, kHighZ, 0, none, 10, 10, "10"},
-           UnitCase{"decimals as needed", kSlotAmplitude, kHighZ, 0, none, 0.25, 0.25, "0.25"},
            UnitCase{"no negative zero", kSlotOffset, kHighZ, 0, none, -0.00001, -0.00001, "0"},
            UnitCase{"50 ohm halves the amplitude", kSlotAmplitude, 50, 0, none, 10, 5, "5"},
            UnitCase{"and the offset", kSlotOffset, 150, 0, none, -4, -3, "-3"},
            UnitCase{"but not the phase", kSlotPhase, 50, 0, none, 90, 90, "90"},
            UnitCase{"positive full scale", kSlotAmplitude, kHighZ, 1, none, 10, 5, "5"},
-           UnitCase{"inverted full scale", kSlotAmplitude, kHighZ, 3, none, 10, 10, "10"},
            UnitCase{"range with load", kSlotAmplitude, 50, 5, none, 10, 2.5, "2.5"},
-           UnitCase{"range of the offset", kSlotOffset, kHighZ, 1, none, 8, 8, "8"},
            UnitCase{"linear", kSlotOffset, kHighZ, 0, linear, 4, 14, "14"},
            UnitCase{"linear behind load and range", kSlotAmplitude, 50, 2, linear, 8, 10, "10"},
            UnitCase{"factor 0 counts as 1", kSlotOffset, kHighZ, 0, {1, 0, "", 0, 1}, 2, 3, "3"},
            UnitCase{"not in use", kSlotOffset, kHighZ, 0, {0, 1, "x", 5, 5}, 2, 2, "2"},
            UnitCase{"logarithmic", kSlotFrequency, kHighZ, 0, logarithmic, 1000, 60, "6E+1"},
-           UnitCase{"logarithmic, decimals",
-                    kSlotFrequency,
-                    kHighZ,
-                    0,
-                    {1, 1, "", 10, -1},
-                    20,
-                    3.0102999566398114,
-                    "3.01E+0"},
            UnitCase{"logarithmic, below 1", kSlotFrequency, kHighZ, 0, logarithmic, 0.1, -20, "-2E+1"},
        }) {
     SCOPED_TRACE(row.name);
@@ -96,10 +85,8 @@ TEST_F(UserUnitsTest, FormatFollowsTheFactor) {
     const char* format;
   };
   for (const Row& row :
-       {Row{"0.0001", 1, "0.0000"}, Row{"0.0001", 0.001, "0.0000000"}, Row{"0.0001", 1000, "0.0"},
-        Row{"0.001", 1000, "0"}, Row{"0.001", -20, "0.0"}, Row{"0.001", 0.5, "0.000"},
-        Row{"0.001", 0.02, "0.0000"}, Row{"1", 0.001, "0.000"}, Row{"1", 10, "0"},
-        Row{"1E-06", 1, "0.000000"}, Row{"0.25", 1, "0.00"}, Row{"10", 1, "0"}}) {
+       {Row{"0.0001", 0.001, "0.0000000"}, Row{"0.001", 1000, "0"}, Row{"0.001", -20, "0.0"},
+        Row{"0.001", 0.5, "0.000"}, Row{"1E-06", 1, "0.000000"}, Row{"0.25", 1, "0.00"}, Row{"10", 1, "0"}}) {
     SCOPED_TRACE(std::string(row.resolution) + " x " + std::to_string(row.factor));
     definition.Sequence.Params[0][kSlotOffset] = Range(0, 1, 0, 0, row.resolution);
     SetUp({"", kSlotOffset, kHighZ, 0, {1, 0, "x", row.factor, 0}, 0, 0, ""});
@@ -130,16 +117,13 @@ TEST(ChannelSettingsTest, TypedFields) {
     int message;
     double value;
   };
-  for (const Row& row : {Row{CheckLoadValue, "1", 0, 1},       Row{CheckLoadValue, "10000", 0, 10000},
-                         Row{CheckLoadValue, "0", 9105, 0},    Row{CheckLoadValue, "10001", 9105, 0},
-                         Row{CheckLoadValue, "50.5", 9108, 0}, Row{CheckLoadValue, "", 9108, 0},
-                         Row{CheckLoadValue, "-5", 9108, 0},   Row{CheckUnitText, "dBm", 0, 0},
-                         Row{CheckUnitText, "a b%", 0, 0},     Row{CheckUnitText, "12345", 9108, 0},
-                         Row{CheckUnitText, "a,b", 9108, 0},   Row{CheckUnitText, "a\"b", 9108, 0},
-                         Row{CheckUnitText, "µV", 9108, 0},    Row{CheckFactor, "-1.5E-3", 0, -0.0015},
-                         Row{CheckFactor, "0", 9108, 0},       Row{CheckFactor, "1,5", 9108, 0},
-                         Row{CheckFactor, "", 9108, 0},        Row{CheckSummand, "0", 0, 0},
-                         Row{CheckSummand, "-3", 0, -3},       Row{CheckSummand, "x", 9108, 0}}) {
+  for (const Row& row : {Row{CheckLoadValue, "10000", 0, 10000}, Row{CheckLoadValue, "0", 9105, 0},
+                         Row{CheckLoadValue, "10001", 9105, 0}, Row{CheckLoadValue, "50.5", 9108, 0},
+                         Row{CheckLoadValue, "", 9108, 0}, Row{CheckUnitText, "a b%", 0, 0},
+                         Row{CheckUnitText, "12345", 9108, 0}, Row{CheckUnitText, "a,b", 9108, 0},
+                         Row{CheckUnitText, "µV", 9108, 0}, Row{CheckFactor, "-1.5E-3", 0, -0.0015},
+                         Row{CheckFactor, "0", 9108, 0}, Row{CheckFactor, "1,5", 9108, 0},
+                         Row{CheckSummand, "0", 0, 0}, Row{CheckSummand, "x", 9108, 0}}) {
     const FieldCheck result = row.check(row.text);
     EXPECT_EQ(result.Message, row.message) << row.text;
     EXPECT_EQ(result.Value, row.value) << row.text;
