@@ -5,7 +5,6 @@
 
 #include "core/catalogue_texts.h"
 #include "core/files.h"
-#include "support/fake_ports.h"
 
 namespace corlune {
 namespace {
@@ -27,28 +26,6 @@ TEST(Catalogue, EveryTextStandsInBothLanguages) {
     EXPECT_TRUE(text.id >= 1000 && text.id < 10000) << text.id;
     // English must show in every font.
     for (const char* c = text.english; *c != '\0'; ++c) EXPECT_GE(*c, '\n') << text.id;
-  }
-}
-
-TEST(Catalogue, HasEveryGroup) {
-  // First and last id of each group, as (first, last, number of texts).
-  const struct {
-    int first, last, count;
-  } kGroups[] = {
-      {1000, 1000, 1},  {1100, 1111, 12}, {1200, 1214, 9},  {1300, 1302, 3},  {1400, 1406, 7},
-      {2000, 2203, 13}, {3000, 3411, 17}, {4000, 4201, 9},  {4300, 4344, 44}, {5000, 5101, 6},
-      {5200, 5206, 6},  {5300, 5301, 2},  {6000, 6203, 6},  {7000, 7601, 38}, {8000, 8009, 10},
-      {9000, 9005, 6},  {9100, 9110, 11}, {9200, 9209, 10}, {9300, 9321, 22}, {9400, 9401, 2},
-  };
-  const std::vector<int> ids = MessageCatalogue::AllIds();
-  for (const auto& group : kGroups) {
-    std::vector<int> found;
-    for (const int id : ids) {
-      if (id >= group.first && id <= group.last) found.push_back(id);
-    }
-    ASSERT_EQ(static_cast<int>(found.size()), group.count) << group.first;
-    EXPECT_EQ(found.front(), group.first);
-    EXPECT_EQ(found.back(), group.last);
   }
 }
 
@@ -89,19 +66,6 @@ TEST(ReplaceArgs, FillsPlaceholdersFromLeftToRight) {
       {"", {"a"}, ""},
   };
   for (const auto& row : kRows) EXPECT_EQ(ReplaceArgs(row.text, row.arguments), row.result) << row.text;
-}
-
-TEST(ShowMessage, AsksWithTheCatalogueText) {
-  testing::ScriptedPrompts prompts;
-  prompts.Answer(PromptAnswer::No);
-  EXPECT_EQ(
-      ShowMessage(prompts, MessageCatalogue(10000), 9201, PromptIcon::Question, PromptButtons::YesNo, {"3"}),
-      PromptAnswer::No);
-  ASSERT_EQ(prompts.messages.size(), 1u);
-  EXPECT_EQ(prompts.messages[0].text, "The communication error to the instrument 3 occurred.");
-  EXPECT_EQ(prompts.messages[0].icon, PromptIcon::Question);
-  EXPECT_EQ(prompts.messages[0].buttons, PromptButtons::YesNo);
-  EXPECT_EQ(prompts.messages[0].caption, "");
 }
 
 }  // namespace

@@ -88,14 +88,6 @@ TEST(ForEachIniEntry, SplitsEntries) {
   EXPECT_EQ(calls, 2);
 }
 
-TEST(SplitList, KeepsEveryItem) {
-  using List = std::vector<std::string_view>;
-  EXPECT_EQ(SplitList(""), (List{""}));
-  EXPECT_EQ(SplitList(" a,,b "), (List{" a", "", "b "}));
-  EXPECT_EQ(SplitList(","), (List{"", ""}));
-  EXPECT_EQ(SplitList("a/b", '/'), (List{"a", "b"}));
-}
-
 TEST(WriteIniString, KeepsEveryOtherByteInTheFilesOwnEncoding) {
   const struct {
     const char* locale;

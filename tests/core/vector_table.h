@@ -13,14 +13,9 @@ namespace corlune::testing {
 using VectorRow = std::map<std::string, std::string>;
 
 inline std::vector<std::string> SplitTabs(const std::string& line) {
-  std::vector<std::string> fields;
-  std::size_t at = 0;
-  for (;;) {
-    const std::size_t tab = line.find('\t', at);
-    fields.push_back(line.substr(at, tab == std::string::npos ? tab : tab - at));
-    if (tab == std::string::npos) return fields;
-    at = tab + 1;
-  }
+  std::vector<std::string> fields(1);
+  for (const char c : line) c == '\t' ? fields.emplace_back() : fields.back() += c;
+  return fields;
 }
 
 // All rows of a table. An unreadable table or a row with another number of fields fails the test.
@@ -80,30 +75,14 @@ inline std::string Unescape(const std::string& text, bool unicode = false) {
       continue;
     } else {
       ++i;
-      switch (text[i]) {
-        case 't':
-          bytes += '\t';
-          break;
-        case 'r':
-          bytes += '\r';
-          break;
-        case 'n':
-          bytes += '\n';
-          break;
-        case '0':
-          bytes += '\0';
-          break;
-        case 'x':
-          append(static_cast<unsigned>(std::stoul(text.substr(i + 1, 2), nullptr, 16)), unicode);
-          i += 2;
-          break;
-        case 'u':
-          append(static_cast<unsigned>(std::stoul(text.substr(i + 1, 4), nullptr, 16)), true);
-          i += 4;
-          break;
-        default:
-          bytes += text[i];
-          break;
+      if (text[i] == 'x' || text[i] == 'u') {
+        const std::size_t digits = text[i] == 'x' ? 2 : 4;
+        append(static_cast<unsigned>(std::stoul(text.substr(i + 1, digits), nullptr, 16)),
+               unicode || digits == 4);
+        i += digits;
+      } else {
+        const std::size_t letter = std::string("trn0").find(text[i]);
+        bytes += letter == std::string::npos ? text[i] : "\t\r\n\0"[letter];
       }
     }
     const std::string unit = bytes.substr(before);
