@@ -34,41 +34,29 @@ TEST_F(DefinitionFaults, ABadEntryIsRefusedAndNamed) {
       {"AW_FORMAT=1,x", "AW_FORMAT"},
       {"AW_FORMAT=1", "AW_FORMAT"},
       {"AW_FORMAT=1,32768", "AW_FORMAT"},
-      {"AW_FORMAT=1,&H10", "AW_FORMAT"},
       {"AW_FORMAT=", "AW_FORMAT"},
-      {"SC_STARTSTP=0,1,1", "SC_STARTSTP"},
       {"SC_BRANCH=1,1,1,", "SC_BRANCH"},
-      {"CM_STAR=:START", "CM_STAR"},
-      {"CM_STAR=:START,soon", "CM_STAR"},
       {"CM_STAR=:START,2147483648", "CM_STAR"},
       {"CM_SNDS0=100", "CM_SNDS0"},
-      {"CM_SNDA0=:A,b", "CM_SNDA0"},
       {"CM_BUSY=:BUSY?,1", "CM_BUSY"},
-      {"CM_BUSY=:BUSY?,one,5000", "CM_BUSY"},
       {"CM_ERRO=:ERR?", "CM_ERRO"},
       {"CM_LIBI=\"x\";", "CM_LIBI"},
       {"CM_STAR", "CM_STAR"},
       // colours
       {"CL_DEFSEQ=12345", "CL_DEFSEQ"},
-      {"CL_DEFSEQ=1234567", "CL_DEFSEQ"},
       {"CL_CURSTEP=GG0000", "CL_CURSTEP"},
-      {"SC_BTNMODE=1,,red", "SC_BTNMODE"},
       {"CA_PRMMOD0=2,off,404142,on", "CA_PRMMOD0"},
       // object numbers
       {"CA_PRMVAL=1,2", "CA_PRMVAL"},
-      {"SA_PRMVAL5=1,2", "SA_PRMVAL5"},
       {"SA_PRMUSC73=1", "SA_PRMUSC73"},
       {"SA_PRMREFx=", "SA_PRMREFx"},
-      {"VS_SELCT5=1,a", "VS_SELCT5"},
       {"DP_SELCT:=1,a", "DP_SELCT:"},
       {"MD_SETNAM8=n", "MD_SETNAM8"},
       // parameters
       {"CA_PRMVAL0=0,1,MAXSTEP,1", "CA_PRMVAL0"},
       {"SA_PRMVAL00=0,1,$MAXSTEP,1", "SA_PRMVAL00"},
-      {"SA_PRMVAL00=0,2,1,1", "SA_PRMVAL00"},
       {"SA_PRMVAL00=3,1,2,3", "SA_PRMVAL00"},
       {"SA_PRMVAL00=2,2,a,b", "SA_PRMVAL00"},
-      {"SA_PRMVAL00=2,0", "SA_PRMVAL00"},
       {"CA_PRMUNI0=2,title,2,a,b", "CA_PRMUNI0"},
       {"SA_PRMNAM00=one name", "SA_PRMNAM00"},
       {"SA_PRMCOU=12", "SA_PRMCOU"},
@@ -148,12 +136,6 @@ TEST_F(DefinitionFaults, ALoadKeepsWhatItDoesNotName) {
   EXPECT_EQ(CommandList{}, definition_.Commands.SendStep);
   ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("CA_PRMVAL3=0,2,20,1"));
   EXPECT_EQ("", definition_.Common.Params[3].RangePlaceholder[1]);
-}
-
-TEST_F(DefinitionFaults, IntegersRoundHalfToEven) {
-  ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("AW_FORMAT=2.5, 3.5 \r\nCM_STAR=:S,1e3"));
-  EXPECT_EQ((std::array<std::int16_t, 2>{2, 4}), definition_.ArbFormat);
-  EXPECT_EQ(1000, definition_.Commands.Start.Wait);
 }
 
 TEST_F(DefinitionFaults, FilesOfAnotherMakeLoadAlike) {

@@ -1,7 +1,5 @@
 // A definition file that sets every key must fill every field.
 #include <gtest/gtest.h>
-#include <memory>
-#include <tuple>
 
 #include "modeldef/read_model_definition.h"
 #include "support/temp_folder.h"
@@ -170,69 +168,6 @@ ModelDefinition Expected() {
   d.UserUnitCapability[2][7] = 1;
   ExpectCommands(d.Commands);
   return d;
-}
-
-// The members of a record as a tuple. A member that is added to a record stops this from compiling, until
-// it is named here and so must be filled by a key.
-auto Members(const ModelDefinition& d) {
-  const auto& [a, b, c, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t, u, v, w, x, y, z, aa, ab, ac, ad] = d;
-  return std::tie(a, b, c, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t, u, v, w, x, y, z, aa, ab, ac, ad);
-}
-auto Members(const ModelInterfaceSpec& d) {
-  const auto& [a, b, c, e, f, g, h] = d;
-  return std::tie(a, b, c, e, f, g, h);
-}
-auto Members(const CommandTable& d) {
-  const auto& [a, b, c, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t] = d;
-  return std::tie(a, b, c, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t);
-}
-auto Members(const CommonAreaDef& d) {
-  const auto& [a, b, c, e, f, g] = d;
-  return std::tie(a, b, c, e, f, g);
-}
-auto Members(const SequenceAreaDef& d) {
-  const auto& [a, b, c, e] = d;
-  return std::tie(a, b, c, e);
-}
-auto Members(const ParamDef& d) {
-  const auto& [a, b, c, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t, u, v] = d;
-  return std::tie(a, b, c, e, f, g, h, i, j, k, l, m, n, o, p, q, r, s, t, u, v);
-}
-
-// Which members of `loaded` differ from those of an empty record.
-template <class Record>
-std::vector<bool> Filled(const Record& loaded) {
-  const auto empty = std::make_unique<Record>();
-  std::vector<bool> filled;
-  std::apply(
-      [&](const auto&... member) {
-        std::apply([&](const auto&... none) { (filled.push_back(!(member == none)), ...); }, Members(*empty));
-      },
-      Members(loaded));
-  return filled;
-}
-
-template <class Record>
-void ExpectAllFilled(const Record& loaded, const char* name) {
-  const std::vector<bool> filled = Filled(loaded);
-  for (std::size_t i = 0; i < filled.size(); ++i) EXPECT_TRUE(filled[i]) << name << " member " << i;
-}
-
-TEST(EveryKey, FillsEveryField) {
-  const ModelDefinition loaded = Load("every_key.ini", "B2");
-  ExpectAllFilled(loaded, "ModelDefinition");
-  ExpectAllFilled(loaded.Interfaces[1], "ModelInterfaceSpec");
-  ExpectAllFilled(loaded.Commands, "CommandTable");
-  ExpectAllFilled(loaded.Common, "CommonAreaDef");
-  ExpectAllFilled(loaded.Sequence, "SequenceAreaDef");
-  // The kinds of a parameter exclude each other, so a member counts when one of the parameters has it.
-  std::vector<bool> any = Filled(loaded.Common.Params[0]);
-  for (const ParamDef& param : {loaded.Common.Params[1], loaded.Common.Params[2],
-                                loaded.Sequence.Params[4][2], loaded.Sequence.Params[0][7]}) {
-    const std::vector<bool> filled = Filled(param);
-    for (std::size_t i = 0; i < any.size(); ++i) any[i] = any[i] || filled[i];
-  }
-  for (std::size_t i = 0; i < any.size(); ++i) EXPECT_TRUE(any[i]) << "ParamDef member " << i;
 }
 
 TEST(EveryKey, PutsEachValueInItsField) {

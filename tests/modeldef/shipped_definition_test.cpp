@@ -23,7 +23,6 @@ class ShippedModel : public ::testing::TestWithParam<const char*> {
         << problem.section << " " << problem.key << ": " << problem.reason;
     return definition;
   }
-  int Channels() const { return GetParam() == std::string("QM2220") ? 2 : 1; }
 };
 
 INSTANTIATE_TEST_SUITE_P(Models, ShippedModel, ::testing::Values("QM2210", "QM2220"));
@@ -53,16 +52,6 @@ TEST_P(ShippedModel, EveryLineIsAKnownKeyAndEveryKeyIsUsed) {
     return true;
   });
   EXPECT_EQ((std::set<std::string_view>{"CA_UNITCV", "SA_UNITCV"}), unused);
-}
-
-TEST_P(ShippedModel, InterfaceFitsTheModel) {
-  const ModelDefinition definition = Load();
-  const ModelInterfaceSpec& spec = definition.InterfaceOf(definition.IndexOfModel(GetParam()));
-  EXPECT_EQ((std::vector<std::string>{"USBTMC", "NI", "KI", "USB"}), spec.InterfaceNames);
-  EXPECT_EQ("::", spec.UsbTmcId.substr(spec.UsbTmcId.size() - 2));
-  EXPECT_NE(std::string::npos, spec.UsbTmcId.find(std::string(GetParam()).substr(2)));
-  EXPECT_EQ(Channels(), spec.Channels.Default);
-  EXPECT_EQ(Channels(), spec.Channels.Maximum);
 }
 
 TEST_P(ShippedModel, EveryParameterIsUsable) {
@@ -126,15 +115,6 @@ TEST_P(ShippedModel, ColoursThatCarryAMeaningDiffer) {
   }
 }
 
-TEST_P(ShippedModel, CommandsSurviveTheSplitting) {
-  const CommandTable commands = Load().Commands;
-  EXPECT_EQ("BOARD_NAME=gpib0,MYADRS=0", commands.LibraryInit);
-  EXPECT_EQ(Channels() == 2 ? ":OUTP1?;:OUTP2?" : ":OUTP1?", commands.OutputQuery.Template);
-  EXPECT_EQ((CommandEntry{":TRIG1:SEL:EXEC BRAN $BNHSTP0", 100}), commands.Branch);
-  EXPECT_LT(commands.OutputOn.Wait, 0);
-  EXPECT_EQ((BusyQuery{":SYST:BUSY?", "1", 5000}), commands.Busy);
-}
-
 // Switching the model keeps what the new one does not name; nothing of the old one may shine through.
 TEST(ShippedDefinition, SwitchingTheModelLeavesNothingBehind) {
   for (const auto& [first, second] : {std::pair{"QM2220", "QM2210"}, std::pair{"QM2210", "QM2220"}}) {
@@ -145,15 +125,6 @@ TEST(ShippedDefinition, SwitchingTheModelLeavesNothingBehind) {
     ASSERT_EQ(DefinitionLoad::Ok, ReadModelDefinition(kShipped, second, false, fresh));
     EXPECT_TRUE(fresh == switched) << second;
   }
-}
-
-TEST(ShippedDefinition, UnitListsOfTheTestDefinitionLoad) {
-  ModelDefinition definition;
-  ASSERT_EQ(DefinitionLoad::Ok, ReadModelDefinition(CORLUNE_TEST_DATA "/definitions/unit_lists.ini", "QM2220",
-                                                    false, definition));
-  EXPECT_EQ((std::vector<std::string>{"ms", "s"}), definition.Common.Params[0].UnitList);
-  EXPECT_EQ("s", definition.Common.Params[0].UnitName);
-  EXPECT_EQ((std::vector<std::string>{"1", "1000"}), definition.Sequence.Params[0][2].UnitConv);
 }
 
 }  // namespace
