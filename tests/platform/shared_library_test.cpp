@@ -58,15 +58,6 @@ TEST(SharedLibrary, SaysWhyItDoesNotLoad) {
   }
 }
 
-TEST(SharedLibrary, MovesItsOwnership) {
-  auto library = SharedLibrary::Open(kModules + "/corlune_test_whole.so", nullptr);
-  ASSERT_TRUE(library);
-  SharedLibrary kept = std::move(*library);
-  library.reset();
-  EXPECT_NE(kept.Symbol("corlune_test_first"), nullptr);
-  EXPECT_EQ(kept.Path(), kModules + "/corlune_test_whole.so");
-}
-
 TEST(OpenFirst, LooksInTheProgramFolderBeforeTheSystem) {
   const TempFolder folder;
   std::filesystem::copy_file(kModules + "/corlune_test_partial.so", folder.File("libc.so.6"));
