@@ -87,21 +87,6 @@ TEST(CellEntry, EveryEndingKeyStoresAndMoves) {
   }
 }
 
-TEST(CellEntry, AColumnIsFilledWithoutTheMouse) {
-  GridsRig rig(5);
-  for (const char* text : {"1", "2e1", " 3 ", "+4", "0.001"}) rig.TypeThen(text, Qt::Key_Return);
-  const double expected[] = {1, 20, 3, 4, 0.001};
-  for (int row = 1; row <= 5; ++row) EXPECT_EQ(rig.Step(row).StepTime, expected[row - 1]) << row;
-  rig.GoTo(GridArea::Sequence, 1, 3, 1);
-  rig.TypeThen("50", Qt::Key_Tab);
-  rig.TypeThen("3", Qt::Key_Return);
-  EXPECT_EQ(rig.Cell(1, 1, kSlotFrequency).Value, 50);
-  EXPECT_EQ(rig.Cell(1, 1, kSlotAmplitude).Value, 3);
-  rig.GoTo(GridArea::Branch, 2, 1);
-  rig.TypeThen("4", Qt::Key_Return);
-  EXPECT_EQ(rig.Step(2).BranchStep[1], 4);
-}
-
 TEST(CellEntry, ARefusedEntryKeepsFocusPlaceAndScroll) {
   GridsRig rig(100);
   rig.GoTo(GridArea::Sequence, 60, 4);

@@ -61,20 +61,6 @@ TEST(RowCommands, KeysButtonsAndFocus) {
   }
 }
 
-TEST(RowCommands, DeletingAJumpTargetAsksAndCancelKeepsTheCell) {
-  GridsRig rig(4);
-  rig.Step(4).JumpOn = 1;
-  rig.Step(4).JumpTo = 2;
-  rig.panel->Rebuild();
-  rig.GoTo(GridArea::Common, 2, 1);
-  rig.prompts.Answer(PromptAnswer::Cancel).Answer(PromptAnswer::Ok);
-  rig.Press(Qt::Key_Delete, Qt::AltModifier);
-  EXPECT_EQ(rig.sequence.StepCount, 4);
-  EXPECT_EQ(rig.FocusName(), "Text1");
-  rig.Press(Qt::Key_Delete, Qt::AltModifier);
-  EXPECT_EQ(rig.sequence.StepCount, 3);
-}
-
 TEST(BlockCommands, CopyPasteInitializeOnASelection) {
   GridsRig rig(6);
   NumberSteps(rig);
@@ -116,15 +102,6 @@ TEST(TextCommands, ExchangeWithTheClipboard) {
   EXPECT_EQ(Times(rig), "7 8 3 9");
   rig.Press(Qt::Key_Z, Qt::ControlModifier);
   EXPECT_EQ(Times(rig), "7 8 3 6");
-  // A refused value names its cell, and nothing changes.
-  QApplication::clipboard()->setText(QStringLiteral("5\nNaN\n"));
-  rig.GoTo(GridArea::Common, 1, 1);
-  rig.prompts.Answer(PromptAnswer::Ok);
-  rig.panel->PasteText();
-  ASSERT_EQ(rig.prompts.messages.size(), 1U);
-  EXPECT_NE(rig.prompts.messages[0].text.find("Step 2"), std::string::npos) << rig.prompts.messages[0].text;
-  EXPECT_EQ(Times(rig), "7 8 3 6");
-  EXPECT_EQ(rig.FocusName(), "Text1");
 }
 
 TEST(CsvFiles, ExportImportAndTheirProblems) {

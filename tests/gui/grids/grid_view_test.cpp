@@ -109,15 +109,6 @@ TEST(Repaints, AHighlightMovePaintsTwoRows) {
   }
 }
 
-TEST(Repaints, AnEntryPaintsItsRowAndTheNextCell) {
-  GridsRig rig(50);
-  PaintCounter channel(*rig.Channel(0).viewport());
-  rig.TypeThen("5", Qt::Key_Return);
-  EXPECT_LE(channel.count, 1);
-  const int height = rig.Channel(0).rowHeight(0);
-  EXPECT_LE(channel.region.boundingRect().height(), height + 1);
-}
-
 TEST(Highlight, MarksAndGivesBackExactly) {
   GridsRig rig(5);
   rig.Step(4).JumpOn = 1;
@@ -181,21 +172,6 @@ TEST(Layout, WidthsAndHeights) {
   EXPECT_EQ(rig.Common().rowHeight(0), rig.Combo(1).sizeHint().height());
 }
 
-TEST(Layout, AddButtonFollowsTheEndOfTheGrid) {
-  GridsRig rig(0);
-  auto& button = rig.Named<QPushButton>("CmdRowAdd");
-  const int row = rig.Common().rowHeight(0) > 0 ? rig.Combo(1).sizeHint().height() : 0;
-  const int top = button.mapTo(&rig.window, QPoint()).y() - rig.Common().mapTo(&rig.window, QPoint()).y();
-  EXPECT_EQ(top, TwipsToPixels(550, rig.panel));
-  for (int steps = 1; steps <= 15; ++steps) {
-    rig.panel->EditCommand(4);
-    QApplication::processEvents();
-    EXPECT_EQ(button.y(), std::min(row * std::min(steps, 10) + TwipsToPixels(550, rig.panel),
-                                   button.parentWidget()->height() - button.height()))
-        << steps;
-  }
-}
-
 TEST(Scrolling, StepGridsShowTheSameSteps) {
   GridsRig rig(100);
   const auto top = [](const QTableView& grid) { return grid.verticalScrollBar()->value(); };
@@ -222,29 +198,6 @@ TEST(BranchFrame, ShowsTheStepOfTheCursor) {
   rig.Press(Qt::Key_Up);
   EXPECT_EQ(rig.Named<QLineEdit>("TxtStepNo").text(), QStringLiteral("12"));
   EXPECT_EQ(rig.CellText(rig.Branch(), 5, 1), "0");
-}
-
-// Rectangles of what stands beside a cell.
-TEST(EditorPlaces, StayInsideTheViewport) {
-  const QSize viewport(200, 100);
-  const std::vector<QSize> two{{60, 20}, {60, 20}};
-  struct {
-    QRect cell;
-    QPoint first;
-  } const cases[] = {
-      {{10, 10, 50, 20}, {10, 30}},    // below
-      {{170, 10, 30, 20}, {140, 30}},  // below, moved in from the right
-      {{10, 70, 50, 20}, {10, 30}},    // above
-      {{10, 35, 50, 40}, {60, 60}},    // no room on either side: to the right
-      {{150, 35, 50, 40}, {90, 60}},   // or to the left
-  };
-  for (const auto& row : cases) {
-    const auto places = StackAtCell(row.cell, viewport, two);
-    ASSERT_EQ(places.size(), 2U);
-    EXPECT_EQ(places[0].topLeft(), row.first) << row.cell.left() << "," << row.cell.top();
-    EXPECT_EQ(places[1].top(), places[0].bottom() + 1);
-    EXPECT_FALSE(places[0].intersects(row.cell) || places[1].intersects(row.cell));
-  }
 }
 
 TEST(Headers, CutTextsShowInATooltip) {

@@ -273,15 +273,6 @@ TEST(SequenceViewControlsTest, FieldsAskAndTakeTheOldTextBack) {
   EXPECT_TRUE(rig.TakePressed().empty());
 }
 
-TEST(SequenceViewControlsTest, ShowTheTimes) {
-  ViewRig rig(1);
-  rig.Open();
-  rig.view->ShowTotalTime(-1);
-  rig.view->ShowElapsedTime(65250);
-  EXPECT_EQ(rig.Find<QLabel>("PanelTotal")->text(), "Total time:--:--:--.-");
-  EXPECT_EQ(rig.Find<QLabel>("PanelElapsed")->text(), "Elapsed time:00:01:05.3");
-}
-
 void Choose(QComboBox* list, int index) {
   list->setFocus();
   QTest::keyClick(list, Qt::Key_Home);
@@ -303,21 +294,6 @@ TEST(SequenceViewAreasTest, ChoicesAreHandedOverAndDrawn) {
   Choose(rig.Find<QComboBox>("CmbObject"), 1);
   EXPECT_EQ(rig.Find<QComboBox>("CmbObject")->currentText(), "1-CH1");
   EXPECT_EQ(rig.sequence.ViewAreas[1][kAreaTarget], 0);
-}
-
-TEST(SequenceViewAreasTest, TimeAxisCanCountSteps) {
-  ViewRig rig(4);
-  rig.sequence.Steps[0].StepTime = 1000;
-  rig.ShowArea(0, kFrequency);
-  rig.Open();
-  const auto widthOfSecondStep = [&] {
-    const PlotScale scale = rig.Canvas().Scale(0);
-    const StepSpan& span = rig.Canvas().Picture().Spans[1];
-    return (scale.XOf(span.End) - scale.XOf(span.Start)) / scale.Width;
-  };
-  EXPECT_LT(widthOfSecondStep(), 0.01);
-  Choose(rig.Find<QComboBox>("CmbTimeAxis"), 1);
-  EXPECT_NEAR(widthOfSecondStep(), 0.25, 1e-6);
 }
 
 TEST(SequenceViewAreasTest, SayWhyThereIsNothingToSee) {

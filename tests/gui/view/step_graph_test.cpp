@@ -40,15 +40,6 @@ TEST(StepSpansTest, LieEndToEndWithRunTimesOrStepTimes) {
             (std::vector<StepSpan>{{0, 1, 0, 500}, {1, 2, 500, 2500}, {2, 3, 2500, 3500}}));
 }
 
-TEST(StepSpansTest, FindTheStepAtAPosition) {
-  const ViewRig rig(3);
-  const auto spans = TimeSpans(rig);
-  const std::vector<std::pair<double, int>> cases{{-50, 0},  {0, 0},    {999, 0},
-                                                  {1000, 1}, {2999, 2}, {9999, 2}};
-  for (const auto& [position, step] : cases) EXPECT_EQ(StepAt(spans, position), step) << position;
-  EXPECT_EQ(StepAt({}, 0), std::nullopt);
-}
-
 TEST(MarkerPositionTest, RunsThroughTheStepAndStaysAtItsEnd) {
   struct Case {
     int step;
@@ -97,13 +88,6 @@ TEST(CurveTest, LeavesAGapWhereTheWaveformHasNoSuchParameter) {
   EXPECT_EQ(GraphOf(rig, kFrequency).Curves.at(0).Points,
             (Points{{0, 100, true}, {1000, 100, false}, {2000, 100, true}, {3000, 100, false}}));
   EXPECT_TRUE(GraphOf(rig, kDuty).Curves.at(0).Points.empty());  // no square wave at all
-}
-
-TEST(CurveTest, ShowsTheSecondChannelsOwnValuesAndTheFirstUnitOfAList) {
-  ViewRig rig(1);
-  rig.Set(0, kSlotFrequency, 5, kModeConst, 1);
-  rig.sequence.Cell(1, 0, kSlotFrequency).UnitIndex = 1;  // kHz
-  EXPECT_EQ(GraphOf(rig, kFrequency, 1).Curves.at(0).Points, (Points{{0, 5000, true}, {1000, 5000, false}}));
 }
 
 TEST(CurveTest, ShowsUserUnitsAndLoadsAsTheGridsDo) {
