@@ -148,10 +148,10 @@ CommStatus UsbTmcMdl::Select(const char* operation, Transfer transfer, std::int1
   return OpenDevice(operation, index);
 }
 
-CommStatus UsbTmcMdl::Exchanged(ViStatus status) {
+CommStatus UsbTmcMdl::Exchanged(ViStatus status, std::size_t index) {
   if (status == VI_ERROR_CONN_LOST) {
     lost_ = true;
-    problem_ = DeviceName(Device()) + " was unplugged: status " + Hex(status);
+    problem_ = names_[index] + " was unplugged: status " + Hex(status);
   }
   return Converted(status);
 }
@@ -160,7 +160,8 @@ CommStatus UsbTmcMdl::WriteBytes(const void* data, std::size_t size) {
   if (size > std::numeric_limits<ViUInt32>::max()) return CommStatus::BufferOverflow;
   ViUInt32 written = 0;
   return Exchanged(
-      visa_->Write(CurrentSession(), static_cast<ViConstBuf>(data), static_cast<ViUInt32>(size), &written));
+      visa_->Write(CurrentSession(), static_cast<ViConstBuf>(data), static_cast<ViUInt32>(size), &written),
+      CurrentIndex());
 }
 
 CommStatus UsbTmcMdl::Write(const std::string& text) {
@@ -174,12 +175,12 @@ CommStatus UsbTmcMdl::Read(std::span<char> buffer, Received& received) {
                                       static_cast<ViUInt32>(buffer.size()), &count);
   received.count = std::min<std::size_t>(count, buffer.size());
   received.ended = status != VI_SUCCESS_MAX_CNT;
-  return Exchanged(status);
+  return Exchanged(status, CurrentIndex());
 }
 
 CommStatus UsbTmcMdl::GP_SDC(std::size_t index) {
   if (sessions_[index] == 0) return CommStatus::Success;
-  const CommStatus status = Checked("GP_SDC", Converted(visa_->Clear(sessions_[index])));
+  const CommStatus status = Checked("GP_SDC", Exchanged(visa_->Clear(sessions_[index]), index));
   LogDevice(static_cast<std::int16_t>(index), '<', "GP_SDC", status);
   return status;
 }
@@ -195,15 +196,15 @@ CommStatus UsbTmcMdl::DeviceClear() {
 CommStatus UsbTmcMdl::SerialPoll(std::int16_t& statusByte) {
   if (CurrentSession() == 0) return CommStatus::Success;
   ViUInt16 byte = 0;
-  const CommStatus status = Exchanged(visa_->ReadSTB(CurrentSession(), &byte));
+  const CommStatus status = Exchanged(visa_->ReadSTB(CurrentSession(), &byte), CurrentIndex());
   statusByte = static_cast<std::int16_t>(byte);
   return status;
 }
 
 CommStatus UsbTmcMdl::ForEachSession(const std::function<ViStatus(ViSession)>& action) {
-  for (const ViSession session : sessions_) {
-    if (session == 0) continue;
-    const CommStatus status = Converted(action(session));
+  for (std::size_t index = 0; index < sessions_.size(); ++index) {
+    if (sessions_[index] == 0) continue;
+    const CommStatus status = Exchanged(action(sessions_[index]), index);
     if (Failed(status)) return status;
   }
   return CommStatus::Success;
@@ -288,7 +289,7 @@ CommStatus UsbTmcMdl::Gp_Recv_ToFile(std::int16_t address, const std::string& fi
     if (!Failed(status)) {
       ViUInt32 count = 0;
       const ViStatus read = visa_->ReadToFile(session, LibraryFileName(fileName).c_str(), byteCount, &count);
-      status = Exchanged(read);
+      status = Exchanged(read, CurrentIndex());
       bytesRead = count;
       if (read == VI_SUCCESS_MAX_CNT) status = DropRest();
     }

@@ -61,11 +61,12 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   CommStatus Release();
   // Calls `action` with every open session, stops at the first failure.
   CommStatus ForEachSession(const std::function<ViStatus(ViSession)>& action);
-  // Converts the status of an exchange with the current device and notes that it was unplugged.
-  CommStatus Exchanged(ViStatus status);
+  // Converts the status of an operation on device `index` and notes when it was unplugged.
+  CommStatus Exchanged(ViStatus status, std::size_t index);
   CommStatus WriteBytes(const void* data, std::size_t size);
   CommStatus WriteBlock(const std::string& header, std::span<const std::uint8_t> data);
-  ViSession CurrentSession() const { return sessions_[static_cast<std::size_t>(Device())]; }
+  std::size_t CurrentIndex() const { return static_cast<std::size_t>(Device()); }
+  ViSession CurrentSession() const { return sessions_[CurrentIndex()]; }
 
   LibraryLoader<VisaTable> loader_;
   const VisaTable* visa_ = nullptr;

@@ -17,8 +17,12 @@ TEST(UsbTmc, AnUnpluggedInstrumentIsNoted) {
   backend.GP_Send_Str(0, "*CLS");
   EXPECT_FALSE(backend.ConnectionLost()) << "a time-out";
   std::string reply;
-  library.Answer("viRead", {.status = VI_ERROR_CONN_LOST});
+  library.Answer("viRead", {.status = VI_ERROR_TMO});
   backend.GP_Receive_Str(0, reply);
+  EXPECT_FALSE(backend.ConnectionLost());
+  // A block begins with an attribute: the loss can show anywhere.
+  library.Answer("viSetAttribute TMO", {.status = VI_ERROR_CONN_LOST});
+  backend.GP_Time_Out(kTimeOut300ms);
   EXPECT_TRUE(backend.ConnectionLost());
   EXPECT_EQ(backend.LibraryProblem(), "USB0::A was unplugged: status BFFF00A6");
   backend.GP_End();
