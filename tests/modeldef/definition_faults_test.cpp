@@ -1,16 +1,12 @@
 // Definition files that are damaged, mistyped or not definition files at all.
-#include <filesystem>
 #include <gtest/gtest.h>
 
-#include "core/catalogue.h"
 #include "modeldef/read_model_definition.h"
-#include "support/fake_ports.h"
 #include "support/temp_folder.h"
 
 namespace corlune {
 namespace {
 
-using testing::ScriptedPrompts;
 using testing::TempFolder;
 
 const std::string kHead =
@@ -81,19 +77,13 @@ TEST_F(DefinitionFaults, ABadEntryIsRefusedAndNamed) {
   }
 }
 
-TEST_F(DefinitionFaults, TheFirstFaultIsNamed) {
-  EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec("CM_STAR=:S,1\r\nCM_STOP=:S,b\r\nCM_HOLD=:S,c"));
-  EXPECT_EQ("CM_STOP", problem_.key);
-  EXPECT_EQ("\"b\" is no 32-bit integer", problem_.reason);
-}
-
 TEST_F(DefinitionFaults, SectionsThatMustBeThere) {
   struct Case {
     std::string text;
     DefinitionProblem problem;
   };
   const std::string missing = "the section is missing or empty";
-  const std::vector<Case> cases{
+  std::vector<Case> cases{
       {"", {"FILE", "", missing}},
       {"[FILE]\n; nothing\n[SYSTEM]\nSS_MODEL=M1\n", {"FILE", "", missing}},
       {"[FILE]\nPROGID=P\n", {"SYSTEM", "", missing}},
@@ -105,7 +95,8 @@ TEST_F(DefinitionFaults, SectionsThatMustBeThere) {
       {"[FILE]\nPROGID=P\n[SYSTEM]\nSS_MODEL=M0,M1\n[INTERFACE M0]\nIF_GPAD=1,a,2\n",
        {"INTERFACE M0", "IF_GPAD", "\"a\" is no 32-bit integer"}},
   };
-  definition_.Models = {"of an earlier load"};
+  const std::string second = kHead + "CM_STAR=:S,1\r\nCM_STOP=:S,b\r\nCM_HOLD=:S,c";
+  cases.push_back({second, {"SPEC M1", "CM_STOP", "\"b\" is no 32-bit integer"}});
   for (const Case& c : cases) {
     EXPECT_EQ(DefinitionLoad::BadValue, Load(c.text)) << c.text;
     EXPECT_EQ(c.problem.section, problem_.section) << c.text;
@@ -172,33 +163,6 @@ TEST_F(DefinitionFaults, RubbishIsRefusedOrIgnoredNeverFatal) {
       EXPECT_FALSE(problem_.section.empty());
     }
   }
-}
-
-TEST_F(DefinitionFaults, OnlyAMissingFileIsTold) {
-  const MessageCatalogue catalogue(10000);
-  AppState state;
-  state.ModelName = "M1";
-  state.StdIniPath = folder_.Write("d.ini", kHead);
-  {
-    ScriptedPrompts prompts;
-    EXPECT_TRUE(ReadModelDefinition(state, definition_, prompts, catalogue));
-    EXPECT_EQ("P", state.ProgId);
-    EXPECT_EQ("1", state.VerNo);
-    state.StdIniPath = folder_.Write("d.ini", kHead + "CM_STAR=x\r\nPROGID=Q\r\n");
-    EXPECT_FALSE(ReadModelDefinition(state, definition_, prompts, catalogue, &problem_));
-    EXPECT_EQ("CM_STAR", problem_.key);
-  }
-  for (const std::string& path : {folder_.File("none.ini"), folder_.Path()}) {
-    ScriptedPrompts prompts;
-    prompts.Answer(PromptAnswer::Ok);
-    state.StdIniPath = path;
-    EXPECT_FALSE(ReadModelDefinition(state, definition_, prompts, catalogue, &problem_)) << path;
-    ASSERT_EQ(1U, prompts.messages.size());
-    EXPECT_EQ("Initialization file doesn't exist", prompts.messages[0].text);
-    EXPECT_EQ(PromptIcon::Exclamation, prompts.messages[0].icon);
-    EXPECT_EQ("", problem_.section);
-  }
-  EXPECT_EQ("P", state.ProgId);
 }
 
 }  // namespace

@@ -102,19 +102,6 @@ TEST_P(ShippedModel, ChoicesStandInTheOrderOfTheirCodes) {
     EXPECT_EQ(modes, definition.Sequence.Params[0][param].ModeNames);
 }
 
-TEST_P(ShippedModel, ColoursThatCarryAMeaningDiffer) {
-  const ModelDefinition d = Load();
-  EXPECT_EQ(d.Common.CurrentCell, d.CurrentStep);
-  std::vector<Color> rows{d.DefaultSequence, d.LoopSequence, d.EndlessSequence, d.CurrentStep};
-  for (const Color& mode : d.Sequence.Params[0][2].ModeColors) {
-    if (mode != kWindowColor) rows.push_back(mode);
-  }
-  for (const Color& state : d.Common.Params[2].ModeColors) rows.push_back(state);
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(rows[i] == rows[j]) << i << " and " << j;
-  }
-}
-
 // Switching the model keeps what the new one does not name; nothing of the old one may shine through.
 TEST(ShippedDefinition, SwitchingTheModelLeavesNothingBehind) {
   for (const auto& [first, second] : {std::pair{"QM2220", "QM2210"}, std::pair{"QM2210", "QM2220"}}) {
