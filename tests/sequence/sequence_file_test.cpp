@@ -213,16 +213,6 @@ TEST_F(SequenceFileTest, ReadsWhatAnEditorMayLeave) {
   }
 }
 
-TEST_F(SequenceFileTest, CountsTheStepLinesOfAUserFile) {
-  sequence.StepCount = 3;
-  const std::string gap = Replaced(Format(Form::User), "ST_SETVAL#2=", "ST_SETVAL#20=");
-  EXPECT_EQ(Parse(gap, Form::User).Problem, SequenceFileProblem::None);
-  EXPECT_EQ(sequence.StepCount, 3);
-  sequence.StepCount = 0;
-  EXPECT_EQ(Parse(Format(Form::Work), Form::Work).Problem, SequenceFileProblem::None);
-  EXPECT_EQ(sequence.StepCount, 0);
-}
-
 TEST_F(SequenceFileTest, RefusalsLeaveEverythingAsItWas) {
   SequenceGenerator(kSeed).Fill(sequence, 4, 2);
   sequence.Steps[3].BranchStep = {1, 2, 3, 4, 5};
@@ -343,7 +333,11 @@ TEST_F(SequenceFileTest, NewStepsComeFromTheNamedModel) {
   EXPECT_EQ(sequence.Steps[4].StepTime, 42);
 }
 
-TEST_F(SequenceFileTest, FormIsToldByTheStepSection) {
+TEST_F(SequenceFileTest, TheStepSectionTellsTheFormAndTheCount) {
+  sequence.StepCount = 3;
+  const std::string gap = Replaced(Format(Form::User), "ST_SETVAL#2=", "ST_SETVAL#20=");
+  EXPECT_EQ(Parse(gap, Form::User).Problem, SequenceFileProblem::None);
+  EXPECT_EQ(sequence.StepCount, 3);
   EXPECT_EQ(DetectForm(Format(Form::User)), Form::User);
   EXPECT_EQ(DetectForm(Format(Form::Work)), Form::Work);
   EXPECT_EQ(DetectForm("[FILE]\r\nPROGID=1\r\n;[DATA]\r\n"), std::nullopt);

@@ -177,7 +177,6 @@ TEST(RunTimes, OfSingleSteps) {
 
 TEST(ChannelTabs, ListTheFirstTwoChannelsOfEveryDevice) {
   using T = ChannelTab;
-  EXPECT_THAT(ChannelTabs(SampleState(1, 1)), ::testing::ElementsAre(T{0, 0}));
   EXPECT_THAT(ChannelTabs(SampleState(2, 3)), ::testing::ElementsAre(T{0, 0}, T{0, 1}, T{1, 0}, T{1, 1}));
   AppState state = SampleState(2, 2);
   state.Instruments[0].ChannelCount = 1;
