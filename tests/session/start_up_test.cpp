@@ -205,23 +205,19 @@ TEST(StartUp, TheConsoleTakesModelAndSetUpFromTheFile) {
 }
 
 TEST(StartUp, TheConsoleIsToldWhatIsWrongWithAFile) {
-  struct Row {
-    const char* content;  // null: no file
-    const char* message;
-    const char* problem;
-  };
-  for (const Row& row :
-       {Row{nullptr, "The file could not be read.", ""}, Row{"", "The sequence data file error.", "my.dat: "},
-        Row{"[FILE]\r\nPROGID=C\r\nVERNO=1\r\n[SYSTEM]\r\nSS_MODEL=QM1\r\n",
-            "The model name QM1 is not registered", "unknown model QM1"}}) {
-    SCOPED_TRACE(row.message);
-    SessionRig rig;
-    if (row.content) rig.folder.Write("my.dat", row.content);
+  SessionRig rig;
+  const auto told = [&](const char* message, const char* problem) {
     rig.Answer(PromptAnswer::Ok);
     EXPECT_FALSE(rig.session->StartUpFromFile(rig.folder.File("my.dat")));
-    EXPECT_THAT(rig.Messages(), ElementsAre(StartsWith(row.message)));
-    EXPECT_THAT(rig.session->LoadProblem(), HasSubstr(row.problem));
-  }
+    EXPECT_THAT(rig.Messages(), ElementsAre(StartsWith(message)));
+    EXPECT_THAT(rig.session->LoadProblem(), HasSubstr(problem));
+    rig.Restart();
+  };
+  told("The file could not be read.", "");
+  rig.folder.Write("my.dat", "");
+  told("The sequence data file error.", "my.dat: ");
+  rig.folder.Write("my.dat", "[FILE]\r\nPROGID=C\r\nVERNO=1\r\n[SYSTEM]\r\nSS_MODEL=QM1\r\n");
+  told("The model name QM1 is not registered", "unknown model QM1");
 }
 
 // Without a file the instrument tells its model; a serial number names an instrument of any model.
@@ -236,7 +232,8 @@ TEST(StartUp, WithoutAFile) {
     if (named) {
       EXPECT_EQ(rig.session->Connect("3000001"), ConnectResult::NotFound);
     }
-    ASSERT_EQ(rig.session->Connect(named ? std::optional<std::string>("2000001") : std::nullopt), ConnectResult::Connected);
+    ASSERT_EQ(rig.session->Connect(named ? std::optional<std::string>("2000001") : std::nullopt),
+              ConnectResult::Connected);
     EXPECT_EQ(rig.session->State().ModelName, "QM2220");
     EXPECT_EQ(rig.session->State().Instruments[0].ChannelCount, 2);
     EXPECT_EQ(rig.session->Definition().Commands.OutputOn.Template, ":OUTP1 ON;:OUTP2 ON");
