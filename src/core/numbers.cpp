@@ -61,7 +61,8 @@ bool IsUnderflow(std::string_view number) {
     const auto parsed = std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
     if (parsed.ec != std::errc{}) return digits[0] == '-';
   }
-  return static_cast<long long>(point) - static_cast<long long>(first) + exponent < 0;
+  // Compared, not added: the exponent may be as large as its type holds.
+  return exponent < static_cast<long long>(first) - static_cast<long long>(point);
 }
 
 struct NumberPrefix {
