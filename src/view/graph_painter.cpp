@@ -231,7 +231,9 @@ class PicturePainter {
     }
     const double dash = pen.style() == Qt::DashLine ? 8 : 2;
     constexpr double kSpace = 4;
-    for (double x = box.left(); x < box.right(); x += dash + kSpace) {
+    const int dashes = static_cast<int>(std::ceil(box.width() / (dash + kSpace)));
+    for (int i = 0; i < dashes; ++i) {
+      const double x = box.left() + i * (dash + kSpace);
       FillAligned(QRectF(x, box.top(), std::min(dash, box.right() - x), box.height()), pen.color());
     }
   }
@@ -362,6 +364,7 @@ class PicturePainter {
     const QRectF& axis = layout_.TimeAxis;
     const std::vector<TimeMark> marks = TimeMarks();
     std::vector<LabelWish> wishes;
+    wishes.reserve(marks.size());
     for (const TimeMark& mark : marks) wishes.push_back({mark.X, metrics_.horizontalAdvance(mark.Label), 0});
     const auto places = PlaceLabels(wishes, 0, axis.right(), kLabelGap);
     const double height = LineHeight(font_);
