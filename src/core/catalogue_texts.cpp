@@ -304,6 +304,7 @@ constexpr CatalogueText kRows[] = {
     {7724, "Channel Settings", "チャネル設定"},
     {7725, "Arbitrary Waveforms", "任意波形"},
     {7726, "Mode Settings", "モード設定"},
+    {7727, "View Areas", "表示エリア"},
     {9550, "The sequence cannot hold more than $1 steps.", "シーケンスのステップ数は最大$1です。"},
     {9551, "Step $1, $2: $3", "ステップ$1、$2：$3"},
     {9552, "Line $1, column $2: $3", "$1行目、列 $2：$3"},

@@ -44,6 +44,7 @@ enum class EditAction : int {
   ChannelSettings = 7724,
   Waveforms = 7725,
   ModeSettings = 7726,
+  ViewAreas = 7727,
 };
 
 class SequenceEditor {

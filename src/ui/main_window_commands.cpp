@@ -136,6 +136,11 @@ FrmPreview& MainWindow::NeedPreview() {
     handlers.enterBranchChannel = [this](const std::string& text) {
       return EnterBranchChannel(text, EntryEnd::Key);
     };
+    handlers.enterViewAreas = [this](const auto& areas) {
+      editor_.Record(EditAction::ViewAreas, [&] { session_.Sequence().ViewAreas = areas; });
+      RefreshControls();
+      return session_.Sequence().ViewAreas == areas;
+    };
     handlers.closed = [this] {
       if (!closed_) RefreshControls();
     };
