@@ -1,6 +1,7 @@
 // What the start of the window program is compared with: a window of the toolkit with three tables over empty
 // models as large as the grids of 256 steps on two channels.
 //   reference_window WIDTH HEIGHT
+#include <array>
 #include <cstdlib>
 
 #include <QAbstractTableModel>
@@ -28,18 +29,18 @@ class EmptyModel : public QAbstractTableModel {
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
   QMainWindow window;
-  auto* const area = new QWidget;
-  auto* const layout = new QVBoxLayout(area);
+  QWidget area;
+  QVBoxLayout layout(&area);
   EmptyModel common(256, 10);
   EmptyModel channel(256, 10);
   EmptyModel branch(5, 2);
-  for (EmptyModel* const model : {&common, &channel, &branch}) {
-    auto* const table = new QTableView;
-    table->setModel(model);
-    layout->addWidget(table);
-  }
-  window.setCentralWidget(area);
+  std::array<QTableView, 3> tables;
+  tables[0].setModel(&common);
+  tables[1].setModel(&channel);
+  tables[2].setModel(&branch);
+  for (QTableView& table : tables) layout.addWidget(&table);
+  window.setCentralWidget(&area);
   window.resize(argc > 1 ? std::atoi(argv[1]) : 800, argc > 2 ? std::atoi(argv[2]) : 600);
   window.show();
-  return QApplication::exec();
+  return QApplication::exec();  // ended by the signal of whoever measures
 }

@@ -5,7 +5,6 @@
 #include <QEvent>
 #include <QFile>
 #include <QIcon>
-#include <QTimer>
 #include <QWidget>
 
 namespace corlune {
@@ -41,10 +40,11 @@ class IconAfterFirstPaint : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (watched == window_ && event->type() == QEvent::Paint) {
       window_->removeEventFilter(this);
-      QTimer::singleShot(0, this, [this] {
+      const auto set = [this] {
         SetIconNow(window_, name_, alsoOwner_);
         deleteLater();
-      });
+      };
+      QMetaObject::invokeMethod(this, set, Qt::QueuedConnection);
     }
     return false;
   }
