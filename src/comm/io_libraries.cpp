@@ -1,5 +1,6 @@
 #include "comm/io_libraries.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstring>
 #include <initializer_list>
@@ -8,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/files.h"
 #include "platform/shared_library.h"
 
 namespace corlune {
@@ -47,7 +49,11 @@ bool Bind(BoundLibrary& bound, std::string* problem) {
   std::vector<std::string> attempts;
   auto library = OpenFirst(names, bound.programFolder, &attempts);
   if (!library) {
-    *problem = bound.title + " library not found: " + Joined(attempts);
+    const bool there = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+      return FileExists(name) || FileExists(JoinPath(bound.programFolder, name));
+    });
+    *problem =
+        bound.title + (there ? " library found but unusable: " : " library not found: ") + Joined(attempts);
     return false;
   }
   // Addresses arrive as void*; they are copied into the typed pointers only once all are there.

@@ -46,6 +46,8 @@ void* LoadOne(const std::string& path, std::string* error) {
   if (handle == nullptr && error != nullptr) {
     const char* reason = dlerror();
     *error = reason != nullptr ? reason : "cannot be loaded";
+    // The loader begins with the name, which whoever reports the attempt says already.
+    if (error->compare(0, path.size() + 2, path + ": ") == 0) error->erase(0, path.size() + 2);
   }
   return handle;
 }

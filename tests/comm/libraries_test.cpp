@@ -60,7 +60,7 @@ TEST_F(Libraries, TheProblemIsTold) {
   const std::string broken = world.folder.Write("broken.so", "no library");
   const std::vector<std::array<std::string, 3>> rows{
       {world.folder.File("none.so"), "VISA library not found: ", "none.so: "},
-      {broken, "VISA library not found: ", "broken.so: "},
+      {broken, "VISA library found but unusable: ", "broken.so: "},
       {CORLUNE_STUB_VISA_PARTIAL, "VISA library found but unusable: ", "symbol viClear missing"},
       {CORLUNE_STUB_VISA, "VISA resource manager does not open", "BFFF0000"}};
   for (const auto& [file, words, names] : rows) {
