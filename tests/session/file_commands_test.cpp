@@ -85,6 +85,16 @@ TEST(FileCommands, SaveAsksForANameOnce) {
   EXPECT_THAT(rig.files.asked.back(), HasSubstr("[" + rig.folder.File("ramp.dat") + "]"));
 }
 
+TEST(FileCommands, AFileThatCannotBeWrittenStaysAndTheSequenceStaysModified) {
+  EditedRig rig;
+  std::filesystem::create_directory(rig.folder.File("old.dat"));  // a folder in the way
+  rig.State().CurrentFilePath = rig.folder.File("old.dat");
+  rig.Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.session->Save());
+  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("old.dat")));
+  EXPECT_TRUE(rig.State().Modified);
+}
+
 TEST(FileCommands, OpenReplacesTheSequenceOrLeavesItAlone) {
   EditedRig rig;
   rig.files.save.push_back(rig.folder.File("a.dat"));
@@ -271,6 +281,24 @@ TEST(SystemSetup, IsCheckedBeforeItIsApplied) {
     std::copy(row.entries.begin(), row.entries.end(), setup.instruments.begin());
     EXPECT_EQ(rig.session->CheckSetup(setup), row.message);
   }
+}
+
+TEST(SystemSetup, AnotherInstrumentIsNotTrustedToHoldTheWaveforms) {
+  SessionRig rig;
+  rig.search.Attach(kPrefix2210, "1000001");
+  ASSERT_EQ(rig.Start(), StartUpResult::Show);
+  auto& entries = rig.session->Sequence().Channels.ArbFiles;
+  entries[4] = {"a.wdb", 1, 1, 1, 4096, 1};
+  ASSERT_EQ(entries[0].InInstrument, 1);
+  rig.script.ClearLog();
+  rig.script.Reply(":TRAC:INF? 1", {"\"\",0,0"});
+  ASSERT_TRUE(rig.session->Reconnect());
+  EXPECT_EQ(entries[4].Transferred, 0);
+  EXPECT_EQ(entries[4].InInstrument, 0);
+  EXPECT_EQ(entries[4].PointCount, 4096) << "the size is the file's";
+  EXPECT_EQ(entries[0].InInstrument, 0);
+  EXPECT_EQ(rig.script.CountOf("end"), 1);
+  EXPECT_EQ(rig.script.CountOf("init"), 1);
 }
 
 TEST(SystemSetup, AModelChangeAsksAndStartsAnEmptySequence) {

@@ -129,6 +129,18 @@ TEST(StartUp, OneInstrumentGoesOnLine) {
   EXPECT_EQ(rig.script.CountOf("init"), 1);
 }
 
+TEST(StartUp, AnInstrumentThatDoesNotOpenLeavesTheProgramOffLine) {
+  SessionRig rig;
+  rig.search.Attach(kPrefix2210, "1000001");
+  rig.script.FailOn("init", CommStatus::NoBoard);
+  rig.Answer(PromptAnswer::Ok);
+  ASSERT_EQ(rig.Start(), StartUpResult::Show);
+  EXPECT_THAT(rig.Messages(), ElementsAre("The communication error to the instrument 1 occurred."));
+  EXPECT_EQ(rig.session->State().Online, 0);
+  EXPECT_FALSE(rig.session->State().Connected);
+  EXPECT_EQ(rig.script.CountOf("0 < "), 0);
+}
+
 TEST(StartUp, SeveralInstruments) {
   for (const bool chosen : {false, true}) {
     SCOPED_TRACE(chosen);
