@@ -76,6 +76,9 @@ struct AppState {
   bool BranchRequested = false;
   std::int16_t BranchTarget = 0;  // stored step number, 1-based
   bool SequenceViewShown = false;
+  // A run ended otherwise than by its own end or by a stop that every instrument took: an instrument may
+  // still be running or held. Until a Stop is taken by every instrument, or the program goes off-line.
+  bool MayStillRun = false;
 
   // Run clock: ticks and milliseconds of TickClock
   std::uint32_t RunStartTime = 0;
