@@ -109,8 +109,6 @@ void ConsoleDisplay::RefreshControls() {
   }
 }
 
-void ConsoleDisplay::SetControlsEnabled(RunControls, bool) {}
-
 void ConsoleDisplay::ShowModeLayout(int operationMode) {
   std::cout << catalogue_->GetResString(operationMode == 1 ? 1403 : 1402) << std::endl;
 }

@@ -57,7 +57,6 @@ class ConsoleDisplay : public RunDisplay {
   void Attach(const AppState& state, const SequenceData& sequence, const MessageCatalogue& catalogue);
 
   void RefreshControls() override;
-  void SetControlsEnabled(RunControls which, bool enabled) override;
   void ShowModeLayout(int operationMode) override;
   void HighlightRow(GridRow row, bool on) override;
   void ScrollTo(GridRow top) override;

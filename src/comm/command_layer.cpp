@@ -124,6 +124,12 @@ std::int32_t CommandLayer::SelectInstrument(int index) {
   }));
 }
 
+bool CommandLayer::InstrumentLost(int index) {
+  bool lost = false;
+  KeepingInterface([&] { lost = gp_.ConnectionLost(DeviceAddress(SelectInstrument(index))); });
+  return lost;
+}
+
 CommStatus CommandLayer::SendCommand(std::int32_t address, const std::string& command, std::int32_t wait) {
   if (!Online()) return CommStatus::Success;
   const CommStatus status = gp_.GP_Send_Str(DeviceAddress(address), command);

@@ -39,6 +39,9 @@ class CommandLayer {
   // range it changes nothing and returns kSameDevice.
   std::int32_t SelectInstrument(int index);
 
+  // Instrument `index` was unplugged since the opening: every exchange with it fails.
+  bool InstrumentLost(int index);
+
   // wait > 0: ms to wait afterwards; < 0: poll until not busy; 0: none. Returns the failing send's status,
   // TimeOut when busy polling fails or runs out of time.
   CommStatus SendCommand(std::int32_t address, const std::string& command, std::int32_t wait);

@@ -11,7 +11,6 @@
 #include "compile/step_flow.h"
 #include "compile/transfer_file.h"
 #include "core/files.h"
-#include "core/flag_guard.h"
 #include "core/numbers.h"
 #include "sequence/channel_tabs.h"
 #include "sequence/run_times.h"
@@ -29,20 +28,6 @@ constexpr std::int32_t kResultAlsoGood = 268763136;
 
 constexpr int kMessageIllegal = 9400;
 constexpr int kMessageNoBlocks = 9600;
-
-// Controls off for as long as the object lives.
-class ControlsOff {
- public:
-  explicit ControlsOff(RunDisplay& display) : display_(display) {
-    display_.SetControlsEnabled(RunControls::Download, false);
-  }
-  ~ControlsOff() { display_.SetControlsEnabled(RunControls::Download, true); }
-  ControlsOff(const ControlsOff&) = delete;
-  ControlsOff& operator=(const ControlsOff&) = delete;
-
- private:
-  RunDisplay& display_;
-};
 
 bool CarriesBlocks(InterfaceKind kind) {
   return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
@@ -96,16 +81,19 @@ Downloader::Downloader(AppState& state, const ModelDefinition& definition, Seque
       waveforms_(commands, dialogues, ports.prompts, catalogue) {}
 
 bool Downloader::DownloadSequence() {
-  if (underWay_) return false;
-  const FlagGuard downloading(underWay_);
+  if (UnderWay()) return false;
   outcome_ = {};
   if (commands_.Online()) {
     if (!AgreeToInterface()) {
       outcome_.End = DownloadEnd::Cancelled;
       return false;
     }
-    const ControlsOff controls(ports_.display);
-    outcome_.End = Send();
+    {
+      const WorkGuard downloading(ports_.activity, Work::Download);
+      ports_.display.RefreshControls();
+      outcome_.End = Send();
+    }
+    ports_.display.RefreshControls();
   }
   if (outcome_.End != DownloadEnd::Done) return false;
   const RunTimes times = ComputeRunTimes(sequence_);

@@ -10,6 +10,7 @@
 #include "commands/instrument_dialogues.h"
 #include "compile/compiler_library.h"
 #include "compile/waveform_transfer.h"
+#include "core/activity.h"
 #include "core/catalogue.h"
 #include "sequence/sequence_data.h"
 
@@ -41,6 +42,7 @@ struct DownloadPorts {
   Prompts& prompts;
   Progress& progress;
   RunDisplay& display;
+  Activity& activity;
 };
 
 class Downloader {
@@ -55,7 +57,7 @@ class Downloader {
   // The output query that ends a download is the caller's (execution/).
   // False also when a download is under way: a handler that runs inside its waits cannot start a second.
   [[nodiscard]] bool DownloadSequence();
-  bool UnderWay() const { return underWay_; }
+  bool UnderWay() const { return ports_.activity.Under(Work::Download); }
   const DownloadOutcome& Outcome() const { return outcome_; }
 
   // 0 on success, -1 when the compiler reported an error, else the ARB check code (4096, 4097, 4100, 4104);
@@ -90,7 +92,6 @@ class Downloader {
   const MessageCatalogue& catalogue_;
   DownloadPorts ports_;
   WaveformTransfer waveforms_;
-  bool underWay_ = false;
   ArbTransfer transferEnd_ = ArbTransfer::Done;  // of the last TransferUsedArbs
   DownloadOutcome outcome_;
 };

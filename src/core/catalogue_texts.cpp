@@ -362,6 +362,11 @@ constexpr CatalogueText kRows[] = {
     {9528, "The sequence execution did not end as it should. Check the instrument.", "シーケンス実行は正常に終了しませんでした。機器の状態を確認してください。"},
     {9524, "The sequence execution was stopped.", "シーケンス実行を停止しました。"},
 
+    // Added texts: instruments out of sight.
+    {8290, "An instrument may still be running! Stop it (Shift+F5) or switch its output off (F8).", "機器がまだ実行中の可能性があります。ストップ（Shift+F5）または出力OFF（F8）を行ってください。"},
+    {8291, "Device$1: connection lost.", "機器$1：接続が切れました。"},
+    {9700, "An instrument may still be running. Go on without stopping it?", "機器がまだ実行中の可能性があります。停止せずに続行しますか？"},
+
     // Added texts: files and session.
     {9640, "The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"},
     {9641, "The present state could not be saved for the next start.\n$1\n$2\nClose all the same?", "次回起動用の編集状態を保存できませんでした。\n$1\n$2\nこのまま終了しますか？"},

@@ -31,7 +31,8 @@ bool Session::OfferToSaveBeforeClosing() {
 
 bool Session::RequestClose() {
   if (!Idle()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
+  if (!AgreeToGoOn()) return false;
   if (options_.writeSettings) WriteEditModel(state_);
   if (!OfferToSaveBeforeClosing()) return false;
   std::string error;

@@ -41,6 +41,7 @@ std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSetup& setup,
 bool Session::OpenConnection() {
   int failed = 0;
   state_.Online = 1;
+  state_.Lost = {};
   if (commands_->OpenInstrumentInterface(&failed)) {
     state_.Connected = true;
     return true;
@@ -63,11 +64,36 @@ void Session::GoOffline() {
   Disconnect();
   state_.Online = 0;
   state_.OutputOn = false;
+  state_.Lost = {};
+  if (state_.OperationMode == OperationMode::Execution) {
+    state_.OperationMode = OperationMode::Edit;
+    ports_.runDisplay.ShowModeLayout(static_cast<int>(OperationMode::Edit));
+  }
   ports_.display.ConnectionChanged();
 }
 
 void Session::NoticeLostConnection() {
-  if (state_.Online == 1 && state_.Connected && Idle() && Gp().ConnectionLost()) GoOffline();
+  control_->ExchangeEnded();
+  if (state_.Online != 1 || !state_.Connected) return;
+  const auto before = state_.Lost;
+  bool oneLeft = false;
+  for (int i = 0; i < state_.InstrumentCount; ++i) {
+    bool& lost = state_.Lost[static_cast<std::size_t>(i)];
+    lost = commands_->InstrumentLost(i);
+    oneLeft = oneLeft || !lost;
+  }
+  if (!oneLeft && Idle()) {
+    GoOffline();
+  } else if (state_.Lost != before) {
+    ports_.display.ConnectionChanged();
+  }
+}
+
+bool Session::Reopen() {
+  if (!OpenConnection()) return false;
+  ForgetInstrumentMemory();
+  ports_.display.ConnectionChanged();
+  return true;
 }
 
 void Session::ForgetInstrumentMemory() {
@@ -82,7 +108,7 @@ void Session::ForgetInstrumentMemory() {
 }
 
 bool Session::Reconnect() {
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   Disconnect();
   ForgetInstrumentMemory();
   state_.OutputOn = false;
@@ -97,7 +123,7 @@ bool Session::Reconnect() {
 }
 
 bool Session::CheckModels() {
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   const CommandEntry& query = definition_.Commands.Model;
   for (int i = 0; i < state_.InstrumentCount; ++i) {
     const std::int32_t address = commands_->SelectInstrument(i);
@@ -109,6 +135,7 @@ bool Session::CheckModels() {
         ShowMessage(ports_.prompts, catalogue_, answered ? 9003 : 9002, PromptIcon::Question,
                     PromptButtons::YesNo, {std::to_string(i + 1)});
     if (answer != PromptAnswer::Yes) end_.EndNow(1);
+    state_.MayStillRun = false;
     GoOffline();
     return false;
   }
@@ -117,7 +144,7 @@ bool Session::CheckModels() {
 
 void Session::QueryArbDirectory() {
   if (state_.Online != 1) return;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   commands_->SelectInstrument(0);
   waveforms_->QueryArbDirectory(sequence_.Channels.ArbFiles);
 }
@@ -150,8 +177,8 @@ int Session::CheckSetup(const SystemSetup& setup) const {
 }
 
 bool Session::ApplySetup(const SystemSetup& setup) {
-  if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  if (!MayReplaceSequence() || !control_->AgreeToGoOn()) return false;
+  const WorkGuard guard(activity_, Work::Exchange);
   const bool newModel = setup.modelName != state_.ModelName;
   if (newModel) {
     auto definition = std::make_unique<ModelDefinition>(definition_);

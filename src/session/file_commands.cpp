@@ -89,9 +89,9 @@ bool Session::AskToSave() {
 
 bool Session::NewSequence() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  if (!AskToSave()) return false;
+  if (!AgreeToGoOn() || !AskToSave()) return false;
   ClearSequence();
   ports_.display.SequenceReplaced(SequenceChange::New);
   ports_.display.ShowCaption(Caption());
@@ -100,18 +100,18 @@ bool Session::NewSequence() {
 
 bool Session::OpenWithDialog() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  if (!AskToSave()) return false;
+  if (!AgreeToGoOn() || !AskToSave()) return false;
   const auto path = ports_.files.ChooseOpen(catalogue_.GetResString(kSequenceFilter));
   return path && LoadUserFile(*path);
 }
 
 bool Session::OpenFile(const std::string& path) {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  return AskToSave() && LoadUserFile(path);
+  return AgreeToGoOn() && AskToSave() && LoadUserFile(path);
 }
 
 bool Session::LoadUserFile(const std::string& path) {
@@ -154,14 +154,14 @@ bool Session::LoadUserFile(const std::string& path) {
 
 bool Session::Save() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   return SaveToCurrentPath();
 }
 
 bool Session::SaveAs() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
   return path && !path->empty() && WriteUserFile(*path);

@@ -108,9 +108,13 @@ class Session {
   // ends the program. True when every instrument answered rightly.
   bool CheckModels();
   void QueryArbDirectory();
-  // Goes off-line when an instrument was unplugged and nothing is under way. To be called after commands and
-  // ticks.
+  // To be called after commands and ticks: carries out a stop that was pressed meanwhile, marks the
+  // instruments that were unplugged, and goes off-line, back in edit mode, when none is left and nothing is
+  // under way.
   void NoticeLostConnection();
+  // While an instrument may still be running: asks whether to go on without a stop. Everything that takes it
+  // out of reach or sends it something else asks first; true: go on.
+  bool AgreeToGoOn() { return control_->AgreeToGoOn(); }
 
   // Nothing that a close request or command must not interrupt is under way, and no run is going or held.
   bool Idle() const { return !control_->BusyOrRunning(); }
@@ -128,7 +132,7 @@ class Session {
   InstrumentDialogues& Dialogues() { return *dialogues_; }
   WaveformTransfer& Waveforms() { return *waveforms_; }
   Downloader& Download() { return *downloader_; }
-  RunActivity& Activity() { return activity_; }
+  const corlune::Activity& Activity() const { return activity_; }
   RunControl& Control() { return *control_; }
   RunMonitor& Monitor() { return *monitor_; }
   // "Tavrin Corlune for QM2210/20  path".
@@ -157,6 +161,8 @@ class Session {
   // connection.cpp
   bool OpenConnection();
   void GoOffline();
+  // After a loss: the connection as it was set up. False after message 9201.
+  bool Reopen();
   void ForgetInstrumentMemory();
   bool SetupChangedSince(const SystemSettings& before) const;
 
@@ -181,7 +187,7 @@ class Session {
   MessageCatalogue catalogue_;
   SavingEndProgram end_;
   OutsideParts outside_;
-  RunActivity activity_;
+  corlune::Activity activity_;
   std::unique_ptr<CommandLayer> commands_;
   std::unique_ptr<InstrumentDialogues> dialogues_;
   std::unique_ptr<WaveformTransfer> waveforms_;

@@ -240,7 +240,7 @@ ConnectResult Session::FindModelOfInstrument(const std::optional<std::string>& s
 }
 
 ConnectResult Session::Connect(const std::optional<std::string>& serial) {
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   if (state_.Instruments[0].InterfaceKind == InterfaceKind::UsbTmc) {
     if (anyModel_) {
       const ConnectResult result = FindModelOfInstrument(serial);

@@ -200,34 +200,13 @@ void MainWindow::ModeCommand(int index) {
   });
 }
 
-void MainWindow::PressStart(const std::function<void()>& press) {
-  // Inside another command or a tick the press is deferred or ignored: nothing is started here.
-  if (starting_ || session_.Activity().Busy()) {
-    press();
-    return;
-  }
-  starting_ = true;
-  RefreshControls();
-  press();
-  starting_ = false;
-}
-
 void MainWindow::RunItem(int item) {
-  const auto press = [this, item] { session_.Control().MenuItem(item); };
-  Perform([&] {
-    if (item == static_cast<int>(Run::Start)) {
-      PressStart(press);
-    } else {
-      press();
-    }
-  });
+  Perform([&] { session_.Control().MenuItem(item); });
 }
 
 void MainWindow::RunButton(int index) {
   if (index == 0) {
     ModeCommand(session_.State().OperationMode == OperationMode::Edit ? 1 : 0);
-  } else if (index == 1) {
-    RunItem(static_cast<int>(Run::Start));
   } else {
     Perform([&] { session_.Control().Button(index); });
   }

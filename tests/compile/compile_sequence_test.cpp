@@ -45,7 +45,7 @@ TEST(CompileSequence, CompilerErrors) {
     EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Critical);
     EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Refused);
     EXPECT_EQ(rig.script.Count(), 0u);
-    EXPECT_TRUE(rig.display.downloadEnabled);
+    EXPECT_FALSE(rig.activity.Busy());
   }
 }
 
@@ -73,7 +73,7 @@ TEST(CompileSequence, WithoutTheLibraryThereIsNoDownload) {
   EXPECT_NE(rig.prompts.messages[0].caption, "for Debug");
   EXPECT_EQ(DownloadOutcomeText(rig.downloader.Outcome(), rig.catalogue), rig.compiler.Problem());
   EXPECT_EQ(rig.script.Count(), 0u);
-  EXPECT_TRUE(rig.display.downloadEnabled);
+  EXPECT_FALSE(rig.activity.Busy());
 }
 
 // Step `number` plays ARB `number`, which the instrument holds.
@@ -173,7 +173,7 @@ TEST(Waveforms, AFileThatIsNoWaveformEndsTheDownload) {
   EXPECT_EQ(rig.script.Log().back(), "timeout 12");
   const std::string detail = DownloadOutcomeText(rig.downloader.Outcome(), rig.catalogue);
   EXPECT_EQ(detail.rfind(rig.Entry(4).FilePath + ": ", 0), 0u) << detail;
-  EXPECT_TRUE(rig.display.downloadEnabled);
+  EXPECT_FALSE(rig.activity.Busy());
 }
 
 }  // namespace

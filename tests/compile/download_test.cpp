@@ -38,11 +38,11 @@ TEST(Download, WholeExchangeInOrder) {
   PrepareWhole(rig);
   ASSERT_TRUE(rig.downloader.DownloadSequence());
   EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
-  EXPECT_THAT(rig.events, ElementsAre("download controls off", "input: " + rig.Text(9208),
-                                      "progress 1: Transmitting the arbitrary wave data.....ARB 3",
-                                      "progress 10: Transmitting the sequence data.",
-                                      "progress 5: Transmitting the sequence data.", "download controls on",
-                                      "total 2000"));
+  EXPECT_THAT(rig.events,
+              ElementsAre("refresh", "input: " + rig.Text(9208),
+                          "progress 1: Transmitting the arbitrary wave data.....ARB 3",
+                          "progress 10: Transmitting the sequence data.",
+                          "progress 5: Transmitting the sequence data.", "refresh", "total 2000"));
   // 200 preparation, 2 x 100 queries, 1000 waveform, 10000 block, 5000 record, 100 *CLS, 100 poll
   EXPECT_EQ(rig.clock.Now(), 1000u + 16600u);
   EXPECT_EQ(rig.progress.advances, 16);
@@ -78,7 +78,7 @@ TEST(Download, AnErrorNumberEndsIt) {
     EXPECT_EQ(rig.downloader.Outcome().ErrorNumber, -113);
     EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC"), query - 1);
     EXPECT_EQ(rig.script.CountOf("0 < :TRIG:COMP"), 0);
-    EXPECT_TRUE(rig.display.downloadEnabled);
+    EXPECT_FALSE(rig.activity.Busy());
   }
 }
 
@@ -126,7 +126,7 @@ TEST(Download, NameQuestion) {
       EXPECT_EQ(request.prompt, rig.Text(9208));
       EXPECT_EQ(request.defaultText, "old");
     }
-    EXPECT_TRUE(rig.display.downloadEnabled);
+    EXPECT_FALSE(rig.activity.Busy());
     if (c.done) continue;
     EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Cancelled);
     EXPECT_EQ(rig.script.Count(), 0u);
@@ -173,7 +173,6 @@ TEST(Download, ASecondDownloadInsideAWaitIsRefused) {
     ++attempts;
     EXPECT_TRUE(rig.downloader.UnderWay());
     EXPECT_FALSE(rig.downloader.DownloadSequence());
-    EXPECT_FALSE(rig.display.downloadEnabled);
   });
   rig.prompts.WhileOpen([&] { EXPECT_FALSE(rig.downloader.DownloadSequence()); });
   EXPECT_TRUE(rig.downloader.DownloadSequence());

@@ -79,6 +79,8 @@ class LinkedCompiler : public CompilerLibrary {
 inline constexpr const char* kSaysEnd = "information: The sequence execution was ended.";
 inline constexpr const char* kAsksOutput =
     "information: Output switch truns to 'on' and sequence will start. Is it OK?";
+inline constexpr const char* kAsksToGoOn =
+    "question: An instrument may still be running. Go on without stopping it?";
 inline constexpr const char* kAsksName = "input: Seq0";
 inline std::string CommunicationError(int instrument, const char* icon) {
   return std::string(icon) + ": The communication error to the instrument " + std::to_string(instrument) +
@@ -246,8 +248,6 @@ class BenchRig {
     EXPECT_FALSE(state.BranchRequested);
     EXPECT_TRUE(session->Idle());
     EXPECT_FALSE(timer.enabled);
-    EXPECT_TRUE(display.downloadEnabled);
-    EXPECT_TRUE(display.outputEnabled);
     EXPECT_EQ(progress.depth, 0);
   }
   std::string Log() const { return TempFolder::Read(folder.File("comm.log")); }

@@ -92,7 +92,7 @@ class ViewRig {
   void ShowStates() {
     ControlConditions conditions;
     conditions.StepCount = sequence.StepCount;
-    view->ShowStates(ControlStatesOf(state, definition, conditions));
+    view->ShowStates(ControlStatesOf(state, {}, definition, conditions));
   }
   void Run(int step, std::uint32_t tick) {
     state.OperationMode = OperationMode::Execution;
