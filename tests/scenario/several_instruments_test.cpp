@@ -102,6 +102,14 @@ TEST(SeveralInstruments, StopReachesAll) {
   EXPECT_EQ(sent.back(), "1 < :STAT:OPER:CH1:COND?");
   for (int i = 1; i <= 5; ++i) EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Idle);
   rig.ExpectAtRest(OperationMode::Execution, true);
+
+  // Pressed while the first one starts: the others are not started any more.
+  rig.Forget();
+  rig.pump.OnCall(rig.pump.Calls() + 1, [&] { rig.Press(Run::Stop); });
+  rig.Press(Run::Start);
+  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STAR"), 1);
+  EXPECT_EQ(rig.CountSent("2 < :TRIG1:SEL:EXEC STAR"), 0);
+  EXPECT_THAT(rig.TakeSent(), ::testing::IsSupersetOf(stops));
 }
 
 // An output that trips at the first instrument stops the others first, then itself.
