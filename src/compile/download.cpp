@@ -1,12 +1,12 @@
-#include "compile/download.h"
-
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <optional>
 #include <span>
 
+#include "comm/gp_codes.h"
 #include "compile/block_header.h"
+#include "compile/download.h"
 #include "compile/sequence_text.h"
 #include "compile/step_flow.h"
 #include "compile/transfer_file.h"
@@ -24,8 +24,6 @@ namespace {
 constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
-// A result of the compiler library that is no failure, like 0.
-constexpr std::int32_t kResultAlsoGood = 268763136;
 
 constexpr int kMessageIllegal = 9400;
 constexpr int kMessageNoBlocks = 9600;
@@ -56,19 +54,19 @@ bool IsNameText(const std::string& name) {
 // Catalogue id of the parameter that a compiler error names; 0 for a code without one.
 int ParameterMessage(std::int32_t code) {
   switch (code) {
-    case 40:
+    case CMPLSEQ_ERROR_FREQUENCY:
       return 9314;
-    case 41:
+    case CMPLSEQ_ERROR_LEVEL:
       return 9315;
-    case 42:
+    case CMPLSEQ_ERROR_DUTY:
       return 9316;
-    case 4099:
+    case CMPLSEQ_ERROR_ARB_UNREADABLE:
       return 9318;
-    case 4100:
+    case CMPLSEQ_ERROR_ARB_MISSING:
       return 9319;
-    case 4101:
+    case CMPLSEQ_ERROR_MEMORY_FULL:
       return 9320;
-    case 4102:
+    case CMPLSEQ_ERROR_TOO_COMPLEX:
       return 9321;
     default:
       return 0;
@@ -185,7 +183,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
     ReportCompileError(record);
     return -1;
   }
-  if (result != 0 && result != kResultAlsoGood) {
+  if (result != 0 && result != CMPLSEQ_RESULT_ALSO_GOOD) {
     ports_.prompts.Message(
         {catalogue_.GetResString(kMessageIllegal), PromptIcon::None, PromptButtons::Ok, "for Debug"});
   }
@@ -194,8 +192,8 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
 
 void Downloader::ReportCompileError(const CompileErrorRecord& record) {
   std::string text = catalogue_.GetResString(ParameterMessage(record.Code));
-  if (record.Code < 4101) {
-    const std::int32_t second = record.Code == 40 ? record.PositionA : record.PositionC;
+  if (record.Code < CMPLSEQ_ERROR_MEMORY_FULL) {
+    const std::int32_t second = record.Code == CMPLSEQ_ERROR_FREQUENCY ? record.PositionA : record.PositionC;
     text = catalogue_.GetResString(9313,
                                    {std::to_string(record.Channel + 1),
                                     std::to_string(record.PositionB) + " , " + std::to_string(second), text});
@@ -238,7 +236,7 @@ DownloadEnd Downloader::SendWaveforms() {
 int Downloader::TransferUsedArbs() {
   transferEnd_ = ArbTransfer::Done;
   int failed = 0;
-  waveforms_.SetTimeOut(kTimeOutTransfer);
+  waveforms_.SetTimeOut(kTimeOut30s);
   for (int number = 1; number <= kArbNumbers; ++number) {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
     if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
@@ -247,13 +245,13 @@ int Downloader::TransferUsedArbs() {
     });
     if (transferEnd_ == ArbTransfer::Done) continue;
     if (transferEnd_ == ArbTransfer::MemoryFull) {
-      waveforms_.SetTimeOut(kTimeOutMemoryFull);
+      waveforms_.SetTimeOut(kTimeOut100ms);
     } else {
       failed = number;
     }
     break;
   }
-  waveforms_.SetTimeOut(kTimeOutUsual);
+  waveforms_.SetTimeOut(kTimeOut3s);
   return failed;
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "comm/gp_codes.h"
 #include "compile/block_header.h"
 #include "core/files.h"
 #include "core/numbers.h"
@@ -106,10 +107,10 @@ ArbTransfer WaveformTransfer::SendAndCheck(ArbFileEntry& entry, int number,
 }
 
 ArbTransfer WaveformTransfer::TransferOne(ArbFileEntry& entry, int number) {
-  SetTimeOut(kTimeOutTransfer);
+  SetTimeOut(kTimeOut30s);
   const ArbTransfer result =
       SendAndCheck(entry, number, [this](std::int32_t milliseconds) { commands_.DelayMs(milliseconds); });
-  SetTimeOut(kTimeOutUsual);
+  SetTimeOut(kTimeOut3s);
   return result;
 }
 

@@ -39,9 +39,6 @@ inline constexpr std::int32_t kWaveformMemory = 524288;  // points of one channe
 inline constexpr std::int32_t kSweepWorkArea = 32768;    // points that a duty sweep takes
 inline constexpr std::int32_t kSmallestWaveform = 4096;  // points
 inline constexpr std::int32_t kErrorMemoryFull = -225;   // SCPI "Out of memory"
-inline constexpr std::int16_t kTimeOutUsual = 12;        // 3 s
-inline constexpr std::int16_t kTimeOutMemoryFull = 9;    // 100 ms
-inline constexpr std::int16_t kTimeOutTransfer = 14;     // 30 s
 
 class WaveformTransfer {
  public:

@@ -45,7 +45,7 @@ struct ParamDef {
   bool operator==(const ParamDef&) const = default;
 };
 
-inline constexpr int kAreaParams = 11;
+inline constexpr int kAreaParams = 11;  // parameters of an area, and groups of the sequence area
 
 struct CommonAreaDef {
   std::array<Color, 2> ButtonColors{};  // CA_BTNCOL
