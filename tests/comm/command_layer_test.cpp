@@ -78,6 +78,9 @@ TEST_F(Layer, AFailedOpeningClosesTheRestAndNamesTheInstrument) {
   EXPECT_EQ(failed, 2);
   EXPECT_EQ(script.CountOf("end"), 1);
   EXPECT_EQ(script.CountOf("[1] end"), 0);
+  script.ClearLog();
+  layer.CloseInstrumentInterface();
+  EXPECT_THAT(script.Log(), IsEmpty()) << "nothing is open any more";
   EXPECT_EQ(state.CurrentInterface, InterfaceKind::UsbTmc);
 }
 
