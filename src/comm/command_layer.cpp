@@ -121,6 +121,10 @@ std::int32_t CommandLayer::SelectInstrument(int index) {
   }));
 }
 
+bool CommandLayer::InstrumentLost(int index) {
+  return Online() && gp_.DeviceLost(DeviceAddress(SelectInstrument(index)));
+}
+
 CommStatus CommandLayer::SendCommand(std::int32_t address, const std::string& command, std::int32_t wait) {
   if (!Online()) return CommStatus::Success;
   const CommStatus status = gp_.GP_Send_Str(DeviceAddress(address), command);

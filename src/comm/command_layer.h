@@ -39,6 +39,10 @@ class CommandLayer {
   // range it changes nothing and returns kSameDevice.
   std::int32_t SelectInstrument(int index);
 
+  // Whether instrument `index` was unplugged since the opening: nothing is worth waiting for any more.
+  // Selects the instrument.
+  bool InstrumentLost(int index);
+
   // wait > 0: ms to wait afterwards; < 0: poll until not busy; 0: none. Returns the failing send's status,
   // TimeOut when busy polling fails or runs out of time.
   CommStatus SendCommand(std::int32_t address, const std::string& command, std::int32_t wait);

@@ -56,6 +56,8 @@ class GpFamily {
   // A device was unplugged since the last GP_Init: its session is dead even when it comes back.
   // LibraryProblem names it.
   virtual bool ConnectionLost() const { return false; }
+  // The same of one device; `address` as above, but not -1.
+  virtual bool DeviceLost(std::int16_t /*address*/) const { return false; }
 };
 
 }  // namespace corlune

@@ -96,4 +96,9 @@ bool GpFrontEnd::ConnectionLost() const {
                      [](const auto& backend) { return backend && backend->ConnectionLost(); });
 }
 
+bool GpFrontEnd::DeviceLost(std::int16_t address) const {
+  const GpFamily* backend = Current();
+  return backend && backend->DeviceLost(address);
+}
+
 }  // namespace corlune

@@ -58,6 +58,8 @@ class GpFrontEnd {
   std::string LibraryProblem() const;
   // Of any back-end.
   bool ConnectionLost() const;
+  // Of the current back-end.
+  bool DeviceLost(std::int16_t address) const;
 
   // From now on every operation goes to the back-end of `kind`, whatever CurrentInterface is.
   void RouteAllTo(InterfaceKind kind) { route_ = kind; }

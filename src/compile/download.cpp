@@ -1,3 +1,5 @@
+#include "compile/download.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -6,7 +8,6 @@
 
 #include "comm/gp_codes.h"
 #include "compile/block_header.h"
-#include "compile/download.h"
 #include "compile/sequence_text.h"
 #include "compile/step_flow.h"
 #include "compile/transfer_file.h"
@@ -223,13 +224,15 @@ DownloadEnd Downloader::SendWaveforms() {
   MarkUsedArbs();
   const int failed = TransferUsedArbs();
   if (failed == 0) return DownloadEnd::Done;
-  if (transferEnd_ == ArbTransfer::NotSent) return DownloadEnd::NotSent;
-  const auto index = static_cast<std::size_t>(failed - 1);
-  outcome_.Detail = sequence_.Channels.ArbFiles[index].FilePath + ": " + waveforms_.Reason();
+  const bool refused = transferEnd_ == ArbTransfer::FileRefused;
   // A file with a wrong extension has just been refused with the same message.
-  if (waveforms_.Problem() != WaveformProblem::BadExtension) {
+  if (!refused || waveforms_.Problem() != WaveformProblem::BadExtension) {
     ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
   }
+  if (transferEnd_ == ArbTransfer::ReplyUnreadable) return DownloadEnd::ReplyUnreadable;
+  if (!refused) return DownloadEnd::NotSent;
+  const auto index = static_cast<std::size_t>(failed - 1);
+  outcome_.Detail = sequence_.Channels.ArbFiles[index].FilePath + ": " + waveforms_.Reason();
   return DownloadEnd::Refused;
 }
 
@@ -280,7 +283,9 @@ DownloadEnd Downloader::RecordInMemory() {
 
 DownloadEnd Downloader::WaitAndQueryError(std::int32_t milliseconds) {
   ShowTimedProgress(milliseconds, catalogue_.GetResString(9304));
-  outcome_.ErrorNumber = dialogues_.QueryErrorNumber();
+  const std::optional<std::int32_t> error = dialogues_.QueryErrorNumber();
+  if (!error) return DownloadEnd::ReplyUnreadable;
+  outcome_.ErrorNumber = *error;
   return outcome_.ErrorNumber == 0 ? DownloadEnd::Done : DownloadEnd::InstrumentError;
 }
 
@@ -289,7 +294,8 @@ DownloadEnd Downloader::TakeOver() {
   if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), ":TRIG:COMP", 0))) {
     return DownloadEnd::NotSent;
   }
-  return dialogues_.WaitCompileDone() ? DownloadEnd::Done : DownloadEnd::NotCompiled;
+  if (dialogues_.WaitCompileDone()) return DownloadEnd::Done;
+  return commands_.InstrumentLost(0) ? DownloadEnd::NotSent : DownloadEnd::NotCompiled;
 }
 
 void Downloader::ShowTimedProgress(std::int32_t milliseconds, const std::string& text) {

@@ -21,9 +21,10 @@ using ArbEntries = std::array<ArbFileEntry, kArbNumbers>;
 
 enum class ArbTransfer {
   Done,
-  FileRefused,  // no such file, or not a waveform; shown, except for a wrong count of values
-  NotSent,      // an exchange failed; not shown
-  MemoryFull,   // sent, but the instrument's waveform memory is exhausted; shown
+  FileRefused,      // no such file, or not a waveform; shown, except for a wrong count of values
+  NotSent,          // an exchange failed; not shown
+  ReplyUnreadable,  // sent, but the reply to the error query is no error number; not shown
+  MemoryFull,       // sent, but the instrument's waveform memory is exhausted; shown
 };
 
 // Codes of CheckArbResources.
@@ -53,7 +54,7 @@ class WaveformTransfer {
   const std::string& Reason() const { return read_.reason; }
 
   // TransferArbFile, `wait` for the time that the instrument needs (ms), error query; sets Transferred and
-  // InInstrument. Message 9317 when the memory is full: then the flags are as before the transfer.
+  // InInstrument. Message 9317 when the memory is full. Unless Done the flags are as before the transfer.
   [[nodiscard]] ArbTransfer SendAndCheck(ArbFileEntry& entry, int number,
                                          const std::function<void(std::int32_t)>& wait);
   // The same with the long time-out. Pumps events while it waits.
