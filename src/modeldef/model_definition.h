@@ -102,7 +102,7 @@ struct ModelDefinition {
   Color LoopSequence;     // CL_LOPSEQ
   Color EndlessSequence;  // CL_INFSEQ
   Color Indicator;        // CL_INDICATOR
-  Color CurrentStep;      // CL_CURSTEP, digits read as blue, green, red
+  Color CurrentStep;      // CL_CURSTEP, digits read as blue, green, red; in the sequence view
 
   // Sequence view
   bool ReferenceFlag = false;  // DP_REFFL
