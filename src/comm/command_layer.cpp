@@ -122,7 +122,9 @@ std::int32_t CommandLayer::SelectInstrument(int index) {
 }
 
 bool CommandLayer::InstrumentLost(int index) {
-  return Online() && gp_.DeviceLost(DeviceAddress(SelectInstrument(index)));
+  bool lost = false;
+  KeepingInterface([&] { lost = gp_.ConnectionLost(DeviceAddress(SelectInstrument(index))); });
+  return lost;
 }
 
 CommStatus CommandLayer::SendCommand(std::int32_t address, const std::string& command, std::int32_t wait) {

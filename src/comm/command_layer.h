@@ -39,8 +39,7 @@ class CommandLayer {
   // range it changes nothing and returns kSameDevice.
   std::int32_t SelectInstrument(int index);
 
-  // Whether instrument `index` was unplugged since the opening: nothing is worth waiting for any more.
-  // Selects the instrument.
+  // Instrument `index` was unplugged since the opening: every exchange with it fails.
   bool InstrumentLost(int index);
 
   // wait > 0: ms to wait afterwards; < 0: poll until not busy; 0: none. Returns the failing send's status,

@@ -91,14 +91,9 @@ std::string GpFrontEnd::LibraryProblem() const {
   return problem;
 }
 
-bool GpFrontEnd::ConnectionLost() const {
-  return std::any_of(backends_.begin(), backends_.end(),
-                     [](const auto& backend) { return backend && backend->ConnectionLost(); });
-}
-
-bool GpFrontEnd::DeviceLost(std::int16_t address) const {
+bool GpFrontEnd::ConnectionLost(std::int16_t address) const {
   const GpFamily* backend = Current();
-  return backend && backend->DeviceLost(address);
+  return backend && backend->ConnectionLost(address);
 }
 
 }  // namespace corlune

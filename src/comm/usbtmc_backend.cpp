@@ -156,11 +156,7 @@ CommStatus UsbTmcMdl::Exchanged(ViStatus status, std::size_t index) {
   return Converted(status);
 }
 
-bool UsbTmcMdl::ConnectionLost() const {
-  return std::any_of(lost_.begin(), lost_.end(), [](bool lost) { return lost; });
-}
-
-bool UsbTmcMdl::DeviceLost(std::int16_t address) const {
+bool UsbTmcMdl::ConnectionLost(std::int16_t address) const {
   return address >= 0 && static_cast<std::size_t>(address) < lost_.size() &&
          lost_[static_cast<std::size_t>(address)];
 }

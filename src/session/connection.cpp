@@ -65,7 +65,12 @@ void Session::GoOffline() {
 }
 
 void Session::NoticeLostConnection() {
-  if (state_.Online == 1 && state_.Connected && Idle() && Gp().ConnectionLost()) GoOffline();
+  if (state_.Online != 1 || !state_.Connected || !Idle()) return;
+  for (int i = 0; i < state_.InstrumentCount; ++i) {
+    if (!commands_->InstrumentLost(i)) continue;
+    GoOffline();
+    return;
+  }
 }
 
 void Session::ForgetInstrumentMemory() {
