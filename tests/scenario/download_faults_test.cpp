@@ -90,6 +90,7 @@ struct DownloadBench : BenchRig {
     sequence.Cell(0, 0, kSlotWaveform).Value = kWaveUser;
     sequence.Cell(0, 0, kSlotArbNumber).Value = 1;
     sequence.Channels.ArbFiles[0].FilePath = std::string(CORLUNE_DATA) + "/examples/chirp.txt";
+    sequence.Channels.ArbFiles[1] = sequence.Channels.ArbFiles[0];  // no step plays it
   }
   const DownloadOutcome& Outcome() { return session->Download().Outcome(); }
   void ExpectSaid(EventList messages) {
