@@ -100,9 +100,6 @@ CommStatus CommandLayer::CloseInstrumentInterface() {
   // The kinds that were opened, not those of the present set-up: that may have changed since.
   std::vector<InterfaceKind> kinds;
   kinds.swap(openKinds_);
-  if (kinds.empty()) {
-    for (const KindInUse& row : KindsInUse(state_)) kinds.push_back(row.kind);
-  }
   CommStatus first = CommStatus::Success;
   for (const InterfaceKind& kind : kinds) {
     state_.CurrentInterface = kind;

@@ -32,7 +32,7 @@ class CommandLayer {
   // that list. Sets CurrentInterface. `failedInstrument` (may be null) gets the 0-based index of the first
   // instrument whose kind failed to open.
   [[nodiscard]] bool OpenInstrumentInterface(int* failedInstrument = nullptr);
-  // One GP_End for each kind that was opened; the status of instrument 0's.
+  // One GP_End for each kind that was opened, nothing for the others; the status of the first.
   CommStatus CloseInstrumentInterface();
 
   // Points CurrentInterface at instrument `index` (0..4) and returns its address for SendCommand; outside the

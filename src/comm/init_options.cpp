@@ -44,6 +44,10 @@ std::string InitOptions::ValueAsWritten(std::string_view key) const {
   return std::string(Slice(key, text_).value_or(std::string_view()));
 }
 
+std::string InitOptions::LogPath(const std::string& folder) const {
+  return PathBelow(folder, ValueAsWritten("LOG_FILE"));
+}
+
 std::int16_t InitOptions::Number(std::string_view key) const {
   return static_cast<std::int16_t>(std::clamp(LeadingInteger(Value(key)), INT16_MIN, INT16_MAX));
 }

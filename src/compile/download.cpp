@@ -6,6 +6,7 @@
 #include <optional>
 #include <span>
 
+#include "comm/gp_codes.h"
 #include "compile/block_header.h"
 #include "compile/sequence_text.h"
 #include "compile/step_flow.h"
@@ -23,8 +24,6 @@ namespace {
 constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
-// A result of the compiler library that is no failure, like 0.
-constexpr std::int32_t kResultAlsoGood = 268763136;
 
 constexpr int kMessageIllegal = 9400;
 constexpr int kMessageNoBlocks = 9600;
@@ -41,19 +40,19 @@ bool IsNameText(const std::string& name) {
 // Catalogue id of the parameter that a compiler error names; 0 for a code without one.
 int ParameterMessage(std::int32_t code) {
   switch (code) {
-    case 40:
+    case CMPLSEQ_ERROR_FREQUENCY:
       return 9314;
-    case 41:
+    case CMPLSEQ_ERROR_LEVEL:
       return 9315;
-    case 42:
+    case CMPLSEQ_ERROR_DUTY:
       return 9316;
-    case 4099:
+    case CMPLSEQ_ERROR_ARB_UNREADABLE:
       return 9318;
-    case 4100:
+    case CMPLSEQ_ERROR_ARB_MISSING:
       return 9319;
-    case 4101:
+    case CMPLSEQ_ERROR_MEMORY_FULL:
       return 9320;
-    case 4102:
+    case CMPLSEQ_ERROR_TOO_COMPLEX:
       return 9321;
     default:
       return 0;
@@ -173,7 +172,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
     ReportCompileError(record);
     return -1;
   }
-  if (result != 0 && result != kResultAlsoGood) {
+  if (result != 0 && result != CMPLSEQ_RESULT_ALSO_GOOD) {
     ports_.prompts.Message(
         {catalogue_.GetResString(kMessageIllegal), PromptIcon::None, PromptButtons::Ok, "for Debug"});
   }
@@ -182,8 +181,8 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
 
 void Downloader::ReportCompileError(const CompileErrorRecord& record) {
   std::string text = catalogue_.GetResString(ParameterMessage(record.Code));
-  if (record.Code < 4101) {
-    const std::int32_t second = record.Code == 40 ? record.PositionA : record.PositionC;
+  if (record.Code < CMPLSEQ_ERROR_MEMORY_FULL) {
+    const std::int32_t second = record.Code == CMPLSEQ_ERROR_FREQUENCY ? record.PositionA : record.PositionC;
     text = catalogue_.GetResString(9313,
                                    {std::to_string(record.Channel + 1),
                                     std::to_string(record.PositionB) + " , " + std::to_string(second), text});
@@ -213,20 +212,22 @@ DownloadEnd Downloader::SendWaveforms() {
   MarkUsedArbs();
   const int failed = TransferUsedArbs();
   if (failed == 0) return DownloadEnd::Done;
-  if (transferEnd_ == ArbTransfer::NotSent) return DownloadEnd::NotSent;
-  const auto index = static_cast<std::size_t>(failed - 1);
-  outcome_.Detail = sequence_.Channels.ArbFiles[index].FilePath + ": " + waveforms_.Reason();
+  const bool refused = transferEnd_ == ArbTransfer::FileRefused;
   // A file with a wrong extension has just been refused with the same message.
-  if (waveforms_.Problem() != WaveformProblem::BadExtension) {
+  if (!refused || waveforms_.Problem() != WaveformProblem::BadExtension) {
     ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
   }
+  if (transferEnd_ == ArbTransfer::ReplyUnreadable) return DownloadEnd::ReplyUnreadable;
+  if (!refused) return DownloadEnd::NotSent;
+  const auto index = static_cast<std::size_t>(failed - 1);
+  outcome_.Detail = sequence_.Channels.ArbFiles[index].FilePath + ": " + waveforms_.Reason();
   return DownloadEnd::Refused;
 }
 
 int Downloader::TransferUsedArbs() {
   transferEnd_ = ArbTransfer::Done;
   int failed = 0;
-  waveforms_.SetTimeOut(kTimeOutTransfer);
+  waveforms_.SetTimeOut(kTimeOut30s);
   for (int number = 1; number <= kArbNumbers; ++number) {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
     if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
@@ -235,13 +236,13 @@ int Downloader::TransferUsedArbs() {
     });
     if (transferEnd_ == ArbTransfer::Done) continue;
     if (transferEnd_ == ArbTransfer::MemoryFull) {
-      waveforms_.SetTimeOut(kTimeOutMemoryFull);
+      waveforms_.SetTimeOut(kTimeOut100ms);
     } else {
       failed = number;
     }
     break;
   }
-  waveforms_.SetTimeOut(kTimeOutUsual);
+  waveforms_.SetTimeOut(kTimeOut3s);
   return failed;
 }
 
@@ -270,7 +271,9 @@ DownloadEnd Downloader::RecordInMemory() {
 
 DownloadEnd Downloader::WaitAndQueryError(std::int32_t milliseconds) {
   ShowTimedProgress(milliseconds, catalogue_.GetResString(9304));
-  outcome_.ErrorNumber = dialogues_.QueryErrorNumber();
+  const std::optional<std::int32_t> error = dialogues_.QueryErrorNumber();
+  if (!error) return DownloadEnd::ReplyUnreadable;
+  outcome_.ErrorNumber = *error;
   return outcome_.ErrorNumber == 0 ? DownloadEnd::Done : DownloadEnd::InstrumentError;
 }
 
@@ -279,7 +282,8 @@ DownloadEnd Downloader::TakeOver() {
   if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), ":TRIG:COMP", 0))) {
     return DownloadEnd::NotSent;
   }
-  return dialogues_.WaitCompileDone() ? DownloadEnd::Done : DownloadEnd::NotCompiled;
+  if (dialogues_.WaitCompileDone()) return DownloadEnd::Done;
+  return commands_.InstrumentLost(0) ? DownloadEnd::NotSent : DownloadEnd::NotCompiled;
 }
 
 void Downloader::ShowTimedProgress(std::int32_t milliseconds, const std::string& text) {

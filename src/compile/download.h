@@ -27,6 +27,7 @@ enum class DownloadEnd {
   Refused,          // the sequence, its waveform files or the compiler; a message said why
   NotSent,          // an exchange with the instrument failed
   InstrumentError,  // the instrument reported an error number
+  ReplyUnreadable,  // its reply to the error query is no error number
   NotCompiled,      // the instrument did not take the sequence over
 };
 

@@ -376,6 +376,7 @@ constexpr CatalogueText kRows[] = {
 
     // Added texts: instrument and download.
     {9600, "The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"},
+    {9780, "The instrument's answer to the error query cannot be read. The download has ended.", "エラー問い合わせに対する機器の応答を読み取れません。ダウンロードを終了しました。"},
 };
 // clang-format on
 

@@ -187,7 +187,8 @@ std::optional<std::string_view> FindProfileValue(std::string_view file, std::str
 
 std::string ReadProfileString(std::string_view file, std::string_view section, std::string_view key,
                               std::string_view defaultValue, std::size_t size, int codePage) {
-  const std::string_view value = FindProfileValue(file, section, key, codePage).value_or(defaultValue);
+  const std::string_view usual = defaultValue.substr(0, defaultValue.find_last_not_of(' ') + 1);
+  const std::string_view value = FindProfileValue(file, section, key, codePage).value_or(usual);
   return std::string(value.substr(0, size == 0 ? 0 : size - 1));
 }
 
@@ -229,7 +230,8 @@ std::string WriteProfileString(std::string_view file, std::string_view section,
     last = line;
     if (IsComment(line.text) || !SameName(KeyOf(line.text), wanted, codePage)) continue;
     if (!value) return Splice(file, line.begin, line.end, {});
-    return Splice(file, line.begin, line.end, EntryLine(*key, *value, LineEndOf(file, line)));
+    // The key stays as the file spells it.
+    return Splice(file, line.begin, line.end, EntryLine(KeyOf(line.text), *value, LineEndOf(file, line)));
   }
   if (!value) return std::string(file);
   return InsertLines(file, last, EntryLine(*key, *value, LineEndOf(file, last)));

@@ -48,8 +48,6 @@ bool Session::OpenConnection() {
   }
   ShowMessage(ports_.prompts, catalogue_, 9201, PromptIcon::Exclamation, PromptButtons::Ok,
               {std::to_string(failed + 1)});
-  // Kinds that did open are given back.
-  commands_->CloseInstrumentInterface();
   state_.Online = 0;
   return false;
 }

@@ -255,8 +255,7 @@ void MainWindow::ShowAbout() {
 }
 
 std::string MainWindow::CommLogPath() const {
-  const InitOptions options(session_.Definition().Commands.LibraryInit);
-  return PathBelow(session_.State().AppFolder, options.ValueAsWritten("LOG_FILE"));
+  return InitOptions(session_.Definition().Commands.LibraryInit).LogPath(session_.State().AppFolder);
 }
 
 void MainWindow::ShowCommLog() {

@@ -198,7 +198,7 @@ void FrmPreview::Impl::Draw() {
 void FrmPreview::Impl::FollowRun() {
   const bool shown = measuring && StepUnderWay();
   canvas->ShowCurrentStep(shown ? std::optional<int>(state.CurrentStep) : std::nullopt,
-                          ColorOf(definition.Common.CurrentCell));
+                          ColorOf(definition.CurrentStep));
   if (!shown) canvas->ShowMarker(std::nullopt, ColorOf(definition.Indicator));
 }
 

@@ -25,6 +25,7 @@ TEST(UsbTmc, AnUnpluggedInstrumentIsNoted) {
   backend.GP_Time_Out(kTimeOut300ms);
   EXPECT_TRUE(backend.ConnectionLost(0));
   EXPECT_EQ(backend.LibraryProblem(), "USB0::A was unplugged: status BFFF00A6");
+  EXPECT_FALSE(backend.ConnectionLost(1)) << "another device";
   backend.GP_End();
   EXPECT_TRUE(backend.ConnectionLost(0)) << "until it is opened again";
   ASSERT_EQ(backend.GP_Init("USBTMC_NAME=USB0::A", true), CommStatus::Success);

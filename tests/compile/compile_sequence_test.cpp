@@ -137,21 +137,6 @@ TEST(Waveforms, MarksEveryNumberOfTheTable) {
   EXPECT_EQ(rig.Entry(128).UseFlag, 0);
 }
 
-TEST(Waveforms, OnlyWhatTheInstrumentLacksIsSent) {
-  DownloadRig rig;
-  for (const int number : {1, 2, 3, 4}) {
-    rig.GiveFile(number);
-    rig.Entry(number).UseFlag = 1;
-  }
-  rig.Entry(1).UseFlag = 0;
-  rig.Entry(2).Transferred = 1;
-  rig.Entry(5).UseFlag = 1;  // no file
-  EXPECT_EQ(rig.downloader.TransferUsedArbs(), 0);
-  ASSERT_EQ(rig.script.Blocks().size(), 2u);
-  EXPECT_EQ(rig.script.Blocks()[0].header, ":TRACe:DATA 3,\"Arb3\",#48200");
-  EXPECT_EQ(rig.script.Blocks()[1].header, ":TRACe:DATA 4,\"Arb4\",#48200");
-}
-
 TEST(Waveforms, AnotherErrorNumberDoesNotStopTheTransfer) {
   DownloadRig rig;
   rig.GiveFile(1);

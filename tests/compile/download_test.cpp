@@ -82,23 +82,6 @@ TEST(Download, AnErrorNumberEndsIt) {
   }
 }
 
-TEST(Download, SequenceNumberZeroIsNotRecorded) {
-  const std::pair<std::size_t, const char*> lengths[] = {
-      {9, "#19"}, {99999, "#599999"}, {100000, "#6100000"}};
-  for (const auto& [length, ending] : lengths) {
-    DownloadRig rig;
-    rig.compiler.binary = std::string(length, '\xFF');
-    rig.sequence->SequenceNumber = 0;
-    rig.prompts.Type("x");
-    EXPECT_TRUE(rig.downloader.DownloadSequence());
-    EXPECT_EQ(rig.prompts.inputRequests[0].defaultText, "Seq0");
-    EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC"), 0);
-    ASSERT_EQ(rig.script.Blocks().size(), 1u);
-    EXPECT_EQ(rig.script.Blocks()[0].header, std::string(":TRAC:SEQ 0,\"x\",") + ending);
-    EXPECT_EQ(rig.script.Blocks()[0].data.size(), length);
-  }
-}
-
 TEST(Download, NameQuestion) {
   struct Case {
     std::vector<std::optional<std::string>> typed;
@@ -133,20 +116,6 @@ TEST(Download, NameQuestion) {
   }
 }
 
-TEST(Download, OfflineOnlyTheRunTimesAreComputed) {
-  DownloadRig rig;
-  rig.state.Online = 0;
-  rig.sequence->Steps[1].JumpOn = 1;
-  rig.sequence->Steps[1].JumpTo = 1;
-  EXPECT_TRUE(rig.downloader.DownloadSequence());
-  EXPECT_THAT(rig.events, ElementsAre("total -1"));
-  EXPECT_EQ(rig.state.TotalTime, -1);
-  EXPECT_EQ(rig.state.TotalTimeSecond, -1);
-  EXPECT_EQ(rig.sequence->Steps[0].StepRunTime, 1500);
-  EXPECT_EQ(rig.script.Count(), 0u);
-  EXPECT_EQ(rig.compiler.calls, 0);
-}
-
 TEST(Download, InterfacesWithoutBlocksAskFirst) {
   for (const InterfaceKind kind : {InterfaceKind::NiGpib, InterfaceKind::KiGpib, InterfaceKind::Usb488}) {
     DownloadRig cancelled;
@@ -179,16 +148,6 @@ TEST(Download, ASecondDownloadInsideAWaitIsRefused) {
   EXPECT_GT(attempts, 20);
   EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
   EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Done);
-}
-
-TEST(Download, TimedProgress) {
-  const std::pair<std::int32_t, int> cases[] = {{1000, 1}, {1500, 1}, {2500, 3}, {25000, 25}, {400, 0}};
-  for (const auto& [milliseconds, seconds] : cases) {
-    DownloadRig rig;
-    rig.downloader.ShowTimedProgress(milliseconds, "text");
-    EXPECT_EQ(rig.progress.advances, seconds) << milliseconds;
-    EXPECT_EQ(rig.clock.Now(), 1000u + 1000u * static_cast<unsigned>(seconds));
-  }
 }
 
 TEST(Download, WorksInTheTransferFolderWhenThereIsOne) {

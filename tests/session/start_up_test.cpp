@@ -199,7 +199,7 @@ TEST(StartUp, TheConsoleTakesModelAndSetUpFromTheFile) {
   ASSERT_TRUE(rig.session->StartUpFromFile(rig.folder.File("my.ini")));
   EXPECT_EQ(rig.session->State().ModelName, "QM2220");
   EXPECT_EQ(rig.session->State().ModelIndex, 1);
-  EXPECT_EQ(rig.session->Definition().Sequence.Params.size(), 11U);
+  EXPECT_EQ(rig.session->Definition().Sequence.Params[0][kSlotFrequency].Name, "Frequency");
   EXPECT_EQ(rig.session->Sequence().StepCount, 3);
 
   EXPECT_EQ(rig.session->Connect({}), ConnectResult::NoneFound);
