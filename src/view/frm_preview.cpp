@@ -16,10 +16,10 @@
 
 #include "core/time_text.h"
 #include "editing/control_states.h"
+#include "graph/graph_picture.h"
 #include "sequence/channel_tabs.h"
 #include "view/area_settings.h"
 #include "view/graph_canvas.h"
-#include "view/graph_picture.h"
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
 

@@ -13,7 +13,7 @@
 #include <QSize>
 #include <QString>
 
-#include "view/graph_picture.h"
+#include "graph/graph_picture.h"
 
 namespace corlune {
 

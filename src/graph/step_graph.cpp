@@ -1,4 +1,4 @@
-#include "view/step_graph.h"
+#include "graph/step_graph.h"
 
 #include <algorithm>
 #include <cmath>
