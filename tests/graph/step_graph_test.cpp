@@ -2,9 +2,9 @@
 #include "graph/step_graph.h"
 
 #include <cmath>
-#include <random>
 
 #include "graph/graph_rig.h"
+#include "graph/plot_lines.h"
 
 namespace corlune {
 namespace {
@@ -242,23 +242,11 @@ TEST(TicksTest, AreTheFinestNiceRow) {
   }
 }
 
-TEST(TicksTest, StayInsideAnyRangeAndTellTheirValuesApart) {
-  std::mt19937 random(4711);
-  std::uniform_real_distribution<double> mantissa(-10, 10);
-  std::uniform_int_distribution<int> exponent(-6, 8);
-  for (int i = 0; i < 2000; ++i) {
-    const double low = mantissa(random) * std::pow(10, exponent(random));
-    const ValueRange range{low, low + std::fabs(mantissa(random)) * std::pow(10, exponent(random)) + 1e-7};
-    if (range.High - range.Low < std::fabs(low) * 1e-8) continue;
-    const AxisTicks ticks = NiceTicks(range, 8);
-    const double slack = (range.High - range.Low) * 1e-6;
-    ASSERT_GE(ticks.Values.size(), 2U) << range.Low << " " << range.High;
-    ASSERT_LE(ticks.Values.size(), 8U);
-    EXPECT_GE(ticks.Values.front(), range.Low - slack);
-    EXPECT_LE(ticks.Values.back(), range.High + slack);
-    EXPECT_NE(TickText(ticks.Values[0], ticks), TickText(ticks.Values[1], ticks))
-        << range.Low << " " << range.High;
-  }
+TEST(TicksTest, LeaveRoomForTheirTexts) {
+  // A text takes 7 pixels a character: ten seconds on 100 pixels have room for "0" to "10" by fives.
+  const TickRoom room{10, 8, [](const std::string& text) { return 7.0 * static_cast<double>(text.size()); }};
+  EXPECT_EQ(FittingTicks({0, 10}, 10, room).Step, 5);
+  EXPECT_EQ(ChoiceTicks({-1, 3}, 3, 9).Values, (std::vector<double>{0, 1, 2}));
 }
 
 TEST(VisibleLinesTest, StayNearThePlotAtAnyZoom) {
