@@ -130,7 +130,6 @@ FaultPlan::FaultPlan(std::vector<Fault> faults) {
 
 ExchangeVerdict FaultPlan::Next(ExchangeKind kind, std::string_view message) {
   if (unplugged_) return {ExchangeVerdict::Kind::Gone, 0};
-  ++exchanges_;
   if (kind == ExchangeKind::Write) replyFault_.reset();
   ExchangeVerdict verdict;
   for (Entry& entry : entries_) {
