@@ -121,7 +121,7 @@ struct ModelDefinition {
   SequenceAreaDef Sequence;
   BranchAreaDef Branches;
   // SA_PRMUSC: user-unit capability by channel slot 0..2 and parameter slot 0..10.
-  std::array<std::array<std::int32_t, 11>, 3> UserUnitCapability{};
+  std::array<std::array<std::int32_t, kAreaParams>, 3> UserUnitCapability{};
 
   CommandTable Commands;
 
