@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "comm/gp_codes.h"
+#include "core/ascii_case.h"
 #include "core/numbers.h"
 
 namespace corlune {
@@ -37,18 +38,11 @@ std::vector<KindInUse> KindsInUse(const AppState& state) {
   return kinds;
 }
 
-bool EndsWithInstr(const std::string& name) {
-  constexpr std::string_view kClass = "INSTR";
-  if (name.size() < kClass.size()) return false;
-  return std::equal(kClass.begin(), kClass.end(), name.end() - static_cast<std::ptrdiff_t>(kClass.size()),
-                    [](char upper, char c) { return c == upper || c == upper - 'A' + 'a'; });
-}
-
 // A serial number that is a resource name already stays as it is.
 std::string ResourceName(const std::string& prefix, const std::string& serialNo) {
   if (serialNo.find("::") != std::string::npos) return serialNo;
   std::string name = prefix + serialNo;
-  if (!EndsWithInstr(name)) name += "::INSTR";
+  if (!EndsWithIgnoringCase(name, "INSTR")) name += "::INSTR";
   return name;
 }
 

@@ -3,24 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "core/ascii_case.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/profile_file.h"
 
 namespace corlune {
 
-namespace {
-
-// ASCII only, so that every other character of a UTF-8 text keeps its bytes and its place.
-char Upper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-}  // namespace
-
-InitOptions::InitOptions(std::string_view text) : text_(text), upper_(text) {
-  std::transform(upper_.begin(), upper_.end(), upper_.begin(), Upper);
-}
+InitOptions::InitOptions(std::string_view text) : text_(text), upper_(UpperAscii(text)) {}
 
 bool InitOptions::Has(std::string_view key) const {
   return upper_.find(key) != std::string::npos;

@@ -11,6 +11,7 @@
 
 #include "compile/sequence_text.h"
 #include "compile/transfer_file.h"
+#include "core/ascii_case.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/profile_file.h"
@@ -29,14 +30,6 @@ constexpr std::size_t kCommonFields = 5;
 constexpr std::size_t kStepFields = 14;
 constexpr std::size_t kChannelFields = 15;
 
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return upper;
-}
-
 // Reads the fields of one line and remembers whether one of them was malformed.
 class FieldReader {
  public:
@@ -53,7 +46,7 @@ class FieldReader {
   // A number as it is, "ON" in any case 1, any other word 0.
   double OnOffValue(std::size_t field) const {
     if (const std::optional<double> number = ParseNumber(Raw(field))) return *number;
-    return Upper(Word(field)) == "ON" ? 1 : 0;
+    return UpperAscii(Word(field)) == "ON" ? 1 : 0;
   }
   std::int16_t OnOffFlag(std::size_t field) { return Checked(ToInt16(OnOffValue(field))); }
 
@@ -110,7 +103,7 @@ bool ReadStepLine(std::string_view line, StepRow& row) {
 
 int WaveformCodeOf(std::string_view word) {
   constexpr std::array<std::string_view, 5> kWords{"SIN", "SQU", "NOIS", "DC", "USER"};
-  const auto* const found = std::find(kWords.begin(), kWords.end(), Upper(word));
+  const auto* const found = std::find(kWords.begin(), kWords.end(), UpperAscii(word));
   return found == kWords.end() ? kWaveSine : static_cast<int>(found - kWords.begin());
 }
 
@@ -179,7 +172,7 @@ bool FirstTime(ReceivedSteps& seen, int slot) {
 
 void ReadEntry(const IniEntry& entry, int channels, SequenceData& sequence, SeenKeys& seen,
                ReceivedSteps& received) {
-  const std::string key = Upper(TrimBlanks(entry.key));
+  const std::string key = UpperAscii(TrimBlanks(entry.key));
   const std::string_view value = TrimBlanks(entry.rawValue).substr(0, kValueLength);
   if (value.empty() || value[0] == '\0') return;
   const std::string_view indexText = std::string_view(key).substr(std::min<std::size_t>(5, key.size()));

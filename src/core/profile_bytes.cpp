@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/ascii_case.h"
 #include "platform/code_page.h"
 
 namespace corlune {
@@ -17,15 +18,11 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool SameName(std::string_view a, std::string_view b, int codePage) {
   if (a.size() != b.size()) return false;
   bool trail = false;
   for (std::size_t i = 0; i < a.size(); ++i) {
-    if (trail ? a[i] != b[i] : Lower(a[i]) != Lower(b[i])) return false;
+    if (trail ? a[i] != b[i] : !SameAsciiLetter(a[i], b[i])) return false;
     trail = !trail && IsLeadByte(static_cast<unsigned char>(a[i]), codePage);
   }
   return true;

@@ -3,6 +3,7 @@
 #include <memory>
 #include <utility>
 
+#include "core/ascii_case.h"
 #include "core/profile_file.h"
 #include "sequence/defaults.h"
 #include "sequence/profile_lines.h"

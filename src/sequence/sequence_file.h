@@ -23,6 +23,9 @@ namespace corlune {
 
 enum class SequenceFileForm { Work = 0, User = 1 };
 
+// ".dat" or ".daf" in any letter case: the endings of user files.
+bool HasSequenceFileEnding(std::string_view path);
+
 // The definition of the named model, with the whole model list and interface table; null when the model is
 // not in the list. The result must live until the load is done.
 using DefinitionFor = std::function<const ModelDefinition*(const std::string& model)>;

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/ascii_case.h"
 #include "sequence/regular_file.h"
 #include "sequence/text_waveform.h"
 
@@ -188,14 +189,6 @@ void ReadTextFile(RegularFile& file, WaveformRead& read) {
   if (read.problem == WaveformProblem::None) Finish(read, true, values.Count(), block, kPointBytes);
 }
 
-bool HasEnding(std::string_view path, std::string_view lowerEnding) {
-  if (path.size() < lowerEnding.size()) return false;
-  path.remove_prefix(path.size() - lowerEnding.size());
-  return std::equal(path.begin(), path.end(), lowerEnding.begin(), [](char c, char lower) {
-    return c == lower || (c >= 'A' && c <= 'Z' && (c | 0x20) == lower);
-  });
-}
-
 }  // namespace
 
 int MessageOf(WaveformProblem problem) {
@@ -235,8 +228,8 @@ void ReadArbFile(const std::string& path, WaveformRead& read) {
   RegularFile file(path);
   if (!file.IsOpen())
     return Fail(read, WaveformProblem::CannotAccess, "there is no such file, or it cannot be opened");
-  if (HasEnding(path, "txt")) return ReadTextFile(file, read);
-  if (HasEnding(path, "wdb")) return ReadEditorFile(file, read);
+  if (EndsWithIgnoringCase(path, "txt")) return ReadTextFile(file, read);
+  if (EndsWithIgnoringCase(path, "wdb")) return ReadEditorFile(file, read);
   Fail(read, WaveformProblem::BadExtension, "neither a .wdb nor a .txt file");
 }
 

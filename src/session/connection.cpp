@@ -25,9 +25,9 @@ int Conflict(const InstrumentEntry& a, const InstrumentEntry& b) {
   return 0;
 }
 
-std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSetup& setup,
+std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSettings& setup,
                                                        const ModelInterfaceSpec& model) {
-  auto instruments = setup.instruments;
+  auto instruments = setup.Instruments;
   for (InstrumentEntry& entry : instruments) {
     if (entry.Interface < 0 || entry.Interface >= static_cast<int>(model.InterfaceNames.size())) continue;
     const std::string& name = model.InterfaceNames[static_cast<std::size_t>(entry.Interface)];
@@ -159,9 +159,9 @@ bool Session::SetupChangedSince(const SystemSettings& before) const {
   return false;
 }
 
-int Session::CheckSetup(const SystemSetup& setup) const {
-  const auto count = static_cast<std::size_t>(std::clamp<int>(setup.instrumentCount, 1, kMaxInstruments));
-  const int model = definition_.IndexOfModel(setup.modelName);
+int Session::CheckSetup(const SystemSettings& setup) const {
+  const auto count = static_cast<std::size_t>(std::clamp<int>(setup.InstrumentCount, 1, kMaxInstruments));
+  const int model = definition_.IndexOfModel(setup.ModelName);
   const auto instruments = WithKinds(setup, definition_.InterfaceOf(model));
   int channels = 0;
   for (std::size_t i = 0; i < count; ++i) channels += instruments[i].ChannelCount;
@@ -174,15 +174,15 @@ int Session::CheckSetup(const SystemSetup& setup) const {
   return 0;
 }
 
-bool Session::ApplySetup(const SystemSetup& setup) {
+bool Session::ApplySetup(const SystemSettings& setup) {
   if (!MayReplaceSequence() || !control_->AgreeToGoOn()) return false;
   const WorkGuard guard(activity_, Work::Exchange);
-  const bool newModel = setup.modelName != state_.ModelName;
+  const bool newModel = setup.ModelName != state_.ModelName;
   if (newModel) {
     auto definition = std::make_unique<ModelDefinition>(definition_);
     AppState next = state_;
-    next.ModelName = setup.modelName;
-    next.ModelIndex = static_cast<std::int16_t>(std::max(0, definition_.IndexOfModel(setup.modelName)));
+    next.ModelName = setup.ModelName;
+    next.ModelIndex = static_cast<std::int16_t>(std::max(0, definition_.IndexOfModel(setup.ModelName)));
     if (!AskToSave()) return false;
     if (!LoadDefinitionOf(next, *definition, true)) return false;
     state_.ModelName = next.ModelName;
@@ -192,7 +192,7 @@ bool Session::ApplySetup(const SystemSetup& setup) {
     ClearSequence();
   }
   state_.InstrumentCount =
-      static_cast<std::int16_t>(std::clamp<int>(setup.instrumentCount, 1, kMaxInstruments));
+      static_cast<std::int16_t>(std::clamp<int>(setup.InstrumentCount, 1, kMaxInstruments));
   state_.Instruments = WithKinds(setup, definition_.InterfaceOf(state_.ModelIndex));
   ApplySimulated();
   ports_.display.SequenceReplaced(newModel ? SequenceChange::New : SequenceChange::SetupChanged);

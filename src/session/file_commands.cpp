@@ -19,14 +19,6 @@ SequenceFileForm FormOf(const std::string& path) {
   return bytes ? DetectForm(DecodeText(*bytes)).value_or(SequenceFileForm::User) : SequenceFileForm::User;
 }
 
-// A name without the extension of a sequence file gets one when it is written.
-bool HasSequenceExtension(const std::string& path) {
-  if (path.size() < 4) return false;
-  std::string ending = path.substr(path.size() - 4);
-  for (char& c : ending) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-  return ending == ".dat" || ending == ".daf";
-}
-
 }  // namespace
 
 void Session::ClearSequence() {
@@ -40,7 +32,8 @@ void Session::ShowWriteProblem(const std::string& path, const std::string& error
 }
 
 bool Session::WriteUserFile(std::string path) {
-  if (!HasSequenceExtension(path)) {
+  // A name without the ending of a sequence file gets one when it is written.
+  if (!HasSequenceFileEnding(path)) {
     // The file dialog asked about the name that was typed, not about this one.
     path += ".dat";
     if (FileExists(path) && ShowMessage(ports_.prompts, catalogue_, 9643, PromptIcon::Question,

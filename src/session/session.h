@@ -46,13 +46,6 @@ struct StartUpChecks {
 
 enum class ConnectResult { Connected, NoneFound, SeveralFound, NotFound, OpenFailed, Offline };
 
-// The system set-up as a dialog edits it.
-struct SystemSetup {
-  std::string modelName;
-  std::int16_t instrumentCount = 1;
-  std::array<InstrumentEntry, kMaxInstruments> instruments{};  // InterfaceKind follows from Interface
-};
-
 class Session {
  public:
   Session(const SessionPorts& ports, SessionOptions options, const MakeOutsideParts& makeParts);
@@ -93,13 +86,14 @@ class Session {
   // --- instrument -----------------------------------------------------------------------------------
   // Reads the sequence in memory SequenceNumber back (message 9207 on failure, sequence unchanged).
   bool ReadBack();
+  // Of a set-up count the model name, not its index, and each interface, not its kind.
   // 0, or the message that refuses the set-up: 9302 too many channels, 9301 same address, 9309 same serial
   // number.
-  int CheckSetup(const SystemSetup& setup) const;
+  int CheckSetup(const SystemSettings& setup) const;
   // The set-up dialog's OK, after CheckSetup: model change with its save question and an empty sequence, new
   // set-up, reconnect, model check. False when nothing was changed: the person cancelled the save question,
   // or the model's definition could not be loaded.
-  bool ApplySetup(const SystemSetup& setup);
+  bool ApplySetup(const SystemSettings& setup);
   // Records the serial number of instrument 0.
   void SelectSerial(const std::string& serialNo);
   // Closes and opens everything, checks the models, queries the waveform directory.

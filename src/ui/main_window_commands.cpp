@@ -13,6 +13,7 @@
 #include "compile/download_outcome_text.h"
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_comm_log.h"
+#include "sequence/sequence_file.h"
 #include "ui/entry_field.h"
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
@@ -31,8 +32,7 @@ QString SequenceFileIn(const QMimeData* data) {
   const QList<QUrl> urls = data->urls();
   if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
   const QString path = urls.front().toLocalFile();
-  const QString suffix = QFileInfo(path).suffix().toLower();
-  return suffix == QLatin1String("dat") || suffix == QLatin1String("daf") ? path : QString();
+  return HasSequenceFileEnding(path.toStdString()) ? path : QString();
 }
 
 }  // namespace

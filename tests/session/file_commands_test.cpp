@@ -277,8 +277,8 @@ TEST(SystemSetup, IsCheckedBeforeItIsApplied) {
   };
   EditedRig rig;
   for (const Row& row : rows) {
-    SystemSetup setup{"QM2220", static_cast<std::int16_t>(row.entries.size()), {}};
-    std::copy(row.entries.begin(), row.entries.end(), setup.instruments.begin());
+    SystemSettings setup{"QM2220", 0, static_cast<std::int16_t>(row.entries.size()), {}};
+    std::copy(row.entries.begin(), row.entries.end(), setup.Instruments.begin());
     EXPECT_EQ(rig.session->CheckSetup(setup), row.message);
   }
 }
@@ -302,8 +302,8 @@ TEST(SystemSetup, AnotherInstrumentIsNotTrustedToHoldTheWaveforms) {
 }
 
 TEST(SystemSetup, AModelChangeAsksAndStartsAnEmptySequence) {
-  SystemSetup setup{"QM2220", 1, {}};
-  setup.instruments[0] = Entry(1, 9, "", 2);
+  SystemSettings setup{"QM2220", 0, 1, {}};
+  setup.Instruments[0] = Entry(1, 9, "", 2);
   EditedRig rig;
   rig.Answer(PromptAnswer::Cancel);
   EXPECT_FALSE(rig.session->ApplySetup(setup));
