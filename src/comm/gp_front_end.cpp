@@ -1,6 +1,5 @@
 #include "comm/gp_front_end.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <utility>
 
