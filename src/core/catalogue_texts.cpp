@@ -355,12 +355,15 @@ constexpr CatalogueText kRows[] = {
     {9520, "No instrument was found.", "機器が見つかりません。"},
     {9521, "Several instruments were found. Name one with --serial:$1", "複数の機器が見つかりました。--serial で指定してください：$1"},
     {9522, "The instrument with the serial number $1 was not found.", "シリアル番号 $1 の機器が見つかりません。"},
-    {9523, "The program stops as soon as the transfer has ended.", "転送が終わり次第、停止します。"},
+    {9523, "The program ends as soon as the block under way has been sent.", "送信中のブロックが終わり次第、終了します。"},
     {9525, "The instrument reported the error number $1. The download has ended.", "機器がエラー番号 $1 を報告しました。ダウンロードを終了しました。"},
     {9526, "The instrument did not take the sequence over. The download has ended.", "機器がシーケンスを受け付けませんでした。ダウンロードを終了しました。"},
     {9527, "No sequence name was given that the instrument can take. Use --name or --yes.", "機器が受け付けるシーケンス名が指定されていません。--name または --yes を使用してください。"},
     {9528, "The sequence execution did not end as it should. Check the instrument.", "シーケンス実行は正常に終了しませんでした。機器の状態を確認してください。"},
     {9524, "The sequence execution was stopped.", "シーケンス実行を停止しました。"},
+    {9750, "The transfer was ended. Nothing was started.", "転送を中止しました。シーケンスは開始していません。"},
+    {9751, "The instrument was told to stop once more and has taken it.", "停止コマンドを再送し、機器が受け付けました。"},
+    {9752, "The instrument could not be stopped and may still be running. Switch it off by hand.", "機器を停止できませんでした。実行中の可能性があります。機器を直接操作して停止してください。"},
 
     // Added texts: files and session.
     {9640, "The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"},

@@ -40,6 +40,7 @@ class RunMonitor {
   void FollowStep();
   void ScrollToStep();
   void MoveMarker();
+  void CountElapsed(std::uint32_t now);
   void ShowElapsed();
   bool RunEnded() const { return measure_.EndCount() != endCountAtStart_; }
 

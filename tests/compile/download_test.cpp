@@ -128,7 +128,7 @@ TEST(Download, NameQuestion) {
     }
     EXPECT_TRUE(rig.display.downloadEnabled);
     if (c.done) continue;
-    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Cancelled);
+    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::NoName);
     EXPECT_EQ(rig.script.Count(), 0u);
   }
 }
