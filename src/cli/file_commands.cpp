@@ -25,8 +25,7 @@ std::string WaveformComplaint(const MessageCatalogue& catalogue, const std::stri
                               const WaveformRead& read) {
   std::string text = path + ": ";
   if (const int message = MessageOf(read.problem); message != 0) text += catalogue.GetResString(message);
-  if (!read.reason.empty()) text += (text.back() == ' ' ? "" : " ") + read.reason;
-  return text;
+  return text + (text.back() == ' ' ? "" : " ") + ReasonText(read.reason, catalogue);
 }
 
 }  // namespace

@@ -34,7 +34,7 @@ struct DownloadOutcome {
   DownloadEnd End = DownloadEnd::Done;
   std::int32_t ErrorNumber = 0;  // with InstrumentError
   // With Refused: what the message does not say, such as the file and the reason why it is no waveform, or
-  // where the compiler library was looked for. In English; empty when there is nothing to add.
+  // where the compiler library was looked for (in the system's words). Empty when there is nothing to add.
   std::string Detail;
 };
 
