@@ -373,6 +373,7 @@ constexpr CatalogueText kRows[] = {
     {9750, "The transfer was ended. Nothing was started.", "転送を中止しました。シーケンスは開始していません。"},
     {9751, "The instrument was told to stop once more and has taken it.", "停止コマンドを再送し、機器が受け付けました。"},
     {9752, "The instrument could not be stopped and may still be running. Switch it off by hand.", "機器を停止できませんでした。実行中の可能性があります。機器を直接操作して停止してください。"},
+    {9753, "Standard output could not be written.", "標準出力に書き込めませんでした。"},
 
     // Added texts: files and session.
     {9640, "The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"},
