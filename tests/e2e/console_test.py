@@ -12,6 +12,7 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
 import unittest
 
 PROGRAMS = os.path.abspath(sys.argv[1])
@@ -216,12 +217,14 @@ class Files(Bench):
             (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
-            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, "model name 1"),
+            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, "model name 1.*\\n.*off-line"),
+            # The same question without a person: No, which ends the program at once.
+            (virtual, {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, r"model name 1[^\n]*\n\Z"),
         ]
         for arguments, environment, says in cases:
             with self.subTest(arguments=arguments, environment=environment):
                 _, err = self.run_console(*arguments, code=1, **environment)
-                self.assertIn(says, err)
+                self.assertRegex(err, says)
         self.assertLessEqual(set(self.left_behind()), {"UseStep.txt"})
         self.assertEqual(os.listdir(self.temporary), [])
 
@@ -279,7 +282,8 @@ class RunToItsEnd(Runs):
 
 
 class RunIsStopped(Runs):
-    def test_control_c(self):
+    def interrupt(self, pattern):
+        """Runs until a line of the output matches, presses Ctrl+C there; what was said, and what was sent."""
         self.switch_log_on()
         process = self.start("run", self.quick_sequence(5), "--virtual-instrument", "--yes")
         guard = threading.Timer(90, process.kill)
@@ -288,7 +292,7 @@ class RunIsStopped(Runs):
         pressed = False
         for line in process.stdout:
             lines.append(line.decode())
-            if not pressed and re.search(r"  Step[^\d]*\d$", line.decode()):
+            if not pressed and re.search(pattern, line.decode()):
                 process.send_signal(signal.SIGINT)
                 pressed = True
         process.wait()
@@ -299,11 +303,46 @@ class RunIsStopped(Runs):
         self.assertTrue(pressed, said)
         self.assertEqual(process.returncode, 1, said)
         self.assertNotIn("The sequence execution was ended.", said)
-        sent = self.log()
+        self.assert_clean("UseStep.txt", "comm.log")
+        return said, self.log()
+
+    def test_control_c(self):
+        said, sent = self.interrupt(r"  Step[^\d]*\d$")
         self.assertEqual(sent.count(":TRIG1:SEL:EXEC STOP"), 1, said)
         # The stop is the last command; the status behind it is read, and the connection is closed.
         self.assertEqual(sent[-3:], [":TRIG1:SEL:EXEC STOP", ":STAT:OPER:CH1:COND?", "ALL < GP_END"])
-        self.assert_clean("UseStep.txt", "comm.log")
+
+
+class DownloadIsStopped(RunIsStopped):
+    def test_control_c(self):
+        said, sent = self.interrupt("ARB 1")
+        self.assertIn("Nothing was started.", said)
+        self.assertEqual(sent[-2:], [":SYST:ERR?", "ALL < GP_END"], said)
+
+
+class RunBreaksOff(Runs):
+    FAULTS = "text=3:-77@CST?"
+
+    def test_run(self):
+        self.switch_log_on()
+        _, err = self.run_console("run", self.quick_sequence(1), "--virtual-instrument", "--yes", code=1,
+                                  CORLUNE_VI_FAULTS=self.FAULTS)
+        self.assertIn("did not end as it should", err)
+        self.assertIn(":TRIG1:SEL:EXEC STOP", self.log())
+
+
+class ReadIsInterrupted(Runs):
+    def test_read(self):
+        self.switch_log_on()
+        process = self.start("--virtual-instrument", "read", "2")
+        while b":TRACe:SEQ" not in (read(log) if os.path.exists(log := os.path.join(self.folder, "comm.log")) else b""):
+            self.assertIsNone(process.poll())
+            time.sleep(0.05)
+        self.assertEqual(len(os.listdir(self.temporary)), 1)
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 1)
+        self.assert_clean("comm.log")
 
 
 class ReadIntoAFile(Runs):
@@ -348,7 +387,8 @@ def main():
     if sys.argv[3] == "files":
         suite = unittest.defaultTestLoader.loadTestsFromTestCase(Files)
         return unittest.TextTestRunner().run(suite).wasSuccessful()
-    return run_at_once([RunToItsEnd, RunIsStopped, ReadIntoAFile, ReadBreaksOff])
+    return run_at_once([RunToItsEnd, RunIsStopped, DownloadIsStopped, RunBreaksOff, ReadIsInterrupted, ReadIntoAFile,
+                        ReadBreaksOff])
 
 
 if __name__ == "__main__":
