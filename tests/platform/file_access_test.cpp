@@ -102,7 +102,7 @@ TEST(ReplaceFileBytes, AProcessKilledWhileWritingLeavesTheOldFile) {
   const int held = open(folder.Write(".corlune-1-0.tmp", "").c_str(), O_RDONLY);
   ASSERT_EQ(flock(held, LOCK_EX), 0);
   EXPECT_TRUE(ReplaceFileBytes(path, "new", nullptr));
-  EXPECT_EQ(Names(folder.Path()), (std::vector<std::string>{".corlune-1-0.tmp", "a.dat"}));
+  EXPECT_THAT(Names(folder.Path()), ::testing::UnorderedElementsAre(".corlune-1-0.tmp", "a.dat"));
   close(held);
   EXPECT_EQ(TempFolder::Read(path), "new");
 }
