@@ -81,6 +81,7 @@ Downloader::Downloader(AppState& state, const ModelDefinition& definition, Seque
 
 bool Downloader::DownloadSequence() {
   if (UnderWay()) return false;
+  endRequested_ = false;
   outcome_ = {};
   if (commands_.Online()) {
     if (!AgreeToInterface()) {
@@ -110,7 +111,7 @@ bool Downloader::AgreeToInterface() {
 }
 
 DownloadEnd Downloader::Send() {
-  if (!AskName()) return DownloadEnd::Cancelled;
+  if (!AskName()) return DownloadEnd::NoName;
   const std::string workFile = TransferFile(state_, kSendFileName);
   if (CompileSequence(workFile) != 0) return DownloadEnd::Refused;
 
@@ -121,10 +122,15 @@ DownloadEnd Downloader::Send() {
   }
   if (!dialogues_.PrepareSequenceMode()) return DownloadEnd::NotSent;
   DownloadEnd end = SendWaveforms();
-  if (end == DownloadEnd::Done) end = SendBlock(workFile);
-  if (end == DownloadEnd::Done && sequence_.SequenceNumber != 0) end = RecordInMemory();
-  if (end == DownloadEnd::Done) end = TakeOver();
+  if (GoesOn(end)) end = SendBlock(workFile);
+  if (GoesOn(end) && sequence_.SequenceNumber != 0) end = RecordInMemory();
+  if (GoesOn(end)) end = TakeOver();
   return end;
+}
+
+bool Downloader::GoesOn(DownloadEnd& end) const {
+  if (end == DownloadEnd::Done && endRequested_) end = DownloadEnd::Cancelled;
+  return end == DownloadEnd::Done;
 }
 
 bool Downloader::AskName() {
@@ -228,7 +234,7 @@ int Downloader::TransferUsedArbs() {
   transferEnd_ = ArbTransfer::Done;
   int failed = 0;
   waveforms_.SetTimeOut(kTimeOut30s);
-  for (int number = 1; number <= kArbNumbers; ++number) {
+  for (int number = 1; number <= kArbNumbers && !endRequested_; ++number) {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
     if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
     transferEnd_ = waveforms_.SendAndCheck(entry, number, [&](std::int32_t milliseconds) {

@@ -238,6 +238,12 @@ bool ReadBackSequence(CommandLayer& commands, Prompts& prompts, const MessageCat
                       SequenceData& sequence) {
   if (!commands.Online()) return false;
   const std::string path = TransferFile(commands.State(), kReceiveFileName);
+  // The library that writes the file cannot say why it failed, so room for the longest answer is made first.
+  std::string error;
+  if (!ReplaceFile(path, std::string(kLongestAnswer, '\0'), &error)) {
+    ShowMessage(prompts, catalogue, 9640, PromptIcon::Exclamation, PromptButtons::Ok, {path, error});
+    return false;
+  }
   const bool arrived = ReceiveIntoFile(commands, number, path);
   const std::optional<std::string> bytes = arrived ? ReadWholeFile(path) : std::nullopt;
   if (!bytes) return Refuse(prompts, catalogue);

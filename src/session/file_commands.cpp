@@ -54,11 +54,10 @@ bool Session::WriteUserFile(std::string path) {
 
 bool Session::WriteFile(const std::string& path, bool userForm) {
   const auto copy = std::make_unique<SequenceData>(sequence_);
-  std::string written = path;
   std::string error;
   const SequenceFileForm form = userForm ? SequenceFileForm::User : SequenceFileForm::Work;
-  if (WriteSeqFile(written, form, state_, definition_, *copy, &error)) return true;
-  ShowWriteProblem(written, error);
+  if (WriteSeqFile(path, form, state_, definition_, *copy, &error)) return true;
+  ShowWriteProblem(path, error);
   return false;
 }
 
@@ -115,9 +114,9 @@ bool Session::LoadUserFile(const std::string& path) {
   const SystemSettings before = SettingsOf(state_);
   // The definition of the file's model, when it is another one than the present.
   std::unique_ptr<ModelDefinition> other;
-  const DefinitionFor definitions = [&](const std::string& model) -> const ModelDefinition* {
+  const DefinitionFor definitions = [&](const std::string& model) -> std::optional<const ModelDefinition*> {
     const int index = definition_.IndexOfModel(model);
-    if (index < 0) return nullptr;
+    if (index < 0) return std::nullopt;
     if (model == state_.ModelName) return &definition_;
     AppState next = state_;
     next.ModelName = model;
