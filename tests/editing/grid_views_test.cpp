@@ -273,28 +273,28 @@ TEST(ControlStates, BySituation) {
        true,
        false,
        {3, true, false, true},
-       "..... ......... .. ...... ..... ...... ...x"},
+       "..xx. ......... .. ...... ..... ...... ...x"},
       {"running",
        exec,
        RunState::Running,
        true,
        true,
        {3, true, false, false},
-       "..... ......... .. .xxx.x ..... ..xxxx ...x"},
+       "..x.. ......... .. .xxx.x ..... ..xxxx ...x"},
       {"running, output command",
        exec,
        RunState::Running,
        true,
        true,
        {3, true, false, true},
-       "..... ......... .. .xxx.. ..... ..xxx. ...x"},
+       "..x.. ......... .. .xxx.. ..... ..xxx. ...x"},
       {"held",
        exec,
        RunState::Held,
        true,
        true,
        {3, true, false, false},
-       "..... ......... .. xx...x ..... .xx..x ...x"},
+       "..xx. ......... .. xx...x ..... .xx..x ...x"},
   };
   for (const Row& row : rows) {
     AppState state;
@@ -302,6 +302,7 @@ TEST(ControlStates, BySituation) {
     state.RunState = row.run;
     state.Online = row.online ? 1 : 0;
     state.OutputOn = row.outputOn;
+    state.CurrentFilePath = "named.dat";
     EXPECT_EQ(EnabledOf(state, row.conditions), row.enabled) << row.name;
   }
 }
