@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "view/to_qcolor.h"
+
 namespace corlune {
 
 namespace {
@@ -19,10 +21,6 @@ Qt::Alignment AlignmentOf(CellAlignment alignment) {
 }
 
 }  // namespace
-
-QColor ToQColor(Color color) {
-  return {color.Red, color.Green, color.Blue};
-}
 
 GridModel::GridModel(const GridViews& views, GridArea area, int channel, QObject* parent)
     : QAbstractTableModel(parent),

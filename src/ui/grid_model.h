@@ -58,6 +58,4 @@ class GridModel : public QAbstractTableModel {
   int columns_;
 };
 
-QColor ToQColor(Color color);
-
 }  // namespace corlune

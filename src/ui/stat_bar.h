@@ -15,6 +15,8 @@ class QLabel;
 
 namespace corlune {
 
+class TimePanel;
+
 // What the application state does not hold.
 struct StatusFacts {
   std::string connectionTip;  // who is connected, or why nobody is
@@ -30,7 +32,7 @@ class StatBar : public QWidget {
 
   explicit StatBar(const MessageCatalogue& catalogue, QWidget* parent = nullptr);
 
-  // All panels anew from the application state.
+  // All panels but the total time anew from the application state.
   void Refresh(const AppState& state, const StatusFacts& facts);
   // Milliseconds; -1: endless.
   void TotalTime(double milliseconds);
@@ -40,16 +42,14 @@ class StatBar : public QWidget {
   QString Notice() const;
   QString PanelText(Panel panel) const;
 
- protected:
-  void changeEvent(QEvent* event) override;
-
  private:
-  void FixTimeWidths();
   void Show(Panel panel, const std::string& text);
 
   const MessageCatalogue& catalogue_;
   QLabel* notice_;
   std::array<QLabel*, kPanels> panels_{};
+  TimePanel* total_ = nullptr;
+  TimePanel* elapsed_ = nullptr;
 };
 
 }  // namespace corlune

@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 
 #include "gui/main_window/window_rig.h"
+#include "view/frm_preview.h"
+#include "view/graph_canvas.h"
 
 namespace corlune::testing {
 namespace {
@@ -38,12 +40,26 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
 
   rig.StartRun();
   EXPECT_EQ(Possible(rig), "--2345 ---");
+  const std::string path = rig.folder.File("saved.dat");
+  EXPECT_FALSE(rig.Item("mnuFileItem_2")->isEnabled()) << "a dialog would stand before the stop button";
+  rig.session->State().CurrentFilePath = path;
+  rig.window->RefreshControls();
+  rig.Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_FALSE(TempFolder::Read(path).empty()) << "saving harms no run";
+  rig.Item("mnuViewItem_1")->trigger();
+  EXPECT_TRUE(rig.window->Preview()->findChild<GraphCanvas*>()->Marker()) << "followed from now on";
+  rig.window->Preview()->close();
+  rig.window->activateWindow();
   EXPECT_FALSE(rig.window->close()) << "a running sequence keeps the window open";
   rig.Key(Qt::Key_F6);
   rig.Tick();
   EXPECT_EQ(rig.session->State().RunState, RunState::Held);
   EXPECT_EQ(Possible(rig), "-12--5 ---");
   EXPECT_FALSE(rig.window->close());
+  rig.Item("mnuViewItem_1")->trigger();
+  EXPECT_TRUE(rig.window->Preview()->findChild<GraphCanvas*>()->Marker());
+  rig.window->Preview()->close();
+  rig.window->activateWindow();
   rig.Key(Qt::Key_F5);
   EXPECT_EQ(rig.session->State().RunState, RunState::Running);
 
@@ -53,6 +69,8 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
   EXPECT_EQ(Possible(rig), "01---5 --C");
   rig.Click(rig.Button(0));
   EXPECT_EQ(Possible(rig), "0----- EFC");
+  EXPECT_FALSE(rig.Button(2)->font().bold()) << "nothing is stopped in edit mode";
+  EXPECT_TRUE(rig.session->State().OutputOn && rig.Button(5)->font().bold());
 }
 
 TEST(WindowRun, F8SwitchesTheOutputToItsOtherState) {
