@@ -48,10 +48,23 @@ int FlowLayout::Place(const QRect& rect, bool apply) const {
   int x = rect.x();
   int y = rect.y();
   int rowHeight = 0;
+  // Narrower items rather than a second row for the last one.
+  int wanted = -spacing();
+  int least = -spacing();
+  for (const auto& item : items_) {
+    if (item->isEmpty()) continue;
+    wanted += item->sizeHint().width() + spacing();
+    least += item->minimumSize().width() + spacing();
+  }
+  const bool narrow = wanted > rect.width() && least <= rect.width();
+  const auto sizeOf = [narrow](const QLayoutItem& item) {
+    const QSize size = item.sizeHint();
+    return narrow ? QSize(item.minimumSize().width(), size.height()) : size;
+  };
   const auto finishRow = [&] {
     int left = rect.x();
     for (QLayoutItem* item : row) {
-      const QSize size = item->sizeHint();
+      const QSize size = sizeOf(*item);
       if (apply) item->setGeometry({QPoint(left, y + rowHeight - size.height()), size});
       left += size.width() + spacing();
     }
@@ -59,7 +72,7 @@ int FlowLayout::Place(const QRect& rect, bool apply) const {
   };
   for (const auto& item : items_) {
     if (item->isEmpty()) continue;
-    const QSize size = item->sizeHint();
+    const QSize size = sizeOf(*item);
     if (!row.empty() && x + size.width() > rect.x() + rect.width()) {
       finishRow();
       x = rect.x();
