@@ -73,6 +73,7 @@ TEST(OpenEntries, OfEitherWindowAreWhatARunUses) {
   rig.window->activateWindow();
   rig.Settle();
   view.activateWindow();
+  rig.Settle();
   rig.Click(rig.Button(0));
   EXPECT_EQ(rig.session->Sequence().SequenceNumber, 7);
   EXPECT_EQ(rig.Field("TxtSeq")->text() + number->text(), "77");
