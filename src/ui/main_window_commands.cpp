@@ -59,16 +59,15 @@ void MainWindow::Perform(const std::function<void()>& command, Entries entries) 
 // Entries that are still being typed are part of what a command saves, runs or leaves. False: one was
 // refused, after its message, and has the focus; the command is not carried out.
 bool MainWindow::CommitEntries() {
-  const bool viewFirst = preview_ && preview_->isActiveWindow();
-  if (!grids_->CommitEntry() || (!viewFirst && !fields_->Enter(EntryEnd::Key))) {
-    BringForward(*this);
-    return false;
-  }
-  if (preview_ && !preview_->EnterFields(EntryEnd::Key)) {
-    BringForward(*preview_);
-    return false;
-  }
-  return !viewFirst || fields_->Enter(EntryEnd::Key);
+  const auto settle = [](bool taken, QWidget& window) {
+    if (!taken) BringForward(window);
+    return taken;
+  };
+  const auto own = [&] { return settle(fields_->Enter(EntryEnd::Key), *this); };
+  const auto views = [&] { return !preview_ || settle(preview_->EnterFields(EntryEnd::Key), *preview_); };
+  if (!settle(grids_->CommitEntry(), *this)) return false;
+  // The entries of the active window are the latest.
+  return preview_ && preview_->isActiveWindow() ? views() && own() : own() && views();
 }
 
 void MainWindow::FileCommand(int index) {

@@ -68,7 +68,7 @@ void ReserveBoldWidth(QPushButton* button) {
 RunButtons::RunButtons(const MessageCatalogue& catalogue, const std::function<void(int)>& pressed,
                        QWidget* parent)
     : QWidget(parent) {
-  auto* layout = new FlowLayout(this, kSpacing);
+  auto* layout = new FlowLayout(this, kSpacing, FlowLayout::Items::Shrink);
   for (int i = 0; i < kPanelButtonCount; ++i) {
     const QString caption = QString::fromStdString(catalogue.GetResString(kFirstCaption + i));
     auto* button = new QPushButton(caption, this);

@@ -19,14 +19,6 @@ TEST(OpenEntries, BelongToWhatACommandSaves) {
   EXPECT_TRUE(rig.Messages().empty());
   rig.window->OpenPath(path);
   EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 2.5);
-
-  rig.Settle();
-  rig.Field("TxtStrStep")->setFocus();
-  rig.Settle();
-  rig.Field("TxtStrStep")->selectAll();
-  rig.Type("7");
-  rig.Key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(rig.session->Sequence().StartStep, 7);
 }
 
 TEST(OpenEntries, ARefusedOneStopsTheCommand) {

@@ -73,20 +73,6 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
   EXPECT_TRUE(rig.session->State().OutputOn && rig.Button(5)->font().bold());
 }
 
-TEST(WindowRun, F8SwitchesTheOutputToItsOtherState) {
-  WindowRig rig;
-  rig.Start();
-  rig.AddSteps(1);
-  rig.EnterExecution();
-  const bool before = rig.session->State().OutputOn;
-  rig.Key(Qt::Key_F8);
-  EXPECT_EQ(rig.session->State().OutputOn, !before);
-  rig.Key(Qt::Key_F8);
-  EXPECT_EQ(rig.session->State().OutputOn, before);
-  rig.Click(rig.Button(5));
-  EXPECT_EQ(rig.session->State().OutputOn, !before);
-}
-
 TEST(WindowRun, NothingCanBePressedDuringADownload) {
   WindowRig rig(WindowRig::Bus::OneInstrument);
   rig.Start();
