@@ -2,8 +2,11 @@
 
 #include <utility>
 
+#include <QAction>
 #include <QApplication>
 #include <QEvent>
+#include <QMenu>
+#include <QMenuBar>
 #include <QScopedValueRollback>
 
 namespace corlune {
@@ -11,6 +14,14 @@ namespace corlune {
 WindowFocus::WindowFocus(QWidget& window, QWidget& home, std::function<void()> goHome)
     : window_(window), home_(home), goHome_(std::move(goHome)) {
   window.installEventFilter(this);
+  if (auto* menuBar = window.findChild<QMenuBar*>()) {
+    for (const QAction* title : menuBar->actions()) {
+      if (!title->menu()) continue;
+      connect(
+          title->menu(), &QMenu::aboutToHide, this, [this, menuBar] { LeaveMenuBar(*menuBar); },
+          Qt::QueuedConnection);
+    }
+  }
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (own_ || !now || now->window() != &window_) return;
     if (auto* field = qobject_cast<EntryField*>(now)) {
@@ -42,6 +53,13 @@ void WindowFocus::Return() {
   } else if (window_.focusWidget() != field_) {
     field_->setFocus(Qt::OtherFocusReason);
   }
+}
+
+// A menu that is closed by Escape leaves the focus to the menu bar, which would take letters for its own.
+void WindowFocus::LeaveMenuBar(QMenuBar& menuBar) {
+  if (QApplication::activePopupWidget() || window_.focusWidget() != &menuBar) return;
+  menuBar.setActiveAction(nullptr);
+  Return();
 }
 
 bool WindowFocus::eventFilter(QObject* watched, QEvent* event) {

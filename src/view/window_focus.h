@@ -8,14 +8,16 @@
 
 #include "view/entry_field.h"
 
+class QMenuBar;
+
 namespace corlune {
 
 class WindowFocus : public QObject {
   Q_OBJECT
 
  public:
-  // `home`: what holds the cells or the picture of `window`; `goHome` gives the focus to it. Both widgets
-  // must outlive this object.
+  // To be built when the window has its menus. `home`: what holds the cells or the picture of `window`;
+  // `goHome` gives the focus to it. Both widgets must outlive this object.
   WindowFocus(QWidget& window, QWidget& home, std::function<void()> goHome);
 
   // Enables and disables controls. A control that loses the focus by that gives it to the place it goes back
@@ -28,6 +30,8 @@ class WindowFocus : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  void LeaveMenuBar(QMenuBar& menuBar);
+
   QWidget& window_;
   QWidget& home_;
   std::function<void()> goHome_;

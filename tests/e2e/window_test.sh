@@ -59,7 +59,7 @@ is "$(xdotool search --onlyvisible --name "$main_title" | wc -l)" 1 "main window
 
 # The keyboard stays in the cells, whatever took it away meanwhile: the menu bar, a message, another window.
 saves_step() { xdotool key ctrl+s && grep -q "^ST_SETVAL#$1=$2," "$work/phase-shift.dat"; }
-xdotool key --delay 100 alt+e Escape Escape 7 Return
+xdotool key --delay 100 alt+e Escape alt+h Escape Escape 7 Return
 wait_until 20 "no entry behind the menu bar" saves_step 0 7
 xdotool key --delay 100 x Return
 wait_until 20 "no message about a letter" window_named '^Corlune$'
