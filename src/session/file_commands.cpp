@@ -62,8 +62,12 @@ bool Session::WriteFile(const std::string& path, bool userForm) {
 }
 
 bool Session::SaveToCurrentPath() {
-  if (!state_.CurrentFilePath.empty()) return WriteUserFile(state_.CurrentFilePath);
-  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), {});
+  return state_.CurrentFilePath.empty() ? SaveToChosenPath() : WriteUserFile(state_.CurrentFilePath);
+}
+
+bool Session::SaveToChosenPath() {
+  if (state_.RunState == RunState::Running || activity_.Commanding()) return false;
+  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
   return path && !path->empty() && WriteUserFile(*path);
 }
 
@@ -145,18 +149,17 @@ bool Session::LoadUserFile(const std::string& path) {
 }
 
 bool Session::Save() {
-  if (!MayReplaceSequence()) return false;
+  if (!MaySave()) return false;
   const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   return SaveToCurrentPath();
 }
 
 bool Session::SaveAs() {
-  if (!MayReplaceSequence()) return false;
+  if (!MaySave()) return false;
   const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
-  return path && !path->empty() && WriteUserFile(*path);
+  return SaveToChosenPath();
 }
 
 }  // namespace corlune

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "view/to_qcolor.h"
+
 namespace corlune {
 
 namespace {

@@ -1,6 +1,5 @@
 #include "ui/stat_bar.h"
 
-#include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -8,7 +7,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "core/time_text.h"
+#include "view/time_panel.h"
 
 namespace corlune {
 
@@ -71,7 +70,14 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(1);
   for (int i = 0; i < kPanels; ++i) {
-    QLabel* panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
+    QLabel* panel = nullptr;
+    if (i == Total) {
+      panel = total_ = new TimePanel(catalogue, 1405, bar);
+    } else if (i == Elapsed) {
+      panel = elapsed_ = new TimePanel(catalogue, 1406, bar);
+    } else {
+      panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
+    }
     panel->setObjectName(QStringLiteral("Panel%1").arg(i + 1));
     panel->setTextFormat(Qt::PlainText);
     panel->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
@@ -80,24 +86,6 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
     layout->addWidget(panel, i == Device ? 1 : 0);
   }
   rows->addWidget(bar);
-  TotalTime(0);
-  ElapsTime(0);
-  FixTimeWidths();
-}
-
-void StatBar::FixTimeWidths() {
-  // The digits change ten times a second; the panels keep their places.
-  for (const Panel panel : {Total, Elapsed}) {
-    QLabel* label = panels_[static_cast<std::size_t>(panel)];
-    const std::string widest = TimePanelText(catalogue_, panel == Total ? 1405 : 1406, 0);
-    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QString::fromStdString(widest)) +
-                           2 * (kPanelMargin + label->frameWidth()));
-  }
-}
-
-void StatBar::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::FontChange && panels_[Elapsed]) FixTimeWidths();
 }
 
 void StatBar::Show(Panel panel, const std::string& text) {
@@ -113,7 +101,6 @@ void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
   panels_[Connection]->setToolTip(QString::fromStdString(facts.connectionTip));
   panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());
   panels_[Device]->setToolTip(QString::fromStdString(facts.deviceTip));
-  TotalTime(state.TotalTime);
   ElapsTime(state.ElapsedTime);
   ShowWarning(state);
 }
@@ -136,11 +123,11 @@ QString StatBar::Warning() const {
 }
 
 void StatBar::TotalTime(double milliseconds) {
-  Show(Total, TimePanelText(catalogue_, 1405, milliseconds));
+  total_->ShowTime(milliseconds);
 }
 
 void StatBar::ElapsTime(std::int32_t milliseconds) {
-  Show(Elapsed, TimePanelText(catalogue_, 1406, milliseconds));
+  elapsed_->ShowTime(milliseconds);
 }
 
 void StatBar::ShowNotice(const std::string& text) {

@@ -16,6 +16,8 @@ class QLabel;
 
 namespace corlune {
 
+class TimePanel;
+
 // What the application state does not hold.
 struct StatusFacts {
   std::string connectionTip;  // who is connected, or why nobody is
@@ -31,7 +33,7 @@ class StatBar : public QWidget {
 
   explicit StatBar(const MessageCatalogue& catalogue, QWidget* parent = nullptr);
 
-  // All panels anew from the application state.
+  // All panels but the total time anew from the application state.
   void Refresh(const AppState& state, const StatusFacts& facts);
   // Milliseconds; -1: endless.
   void TotalTime(double milliseconds);
@@ -44,11 +46,7 @@ class StatBar : public QWidget {
   QString Notice() const;
   QString PanelText(Panel panel) const;
 
- protected:
-  void changeEvent(QEvent* event) override;
-
  private:
-  void FixTimeWidths();
   void Show(Panel panel, const std::string& text);
   void ShowWarning(const AppState& state);
 
@@ -56,6 +54,8 @@ class StatBar : public QWidget {
   QLabel* warning_;
   QLabel* notice_;
   std::array<QLabel*, kPanels> panels_{};
+  TimePanel* total_ = nullptr;
+  TimePanel* elapsed_ = nullptr;
 };
 
 }  // namespace corlune
