@@ -65,9 +65,10 @@ int CheckCommand(ConsoleProgram& program, const std::string& file) {
 
 int TextCommand(ConsoleProgram& program, const std::string& file, const std::string& out) {
   if (!program.Load(file)) return kExitFailed;
-  const AppState& state = program.GetSession().State();
+  Session& session = program.GetSession();
+  const AppState& state = session.State();
   std::string text;
-  AppendSequenceText(text, program.GetSession().Sequence(), state.ModelName, EditedChannels(state));
+  AppendSequenceText(text, session.Sequence(), session.Definition(), state.ModelName, EditedChannels(state));
   return Emit(text, out);
 }
 
@@ -93,7 +94,7 @@ int TimesCommand(ConsoleProgram& program, const std::string& file) {
 
 int PrintTimes(ConsoleProgram& program) {
   SequenceData& sequence = program.GetSession().Sequence();
-  const RunTimes times = ComputeRunTimes(sequence);
+  const RunTimes times = ComputeRunTimes(sequence, program.GetSession().Definition());
   std::string lines;
   for (int step = 0; step < sequence.StepCount; ++step) {
     AppendInteger(lines, sequence.StartStep + step);

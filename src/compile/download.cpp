@@ -108,7 +108,7 @@ bool Downloader::DownloadSequence() {
     outcome_.End = Send();
   }
   if (outcome_.End != DownloadEnd::Done) return false;
-  const RunTimes times = ComputeRunTimes(sequence_);
+  const RunTimes times = ComputeRunTimes(sequence_, definition_);
   state_.TotalTime = times.Total;
   state_.TotalTimeSecond = times.Second;
   ports_.display.ShowTotalTime(times.Total);
@@ -172,7 +172,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
   const auto arbs = ArbInformationTable(sequence_.Channels.ArbFiles);
   CompileErrorRecord record{};
   std::int32_t result = 0;
-  if (!BuildSequenceText(workFile, sequence_, state_.ModelName, channels, &outcome_.Detail)) {
+  if (!BuildSequenceText(workFile, sequence_, definition_, state_.ModelName, channels, &outcome_.Detail)) {
     ShowCritical(kMessageIllegal);
     return -1;
   }

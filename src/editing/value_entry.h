@@ -40,9 +40,11 @@ EntryResult StoreBranchText(const GridViews& views, SequenceData& sequence, int 
 // Turns a switched parameter on or off; a value outside its range that is switched on moves to its nearest
 // bound.
 void SwitchCommonValue(const GridViews& views, SequenceData& sequence, int step, int column, bool on);
-// Does not look at bounds: a time that was typed in the other unit keeps its duration.
-void ChangeTimeUnit(SequenceData& sequence, int index);
-void ChangeCellUnit(ParamCell& cell, int index);
+// The unit of a whole column. Does not look at bounds: a time that was typed in the other unit keeps its
+// duration.
+void ChangeTimeUnit(const ModelDefinition& definition, SequenceData& sequence, int index);
+void ChangeColumnUnit(const ModelDefinition& definition, SequenceData& sequence, int channel, int param,
+                      int index);
 
 using StepCells = std::array<ParamCell, MAX_PARAMS>;
 StepCells CellsOf(const SequenceData& sequence, int channel, int step);

@@ -6,8 +6,8 @@
 
 namespace corlune {
 
-// The value that a new step gets for this parameter: the definition's default; for a range the value
-// within the range that is nearest to it. A bound given as a placeholder does not limit.
+// The value that a new step gets for this parameter, in base units: the definition's default; for a range the
+// value within the range that is nearest to it. A bound given as a placeholder does not limit.
 double DefaultValue(const ParamDef& definition);
 
 // Columns of the step table, as numbered by the common area definitions.
