@@ -24,9 +24,6 @@ namespace {
 constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
-// A result of the compiler library that is no failure, like 0.
-constexpr std::int32_t kResultAlsoGood = 268763136;
-
 constexpr int kMessageIllegal = 9400;
 constexpr int kMessageNoBlocks = 9600;
 
@@ -53,8 +50,14 @@ bool IsNameText(const std::string& name) {
   return std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"'; });
 }
 
-// Catalogue id of the parameter that a compiler error names; 0 for a code without one.
-int ParameterMessage(std::int32_t code) {
+int CheckMessage(ArbCheck check) {
+  if (check == ArbCheck::ArbMissing) return 9319;
+  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+}
+
+}  // namespace
+
+int CompilerParameterMessage(std::int32_t code) {
   switch (code) {
     case 40:
       return 9314;
@@ -75,12 +78,10 @@ int ParameterMessage(std::int32_t code) {
   }
 }
 
-int CheckMessage(ArbCheck check) {
-  if (check == ArbCheck::ArbMissing) return 9319;
-  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+bool IsGoodCompilerResult(std::int32_t result) {
+  constexpr std::int32_t kAlsoGood = 268763136;
+  return result == 0 || result == kAlsoGood;
 }
-
-}  // namespace
 
 Downloader::Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
                        CommandLayer& commands, InstrumentDialogues& dialogues, CompilerLibrary& compiler,
@@ -185,7 +186,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
     ReportCompileError(record);
     return -1;
   }
-  if (result != 0 && result != kResultAlsoGood) {
+  if (!IsGoodCompilerResult(result)) {
     ports_.prompts.Message(
         {catalogue_.GetResString(kMessageIllegal), PromptIcon::None, PromptButtons::Ok, "for Debug"});
   }
@@ -193,7 +194,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
 }
 
 void Downloader::ReportCompileError(const CompileErrorRecord& record) {
-  std::string text = catalogue_.GetResString(ParameterMessage(record.Code));
+  std::string text = catalogue_.GetResString(CompilerParameterMessage(record.Code));
   if (record.Code < 4101) {
     const std::int32_t second = record.Code == 40 ? record.PositionA : record.PositionC;
     text = catalogue_.GetResString(9313,

@@ -337,6 +337,15 @@ EntryResult CheckCommonValue(const GridViews& views, const SequenceData& sequenc
       FormatNumber(ShownBound(views.Definition(), sequence, column, value), CommonFormat(column)));
 }
 
+EntryResult CheckChannelValue(const GridViews& views, const SequenceData& sequence, int channel, int step,
+                              int param) {
+  const ModelDefinition& definition = views.Definition();
+  const double value = BaseValue(definition, param, sequence.Cell(channel, step, param));
+  if (ChannelBounds(definition, sequence, channel, step, param).Hold(value)) return std::nullopt;
+  const std::string text = UserUnits(sequence, definition).UserUnitText(value, channel, step, param);
+  return ChannelRangeError(views, sequence, channel, step, param, text);
+}
+
 EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, int channel, int step,
                               const StepCells& before, int* refused) {
   const ModelDefinition& definition = views.Definition();
@@ -363,9 +372,7 @@ EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, in
     const ValueBounds bounds = ChannelBounds(definition, sequence, channel, step, param);
     if (bounds.Hold(value)) continue;
     if (seenBefore(param) || changed(param)) {
-      const UserUnits units(sequence, definition);
-      const std::string text = units.UserUnitText(value, channel, step, param);
-      return refuse(param, ChannelRangeError(views, sequence, channel, step, param, text));
+      return refuse(param, *CheckChannelValue(views, sequence, channel, step, param));
     }
     SetBaseValue(definition, param, bounds.Nearest(value), sequence.Cell(channel, step, param));
   }

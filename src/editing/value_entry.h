@@ -56,5 +56,8 @@ EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, in
                               const StepCells& before, int* param = nullptr);
 // The same for a common value that was copied: its bounds, unless it is switched off.
 EntryResult CheckCommonValue(const GridViews& views, const SequenceData& sequence, int step, int column);
+// A number of a channel grid against the bounds of the step's waveform.
+EntryResult CheckChannelValue(const GridViews& views, const SequenceData& sequence, int channel, int step,
+                              int param);
 
 }  // namespace corlune
