@@ -50,6 +50,7 @@ TEST(Units, EveryConsumerTakesTheSameBaseValue) {
     SCOPED_TRACE(std::string(row.file) + row.timeHeader);
     ModelDefinition definition;
     ASSERT_EQ(ReadModelDefinition(row.file, "QM2220", false, definition), DefinitionLoad::Ok);
+    definition.Common.Params[kColumnStepTime].UnitDefault = static_cast<std::int16_t>(1 - row.timeUnit);
     EditingRig rig(3, definition);
     SequenceData& sequence = *rig.sequence;
     rig.Step(1).TimeUnit = row.timeUnit;
@@ -79,11 +80,16 @@ TEST(Units, EveryConsumerTakesTheSameBaseValue) {
     EXPECT_EQ(NumberText(ValueInStep(sequence, definition, 0, 1, kSlotFrequency)->To), row.text);
 
     const GridViews& views = rig.editor->Views();
+    EXPECT_EQ(
+        rig.Enter(Channel(0, 1, kColFrequency), "600") + rig.Enter(Channel(0, 1, kColFrequency), row.text),
+        0);
     EXPECT_EQ(views.CommonHeader(kGridStepTime), row.timeHeader);
     EXPECT_EQ(views.ChannelHeader(0, kColFrequency), row.header);
     EXPECT_EQ(rig.Text(Common(1, kGridStepTime)), row.timeText);
+    EXPECT_EQ(rig.Text(Common(3, kGridStepTime)), row.stepTime == 500 ? "1000" : "1")
+        << "stored in the other";
     EXPECT_EQ(rig.Text(Channel(0, 1, kColFrequency)), row.text);
-    EXPECT_EQ(rig.Enter(Channel(0, 1, kColFrequency), row.refused), 9105);
+    ASSERT_EQ(rig.Enter(Channel(0, 1, kColFrequency), row.refused), 9105);
     EXPECT_NE(rig.last.Message->Text.find(row.message), std::string::npos) << rig.last.Message->Text;
     EXPECT_EQ(rig.Enter(Common(1, kGridStepTime), row.tooLong), 9105);
 
