@@ -52,7 +52,7 @@ class Grids {
     layout->addWidget(panel);
     ControlConditions conditions;
     conditions.StepCount = steps;
-    panel->ShowStates(ControlStatesOf(state, ShippedDefinition(), conditions));
+    panel->ShowStates(ControlStatesOf(state, {}, ShippedDefinition(), conditions));
     panel->SetWidths(8415, 10215, 10575);
     window.resize(kWindow);
     window.show();

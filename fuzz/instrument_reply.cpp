@@ -59,7 +59,6 @@ struct QuietWorld : Prompts, TickClock, EventPump, TickSource, RunDisplay, ViewD
   void SleepUntil(std::uint32_t tick) override { now = tick; }
   void Enable(bool) override {}
   void RefreshControls() override {}
-  void SetControlsEnabled(RunControls, bool) override {}
   void ShowModeLayout(int) override {}
   void HighlightRow(GridRow row, bool) override {
     fuzz::Require(row.value >= 1 && row.value <= MAX_STEPS, "only a step's row is highlighted");

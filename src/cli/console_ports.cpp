@@ -55,7 +55,7 @@ PromptAnswer ConsolePrompts::Message(const MessageRequest& request) {
 }
 
 std::optional<std::string> ConsolePrompts::Input(const InputRequest& request) {
-  if (answers_.Name) {
+  if (answers_.Name && request.prompt == namePrompt_) {
     // Given on the command line once; when it is refused the prompt comes again and counts as cancelled.
     return std::exchange(answers_.Name, std::string()).value();
   }
@@ -108,8 +108,6 @@ void ConsoleDisplay::RefreshControls() {
     std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(8003) << std::endl;
   }
 }
-
-void ConsoleDisplay::SetControlsEnabled(RunControls, bool) {}
 
 void ConsoleDisplay::ShowModeLayout(int operationMode) {
   std::cout << catalogue_->GetResString(operationMode == 1 ? 1403 : 1402) << std::endl;

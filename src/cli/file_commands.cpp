@@ -17,8 +17,8 @@ namespace {
 
 int Emit(const std::string& text, const std::string& out) {
   if (!out.empty()) return WriteOutput(out, text);
-  std::cout << text << std::flush;
-  return std::cout ? kExitSuccess : Fail("standard output: write failed");
+  std::cout << text;
+  return kExitSuccess;
 }
 
 // What is wrong with a waveform file, as one line.
@@ -26,8 +26,7 @@ std::string WaveformComplaint(const MessageCatalogue& catalogue, const std::stri
                               const WaveformRead& read) {
   std::string text = path + ": ";
   if (const int message = MessageOf(read.problem); message != 0) text += catalogue.GetResString(message);
-  if (!read.reason.empty()) text += (text.back() == ' ' ? "" : " ") + read.reason;
-  return text;
+  return text + (text.back() == ' ' ? "" : " ") + ReasonText(read.reason, catalogue);
 }
 
 }  // namespace

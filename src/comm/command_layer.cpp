@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "comm/gp_codes.h"
+#include "core/ascii_case.h"
 #include "core/numbers.h"
 
 namespace corlune {
@@ -37,18 +38,11 @@ std::vector<KindInUse> KindsInUse(const AppState& state) {
   return kinds;
 }
 
-bool EndsWithInstr(const std::string& name) {
-  constexpr std::string_view kClass = "INSTR";
-  if (name.size() < kClass.size()) return false;
-  return std::equal(kClass.begin(), kClass.end(), name.end() - static_cast<std::ptrdiff_t>(kClass.size()),
-                    [](char upper, char c) { return c == upper || c == upper - 'A' + 'a'; });
-}
-
 // A serial number that is a resource name already stays as it is.
 std::string ResourceName(const std::string& prefix, const std::string& serialNo) {
   if (serialNo.find("::") != std::string::npos) return serialNo;
   std::string name = prefix + serialNo;
-  if (!EndsWithInstr(name)) name += "::INSTR";
+  if (!EndsWithIgnoringCase(name, "INSTR")) name += "::INSTR";
   return name;
 }
 
@@ -100,9 +94,6 @@ CommStatus CommandLayer::CloseInstrumentInterface() {
   // The kinds that were opened, not those of the present set-up: that may have changed since.
   std::vector<InterfaceKind> kinds;
   kinds.swap(openKinds_);
-  if (kinds.empty()) {
-    for (const KindInUse& row : KindsInUse(state_)) kinds.push_back(row.kind);
-  }
   CommStatus first = CommStatus::Success;
   for (const InterfaceKind& kind : kinds) {
     state_.CurrentInterface = kind;
@@ -122,6 +113,12 @@ std::int32_t CommandLayer::SelectInstrument(int index) {
   return static_cast<std::int32_t>(std::count_if(begin, begin + index, [](const InstrumentEntry& before) {
     return before.InterfaceKind == InterfaceKind::UsbTmc;
   }));
+}
+
+bool CommandLayer::InstrumentLost(int index) {
+  bool lost = false;
+  KeepingInterface([&] { lost = gp_.ConnectionLost(DeviceAddress(SelectInstrument(index))); });
+  return lost;
 }
 
 CommStatus CommandLayer::SendCommand(std::int32_t address, const std::string& command, std::int32_t wait) {

@@ -32,12 +32,15 @@ class CommandLayer {
   // that list. Sets CurrentInterface. `failedInstrument` (may be null) gets the 0-based index of the first
   // instrument whose kind failed to open.
   [[nodiscard]] bool OpenInstrumentInterface(int* failedInstrument = nullptr);
-  // One GP_End for each kind that was opened; the status of instrument 0's.
+  // One GP_End for each kind that was opened, nothing for the others; the status of the first.
   CommStatus CloseInstrumentInterface();
 
   // Points CurrentInterface at instrument `index` (0..4) and returns its address for SendCommand; outside the
   // range it changes nothing and returns kSameDevice.
   std::int32_t SelectInstrument(int index);
+
+  // Instrument `index` was unplugged since the opening: every exchange with it fails.
+  bool InstrumentLost(int index);
 
   // wait > 0: ms to wait afterwards; < 0: poll until not busy; 0: none. Returns the failing send's status,
   // TimeOut when busy polling fails or runs out of time.

@@ -45,7 +45,7 @@ std::string CutReply(std::string_view received) {
 
 CommStatus GpBackendBase::GP_Init(const std::string& initString, bool emptyLog) {
   const InitOptions options(initString);
-  logPath_ = PathBelow(services_.state.AppFolder, options.ValueAsWritten("LOG_FILE"));
+  logPath_ = options.LogPath(services_.state.AppFolder);
   showErrorDialog_ = options.Has("VIEW_ERR_DIALOG");
   if (emptyLog) EmptyCommLog(logPath_);
   terminatorCode_ = kTerminatorLf;

@@ -12,8 +12,10 @@ namespace corlune {
 inline constexpr std::array<std::string_view, 18> kTimeOutNames{
     "NONE",  "10us",  "30us", "100us", "300us", "1ms", "3ms",  "10ms", "30ms",
     "100ms", "300ms", "1s",   "3s",    "10s",   "30s", "100s", "300s", "1000s"};
+inline constexpr std::int16_t kTimeOut100ms = 9;
 inline constexpr std::int16_t kTimeOut300ms = 10;
 inline constexpr std::int16_t kTimeOut3s = 12;
+inline constexpr std::int16_t kTimeOut30s = 14;
 
 // The same codes in milliseconds for libraries that count in them; 1 ms is the shortest.
 inline constexpr std::array<std::uint32_t, 18> kTimeOutMilliseconds{

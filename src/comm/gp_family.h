@@ -53,9 +53,9 @@ class GpFamily {
   // Why the last opening failed below the instrument: names tried and the reason for each, a missing symbol,
   // a resource manager that does not open. Empty when it worked or when there is no library.
   virtual std::string LibraryProblem() const { return {}; }
-  // A device was unplugged since the last GP_Init: its session is dead even when it comes back.
-  // LibraryProblem names it.
-  virtual bool ConnectionLost() const { return false; }
+  // The device at `address` was unplugged since the last GP_Init: its session is dead even when it comes
+  // back. LibraryProblem names it.
+  virtual bool ConnectionLost(std::int16_t /*address*/) const { return false; }
 };
 
 }  // namespace corlune

@@ -1,6 +1,5 @@
 #include "comm/gp_front_end.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -91,9 +90,9 @@ std::string GpFrontEnd::LibraryProblem() const {
   return problem;
 }
 
-bool GpFrontEnd::ConnectionLost() const {
-  return std::any_of(backends_.begin(), backends_.end(),
-                     [](const auto& backend) { return backend && backend->ConnectionLost(); });
+bool GpFrontEnd::ConnectionLost(std::int16_t address) const {
+  const GpFamily* backend = Current();
+  return backend && backend->ConnectionLost(address);
 }
 
 }  // namespace corlune

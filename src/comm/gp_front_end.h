@@ -56,8 +56,8 @@ class GpFrontEnd {
   const std::vector<FoundInstrument>& Found() const;
   // Of the current back-end, else of the search.
   std::string LibraryProblem() const;
-  // Of any back-end.
-  bool ConnectionLost() const;
+  // Of the current back-end.
+  bool ConnectionLost(std::int16_t address) const;
 
   // From now on every operation goes to the back-end of `kind`, whatever CurrentInterface is.
   void RouteAllTo(InterfaceKind kind) { route_ = kind; }

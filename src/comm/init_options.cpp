@@ -3,24 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "core/ascii_case.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/profile_file.h"
 
 namespace corlune {
 
-namespace {
-
-// ASCII only, so that every other character of a UTF-8 text keeps its bytes and its place.
-char Upper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-}  // namespace
-
-InitOptions::InitOptions(std::string_view text) : text_(text), upper_(text) {
-  std::transform(upper_.begin(), upper_.end(), upper_.begin(), Upper);
-}
+InitOptions::InitOptions(std::string_view text) : text_(text), upper_(UpperAscii(text)) {}
 
 bool InitOptions::Has(std::string_view key) const {
   return upper_.find(key) != std::string::npos;
@@ -42,6 +32,10 @@ std::string InitOptions::Value(std::string_view key) const {
 
 std::string InitOptions::ValueAsWritten(std::string_view key) const {
   return std::string(Slice(key, text_).value_or(std::string_view()));
+}
+
+std::string InitOptions::LogPath(const std::string& folder) const {
+  return PathBelow(folder, ValueAsWritten("LOG_FILE"));
 }
 
 std::int16_t InitOptions::Number(std::string_view key) const {

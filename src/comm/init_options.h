@@ -21,6 +21,8 @@ class InitOptions {
   std::string Value(std::string_view key) const;
   // The same in the letters it was written in: file names.
   std::string ValueAsWritten(std::string_view key) const;
+  // "LOG_FILE": empty for no log; a relative name starts at `folder`, the application folder.
+  std::string LogPath(const std::string& folder) const;
   // Leading decimal integer of the value, 0 when absent; held within the type.
   std::int16_t Number(std::string_view key) const;
 

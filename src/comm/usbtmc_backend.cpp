@@ -79,7 +79,7 @@ ViSession UsbTmcMdl::OpenResourceManager() {
 
 CommStatus UsbTmcMdl::Open(const InitOptions& options) {
   Release();
-  lost_ = false;
+  lost_ = {};
   timeOutCode_ = kTimeOut300ms;
   names_ = {};
   const std::string names = options.Value("USBTMC_NAME");
@@ -150,10 +150,15 @@ CommStatus UsbTmcMdl::Select(const char* operation, Transfer transfer, std::int1
 
 CommStatus UsbTmcMdl::Exchanged(ViStatus status, std::size_t index) {
   if (status == VI_ERROR_CONN_LOST) {
-    lost_ = true;
+    lost_[index] = true;
     problem_ = names_[index] + " was unplugged: status " + Hex(status);
   }
   return Converted(status);
+}
+
+bool UsbTmcMdl::ConnectionLost(std::int16_t address) const {
+  return address >= 0 && static_cast<std::size_t>(address) < lost_.size() &&
+         lost_[static_cast<std::size_t>(address)];
 }
 
 CommStatus UsbTmcMdl::WriteBytes(const void* data, std::size_t size) {

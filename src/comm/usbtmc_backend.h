@@ -34,7 +34,7 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   int GP_Find_Devices(const std::string& expression) override;
   const std::vector<FoundInstrument>& Found() const override { return found_; }
   std::string LibraryProblem() const override { return problem_; }
-  bool ConnectionLost() const override { return lost_; }
+  bool ConnectionLost(std::int16_t address) const override;
 
  private:
   CommStatus Open(const InitOptions& options) override;
@@ -76,7 +76,7 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   std::int16_t timeOutCode_ = kTimeOut300ms;
   std::vector<FoundInstrument> found_;
   std::string problem_;
-  bool lost_ = false;
+  std::array<bool, kUsbTmcDevices> lost_{};
 };
 
 // Serial number in a VISA resource name: the text between its third and fourth "::". The whole name when it

@@ -1,5 +1,6 @@
 #include "commands/instrument_dialogues.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 
@@ -55,11 +56,13 @@ void InstrumentDialogues::ClearStatus() {
   SerialPoll();
 }
 
-std::int32_t InstrumentDialogues::QueryErrorNumber() {
+std::optional<std::int32_t> InstrumentDialogues::QueryErrorNumber() {
   std::string reply;
   commands_.SendCommand(Address(), commands_.Definition().Commands.ErrorQuery, 0);
   if (Failed(commands_.ReceiveReply(Address(), reply))) return 0;
-  return LeadingInteger(reply.substr(0, kErrorReply));
+  reply.resize(std::min(reply.size(), kErrorReply));
+  if (!reply.empty() && !BeginsWithNumber(reply)) return std::nullopt;
+  return LeadingInteger(reply);
 }
 
 bool InstrumentDialogues::PrepareSequenceMode() {
@@ -79,6 +82,7 @@ bool InstrumentDialogues::WaitCompileDone() {
   for (int poll = 0; poll < kCompilePolls; ++poll) {
     if (TicksSince(commands_.Clock().Now(), start) >= kCompileLimit) break;
     const std::int16_t statusByte = SerialPoll();
+    if (commands_.InstrumentLost(0)) return false;
     commands_.DelayMs(kCompilePollWait);
     if (statusByte == 0) continue;
     if ((statusByte & kStatusCompiled) != 0) {

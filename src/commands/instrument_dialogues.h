@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "comm/command_layer.h"
@@ -16,12 +17,13 @@ class InstrumentDialogues {
 
   // "*CLS", then one serial poll whose byte is discarded.
   void ClearStatus();
-  // Error number of the instrument's error query, 0 for none and after a failed exchange.
-  std::int32_t QueryErrorNumber();
+  // Error number of the instrument's error query, 0 for none, after a failed exchange and for an empty reply;
+  // nullopt for a reply that does not begin with a number, which may mean anything.
+  std::optional<std::int32_t> QueryErrorNumber();
   // Sequence operation on, a running or held sequence stopped. False when a query or the stop failed.
   [[nodiscard]] bool PrepareSequenceMode();
-  // Waits for the instrument's own compilation after ":TRIG:COMP", about 20 s at most. Shows message 9311
-  // when the instrument refused the sequence (error -222).
+  // Waits for the instrument's own compilation after ":TRIG:COMP", about 20 s at most, and no longer once it
+  // was unplugged. Shows message 9311 when the instrument refused the sequence (error -222).
   [[nodiscard]] bool WaitCompileDone();
 
  private:

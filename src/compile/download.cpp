@@ -6,12 +6,12 @@
 #include <optional>
 #include <span>
 
+#include "comm/gp_codes.h"
 #include "compile/block_header.h"
 #include "compile/sequence_text.h"
 #include "compile/step_flow.h"
 #include "compile/transfer_file.h"
 #include "core/files.h"
-#include "core/flag_guard.h"
 #include "core/numbers.h"
 #include "sequence/channel_tabs.h"
 #include "sequence/run_times.h"
@@ -26,20 +26,6 @@ constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has st
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
 constexpr int kMessageIllegal = 9400;
 constexpr int kMessageNoBlocks = 9600;
-
-// Controls off for as long as the object lives.
-class ControlsOff {
- public:
-  explicit ControlsOff(RunDisplay& display) : display_(display) {
-    display_.SetControlsEnabled(RunControls::Download, false);
-  }
-  ~ControlsOff() { display_.SetControlsEnabled(RunControls::Download, true); }
-  ControlsOff(const ControlsOff&) = delete;
-  ControlsOff& operator=(const ControlsOff&) = delete;
-
- private:
-  RunDisplay& display_;
-};
 
 bool CarriesBlocks(InterfaceKind kind) {
   return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
@@ -59,19 +45,19 @@ int CheckMessage(ArbCheck check) {
 
 int CompilerParameterMessage(std::int32_t code) {
   switch (code) {
-    case 40:
+    case CMPLSEQ_ERROR_FREQUENCY:
       return 9314;
-    case 41:
+    case CMPLSEQ_ERROR_LEVEL:
       return 9315;
-    case 42:
+    case CMPLSEQ_ERROR_DUTY:
       return 9316;
-    case 4099:
+    case CMPLSEQ_ERROR_ARB_UNREADABLE:
       return 9318;
-    case 4100:
+    case CMPLSEQ_ERROR_ARB_MISSING:
       return 9319;
-    case 4101:
+    case CMPLSEQ_ERROR_MEMORY_FULL:
       return 9320;
-    case 4102:
+    case CMPLSEQ_ERROR_TOO_COMPLEX:
       return 9321;
     default:
       return 0;
@@ -79,8 +65,7 @@ int CompilerParameterMessage(std::int32_t code) {
 }
 
 bool IsGoodCompilerResult(std::int32_t result) {
-  constexpr std::int32_t kAlsoGood = 268763136;
-  return result == 0 || result == kAlsoGood;
+  return result == 0 || result == CMPLSEQ_RESULT_ALSO_GOOD;
 }
 
 Downloader::Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
@@ -97,16 +82,20 @@ Downloader::Downloader(AppState& state, const ModelDefinition& definition, Seque
       waveforms_(commands, dialogues, ports.prompts, catalogue) {}
 
 bool Downloader::DownloadSequence() {
-  if (underWay_) return false;
-  const FlagGuard downloading(underWay_);
+  if (UnderWay()) return false;
+  endRequested_ = false;
   outcome_ = {};
   if (commands_.Online()) {
     if (!AgreeToInterface()) {
       outcome_.End = DownloadEnd::Cancelled;
       return false;
     }
-    const ControlsOff controls(ports_.display);
-    outcome_.End = Send();
+    {
+      const WorkGuard downloading(ports_.activity, Work::Download);
+      ports_.display.RefreshControls();
+      outcome_.End = Send();
+    }
+    ports_.display.RefreshControls();
   }
   if (outcome_.End != DownloadEnd::Done) return false;
   const RunTimes times = ComputeRunTimes(sequence_, definition_);
@@ -124,7 +113,7 @@ bool Downloader::AgreeToInterface() {
 }
 
 DownloadEnd Downloader::Send() {
-  if (!AskName()) return DownloadEnd::Cancelled;
+  if (!AskName()) return DownloadEnd::NoName;
   const std::string workFile = TransferFile(state_, kSendFileName);
   if (CompileSequence(workFile) != 0) return DownloadEnd::Refused;
 
@@ -135,10 +124,15 @@ DownloadEnd Downloader::Send() {
   }
   if (!dialogues_.PrepareSequenceMode()) return DownloadEnd::NotSent;
   DownloadEnd end = SendWaveforms();
-  if (end == DownloadEnd::Done) end = SendBlock(workFile);
-  if (end == DownloadEnd::Done && sequence_.SequenceNumber != 0) end = RecordInMemory();
-  if (end == DownloadEnd::Done) end = TakeOver();
+  if (GoesOn(end)) end = SendBlock(workFile);
+  if (GoesOn(end) && sequence_.SequenceNumber != 0) end = RecordInMemory();
+  if (GoesOn(end)) end = TakeOver();
   return end;
+}
+
+bool Downloader::GoesOn(DownloadEnd& end) const {
+  if (end == DownloadEnd::Done && endRequested_) end = DownloadEnd::Cancelled;
+  return end == DownloadEnd::Done;
 }
 
 bool Downloader::AskName() {
@@ -195,8 +189,8 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
 
 void Downloader::ReportCompileError(const CompileErrorRecord& record) {
   std::string text = catalogue_.GetResString(CompilerParameterMessage(record.Code));
-  if (record.Code < 4101) {
-    const std::int32_t second = record.Code == 40 ? record.PositionA : record.PositionC;
+  if (record.Code < CMPLSEQ_ERROR_MEMORY_FULL) {
+    const std::int32_t second = record.Code == CMPLSEQ_ERROR_FREQUENCY ? record.PositionA : record.PositionC;
     text = catalogue_.GetResString(9313,
                                    {std::to_string(record.Channel + 1),
                                     std::to_string(record.PositionB) + " , " + std::to_string(second), text});
@@ -226,21 +220,23 @@ DownloadEnd Downloader::SendWaveforms() {
   MarkUsedArbs();
   const int failed = TransferUsedArbs();
   if (failed == 0) return DownloadEnd::Done;
-  if (transferEnd_ == ArbTransfer::NotSent) return DownloadEnd::NotSent;
-  const auto index = static_cast<std::size_t>(failed - 1);
-  outcome_.Detail = sequence_.Channels.ArbFiles[index].FilePath + ": " + waveforms_.Reason();
+  const bool refused = transferEnd_ == ArbTransfer::FileRefused;
   // A file with a wrong extension has just been refused with the same message.
-  if (waveforms_.Problem() != WaveformProblem::BadExtension) {
+  if (!refused || waveforms_.Problem() != WaveformProblem::BadExtension) {
     ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
   }
+  if (transferEnd_ == ArbTransfer::ReplyUnreadable) return DownloadEnd::ReplyUnreadable;
+  if (!refused) return DownloadEnd::NotSent;
+  const auto index = static_cast<std::size_t>(failed - 1);
+  outcome_.Detail = sequence_.Channels.ArbFiles[index].FilePath + ": " + waveforms_.Reason();
   return DownloadEnd::Refused;
 }
 
 int Downloader::TransferUsedArbs() {
   transferEnd_ = ArbTransfer::Done;
   int failed = 0;
-  waveforms_.SetTimeOut(kTimeOutTransfer);
-  for (int number = 1; number <= kArbNumbers; ++number) {
+  waveforms_.SetTimeOut(kTimeOut30s);
+  for (int number = 1; number <= kArbNumbers && !endRequested_; ++number) {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
     if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
     transferEnd_ = waveforms_.SendAndCheck(entry, number, [&](std::int32_t milliseconds) {
@@ -248,13 +244,13 @@ int Downloader::TransferUsedArbs() {
     });
     if (transferEnd_ == ArbTransfer::Done) continue;
     if (transferEnd_ == ArbTransfer::MemoryFull) {
-      waveforms_.SetTimeOut(kTimeOutMemoryFull);
+      waveforms_.SetTimeOut(kTimeOut100ms);
     } else {
       failed = number;
     }
     break;
   }
-  waveforms_.SetTimeOut(kTimeOutUsual);
+  waveforms_.SetTimeOut(kTimeOut3s);
   return failed;
 }
 
@@ -283,7 +279,9 @@ DownloadEnd Downloader::RecordInMemory() {
 
 DownloadEnd Downloader::WaitAndQueryError(std::int32_t milliseconds) {
   ShowTimedProgress(milliseconds, catalogue_.GetResString(9304));
-  outcome_.ErrorNumber = dialogues_.QueryErrorNumber();
+  const std::optional<std::int32_t> error = dialogues_.QueryErrorNumber();
+  if (!error) return DownloadEnd::ReplyUnreadable;
+  outcome_.ErrorNumber = *error;
   return outcome_.ErrorNumber == 0 ? DownloadEnd::Done : DownloadEnd::InstrumentError;
 }
 
@@ -292,7 +290,8 @@ DownloadEnd Downloader::TakeOver() {
   if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), ":TRIG:COMP", 0))) {
     return DownloadEnd::NotSent;
   }
-  return dialogues_.WaitCompileDone() ? DownloadEnd::Done : DownloadEnd::NotCompiled;
+  if (dialogues_.WaitCompileDone()) return DownloadEnd::Done;
+  return commands_.InstrumentLost(0) ? DownloadEnd::NotSent : DownloadEnd::NotCompiled;
 }
 
 void Downloader::ShowTimedProgress(std::int32_t milliseconds, const std::string& text) {

@@ -7,6 +7,7 @@ std::string DownloadOutcomeText(const DownloadOutcome& outcome, const MessageCat
     case DownloadEnd::Done:
     case DownloadEnd::UnderWay:
     case DownloadEnd::Cancelled:
+    case DownloadEnd::NoName:
       return {};
     case DownloadEnd::Refused:
       return outcome.Detail;
@@ -14,6 +15,8 @@ std::string DownloadOutcomeText(const DownloadOutcome& outcome, const MessageCat
       return catalogue.GetResString(9201, {"1"});
     case DownloadEnd::InstrumentError:
       return catalogue.GetResString(9525, {std::to_string(outcome.ErrorNumber)});
+    case DownloadEnd::ReplyUnreadable:
+      return catalogue.GetResString(9780);
     case DownloadEnd::NotCompiled:
       return catalogue.GetResString(9526);
   }

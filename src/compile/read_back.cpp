@@ -11,6 +11,7 @@
 
 #include "compile/sequence_text.h"
 #include "compile/transfer_file.h"
+#include "core/ascii_case.h"
 #include "core/files.h"
 #include "core/numbers.h"
 #include "core/profile_file.h"
@@ -30,14 +31,6 @@ constexpr std::size_t kCommonFields = 5;
 constexpr std::size_t kStepFields = 14;
 constexpr std::size_t kChannelFields = 15;
 
-std::string Upper(std::string_view text) {
-  std::string upper(text);
-  for (char& c : upper) {
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  }
-  return upper;
-}
-
 // Reads the fields of one line and remembers whether one of them was malformed.
 class FieldReader {
  public:
@@ -54,7 +47,7 @@ class FieldReader {
   // A number as it is, "ON" in any case 1, any other word 0.
   double OnOffValue(std::size_t field) const {
     if (const std::optional<double> number = ParseNumber(Raw(field))) return *number;
-    return Upper(Word(field)) == "ON" ? 1 : 0;
+    return UpperAscii(Word(field)) == "ON" ? 1 : 0;
   }
   std::int16_t OnOffFlag(std::size_t field) { return Checked(ToInt16(OnOffValue(field))); }
 
@@ -112,7 +105,7 @@ bool ReadStepLine(std::string_view line, const ModelDefinition& definition, Step
 
 int WaveformCodeOf(std::string_view word) {
   constexpr std::array<std::string_view, 5> kWords{"SIN", "SQU", "NOIS", "DC", "USER"};
-  const auto* const found = std::find(kWords.begin(), kWords.end(), Upper(word));
+  const auto* const found = std::find(kWords.begin(), kWords.end(), UpperAscii(word));
   return found == kWords.end() ? kWaveSine : static_cast<int>(found - kWords.begin());
 }
 
@@ -183,7 +176,7 @@ bool FirstTime(ReceivedSteps& seen, int slot) {
 
 void ReadEntry(const IniEntry& entry, int channels, const ModelDefinition& definition, SequenceData& sequence,
                SeenKeys& seen, ReceivedSteps& received) {
-  const std::string key = Upper(TrimBlanks(entry.key));
+  const std::string key = UpperAscii(TrimBlanks(entry.key));
   const std::string_view value = TrimBlanks(entry.rawValue).substr(0, kValueLength);
   if (value.empty() || value[0] == '\0') return;
   const std::string_view indexText = std::string_view(key).substr(std::min<std::size_t>(5, key.size()));
@@ -250,6 +243,12 @@ bool ReadBackSequence(CommandLayer& commands, Prompts& prompts, const MessageCat
                       SequenceData& sequence) {
   if (!commands.Online()) return false;
   const std::string path = TransferFile(commands.State(), kReceiveFileName);
+  // The library that writes the file cannot say why it failed, so room for the longest answer is made first.
+  std::string error;
+  if (!ReplaceFile(path, std::string(kLongestAnswer, '\0'), &error)) {
+    ShowMessage(prompts, catalogue, 9640, PromptIcon::Exclamation, PromptButtons::Ok, {path, error});
+    return false;
+  }
   const bool arrived = ReceiveIntoFile(commands, number, path);
   const std::optional<std::string> bytes = arrived ? ReadWholeFile(path) : std::nullopt;
   if (!bytes) return Refuse(prompts, catalogue);

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "comm/gp_codes.h"
 #include "compile/block_header.h"
 #include "core/files.h"
 #include "core/numbers.h"
@@ -97,19 +98,21 @@ ArbTransfer WaveformTransfer::SendAndCheck(ArbFileEntry& entry, int number,
   entry.Transferred = 1;
   entry.InInstrument = 1;
   wait(TransferTime(entry));
-  if (dialogues_.QueryErrorNumber() != kErrorMemoryFull) return ArbTransfer::Done;
-  // The instrument did not keep it, so it has to be sent again once there is room.
+  const std::optional<std::int32_t> error = dialogues_.QueryErrorNumber();
+  if (error && *error != kErrorMemoryFull) return ArbTransfer::Done;
+  // The instrument did not keep it, or may not have, so it has to be sent again.
   entry.Transferred = wasTransferred;
   entry.InInstrument = wasInInstrument;
+  if (!error) return ArbTransfer::ReplyUnreadable;
   ShowMessage(prompts_, catalogue_, 9317, PromptIcon::Critical);
   return ArbTransfer::MemoryFull;
 }
 
 ArbTransfer WaveformTransfer::TransferOne(ArbFileEntry& entry, int number) {
-  SetTimeOut(kTimeOutTransfer);
+  SetTimeOut(kTimeOut30s);
   const ArbTransfer result =
       SendAndCheck(entry, number, [this](std::int32_t milliseconds) { commands_.DelayMs(milliseconds); });
-  SetTimeOut(kTimeOutUsual);
+  SetTimeOut(kTimeOut3s);
   return result;
 }
 

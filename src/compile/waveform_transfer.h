@@ -21,9 +21,10 @@ using ArbEntries = std::array<ArbFileEntry, kArbNumbers>;
 
 enum class ArbTransfer {
   Done,
-  FileRefused,  // no such file, or not a waveform; shown, except for a wrong count of values
-  NotSent,      // an exchange failed; not shown
-  MemoryFull,   // sent, but the instrument's waveform memory is exhausted; shown
+  FileRefused,      // no such file, or not a waveform; shown, except for a wrong count of values
+  NotSent,          // an exchange failed; not shown
+  ReplyUnreadable,  // sent, but the reply to the error query is no error number; not shown
+  MemoryFull,       // sent, but the instrument's waveform memory is exhausted; shown
 };
 
 // Codes of CheckArbResources.
@@ -39,9 +40,6 @@ inline constexpr std::int32_t kWaveformMemory = 524288;  // points of one channe
 inline constexpr std::int32_t kSweepWorkArea = 32768;    // points that a duty sweep takes
 inline constexpr std::int32_t kSmallestWaveform = 4096;  // points
 inline constexpr std::int32_t kErrorMemoryFull = -225;   // SCPI "Out of memory"
-inline constexpr std::int16_t kTimeOutUsual = 12;        // 3 s
-inline constexpr std::int16_t kTimeOutMemoryFull = 9;    // 100 ms
-inline constexpr std::int16_t kTimeOutTransfer = 14;     // 30 s
 
 class WaveformTransfer {
  public:
@@ -53,10 +51,10 @@ class WaveformTransfer {
   [[nodiscard]] ArbTransfer TransferArbFile(ArbFileEntry& entry, int number);
   // Why the last TransferArbFile returned FileRefused, for a place that does not interrupt.
   WaveformProblem Problem() const { return read_.problem; }
-  const std::string& Reason() const { return read_.reason; }
+  std::string Reason() const { return ReasonText(read_.reason, catalogue_); }
 
   // TransferArbFile, `wait` for the time that the instrument needs (ms), error query; sets Transferred and
-  // InInstrument. Message 9317 when the memory is full: then the flags are as before the transfer.
+  // InInstrument. Message 9317 when the memory is full. Unless Done the flags are as before the transfer.
   [[nodiscard]] ArbTransfer SendAndCheck(ArbFileEntry& entry, int number,
                                          const std::function<void(std::int32_t)>& wait);
   // The same with the long time-out. Pumps events while it waits.

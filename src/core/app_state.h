@@ -79,6 +79,8 @@ struct AppState {
   // A run ended otherwise than by its own end or by a stop that every instrument took: an instrument may
   // still be running or held. Until a Stop is taken by every instrument, or the program goes off-line.
   bool MayStillRun = false;
+  // Instruments that were unplugged while connected; only opening the connection again brings them back.
+  std::array<bool, kMaxInstruments> Lost{};
 
   // Run clock: ticks and milliseconds of TickClock
   std::uint32_t RunStartTime = 0;

@@ -36,15 +36,6 @@ std::string MessageCatalogue::GetFixedString(int id) {
   }
 }
 
-std::vector<int> MessageCatalogue::AllIds() {
-  std::vector<int> ids;
-  for (const CatalogueText& text : CatalogueTexts()) {
-    if (*text.japanese != '\0') ids.push_back(text.id);
-    if (*text.english != '\0') ids.push_back(text.id + kEnglishOffset);
-  }
-  return ids;
-}
-
 std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& arguments) {
   std::string result;
   result.reserve(text.size());

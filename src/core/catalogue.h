@@ -25,9 +25,6 @@ class MessageCatalogue {
 
   bool English() const { return langOffset_ != 0; }
 
-  // Every id of the catalogue as stored (without offset for Japanese, with it for English); for tests.
-  static std::vector<int> AllIds();
-
  private:
   std::int32_t langOffset_;
 };

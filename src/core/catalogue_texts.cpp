@@ -364,12 +364,30 @@ constexpr CatalogueText kRows[] = {
     {9520, "No instrument was found.", "機器が見つかりません。"},
     {9521, "Several instruments were found. Name one with --serial:$1", "複数の機器が見つかりました。--serial で指定してください：$1"},
     {9522, "The instrument with the serial number $1 was not found.", "シリアル番号 $1 の機器が見つかりません。"},
-    {9523, "The program stops as soon as the transfer has ended.", "転送が終わり次第、停止します。"},
+    {9523, "The program ends as soon as the block under way has been sent.", "送信中のブロックが終わり次第、終了します。"},
     {9525, "The instrument reported the error number $1. The download has ended.", "機器がエラー番号 $1 を報告しました。ダウンロードを終了しました。"},
     {9526, "The instrument did not take the sequence over. The download has ended.", "機器がシーケンスを受け付けませんでした。ダウンロードを終了しました。"},
     {9527, "No sequence name was given that the instrument can take. Use --name or --yes.", "機器が受け付けるシーケンス名が指定されていません。--name または --yes を使用してください。"},
     {9528, "The sequence execution did not end as it should. Check the instrument.", "シーケンス実行は正常に終了しませんでした。機器の状態を確認してください。"},
     {9524, "The sequence execution was stopped.", "シーケンス実行を停止しました。"},
+    {8110, "There is no such file, or it cannot be opened.", "ファイルが存在しないか、開くことができません。"},
+    {8111, "The file could not be read to its end.", "ファイルを最後まで読み込めませんでした。"},
+    {8112, "The file ends within its header.", "ファイルがヘッダの途中で終わっています。"},
+    {8113, "The file ends before its $1 points do.", "ファイルが$1点のデータの途中で終わっています。"},
+    {8114, "Point pairs: $1. Possible are 1 to 524288.", "ポイントペア数：$1（1～524288）"},
+    {8115, "Values: $1. A waveform has 4096, 8192, 16384 and so on up to 524288.", "データ数：$1（4096、8192、16384 … 524288）"},
+    {8116, "Value $1 is no integer from -32767 to 32767.", "$1番目の値が-32767～32767の整数ではありません。"},
+    {8117, "No separator stands in $1 bytes.", "$1バイト以内に区切り文字がありません。"},
+    {8118, "It is neither a .wdb nor a .txt file.", "拡張子が .wdb でも .txt でもありません。"},
+    {9750, "The transfer was ended. Nothing was started.", "転送を中止しました。シーケンスは開始していません。"},
+    {9751, "The instrument was told to stop once more and has taken it.", "停止コマンドを再送し、機器が受け付けました。"},
+    {9752, "The instrument could not be stopped and may still be running. Switch it off by hand.", "機器を停止できませんでした。実行中の可能性があります。機器を直接操作して停止してください。"},
+    {9753, "Standard output could not be written.", "標準出力に書き込めませんでした。"},
+
+    // Added texts: instruments out of sight.
+    {8290, "An instrument may still be running! Stop it (Shift+F5) or switch its output off (F8).", "機器がまだ実行中の可能性があります。ストップ（Shift+F5）または出力OFF（F8）を行ってください。"},
+    {8291, "Device$1: connection lost.", "機器$1：接続が切れました。"},
+    {9700, "An instrument may still be running. Go on without stopping it?", "機器がまだ実行中の可能性があります。停止せずに続行しますか？"},
 
     // Added texts: files and session.
     {9640, "The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"},
@@ -380,6 +398,7 @@ constexpr CatalogueText kRows[] = {
 
     // Added texts: instrument and download.
     {9600, "The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"},
+    {9780, "The instrument's answer to the error query cannot be read. The download has ended.", "エラー問い合わせに対する機器の応答を読み取れません。ダウンロードを終了しました。"},
 };
 // clang-format on
 

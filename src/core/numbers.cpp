@@ -71,6 +71,11 @@ struct NumberPrefix {
   bool overflow = false;
 };
 
+// A reply's text behind its leading blanks and line ends.
+std::string_view SkipBlanks(std::string_view text) {
+  return text.substr(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+}
+
 // Reads [sign] digits [. digits] [exponent] at the beginning of `text`.
 NumberPrefix ReadPrefix(std::string_view text) {
   std::size_t start = 0;
@@ -164,9 +169,11 @@ std::optional<std::int32_t> ParseInt32(std::string_view text) {
 }
 
 double LeadingNumber(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(" \t\r\n");
-  if (first == std::string_view::npos) return 0;
-  return ReadPrefix(text.substr(first)).value;
+  return ReadPrefix(SkipBlanks(text)).value;
+}
+
+bool BeginsWithNumber(std::string_view text) {
+  return ReadPrefix(SkipBlanks(text)).length != 0;
 }
 
 std::int32_t LeadingInteger(std::string_view text) {

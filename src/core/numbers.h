@@ -37,6 +37,7 @@ std::optional<std::int32_t> ParseInt32(std::string_view text);
 // The leading number of a reply: blanks skipped, read up to the first character that cannot continue it;
 // 0 when there is none.
 double LeadingNumber(std::string_view text);
+bool BeginsWithNumber(std::string_view text);  // blanks skipped
 // LeadingNumber rounded to 32 bits; values outside the type are held at its ends.
 std::int32_t LeadingInteger(std::string_view text);
 

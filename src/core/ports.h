@@ -83,18 +83,13 @@ class Progress {
   virtual void End() = 0;
 };
 
-enum class RunControls {
-  Download,  // everything that could start a command or an edit while a download is under way
-  Output,    // the output button alone
-};
-
 // What the run commands and the monitor show in the main window.
 class RunDisplay {
  public:
   virtual ~RunDisplay() = default;
-  // Derives every control's state anew from the application state (main window and sequence view).
+  // Derives every control's state anew from the application state and what is under way (main window and
+  // sequence view).
   virtual void RefreshControls() = 0;
-  virtual void SetControlsEnabled(RunControls which, bool enabled) = 0;
   // Edit layout (0) or execution layout (1) of the main window.
   virtual void ShowModeLayout(int operationMode) = 0;
   // Marks (CellColorChange) or unmarks (CellColorBack) a row in the step grids.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/ascii_case.h"
 #include "platform/code_page.h"
 
 namespace corlune {
@@ -17,15 +18,11 @@ std::string_view Trim(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool SameName(std::string_view a, std::string_view b, int codePage) {
   if (a.size() != b.size()) return false;
   bool trail = false;
   for (std::size_t i = 0; i < a.size(); ++i) {
-    if (trail ? a[i] != b[i] : Lower(a[i]) != Lower(b[i])) return false;
+    if (trail ? a[i] != b[i] : !SameAsciiLetter(a[i], b[i])) return false;
     trail = !trail && IsLeadByte(static_cast<unsigned char>(a[i]), codePage);
   }
   return true;
@@ -187,7 +184,8 @@ std::optional<std::string_view> FindProfileValue(std::string_view file, std::str
 
 std::string ReadProfileString(std::string_view file, std::string_view section, std::string_view key,
                               std::string_view defaultValue, std::size_t size, int codePage) {
-  const std::string_view value = FindProfileValue(file, section, key, codePage).value_or(defaultValue);
+  const std::string_view usual = defaultValue.substr(0, defaultValue.find_last_not_of(' ') + 1);
+  const std::string_view value = FindProfileValue(file, section, key, codePage).value_or(usual);
   return std::string(value.substr(0, size == 0 ? 0 : size - 1));
 }
 
@@ -229,7 +227,8 @@ std::string WriteProfileString(std::string_view file, std::string_view section,
     last = line;
     if (IsComment(line.text) || !SameName(KeyOf(line.text), wanted, codePage)) continue;
     if (!value) return Splice(file, line.begin, line.end, {});
-    return Splice(file, line.begin, line.end, EntryLine(*key, *value, LineEndOf(file, line)));
+    // The key stays as the file spells it.
+    return Splice(file, line.begin, line.end, EntryLine(KeyOf(line.text), *value, LineEndOf(file, line)));
   }
   if (!value) return std::string(file);
   return InsertLines(file, last, EntryLine(*key, *value, LineEndOf(file, last)));

@@ -22,7 +22,7 @@ inline constexpr int kUtf8CodePage = 65001;
 std::optional<std::string_view> FindProfileValue(std::string_view file, std::string_view section,
                                                  std::string_view key, int codePage);
 
-// Reads one value, or `defaultValue`; cut to size - 1 bytes.
+// Reads one value, or `defaultValue` without the blanks at its end; cut to size - 1 bytes.
 std::string ReadProfileString(std::string_view file, std::string_view section, std::string_view key,
                               std::string_view defaultValue, std::size_t size, int codePage);
 
@@ -31,7 +31,8 @@ std::string ReadProfileString(std::string_view file, std::string_view section, s
 std::string ReadProfileSection(std::string_view file, std::string_view section, std::size_t size,
                                int codePage);
 
-// The file after one write. Only the line of the key changes, every other byte stays. A missing key is
+// The file after one write. Only the line of the key changes, every other byte stays, also the letter case
+// of the key. A missing key is
 // added behind the last line of the section that is not blank, a missing section at the end. Without a
 // value the key is deleted, without a key the section. An added line ends like the line before it.
 std::string WriteProfileString(std::string_view file, std::string_view section,

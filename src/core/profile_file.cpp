@@ -75,16 +75,10 @@ std::string GetIniString(const std::string& path, std::string_view section, std:
   return CutToBytes(std::string(*value), bufferSize - 1);
 }
 
-std::string GetIniSectionOfText(std::string_view text, std::string_view section, std::size_t bufferSize) {
+std::string GetIniSectionOfText(std::string_view text, std::string_view section) {
   std::string entries = ReadProfileSection(text, section, 0, kUtf8CodePage);
-  if (bufferSize != 0) entries = CutToBytes(std::move(entries), bufferSize < 2 ? 0 : bufferSize - 2);
   while (!entries.empty() && entries.back() == '\0') entries.pop_back();
   return entries;
-}
-
-std::string GetIniSection(const std::string& path, std::string_view section, std::size_t bufferSize) {
-  const auto bytes = ReadWholeFile(path);
-  return bytes ? GetIniSectionOfText(DecodeText(*bytes), section, bufferSize) : std::string();
 }
 
 bool WriteIniString(const std::string& path, std::string_view section, std::string_view key,

@@ -16,20 +16,15 @@
 namespace corlune {
 
 inline constexpr std::size_t kIniValueBuffer = 3000;
-inline constexpr std::size_t kIniSectionBuffer = 70000;
 
 // Value of one key; empty when file, section or key is missing, and for a value that begins with ";".
 // Cut to bufferSize - 1 characters.
 std::string GetIniString(const std::string& path, std::string_view section, std::string_view key,
                          std::size_t bufferSize = kIniValueBuffer);
 
-// The entry lines of a section joined by NUL, none at the end. `bufferSize` bytes at most (0: no limit).
-std::string GetIniSection(const std::string& path, std::string_view section,
-                          std::size_t bufferSize = kIniSectionBuffer);
-
-// The same from the decoded text of a file that was read once. A view into `text` is not possible
-// (entries are trimmed and blank lines dropped), so a string comes back.
-std::string GetIniSectionOfText(std::string_view text, std::string_view section, std::size_t bufferSize = 0);
+// The entry lines of a section, each without its line end, joined by NUL, none at the end; from the decoded
+// text of a file that was read once. Never cut.
+std::string GetIniSectionOfText(std::string_view text, std::string_view section);
 
 // Writes one value: creates file, section and key when missing, else replaces only that line, every other
 // byte stays. The file is replaced atomically. False when the folder or file cannot be written.

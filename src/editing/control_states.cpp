@@ -14,8 +14,11 @@ struct Situation {
   bool Stopped = false;  // execution mode, no run
   bool Running = false;
   bool Held = false;
-  bool Free = false;    // no download, transfer or command wait
+  bool Free = false;    // no download, transfer or other exchange
   bool Output = false;  // no output command either
+  bool Start = false;   // a start is under way
+  bool Warning =
+      false;  // an instrument may still be running: it can be stopped and switched off, not started
   bool OutputOn = false;
   bool Online = false;
   bool HasSteps = false;
@@ -23,7 +26,7 @@ struct Situation {
   bool CopyBuffer = false;
 };
 
-Situation SituationOf(const AppState& state, const ModelDefinition& definition,
+Situation SituationOf(const AppState& state, const Activity& activity, const ModelDefinition& definition,
                       const ControlConditions& conditions) {
   Situation now;
   now.Running = state.RunState == RunState::Running;
@@ -31,8 +34,10 @@ Situation SituationOf(const AppState& state, const ModelDefinition& definition,
   const bool atRest = !now.Running && !now.Held;
   now.Edit = atRest && state.OperationMode == OperationMode::Edit;
   now.Stopped = atRest && state.OperationMode == OperationMode::Execution;
-  now.Free = !conditions.DownloadLocked;
-  now.Output = now.Free && !conditions.OutputLocked;
+  now.Free = !activity.Exchanging();
+  now.Output = now.Free && !activity.Under(Work::Output) && !activity.Under(Work::Start);
+  now.Start = activity.Under(Work::Start);
+  now.Warning = state.MayStillRun;
   now.OutputOn = state.OutputOn;
   now.Online = state.Online != 0;
   now.HasSteps = conditions.StepCount > 0;
@@ -67,16 +72,18 @@ std::array<bool, 9> ModeItems(const Situation& now) {
 }
 
 bool CanOutput(const Situation& now) {
-  return (now.Stopped || now.Running || now.Held) && now.Output;
+  return (now.Stopped || now.Running || now.Held || now.Warning) && now.Output;
 }
 
 std::array<bool, 9> RunItems(const Situation& now) {
-  return {(now.Stopped || now.Held) && now.Output,
-          (now.Running || now.Held) && now.Free,
-          now.Running && now.Free,
-          now.Running && now.Free,
-          CanOutput(now) && !now.OutputOn,
-          CanOutput(now) && now.OutputOn};
+  // Until it has ended a start can only be stopped. A stop under the warning waits for what is under way.
+  const bool running = now.Running && now.Free && !now.Start;
+  return {(now.Stopped || now.Held) && now.Output && !now.Warning,
+          ((now.Running || now.Held || now.Start) && now.Free) || now.Warning,
+          running,
+          running,
+          CanOutput(now) && !now.OutputOn && !now.Warning,
+          CanOutput(now) && (now.OutputOn || now.Warning)};
 }
 
 std::array<bool, 9> ToolItems(const Situation& now) {
@@ -129,9 +136,9 @@ void FillButtons(ControlStates& states, const ModelDefinition& definition, const
 
 }  // namespace
 
-ControlStates ControlStatesOf(const AppState& state, const ModelDefinition& definition,
-                              const ControlConditions& conditions) {
-  const Situation now = SituationOf(state, definition, conditions);
+ControlStates ControlStatesOf(const AppState& state, const Activity& activity,
+                              const ModelDefinition& definition, const ControlConditions& conditions) {
+  const Situation now = SituationOf(state, activity, definition, conditions);
   ControlStates states;
   FillMenus(states, definition, now);
   FillButtons(states, definition, now);

@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "core/activity.h"
 #include "core/app_state.h"
 #include "modeldef/model_definition.h"
 
@@ -28,15 +29,13 @@ struct ControlStates {
   bool operator==(const ControlStates&) const = default;
 };
 
-// What the application state does not hold.
+// What neither the application state nor the record of what is under way holds.
 struct ControlConditions {
   int StepCount = 0;
   bool CopyBufferFilled = false;
-  bool DownloadLocked = false;  // a download, transfer or command wait is under way
-  bool OutputLocked = false;    // an output command is under way
 };
 
-ControlStates ControlStatesOf(const AppState& state, const ModelDefinition& definition,
-                              const ControlConditions& conditions);
+ControlStates ControlStatesOf(const AppState& state, const Activity& activity,
+                              const ModelDefinition& definition, const ControlConditions& conditions);
 
 }  // namespace corlune

@@ -39,6 +39,7 @@ void OfferUnits(EditorSpec& spec, const ParamDef& definition, int chosen) {
   const std::size_t count = std::min<std::size_t>(definition.UnitList.size(), kUnits);
   spec.Units.assign(definition.UnitList.begin(),
                     definition.UnitList.begin() + static_cast<std::ptrdiff_t>(count));
+  spec.UnitTitle = definition.UnitTitle;
   spec.ChosenUnit = chosen;
 }
 

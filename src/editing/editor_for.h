@@ -26,6 +26,7 @@ struct EditorSpec {
   std::vector<EditorOption> Options;  // 0, 2 (off, on) or up to 3 (change modes)
   int ChosenOption = -1;
   std::vector<std::string> Units;  // units to choose from; empty: the unit is fixed
+  std::string UnitTitle;           // of that list
   int ChosenUnit = -1;
   bool None() const { return !Text && !List; }
   bool operator==(const EditorSpec&) const = default;

@@ -172,7 +172,9 @@ ValueBounds BranchBounds(const ModelDefinition& definition, const SequenceData& 
   if (definition.Branches.ValueKind == 2) {
     return {0, std::max(0.0, static_cast<double>(definition.Branches.Choices.size()) - 1)};
   }
-  return {definition.Branches.Minimum, sequence.StepCount};
+  const bool range = definition.Branches.ValueKind == 0;
+  return {definition.Branches.Minimum,
+          range ? std::min(definition.Branches.Maximum, sequence.StepCount) : sequence.StepCount};
 }
 
 ChoiceList BranchChoices(const ModelDefinition& definition) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "modeldef/model_definition.h"
+#include "sequence/defaults.h"
 #include "sequence/sequence_data.h"
 
 namespace corlune {
@@ -14,17 +15,17 @@ namespace corlune {
 inline constexpr double kPeakLimit = 10.0;  // V, |offset| + amplitude / 2
 inline constexpr int kChangeModes = 3;
 
-// Columns of the common area grid; definition c - 1 describes column c.
+// Columns of the common area grid: behind the step number stand those of the step table.
 enum CommonGridColumn : int {
-  kGridStepTime = 1,
-  kGridAutoHold = 2,
-  kGridStopPhase = 3,
-  kGridEventBranch = 4,
-  kGridStateBranch = 5,
-  kGridJumpTo = 6,
-  kGridJumpCount = 7,
-  kGridStepTerm = 8,
-  kGridStepCode = 9,
+  kGridStepTime = kColumnStepTime + 1,
+  kGridAutoHold = kColumnAutoHold + 1,
+  kGridStopPhase = kColumnStopPhase + 1,
+  kGridEventBranch = kColumnEventBranch + 1,
+  kGridStateBranch = kColumnStateBranch + 1,
+  kGridJumpTo = kColumnJumpTo + 1,
+  kGridJumpCount = kColumnJumpCount + 1,
+  kGridStepTerm = kColumnStepTerm + 1,
+  kGridStepCode = kColumnStepCode + 1,
 };
 
 struct ValueBounds {

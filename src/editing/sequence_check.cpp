@@ -281,7 +281,7 @@ class SequenceCheck {
     if (read.problem == WaveformProblem::None) return;
     std::string reason = path + ":";
     if (const int id = MessageOf(read.problem); id != 0) reason += " " + parts_.Catalogue.GetResString(id);
-    if (!read.reason.empty()) reason += " " + read.reason;
+    reason += " " + ReasonText(read.reason, parts_.Catalogue);
     Add(kError, place, kIdUnusable, {reason});
   }
 

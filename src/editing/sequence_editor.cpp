@@ -75,23 +75,23 @@ EditOutcome SequenceEditor::Perform(EditAction action, const Change& change) {
     nothing.Accepted = false;
     return nothing;
   }
+  return RecordEntry(action, change);
+}
+
+EditOutcome SequenceEditor::Record(EditAction action, const std::function<void()>& change) {
+  return RecordEntry(action, [&change]() -> std::optional<EditMessage> {
+    change();
+    return std::nullopt;
+  });
+}
+
+EditOutcome SequenceEditor::RecordEntry(EditAction action, const Change& change) {
   history_.Synchronise(state_.Modified);
   const auto before = std::make_unique<SequenceData>(sequence_);
   if (const std::optional<EditMessage> refusal = change()) {
     sequence_ = *before;
     return EditOutcome::Refused(*refusal);
   }
-  if (sequence_.Cells != before->Cells) ComputeStartValues(sequence_);
-  const std::optional<UndoSpan> span =
-      history_.Record(catalogue_.GetResString(static_cast<int>(action)), cursor_, *before, sequence_);
-  if (span) state_.Modified = true;
-  return Finish(span);
-}
-
-EditOutcome SequenceEditor::Record(EditAction action, const std::function<void()>& change) {
-  history_.Synchronise(state_.Modified);
-  const auto before = std::make_unique<SequenceData>(sequence_);
-  change();
   if (sequence_.Cells != before->Cells) ComputeStartValues(sequence_);
   const std::optional<UndoSpan> span =
       history_.Record(catalogue_.GetResString(static_cast<int>(action)), cursor_, *before, sequence_);

@@ -120,8 +120,9 @@ class SequenceEditor {
   };
   using Change = std::function<std::optional<EditMessage>()>;
 
-  // Runs `change` as one entry; a message refuses it and puts the sequence back.
+  // Runs `change` as one entry; a message refuses it and puts the sequence back. Perform: while editable.
   EditOutcome Perform(EditAction action, const Change& change);
+  EditOutcome RecordEntry(EditAction action, const Change& change);
   EditOutcome Finish(const std::optional<UndoSpan>& span);
   EditMessage Message(int id, const std::vector<std::string>& arguments = {}) const;
   EditMessage Message(const EntryRefusal& refusal) const { return Message(refusal.Id, refusal.Arguments); }

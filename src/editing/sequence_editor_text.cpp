@@ -4,6 +4,7 @@
 #include <memory>
 #include <utility>
 
+#include "core/ascii_case.h"
 #include "editing/csv_columns.h"
 #include "editing/param_rules.h"
 #include "editing/sequence_editor.h"
@@ -30,16 +31,6 @@ bool IsAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80U; });
 }
 
-bool SameHeader(std::string a, std::string b) {
-  const auto fold = [](std::string& text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  };
-  fold(a);
-  fold(b);
-  return a == b;
-}
-
 EntryResult StoreMode(const GridViews& views, SequenceData& sequence, const CsvColumn& column, int step,
                       std::string_view text) {
   const std::string plain = PlainEntry(text);
@@ -48,7 +39,7 @@ EntryResult StoreMode(const GridViews& views, SequenceData& sequence, const CsvC
   const ParamDef& definition = ChannelColumn(views.Definition(), param);
   const std::vector<std::int16_t> modes = ChangeModesOf(definition);
   for (std::size_t i = 0; i < modes.size(); ++i) {
-    if (!SameHeader(definition.ModeNames[i], plain)) continue;
+    if (!EqualIgnoringCase(definition.ModeNames[i], plain)) continue;
     sequence.Cell(column.Channel, step, param).ChangeMode = modes[i];
     return std::nullopt;
   }
@@ -197,7 +188,7 @@ EditOutcome SequenceEditor::ImportCsv(std::string_view text) {
   for (std::size_t field = 0; field < table.Rows[0].Cells.size(); ++field) {
     const std::string header = PlainEntry(table.Rows[0].Cells[field]);
     const auto found = std::find_if(columns.begin(), columns.end(), [&](const CsvColumn& column) {
-      return SameHeader(PlainEntry(column.Header), header);
+      return EqualIgnoringCase(PlainEntry(column.Header), header);
     });
     if (found == columns.end()) return refuse(kIdUnknownColumn, {header.substr(0, kLongestName)});
     const bool twice = std::any_of(mapped.begin(), mapped.end(), [&](const MappedColumn& other) {

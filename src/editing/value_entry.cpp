@@ -4,6 +4,7 @@
 #include <cmath>
 #include <utility>
 
+#include "core/ascii_case.h"
 #include "core/numbers.h"
 #include "editing/param_rules.h"
 #include "sequence/units.h"
@@ -49,12 +50,6 @@ double Rounded(double value, std::string_view format) {
 
 std::string BoundText(const std::optional<double>& bound, std::string_view format) {
   return bound ? FormatNumber(*bound, format) : std::string();
-}
-
-bool EqualIgnoringCase(std::string_view a, std::string_view b) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                    [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 std::optional<std::int16_t> ChoiceNamed(const ChoiceList& list, std::string_view text) {

@@ -43,7 +43,9 @@ bool RunQueries::Query(int instrument, const CommandEntry& query, std::string& r
   return !Failed(status);
 }
 
-void RunQueries::EndInBothWindows() {
+void RunQueries::GiveUpRun() {
+  // Nobody knows what became of it at the instruments.
+  if (measure_.Monitoring()) run_.state.MayStillRun = true;
   measure_.MeasureEnd();
   RefreshBoth(run_);
 }
@@ -51,25 +53,29 @@ void RunQueries::EndInBothWindows() {
 void RunQueries::BackToEditMode() {
   run_.state.OperationMode = OperationMode::Edit;
   run_.display.ShowModeLayout(static_cast<int>(OperationMode::Edit));
-  EndInBothWindows();
+  GiveUpRun();
 }
 
 void RunQueries::StopAllForOutputOff(int instrument) {
   const CommandEntry& stop = run_.commands.Definition().Commands.Stop;
+  const auto stopped = [&](int i) {
+    return !Failed(run_.commands.SendCommand(run_.commands.SelectInstrument(i), stop.Template, stop.Wait));
+  };
+  int failed = -1;
   for (int other = 0; other < run_.state.InstrumentCount; ++other) {
-    if (other == instrument) continue;
-    const std::int32_t address = run_.commands.SelectInstrument(other);
-    if (!Failed(run_.commands.SendCommand(address, stop.Template, stop.Wait))) continue;
-    ShowCommunicationError(run_, other, PromptIcon::Critical);
-    run_.state.OutputOn = false;
-    EndInBothWindows();
-    return;
+    if (other != instrument && !stopped(other) && failed < 0) failed = other;
   }
-  ShowMessage(run_.prompts, run_.catalogue, 9203, PromptIcon::Information, PromptButtons::Ok,
-              {std::to_string(instrument + 1)});
-  // Its output is off already: whether this stop arrives changes nothing in what the person is told.
-  run_.commands.SendCommand(run_.commands.SelectInstrument(instrument), stop.Template, stop.Wait);
-  EndInBothWindows();
+  const bool itself = stopped(instrument);
+  if (!itself || failed >= 0) run_.state.MayStillRun = true;
+  if (failed >= 0) {
+    run_.state.OutputOn = false;
+    ShowCommunicationError(run_, failed, PromptIcon::Critical);
+  } else {
+    ShowMessage(run_.prompts, run_.catalogue, 9203, PromptIcon::Information, PromptButtons::Ok,
+                {std::to_string(instrument + 1)});
+  }
+  measure_.MeasureEnd();
+  RefreshBoth(run_);
 }
 
 int RunQueries::OutputQuery(int instrument, OutputCheck check) {
@@ -77,7 +83,7 @@ int RunQueries::OutputQuery(int instrument, OutputCheck check) {
   std::string reply;
   if (!Query(instrument, run_.commands.Definition().Commands.OutputQuery, reply)) {
     ShowCommunicationError(run_, instrument, PromptIcon::Exclamation);
-    EndInBothWindows();
+    GiveUpRun();
     return kQueryFailed;
   }
   if (reply.find(';') != std::string::npos) reply = SumOfTwo(reply) == 2 ? "1" : "0";

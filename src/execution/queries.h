@@ -39,7 +39,8 @@ class RunQueries {
   bool Recover(std::int32_t address, const CommandEntry& query);
   void StopAllForOutputOff(int instrument);
   void BackToEditMode();
-  void EndInBothWindows();
+  // After a failed query: the end of the run, if one was followed.
+  void GiveUpRun();
 
   RunContext run_;
   Measure& measure_;

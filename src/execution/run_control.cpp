@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "commands/expand_template.h"
-#include "core/flag_guard.h"
 #include "sequence/channel_tabs.h"
 
 namespace corlune {
@@ -13,60 +12,87 @@ namespace {
 
 constexpr const char* kResumeCommand = ":TRIG1:SEL:EXEC RES";
 constexpr std::int32_t kResumeWait = 400;  // ms
-constexpr int kRowsBelow = 9;              // with more steps following, the grids scroll to the step
+constexpr int kGoOnQuestion = 9700;
 
-// Counts a command for as long as it runs.
-class DepthGuard {
- public:
-  explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
-  ~DepthGuard() { --depth_; }
-  DepthGuard(const DepthGuard&) = delete;
-  DepthGuard& operator=(const DepthGuard&) = delete;
-
- private:
-  int& depth_;
-};
+Work WorkOf(Run command) {
+  switch (command) {
+    case Run::Start:
+      return Work::Start;
+    case Run::OutputOn:
+    case Run::OutputOff:
+      return Work::Output;
+    default:
+      return Work::Command;
+  }
+}
 
 }  // namespace
 
-RunControl::RunControl(RunContext run, Measure& measure, RunQueries& queries, RunActivity& activity,
-                       std::function<bool()> download)
-    : run_(run), measure_(measure), queries_(queries), activity_(activity), download_(std::move(download)) {}
+RunControl::RunControl(RunContext run, Measure& measure, RunQueries& queries, Activity& activity,
+                       std::function<bool()> download, std::function<bool()> reopen)
+    : run_(run),
+      measure_(measure),
+      queries_(queries),
+      activity_(activity),
+      download_(std::move(download)),
+      reopen_(std::move(reopen)) {}
+
+bool RunControl::AgreeToGoOn() {
+  return !run_.state.MayStillRun ||
+         ShowMessage(run_.prompts, run_.catalogue, kGoOnQuestion, PromptIcon::Question,
+                     PromptButtons::OkCancel) == PromptAnswer::Ok;
+}
 
 bool RunControl::SetOperationMode(OperationMode mode) {
-  AppState& state = run_.state;
   if (BusyOrRunning()) return false;
+  bool entered = false;
+  {
+    const WorkGuard guard(activity_, Work::ModeChange);
+    entered = ChangeMode(mode);
+  }
+  ExchangeEnded();
+  RefreshBoth(run_);
+  return entered;
+}
+
+bool RunControl::ChangeMode(OperationMode mode) {
+  AppState& state = run_.state;
+  if (!AgreeToGoOn()) return false;
   if (mode == OperationMode::Execution) {
     if (run_.sequence.StepCount == 0) {
       ShowMessage(run_.prompts, run_.catalogue, 9204, PromptIcon::Information);
       return false;
     }
-    const FlagGuard guard(activity_.modeChange);
     run_.commands.SelectInstrument(0);
     if (!download_()) return false;
-    state.OutputOn = queries_.OutputQuery(0) == 1;
-    state.OperationMode = OperationMode::Execution;
+    // What an instrument that may still run does with its output is known only when it is stopped.
+    state.OutputOn = queries_.OutputQuery(0) == 1 && !state.MayStillRun;
     SetRunState(state, RunState::Stopped);
-  } else {
-    state.OperationMode = OperationMode::Edit;
   }
+  state.OperationMode = mode;
   run_.display.ShowModeLayout(static_cast<int>(mode));
-  RefreshBoth(run_);
   return true;
 }
 
 bool RunControl::RunCommand(Run command) {
   if (activity_.CommandUnderWay()) return false;
-  const DepthGuard guard(activity_.commandDepth);
-  stopAfterCommand_ = false;
-  current_ = command;
-  const bool done = Execute(command);
-  if (std::exchange(stopAfterCommand_, false)) {
-    run_.state.PendingRequest = PendingRequest::None;
-    current_ = Run::Stop;
-    Stop();
+  const bool goesOn = command == Run::Start || command == Run::OutputOn;
+  if (goesOn && run_.state.MayStillRun) return false;
+  if (command == Run::Start || command == Run::Stop) stopWaits_ = false;
+  bool done = false;
+  {
+    const WorkGuard guard(activity_, WorkOf(command));
+    current_ = command;
+    if (WorkOf(command) != Work::Command) RefreshBoth(run_);
+    done = Execute(command);
+    if (std::exchange(stopWaits_, false)) {
+      run_.state.PendingRequest = PendingRequest::None;
+      current_ = Run::Stop;
+      Stop();
+    }
+    current_.reset();
   }
-  current_.reset();
+  RefreshBoth(run_);
   return done;
 }
 
@@ -90,23 +116,33 @@ bool RunControl::Execute(Run command) {
 
 int RunControl::SendToAll(const std::function<std::string(int)>& command, std::int32_t wait) {
   for (int i = 0; i < run_.state.InstrumentCount; ++i) {
+    if (current_ == Run::Start && stopWaits_) return -1;
     const std::int32_t address = run_.commands.SelectInstrument(i);
     if (Failed(run_.commands.SendCommand(address, command(i), wait))) return i;
   }
   return -1;
 }
 
-bool RunControl::FailRun(int instrument) {
-  ShowCommunicationError(run_, instrument, PromptIcon::Critical);
+void RunControl::SayFailure(int instrument) {
   run_.state.OutputOn = false;
+  // The warning stands behind the message already.
+  if (run_.state.MayStillRun) RefreshBoth(run_);
+  ShowCommunicationError(run_, instrument, PromptIcon::Critical);
   measure_.EndRun();
-  RefreshBoth(run_);
+}
+
+bool RunControl::FailRun(int instrument) {
+  // Those that took the command before it run or hold; the one that did not may have taken it all the same.
+  const bool stopped = SendToEach(run_, run_.commands.Definition().Commands.Stop) < 0;
+  if (!stopped) run_.state.MayStillRun = true;
+  SayFailure(instrument);
   return false;
 }
 
 bool RunControl::SwitchOutputsForStart() {
   if (ShowMessage(run_.prompts, run_.catalogue, 9200, PromptIcon::Information, PromptButtons::OkCancel) !=
-      PromptAnswer::Ok) {
+          PromptAnswer::Ok ||
+      stopWaits_) {
     return false;
   }
   const CommandEntry& outputOn = run_.commands.Definition().Commands.OutputOn;
@@ -116,7 +152,7 @@ bool RunControl::SwitchOutputsForStart() {
     return false;
   }
   run_.state.OutputOn = true;
-  return true;
+  return !stopWaits_;
 }
 
 bool RunControl::Start() {
@@ -129,11 +165,10 @@ bool RunControl::Start() {
   const int failed = resume ? SendToAll([](int) { return std::string(kResumeCommand); }, kResumeWait)
                             : SendToAll([&](int) { return start.Template; }, start.Wait);
   if (failed >= 0) return FailRun(failed);
+  if (stopWaits_) return false;
 
   if (resume) {
-    const int step = state.CurrentStep;
-    const int count = run_.sequence.StepCount;
-    if (step >= 1 && step != count - 1 && count - step > kRowsBelow) run_.display.ScrollTo(GridRow{step});
+    measure_.ScrollToStep();
     SetRunState(state, RunState::Running);
     measure_.MeasureReStart();
   } else {
@@ -141,21 +176,28 @@ bool RunControl::Start() {
     const int step = queries_.StepQuery(0);
     if (measure_.EndCount() != endCount) {
       state.OutputOn = false;
-      RefreshBoth(run_);
+      state.MayStillRun = true;
       return false;
     }
     state.CurrentStep = static_cast<std::int16_t>(step);
     SetRunState(state, RunState::Running);
     measure_.MeasureStart();
   }
-  RefreshBoth(run_);
   return true;
 }
 
 bool RunControl::Stop() {
+  AppState& state = run_.state;
+  const bool unknown = state.MayStillRun;
+  if (unknown && !run_.commands.Online() && !(reopen_ && reopen_())) return false;
   const CommandTable& table = run_.commands.Definition().Commands;
-  const int failed = SendToAll([&](int) { return table.Stop.Template; }, table.Stop.Wait);
-  if (failed >= 0) return FailRun(failed);
+  const int failed = SendToEach(run_, table.Stop);
+  if (failed >= 0) {
+    state.MayStillRun = true;
+    SayFailure(failed);
+    return false;
+  }
+  state.MayStillRun = false;
   measure_.MarkEndedWell();
   measure_.EndRun();
   // The instrument clears its run status when it is read; nobody needs the answer.
@@ -164,7 +206,8 @@ bool RunControl::Stop() {
   if (!Failed(run_.commands.SendCommand(address, table.Status.Template, table.Status.Wait))) {
     run_.commands.ReceiveReply(address, discarded);
   }
-  RefreshBoth(run_);
+  // What became of the output meanwhile nobody has seen.
+  if (unknown) state.OutputOn = queries_.OutputQuery(0) == 1;
   return true;
 }
 
@@ -175,7 +218,6 @@ bool RunControl::Hold() {
   if (failed >= 0) return FailRun(failed);
   SetRunState(run_.state, RunState::Held);
   measure_.MeasureHold();
-  RefreshBoth(run_);
   return true;
 }
 
@@ -212,36 +254,38 @@ bool RunControl::Branch() {
   const std::int32_t wait = run_.commands.Definition().Commands.Branch.Wait;
   const int failed = SendToAll([this](int instrument) { return BranchCommand(instrument); }, wait);
   if (failed >= 0) return FailRun(failed);
-  RefreshBoth(run_);
   return true;
 }
 
 bool RunControl::SwitchOutput(bool on) {
+  if (run_.state.MayStillRun && !run_.commands.Online() && !(reopen_ && reopen_())) return false;
   const CommandTable& table = run_.commands.Definition().Commands;
-  const CommandEntry& output = on ? table.OutputOn : table.OutputOff;
-  run_.display.SetControlsEnabled(RunControls::Output, false);
-  const int failed = SendToAll([&](int) { return output.Template; }, output.Wait);
+  const int failed = on ? SendToAll([&](int) { return table.OutputOn.Template; }, table.OutputOn.Wait)
+                        : SendToEach(run_, table.OutputOff);
   if (failed >= 0) {
     ShowCommunicationError(run_, failed, PromptIcon::Critical);
-  } else {
-    run_.state.OutputOn = on;
+    return false;
   }
-  run_.display.SetControlsEnabled(RunControls::Output, true);
-  RefreshBoth(run_);
-  return failed < 0;
+  run_.state.OutputOn = on;
+  return true;
 }
 
 void RunControl::PressStop() {
   AppState& state = run_.state;
-  if (activity_.commandDepth > 0) {
-    if (current_ == Run::Stop) return;
+  afterTick_.reset();
+  if (current_) {
+    if (*current_ == Run::Stop) return;
     state.PendingRequest = PendingRequest::Stop;
-    stopAfterCommand_ = true;
-  } else if (activity_.CommandUnderWay()) {
-    return;
-  } else if (state.RunState == RunState::Running || (state.RunState == RunState::Held && activity_.inTick)) {
+    stopWaits_ = true;
+  } else if (activity_.Exchanging()) {
+    stopWaits_ = state.MayStillRun;
+  } else if (state.RunState == RunState::Running ||
+             (state.RunState == RunState::Held && activity_.Under(Work::Tick))) {
     state.PendingRequest = PendingRequest::Stop;
-  } else if (state.RunState == RunState::Held) {
+    stopWaits_ = true;
+  } else if (state.MayStillRun && activity_.Under(Work::Tick)) {
+    stopWaits_ = true;
+  } else if (state.RunState == RunState::Held || state.MayStillRun) {
     RunCommand(Run::Stop);
   }
 }
@@ -250,15 +294,17 @@ void RunControl::PressAtNextTick(PendingRequest request) {
   AppState& state = run_.state;
   if (state.PendingRequest == PendingRequest::Stop) return;
   // Without a running run no tick carries it out; kept, it would strike when the run resumes.
-  if (state.RunState != RunState::Running && activity_.commandDepth == 0) return;
+  if (state.RunState != RunState::Running && !activity_.Commanding()) return;
   state.PendingRequest = request;
 }
 
 void RunControl::PressAtOnce(Run command) {
   const AppState& state = run_.state;
-  if (state.OperationMode != OperationMode::Execution || activity_.CommandUnderWay()) return;
+  const bool makesSafe = command == Run::OutputOff && state.MayStillRun;
+  if (state.OperationMode != OperationMode::Execution && !makesSafe) return;
+  if (activity_.CommandUnderWay()) return;
   if (command == Run::Start && state.RunState == RunState::Running) return;
-  if (activity_.inTick) {
+  if (activity_.Under(Work::Tick)) {
     afterTick_ = command;
   } else {
     RunCommand(command);
@@ -295,7 +341,7 @@ void RunControl::Button(int index) {
     SetOperationMode(run_.state.OperationMode == OperationMode::Edit ? OperationMode::Execution
                                                                      : OperationMode::Edit);
   } else if (index == 5) {
-    MenuItem(run_.state.OutputOn ? 5 : 4);
+    MenuItem(run_.state.OutputOn || run_.state.MayStillRun ? 5 : 4);
   } else if (index >= 1 && index <= 4) {
     MenuItem(index - 1);
   }
@@ -307,9 +353,18 @@ void RunControl::TickEnded() {
   if (state.RunState == RunState::Held && state.PendingRequest == PendingRequest::Stop) {
     state.PendingRequest = PendingRequest::None;
     RunCommand(Run::Stop);
-  } else if (waiting && state.OperationMode == OperationMode::Execution) {
+  } else if (stopWaits_ && state.RunState == RunState::Stopped) {
+    stopWaits_ = false;
+    if (state.MayStillRun) RunCommand(Run::Stop);
+  } else if (waiting && (state.OperationMode == OperationMode::Execution || state.MayStillRun)) {
     RunCommand(*waiting);
   }
+}
+
+void RunControl::ExchangeEnded() {
+  if (!stopWaits_ || !run_.state.MayStillRun) return;
+  if (activity_.CommandUnderWay() || activity_.Under(Work::Tick)) return;
+  RunCommand(Run::Stop);
 }
 
 }  // namespace corlune

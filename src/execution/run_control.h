@@ -6,9 +6,9 @@
 #include <functional>
 #include <optional>
 
+#include "core/activity.h"
 #include "execution/measure.h"
 #include "execution/queries.h"
-#include "execution/run_activity.h"
 #include "execution/run_state.h"
 
 namespace corlune {
@@ -18,24 +18,33 @@ enum class Run : int { Start = 0, Stop = 1, Hold = 2, Branch = 3, OutputOn = 4, 
 class RunControl {
  public:
   // `download` sends the sequence; false when it failed or was cancelled.
-  RunControl(RunContext run, Measure& measure, RunQueries& queries, RunActivity& activity,
-             std::function<bool()> download);
+  // `reopen` opens the connection again after it was lost; false, with its message shown, when it cannot.
+  RunControl(RunContext run, Measure& measure, RunQueries& queries, Activity& activity,
+             std::function<bool()> download, std::function<bool()> reopen = {});
 
   // Execution: needs a step (else message 9204) and a successful download. Refused while anything is under
-  // way and while a run is going or held. True when the mode was entered.
+  // way and while a run is going or held. True when the mode was entered. Asks AgreeToGoOn first.
   bool SetOperationMode(OperationMode mode);
 
   // Carries out a command at once, on every instrument. False when it was refused (another command under
-  // way, or nothing to do in this run state), cancelled or failed; failures have been shown.
+  // way, or nothing to do in this run state), cancelled or failed; failures have been shown. Stop and Output
+  // OFF go to every instrument even when one fails. A Start, resume, Hold or Branch that fails at one stops
+  // all. While AppState::MayStillRun, Start and Output ON are refused, and Stop is sent whatever the run
+  // state.
   bool RunCommand(Run command);
 
+  // While AppState::MayStillRun: asks whether to go on without a stop (9700). True when there is nothing to
+  // ask, or the person agreed.
+  bool AgreeToGoOn();
+
   // A press on run menu item 0..5 (Run's order).
-  //   Stop: held, at once; running, at the monitor's next tick; during a command, when that command ends.
+  //   Stop: held, at once; running, at the monitor's next tick; during a command, when that command ends, and
+  //   a Start sends no start command any more. While MayStillRun at once, or behind what is under way.
   //   Hold, Branch: at the monitor's next tick; ignored unless running, and behind a waiting stop.
   //   Start, Output: at once; during a tick, at its end; during a command, ignored.
-  // Start and Output need execution mode.
+  // Start and Output need execution mode; Output OFF does not while MayStillRun.
   void MenuItem(int item);
-  // A press on button 0..5: change mode, Start, Stop, Hold, Branch, Output on/off.
+  // A press on button 0..5: change mode, Start, Stop, Hold, Branch, Output on/off (off while MayStillRun).
   void Button(int index);
 
   // Something is under way that a close request, a file command or a mode change must not interrupt.
@@ -45,11 +54,15 @@ class RunControl {
 
   // The monitor calls this at the end of each tick: carries out what was deferred to it.
   void TickEnded();
+  // To be called when something else that exchanged with an instrument has ended: carries out the stop that
+  // was pressed meanwhile.
+  void ExchangeEnded();
 
  private:
   void PressStop();
   void PressAtNextTick(PendingRequest request);
   void PressAtOnce(Run command);
+  bool ChangeMode(OperationMode mode);
   bool Execute(Run command);
   bool Start();
   bool SwitchOutputsForStart();
@@ -60,15 +73,19 @@ class RunControl {
   // Sends to every instrument in index order; the index of the first that fails, -1 when none does.
   int SendToAll(const std::function<std::string(int)>& command, std::int32_t wait);
   bool FailRun(int instrument);
+  void SayFailure(int instrument);
   std::string BranchCommand(int instrument) const;
 
   RunContext run_;
   Measure& measure_;
   RunQueries& queries_;
-  RunActivity& activity_;
+  Activity& activity_;
   std::function<bool()> download_;
-  std::optional<Run> current_;     // the command under way
-  bool stopAfterCommand_ = false;  // a stop pressed meanwhile; outlives what clears PendingRequest
+  std::function<bool()> reopen_;
+  std::optional<Run> current_;  // the command under way
+  // A stop that was pressed and not yet carried out. Unlike PendingRequest it outlives the end of the run:
+  // when a failed query ended it, the stop is sent all the same.
+  bool stopWaits_ = false;
   std::optional<Run> afterTick_;
 };
 

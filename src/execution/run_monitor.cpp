@@ -4,16 +4,11 @@
 #include <limits>
 #include <utility>
 
-#include "core/flag_guard.h"
-
 namespace corlune {
 
 namespace {
-constexpr std::int32_t kPollInterval = 100;    // ms that must have passed since the last poll
 constexpr std::int32_t kOutputsSettle = 1500;  // ms between the last step and the check of the outputs
 constexpr double kShortestMarkedStep = 100;    // ms
-constexpr int kRowsBelow = 9;                  // following steps that need no scrolling
-constexpr int kRowsShown = 10;                 // rows kept visible above the last one
 constexpr int kStatusStop = 2;
 constexpr int kStatusRunning = 4;
 constexpr int kStatusHeld = 8;
@@ -21,9 +16,10 @@ constexpr std::int16_t kTermWithMessage = 2;
 }  // namespace
 
 void RunMonitor::Tick() {
-  if (activity_.Busy() || !measure_.Monitoring() || run_.state.RunState != RunState::Running) return;
+  if (activity_.CommandUnderWay() || activity_.Under(Work::Tick)) return;
+  if (!measure_.Monitoring() || run_.state.RunState != RunState::Running) return;
   {
-    const FlagGuard ticking(activity_.inTick);
+    const WorkGuard ticking(activity_, Work::Tick);
     endCountAtStart_ = measure_.EndCount();
     RunSteps();
   }
@@ -34,10 +30,7 @@ void RunMonitor::RunSteps() {
   AppState& state = run_.state;
   const std::uint32_t now = run_.commands.Clock().Now();
   if (state.BranchRequested) state.StepDeadline = now;
-  // Past its maximum the difference turns negative, and positive again after as long; the maximum stays.
-  constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max();
-  const std::int32_t elapsed = TicksSince(now, state.RunStartTime);
-  state.ElapsedTime = elapsed >= 0 && state.ElapsedTime != kLongest ? elapsed : kLongest;
+  CountElapsed(now);
   ShowElapsed();
 
   Next next = Poll();
@@ -48,9 +41,7 @@ void RunMonitor::RunSteps() {
 }
 
 RunMonitor::Next RunMonitor::Poll() {
-  const std::uint32_t now = run_.commands.Clock().Now();
-  if (measure_.lastPoll && TicksSince(now, *measure_.lastPoll) <= kPollInterval) return Next::Requests;
-  measure_.lastPoll = now;
+  if (!measure_.PollDue()) return Next::Requests;
   Next next = PollOutput();
   if (next == Next::GoOn) next = PollStep();
   if (next == Next::GoOn) next = PollStatus();
@@ -77,6 +68,7 @@ RunMonitor::Next RunMonitor::PollStep() {
   if (step_ == kNoStep) return AfterLastStep();
   if (step_ < 0) {
     control_.RunCommand(Run::Stop);
+    measure_.MarkEndedBadly();
     return Next::EndOfTick;
   }
   return step_ > run_.sequence.StepCount ? BeyondLastStep() : Next::GoOn;
@@ -85,6 +77,15 @@ RunMonitor::Next RunMonitor::PollStep() {
 RunMonitor::Next RunMonitor::AfterLastStep() {
   ShowElapsed();
   run_.commands.DelayMs(kOutputsSettle);
+  // The others run on their own clocks; the run is over when the first one says so.
+  if (const int failed = SendToEach(run_, run_.commands.Definition().Commands.Stop, 1); failed >= 0) {
+    run_.state.OutputOn = false;
+    run_.state.MayStillRun = true;
+    ShowCommunicationError(run_, failed, PromptIcon::Critical);
+    measure_.MeasureEnd();
+    RefreshBoth(run_);
+    return Next::EndOfTick;
+  }
   for (int i = 0; i < run_.state.InstrumentCount; ++i) {
     if (queries_.OutputQuery(i, OutputCheck::AfterEnd) == 1) continue;
     run_.state.OutputOn = false;
@@ -105,6 +106,8 @@ RunMonitor::Next RunMonitor::BeyondLastStep() {
   const bool tellEnd = last && last->StepTerm == kTermWithMessage;
   if (control_.RunCommand(Run::Stop) && tellEnd) {
     ShowMessage(run_.prompts, run_.catalogue, 9202, PromptIcon::Information);
+  } else {
+    measure_.MarkEndedBadly();
   }
   return Next::EndOfTick;
 }
@@ -114,6 +117,8 @@ RunMonitor::Next RunMonitor::PollStatus() {
   const int status = queries_.StatusQuery(0);
   const std::uint32_t now = run_.commands.Clock().Now();
   if (RunEnded()) return Next::EndOfTick;
+  // The queries may have waited for a late instrument; the step is told with the time of its answer.
+  CountElapsed(now);
   switch (status) {
     case kStatusStop:
       state.PendingRequest = PendingRequest::Stop;
@@ -131,8 +136,6 @@ RunMonitor::Next RunMonitor::PollStatus() {
       SetRunState(state, RunState::Held);
       RefreshBoth(run_);
       measure_.MeasureHold();
-      // The hold that was waiting has come about; kept, it would strike when the run resumes.
-      if (state.PendingRequest == PendingRequest::Hold) state.PendingRequest = PendingRequest::None;
       return Next::Follow;
     default:
       return Next::Requests;
@@ -178,27 +181,24 @@ void RunMonitor::FollowStep() {
       state.StepChangedAt = now;
       measure_.MoveTo(target);
     }
+    RefreshBoth(run_);  // the branch button goes dark
   }
-  ScrollToStep();
+  measure_.ScrollToStep();
   if (state.SequenceViewShown) run_.view.PicDisp();
-}
-
-void RunMonitor::ScrollToStep() {
-  const int step = run_.state.CurrentStep;
-  const int count = run_.sequence.StepCount;
-  if (step < 1) {
-    measure_.ScrollToTop();
-  } else if (count - step > kRowsBelow) {
-    run_.display.ScrollTo(GridRow{step});
-  } else if (count > kRowsShown) {
-    run_.display.ScrollTo(GridRow{count - kRowsShown});
-  }
 }
 
 void RunMonitor::MoveMarker() {
   if (!run_.state.SequenceViewShown) return;
   const StepRow* row = CurrentStepRow(run_);
   if (row && row->StepRunTime > kShortestMarkedStep) run_.view.MoveShape(run_.commands.Clock().Now());
+}
+
+void RunMonitor::CountElapsed(std::uint32_t now) {
+  AppState& state = run_.state;
+  // Past its maximum the difference turns negative, and positive again after as long; the maximum stays.
+  constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max();
+  const std::int32_t elapsed = TicksSince(now, state.RunStartTime);
+  state.ElapsedTime = elapsed >= 0 && state.ElapsedTime != kLongest ? elapsed : kLongest;
 }
 
 void RunMonitor::ShowElapsed() {

@@ -4,9 +4,9 @@
 
 #include <cstdint>
 
+#include "core/activity.h"
 #include "execution/measure.h"
 #include "execution/queries.h"
-#include "execution/run_activity.h"
 #include "execution/run_control.h"
 #include "execution/run_state.h"
 
@@ -14,8 +14,7 @@ namespace corlune {
 
 class RunMonitor {
  public:
-  RunMonitor(RunContext run, Measure& measure, RunQueries& queries, RunControl& control,
-             RunActivity& activity)
+  RunMonitor(RunContext run, Measure& measure, RunQueries& queries, RunControl& control, Activity& activity)
       : run_(run), measure_(measure), queries_(queries), control_(control), activity_(activity) {}
 
   // See Measure::EndedWell.
@@ -38,8 +37,8 @@ class RunMonitor {
   Next CarryOutRequest();
   Next HoldNow();
   void FollowStep();
-  void ScrollToStep();
   void MoveMarker();
+  void CountElapsed(std::uint32_t now);
   void ShowElapsed();
   bool RunEnded() const { return measure_.EndCount() != endCountAtStart_; }
 
@@ -47,7 +46,7 @@ class RunMonitor {
   Measure& measure_;
   RunQueries& queries_;
   RunControl& control_;
-  RunActivity& activity_;
+  Activity& activity_;
   std::uint32_t endCountAtStart_ = 0;
   int step_ = 0;  // the reply of this tick's step query
 };

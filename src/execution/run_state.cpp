@@ -16,6 +16,15 @@ const StepRow* CurrentStepRow(const RunContext& run) {
   return &run.sequence.Steps[static_cast<std::size_t>(step)];
 }
 
+int SendToEach(const RunContext& run, const CommandEntry& entry, int first) {
+  int failed = -1;
+  for (int i = first; i < run.state.InstrumentCount; ++i) {
+    const std::int32_t address = run.commands.SelectInstrument(i);
+    if (Failed(run.commands.SendCommand(address, entry.Template, entry.Wait)) && failed < 0) failed = i;
+  }
+  return failed;
+}
+
 void ShowCommunicationError(const RunContext& run, int index, PromptIcon icon) {
   ShowMessage(run.prompts, run.catalogue, 9201, icon, PromptButtons::Ok, {std::to_string(index + 1)});
 }

@@ -35,6 +35,11 @@ struct RunContext {
 // beyond the last one). Such an index has run time 0, terminal 0, no branch and no highlight.
 const StepRow* CurrentStepRow(const RunContext& run);
 
+// Sends `entry` to every instrument from index `first` on, in index order and also behind one that fails:
+// what stops a run or switches an output off must reach whoever can be reached. The index of the first that
+// failed, -1 when none did. Pumps events.
+int SendToEach(const RunContext& run, const CommandEntry& entry, int first = 0);
+
 // Message 9201 for instrument `index` (0-based). Pumps events.
 void ShowCommunicationError(const RunContext& run, int index, PromptIcon icon);
 

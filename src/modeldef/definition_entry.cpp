@@ -130,6 +130,7 @@ TextList DefinitionEntry::CountedTexts(std::size_t capacity) const {
     Refuse("the count is " + std::to_string(list.Count) + " but only " + std::to_string(list.Texts.size()) +
            " texts follow");
   }
+  list.Texts.resize(static_cast<std::size_t>(list.Count));
   return list;
 }
 

@@ -51,7 +51,7 @@ class DefinitionEntry {
   RangeSpec Range(std::size_t first) const;
   // Every item from `first` on, at most `capacity`.
   std::vector<std::string> Texts(std::size_t first, std::size_t capacity) const;
-  // A count and at least that many texts, at most `capacity`.
+  // A count and that many texts; texts behind them, at most `capacity` in all, are not offered.
   TextList CountedTexts(std::size_t capacity) const;
   // All items but the last, with their commas.
   std::string AllButLast() const;

@@ -63,6 +63,9 @@ struct TextList {
   bool operator==(const TextList&) const = default;
 };
 
+inline constexpr int kModeSets = 8;
+inline constexpr int kChannelSlots = 3;  // load and user-unit slots; slot 0 is channel 1
+
 // One mode set (MD_ keys).
 struct ModeSetSpec {
   std::string Name;
@@ -99,7 +102,7 @@ struct ModelDefinition {
   Color LoopSequence;     // CL_LOPSEQ
   Color EndlessSequence;  // CL_INFSEQ
   Color Indicator;        // CL_INDICATOR
-  Color CurrentStep;      // CL_CURSTEP, digits read as blue, green, red
+  Color CurrentStep;      // CL_CURSTEP, digits read as blue, green, red; in the sequence view
 
   // Sequence view
   bool ReferenceFlag = false;  // DP_REFFL
@@ -115,13 +118,13 @@ struct ModelDefinition {
   // Mode sets
   std::int16_t ModeSetCount = 0;  // MD_SETCOU
   bool ModePerChannel = false;    // MD_CHNFLG
-  std::array<ModeSetSpec, 8> ModeSets{};
+  std::array<ModeSetSpec, kModeSets> ModeSets{};
 
   CommonAreaDef Common;
   SequenceAreaDef Sequence;
   BranchAreaDef Branches;
   // SA_PRMUSC: user-unit capability by channel slot 0..2 and parameter slot 0..10.
-  std::array<std::array<std::int32_t, 11>, 3> UserUnitCapability{};
+  std::array<std::array<std::int32_t, kAreaParams>, kChannelSlots> UserUnitCapability{};
 
   CommandTable Commands;
 

@@ -45,14 +45,15 @@ struct ParamDef {
   bool operator==(const ParamDef&) const = default;
 };
 
-inline constexpr int kAreaParams = 11;
+inline constexpr int kAreaParams = 11;  // parameters of an area, and groups of the sequence area
 
 struct CommonAreaDef {
-  std::array<Color, 2> ButtonColors{};  // CA_BTNCOL
-  Color Background = kWindowColor;      // CA_BGCOLO
-  Color CurrentCell = kWindowColor;     // CA_CURCOL
-  std::int16_t MaxSteps = 0;            // CA_MAXSTE
-  std::int16_t LineNumber = 0;          // CA_LINENU
+  // CA_BTNCOL: the "+" button, and while it is pressed
+  std::array<Color, 2> ButtonColors{kWindowColor, kWindowColor};
+  Color Background = kWindowColor;   // CA_BGCOLO
+  Color CurrentCell = kWindowColor;  // CA_CURCOL
+  std::int16_t MaxSteps = 0;         // CA_MAXSTE
+  std::int16_t LineNumber = 0;       // CA_LINENU, stored only
   std::array<ParamDef, kAreaParams> Params{};
   bool operator==(const CommonAreaDef&) const = default;
 };
@@ -71,7 +72,7 @@ struct BranchAreaDef {
   bool Visible = false;
   Color Background = kWindowColor;
   std::int16_t MaxChannel = 0;  // BA_MAXCH
-  std::int16_t LineNumber = 0;  // BA_LINENUM
+  std::int16_t LineNumber = 0;  // BA_LINENUM, stored only
   std::int16_t ValueKind = 0;   // BA_STPVAL
   std::int16_t Minimum = 0;
   std::int16_t Maximum = 0;

@@ -1,6 +1,8 @@
 // Defaults: what a new step, a new sequence and a freshly started program hold.
 #pragma once
 
+#include <tuple>
+
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 
@@ -9,6 +11,9 @@ namespace corlune {
 // The value that a new step gets for this parameter, in base units: the definition's default; for a range the
 // value within the range that is nearest to it. A bound given as a placeholder does not limit.
 double DefaultValue(const ParamDef& definition);
+
+static_assert(MAX_PARAMS == kAreaParams);
+static_assert(kModeSets == std::tuple_size_v<decltype(ModelDefinition::ModeSets)>);
 
 // Columns of the step table, as numbered by the common area definitions.
 enum CommonColumn : int {

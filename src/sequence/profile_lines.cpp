@@ -72,12 +72,6 @@ bool IsUsable(T value) {
 
 }  // namespace
 
-bool EqualIgnoringCase(std::string_view one, std::string_view other) {
-  const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; };
-  return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                    [&](char a, char b) { return lower(a) == lower(b); });
-}
-
 bool ProfileLines::Next(ProfileLine& line) {
   while (!rest_.empty()) {
     const std::string_view text = TrimLeft(TakeLine(rest_));

@@ -37,8 +37,6 @@ class ProfileSections {
   std::string_view rest_;
 };
 
-bool EqualIgnoringCase(std::string_view one, std::string_view other);  // ASCII letters
-
 // Fields of a value in order. Every reader returns false, and stays where it is, when there is no further
 // field or the field is no number of the type.
 class ProfileFields {

@@ -7,18 +7,18 @@
 #include <cstdint>
 #include <string>
 
+#include "modeldef/model_definition.h"
+
 namespace corlune {
 
 inline constexpr int MAX_STEPS = 256;
 inline constexpr int MAX_CHANNELS = 2;
-inline constexpr int MAX_PARAMS = 11;
+inline constexpr int MAX_PARAMS = kAreaParams;
 inline constexpr int kArbNumbers = 128;  // ARB numbers 1..128, number n at index n - 1
-inline constexpr int kChannelSlots = 3;  // load and user-unit slots; slot 0 is channel 1
 inline constexpr int kBranchEntries = 5;
 inline constexpr int kViewAreas = 5;
 inline constexpr int kModeDevices = 6;  // device rows of ModeSettings
 inline constexpr int kModeSlots = 6;    // channel slots of one mode set
-inline constexpr int kModeSets = 8;
 
 // Parameter slots of a ParamCell table.
 enum Slot : int {

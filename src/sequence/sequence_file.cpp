@@ -1,8 +1,8 @@
 #include "sequence/sequence_file.h"
 
-#include <algorithm>
 #include <memory>
 
+#include "core/ascii_case.h"
 #include "core/files.h"
 #include "sequence/waveform_path.h"
 
@@ -12,14 +12,6 @@ namespace {
 
 constexpr int kUnknownModelMessage = 9004;
 constexpr int kMalformedMessage = 9005;
-
-bool EndsWithIgnoringCase(std::string_view text, std::string_view lowerEnding) {
-  if (text.size() < lowerEnding.size()) return false;
-  const std::string_view ending = text.substr(text.size() - lowerEnding.size());
-  return std::equal(ending.begin(), ending.end(), lowerEnding.begin(), [](char c, char lower) {
-    return (c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c) == lower;
-  });
-}
 
 // A line break or NUL inside a text would come back as another line: such a file must not be written.
 bool HasLineBreak(std::string_view text) {
@@ -43,16 +35,20 @@ std::string UnwritableText(const SequenceData& sequence, const AppState& state) 
 
 }  // namespace
 
+bool HasSequenceFileEnding(std::string_view path) {
+  return EndsWithIgnoringCase(path, ".dat") || EndsWithIgnoringCase(path, ".daf");
+}
+
 DefinitionFor OneDefinition(const ModelDefinition& definition) {
-  return [&definition](const std::string& model) {
-    return definition.IndexOfModel(model) < 0 ? nullptr : &definition;
+  return [&definition](const std::string& model) -> std::optional<const ModelDefinition*> {
+    if (definition.IndexOfModel(model) < 0) return std::nullopt;
+    return &definition;
   };
 }
 
-bool WriteSeqFile(std::string& path, SequenceFileForm form, const AppState& state,
+bool WriteSeqFile(const std::string& path, SequenceFileForm form, const AppState& state,
                   const ModelDefinition& definition, SequenceData& sequence, std::string* error) {
   const bool user = form == SequenceFileForm::User;
-  if (user && !EndsWithIgnoringCase(path, ".dat") && !EndsWithIgnoringCase(path, ".daf")) path += ".dat";
   if (std::string problem = UnwritableText(sequence, state); !problem.empty()) {
     if (error) *error = std::move(problem);
     return false;
@@ -83,6 +79,8 @@ bool ReadSeqFile(const std::string& path, SequenceFileForm form, const Definitio
     case SequenceFileProblem::UnknownModel:
       ShowMessage(prompts, catalogue, kUnknownModelMessage, PromptIcon::Exclamation, PromptButtons::Ok,
                   {result.Model});
+      return false;
+    case SequenceFileProblem::NoDefinition:
       return false;
     case SequenceFileProblem::Malformed:
       ShowMessage(prompts, catalogue, kMalformedMessage, PromptIcon::Exclamation);

@@ -25,9 +25,9 @@ int Conflict(const InstrumentEntry& a, const InstrumentEntry& b) {
   return 0;
 }
 
-std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSetup& setup,
+std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSettings& setup,
                                                        const ModelInterfaceSpec& model) {
-  auto instruments = setup.instruments;
+  auto instruments = setup.Instruments;
   for (InstrumentEntry& entry : instruments) {
     if (entry.Interface < 0 || entry.Interface >= static_cast<int>(model.InterfaceNames.size())) continue;
     const std::string& name = model.InterfaceNames[static_cast<std::size_t>(entry.Interface)];
@@ -41,14 +41,13 @@ std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSetup& setup,
 bool Session::OpenConnection() {
   int failed = 0;
   state_.Online = 1;
+  state_.Lost = {};
   if (commands_->OpenInstrumentInterface(&failed)) {
     state_.Connected = true;
     return true;
   }
   ShowMessage(ports_.prompts, catalogue_, 9201, PromptIcon::Exclamation, PromptButtons::Ok,
               {std::to_string(failed + 1)});
-  // Kinds that did open are given back.
-  commands_->CloseInstrumentInterface();
   state_.Online = 0;
   return false;
 }
@@ -63,11 +62,36 @@ void Session::GoOffline() {
   Disconnect();
   state_.Online = 0;
   state_.OutputOn = false;
+  state_.Lost = {};
+  if (state_.OperationMode == OperationMode::Execution) {
+    state_.OperationMode = OperationMode::Edit;
+    ports_.runDisplay.ShowModeLayout(static_cast<int>(OperationMode::Edit));
+  }
   ports_.display.ConnectionChanged();
 }
 
 void Session::NoticeLostConnection() {
-  if (state_.Online == 1 && state_.Connected && Idle() && Gp().ConnectionLost()) GoOffline();
+  control_->ExchangeEnded();
+  if (state_.Online != 1 || !state_.Connected) return;
+  const auto before = state_.Lost;
+  bool oneLeft = false;
+  for (int i = 0; i < state_.InstrumentCount; ++i) {
+    bool& lost = state_.Lost[static_cast<std::size_t>(i)];
+    lost = commands_->InstrumentLost(i);
+    oneLeft = oneLeft || !lost;
+  }
+  if (!oneLeft && Idle()) {
+    GoOffline();
+  } else if (state_.Lost != before) {
+    ports_.display.ConnectionChanged();
+  }
+}
+
+bool Session::Reopen() {
+  if (!OpenConnection()) return false;
+  ForgetInstrumentMemory();
+  ports_.display.ConnectionChanged();
+  return true;
 }
 
 void Session::ForgetInstrumentMemory() {
@@ -82,7 +106,7 @@ void Session::ForgetInstrumentMemory() {
 }
 
 bool Session::Reconnect() {
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   Disconnect();
   ForgetInstrumentMemory();
   state_.OutputOn = false;
@@ -97,7 +121,7 @@ bool Session::Reconnect() {
 }
 
 bool Session::CheckModels() {
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   const CommandEntry& query = definition_.Commands.Model;
   for (int i = 0; i < state_.InstrumentCount; ++i) {
     const std::int32_t address = commands_->SelectInstrument(i);
@@ -109,6 +133,7 @@ bool Session::CheckModels() {
         ShowMessage(ports_.prompts, catalogue_, answered ? 9003 : 9002, PromptIcon::Question,
                     PromptButtons::YesNo, {std::to_string(i + 1)});
     if (answer != PromptAnswer::Yes) end_.EndNow(1);
+    state_.MayStillRun = false;
     GoOffline();
     return false;
   }
@@ -117,7 +142,7 @@ bool Session::CheckModels() {
 
 void Session::QueryArbDirectory() {
   if (state_.Online != 1) return;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   commands_->SelectInstrument(0);
   waveforms_->QueryArbDirectory(sequence_.Channels.ArbFiles);
 }
@@ -134,9 +159,9 @@ bool Session::SetupChangedSince(const SystemSettings& before) const {
   return false;
 }
 
-int Session::CheckSetup(const SystemSetup& setup) const {
-  const auto count = static_cast<std::size_t>(std::clamp<int>(setup.instrumentCount, 1, kMaxInstruments));
-  const int model = definition_.IndexOfModel(setup.modelName);
+int Session::CheckSetup(const SystemSettings& setup) const {
+  const auto count = static_cast<std::size_t>(std::clamp<int>(setup.InstrumentCount, 1, kMaxInstruments));
+  const int model = definition_.IndexOfModel(setup.ModelName);
   const auto instruments = WithKinds(setup, definition_.InterfaceOf(model));
   int channels = 0;
   for (std::size_t i = 0; i < count; ++i) channels += instruments[i].ChannelCount;
@@ -149,15 +174,15 @@ int Session::CheckSetup(const SystemSetup& setup) const {
   return 0;
 }
 
-bool Session::ApplySetup(const SystemSetup& setup) {
-  if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
-  const bool newModel = setup.modelName != state_.ModelName;
+bool Session::ApplySetup(const SystemSettings& setup) {
+  if (!MayReplaceSequence() || !control_->AgreeToGoOn()) return false;
+  const WorkGuard guard(activity_, Work::Exchange);
+  const bool newModel = setup.ModelName != state_.ModelName;
   if (newModel) {
     auto definition = std::make_unique<ModelDefinition>(definition_);
     AppState next = state_;
-    next.ModelName = setup.modelName;
-    next.ModelIndex = static_cast<std::int16_t>(std::max(0, definition_.IndexOfModel(setup.modelName)));
+    next.ModelName = setup.ModelName;
+    next.ModelIndex = static_cast<std::int16_t>(std::max(0, definition_.IndexOfModel(setup.ModelName)));
     if (!AskToSave()) return false;
     if (!LoadDefinitionOf(next, *definition, true)) return false;
     state_.ModelName = next.ModelName;
@@ -167,7 +192,7 @@ bool Session::ApplySetup(const SystemSetup& setup) {
     ClearSequence();
   }
   state_.InstrumentCount =
-      static_cast<std::int16_t>(std::clamp<int>(setup.instrumentCount, 1, kMaxInstruments));
+      static_cast<std::int16_t>(std::clamp<int>(setup.InstrumentCount, 1, kMaxInstruments));
   state_.Instruments = WithKinds(setup, definition_.InterfaceOf(state_.ModelIndex));
   ApplySimulated();
   ports_.display.SequenceReplaced(newModel ? SequenceChange::New : SequenceChange::SetupChanged);

@@ -19,14 +19,6 @@ SequenceFileForm FormOf(const std::string& path) {
   return bytes ? DetectForm(DecodeText(*bytes)).value_or(SequenceFileForm::User) : SequenceFileForm::User;
 }
 
-// A name without the extension of a sequence file gets one when it is written.
-bool HasSequenceExtension(const std::string& path) {
-  if (path.size() < 4) return false;
-  std::string ending = path.substr(path.size() - 4);
-  for (char& c : ending) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-  return ending == ".dat" || ending == ".daf";
-}
-
 }  // namespace
 
 void Session::ClearSequence() {
@@ -40,7 +32,8 @@ void Session::ShowWriteProblem(const std::string& path, const std::string& error
 }
 
 bool Session::WriteUserFile(std::string path) {
-  if (!HasSequenceExtension(path)) {
+  // A name without the ending of a sequence file gets one when it is written.
+  if (!HasSequenceFileEnding(path)) {
     // The file dialog asked about the name that was typed, not about this one.
     path += ".dat";
     if (FileExists(path) && ShowMessage(ports_.prompts, catalogue_, 9643, PromptIcon::Question,
@@ -61,11 +54,10 @@ bool Session::WriteUserFile(std::string path) {
 
 bool Session::WriteFile(const std::string& path, bool userForm) {
   const auto copy = std::make_unique<SequenceData>(sequence_);
-  std::string written = path;
   std::string error;
   const SequenceFileForm form = userForm ? SequenceFileForm::User : SequenceFileForm::Work;
-  if (WriteSeqFile(written, form, state_, definition_, *copy, &error)) return true;
-  ShowWriteProblem(written, error);
+  if (WriteSeqFile(path, form, state_, definition_, *copy, &error)) return true;
+  ShowWriteProblem(path, error);
   return false;
 }
 
@@ -89,9 +81,9 @@ bool Session::AskToSave() {
 
 bool Session::NewSequence() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  if (!AskToSave()) return false;
+  if (!AgreeToGoOn() || !AskToSave()) return false;
   ClearSequence();
   ports_.display.SequenceReplaced(SequenceChange::New);
   ports_.display.ShowCaption(Caption());
@@ -100,18 +92,18 @@ bool Session::NewSequence() {
 
 bool Session::OpenWithDialog() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  if (!AskToSave()) return false;
+  if (!AgreeToGoOn() || !AskToSave()) return false;
   const auto path = ports_.files.ChooseOpen(catalogue_.GetResString(kSequenceFilter));
   return path && LoadUserFile(*path);
 }
 
 bool Session::OpenFile(const std::string& path) {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  return AskToSave() && LoadUserFile(path);
+  return AgreeToGoOn() && AskToSave() && LoadUserFile(path);
 }
 
 bool Session::LoadUserFile(const std::string& path) {
@@ -122,9 +114,9 @@ bool Session::LoadUserFile(const std::string& path) {
   const SystemSettings before = SettingsOf(state_);
   // The definition of the file's model, when it is another one than the present.
   std::unique_ptr<ModelDefinition> other;
-  const DefinitionFor definitions = [&](const std::string& model) -> const ModelDefinition* {
+  const DefinitionFor definitions = [&](const std::string& model) -> std::optional<const ModelDefinition*> {
     const int index = definition_.IndexOfModel(model);
-    if (index < 0) return nullptr;
+    if (index < 0) return std::nullopt;
     if (model == state_.ModelName) return &definition_;
     AppState next = state_;
     next.ModelName = model;
@@ -154,14 +146,14 @@ bool Session::LoadUserFile(const std::string& path) {
 
 bool Session::Save() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   return SaveToCurrentPath();
 }
 
 bool Session::SaveAs() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
   return path && !path->empty() && WriteUserFile(*path);

@@ -39,13 +39,14 @@ Session::Session(const SessionPorts& ports, SessionOptions options, const MakeOu
   waveforms_ = std::make_unique<WaveformTransfer>(*commands_, *dialogues_, ports_.prompts, catalogue_);
   downloader_ = std::make_unique<Downloader>(
       state_, definition_, sequence_, *commands_, *dialogues_, *outside_.compiler, catalogue_,
-      DownloadPorts{ports_.prompts, ports_.progress, ports_.runDisplay});
+      DownloadPorts{ports_.prompts, ports_.progress, ports_.runDisplay, activity_});
   const RunContext run{state_,         sequence_,    *commands_,        catalogue_,
                        ports_.prompts, ports_.timer, ports_.runDisplay, ports_.view};
   measure_ = std::make_unique<Measure>(run);
   queries_ = std::make_unique<RunQueries>(run, *measure_);
-  control_ = std::make_unique<RunControl>(run, *measure_, *queries_, activity_,
-                                          [this] { return downloader_->DownloadSequence(); });
+  control_ = std::make_unique<RunControl>(
+      run, *measure_, *queries_, activity_, [this] { return downloader_->DownloadSequence(); },
+      [this] { return Reopen(); });
   monitor_ = std::make_unique<RunMonitor>(run, *measure_, *queries_, *control_, activity_);
 }
 
@@ -65,7 +66,7 @@ void Session::SelectSerial(const std::string& serialNo) {
 
 bool Session::ReadBack() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_);
+  const WorkGuard guard(activity_, Work::Exchange);
   ports_.display.ShowWaitCursor(true);
   const bool received =
       ReadBackSequence(*commands_, ports_.prompts, catalogue_, sequence_.SequenceNumber, sequence_);

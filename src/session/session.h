@@ -46,13 +46,6 @@ struct StartUpChecks {
 
 enum class ConnectResult { Connected, NoneFound, SeveralFound, NotFound, OpenFailed, Offline };
 
-// The system set-up as a dialog edits it.
-struct SystemSetup {
-  std::string modelName;
-  std::int16_t instrumentCount = 1;
-  std::array<InstrumentEntry, kMaxInstruments> instruments{};  // InterfaceKind follows from Interface
-};
-
 class Session {
  public:
   Session(const SessionPorts& ports, SessionOptions options, const MakeOutsideParts& makeParts);
@@ -93,13 +86,14 @@ class Session {
   // --- instrument -----------------------------------------------------------------------------------
   // Reads the sequence in memory SequenceNumber back (message 9207 on failure, sequence unchanged).
   bool ReadBack();
+  // Of a set-up count the model name, not its index, and each interface, not its kind.
   // 0, or the message that refuses the set-up: 9302 too many channels, 9301 same address, 9309 same serial
   // number.
-  int CheckSetup(const SystemSetup& setup) const;
+  int CheckSetup(const SystemSettings& setup) const;
   // The set-up dialog's OK, after CheckSetup: model change with its save question and an empty sequence, new
   // set-up, reconnect, model check. False when nothing was changed: the person cancelled the save question,
   // or the model's definition could not be loaded.
-  bool ApplySetup(const SystemSetup& setup);
+  bool ApplySetup(const SystemSettings& setup);
   // Records the serial number of instrument 0.
   void SelectSerial(const std::string& serialNo);
   // Closes and opens everything, checks the models, queries the waveform directory.
@@ -108,9 +102,13 @@ class Session {
   // ends the program. True when every instrument answered rightly.
   bool CheckModels();
   void QueryArbDirectory();
-  // Goes off-line when an instrument was unplugged and nothing is under way. To be called after commands and
-  // ticks.
+  // To be called after commands and ticks: carries out a stop that was pressed meanwhile, marks the
+  // instruments that were unplugged, and goes off-line, back in edit mode, when none is left and nothing is
+  // under way.
   void NoticeLostConnection();
+  // While an instrument may still be running: asks whether to go on without a stop. Everything that takes it
+  // out of reach or sends it something else asks first; true: go on.
+  bool AgreeToGoOn() { return control_->AgreeToGoOn(); }
 
   // Nothing that a close request or command must not interrupt is under way, and no run is going or held.
   bool Idle() const { return !control_->BusyOrRunning(); }
@@ -128,7 +126,7 @@ class Session {
   InstrumentDialogues& Dialogues() { return *dialogues_; }
   WaveformTransfer& Waveforms() { return *waveforms_; }
   Downloader& Download() { return *downloader_; }
-  RunActivity& Activity() { return activity_; }
+  const corlune::Activity& Activity() const { return activity_; }
   RunControl& Control() { return *control_; }
   RunMonitor& Monitor() { return *monitor_; }
   // "Tavrin Corlune for QM2210/20  path".
@@ -157,6 +155,8 @@ class Session {
   // connection.cpp
   bool OpenConnection();
   void GoOffline();
+  // After a loss: the connection as it was set up. False after message 9201.
+  bool Reopen();
   void ForgetInstrumentMemory();
   bool SetupChangedSince(const SystemSettings& before) const;
 
@@ -181,7 +181,7 @@ class Session {
   MessageCatalogue catalogue_;
   SavingEndProgram end_;
   OutsideParts outside_;
-  RunActivity activity_;
+  corlune::Activity activity_;
   std::unique_ptr<CommandLayer> commands_;
   std::unique_ptr<InstrumentDialogues> dialogues_;
   std::unique_ptr<WaveformTransfer> waveforms_;

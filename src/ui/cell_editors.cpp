@@ -220,6 +220,7 @@ void CellEditors::Open(QAbstractScrollArea& grid, const QRect& cell, const CellP
     CellCombo& combo = ComboOf(place.Area);
     GiveTo(combo, viewport_);
     combo.ChooseAtOnce(!spec_.List);
+    combo.setToolTip(QString::fromStdString(spec_.UnitTitle));
     FillList(combo, spec_.List ? spec_.Choices : spec_.Units, spec_.List ? spec_.Chosen : spec_.ChosenUnit);
   }
   FillOptions();

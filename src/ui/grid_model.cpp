@@ -20,10 +20,6 @@ Qt::Alignment AlignmentOf(CellAlignment alignment) {
 
 }  // namespace
 
-QColor ToQColor(Color color) {
-  return {color.Red, color.Green, color.Blue};
-}
-
 GridModel::GridModel(const GridViews& views, GridArea area, int channel, QObject* parent)
     : QAbstractTableModel(parent),
       views_(views),

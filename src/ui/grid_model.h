@@ -7,6 +7,7 @@
 #include <QString>
 
 #include "editing/cell_view.h"
+#include "view/qt_color.h"
 
 namespace corlune {
 
@@ -57,7 +58,5 @@ class GridModel : public QAbstractTableModel {
   int rows_;
   int columns_;
 };
-
-QColor ToQColor(Color color);
 
 }  // namespace corlune

@@ -57,6 +57,7 @@ class GridPanel::Impl {
   void ShowMenu(const QPoint& global);
   void Refresh();
   void PlaceRowAdd();
+  void ColorRowAdd();
   void SyncScroll(GridTable* from, int value);
   void ShowSameRows(int tab);
   void LimitWidths();
@@ -161,6 +162,8 @@ void GridPanel::Impl::BuildSide(QWidget& side) {
   rowAdd_->setParent(rowAddStrip_);
   rowAdd_->setToolTip(addRow);
   rowAdd_->setAccessibleName(addRow);
+  QObject::connect(rowAdd_, &QPushButton::pressed, &panel_, [this] { ColorRowAdd(); });
+  QObject::connect(rowAdd_, &QPushButton::released, &panel_, [this] { ColorRowAdd(); });
   insert_ = MakeButton("CmdInsert", Text(kIdInsert), GridCommand::InsertRow);
   delete_ = MakeButton("CmdDelete", Text(kIdDelete), GridCommand::DeleteRow);
   up_ = MakeButton("CmdUp", english ? QStringLiteral("Up") : QStringLiteral("△"), GridCommand::RowUp);
@@ -261,6 +264,17 @@ void GridPanel::Impl::Refresh() {
     table->setAccessibleName(name);
   }
   PlaceRowAdd();
+  ColorRowAdd();
+}
+
+void GridPanel::Impl::ColorRowAdd() {
+  const Color face = editor_.Views().Definition().Common.ButtonColors[rowAdd_->isDown() ? 1 : 0];
+  const Color text = TextColorOn(face);
+  QPalette palette = rowAdd_->palette();
+  palette.setColor(QPalette::Button, {face.Red, face.Green, face.Blue});
+  palette.setColor(QPalette::Active, QPalette::ButtonText, {text.Red, text.Green, text.Blue});
+  palette.setColor(QPalette::Inactive, QPalette::ButtonText, {text.Red, text.Green, text.Blue});
+  if (palette != rowAdd_->palette()) rowAdd_->setPalette(palette);
 }
 
 // CmdRowAdd follows the end of the grid until that would leave the grid.

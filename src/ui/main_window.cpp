@@ -107,21 +107,8 @@ void MainWindow::ShowButtonStates() {
 }
 
 void MainWindow::RefreshControls() {
-  const RunActivity& activity = session_.Activity();
-  ControlConditions conditions;
-  conditions.StepCount = session_.Sequence().StepCount;
-  conditions.CopyBufferFilled = editor_.CopyBufferFilled();
-  conditions.DownloadLocked = downloadLocked_ || waiting_ || activity.modeChange || activity.otherWork > 0;
-  conditions.OutputLocked = outputLocked_;
-  states_ = ControlStatesOf(session_.State(), session_.Definition(), conditions);
-  if (starting_) {
-    // The run state turns to running only when every instrument has started; stopping works before.
-    constexpr auto kRun = static_cast<std::size_t>(Menu::Run);
-    for (ControlState& button : states_.Buttons) button.Enabled = false;
-    for (ControlState& item : states_.MenuItems[kRun]) item.Enabled = false;
-    states_.Buttons[static_cast<std::size_t>(PanelButton::Stop)].Enabled = true;
-    states_.MenuItems[kRun][static_cast<std::size_t>(Run::Stop)].Enabled = true;
-  }
+  states_ = ControlStatesOf(session_.State(), session_.Activity(), session_.Definition(),
+                            {session_.Sequence().StepCount, editor_.CopyBufferFilled()});
   ShowMenuStates();
   ShowButtonStates();
   sequenceNumber_->setEnabled(states_.SequenceNumber.Enabled);
@@ -142,11 +129,6 @@ void MainWindow::RefreshCaption() {
       QString::fromStdString(session_.Caption()).replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
   setWindowTitle(caption + QStringLiteral("[*]"));
   setWindowModified(session_.State().Modified);
-}
-
-void MainWindow::LockControls(RunControls which, bool locked) {
-  (which == RunControls::Download ? downloadLocked_ : outputLocked_) = locked;
-  RefreshControls();
 }
 
 void MainWindow::ShowModeLayout(int operationMode) {

@@ -66,7 +66,6 @@ class MainWindow : public QMainWindow {
   // Called through WindowDisplay.
   void RefreshControls();
   void RefreshCaption();
-  void LockControls(RunControls which, bool locked);
   void ShowModeLayout(int operationMode);
   void ShowTotalTime(double milliseconds);
   void ShowElapsedTime(std::int32_t milliseconds);
@@ -122,7 +121,6 @@ class MainWindow : public QMainWindow {
   void ModeCommand(int index);
   void RunItem(int item);
   void RunButton(int index);
-  void PressStart(const std::function<void()>& press);
   void ReadBack();
   void ImportCsv();
   void ExportCsv();
@@ -175,10 +173,7 @@ class MainWindow : public QMainWindow {
 
   QTimer timer2_;
   ControlStates states_;
-  bool downloadLocked_ = false;
-  bool outputLocked_ = false;
-  bool waiting_ = false;   // the hourglass is shown
-  bool starting_ = false;  // a start is under way: only Stop can be pressed
+  bool waiting_ = false;  // the hourglass is shown
   bool closed_ = false;
   std::optional<WindowPlace> place_;  // where the window was last time
 };

@@ -13,6 +13,7 @@
 #include "compile/download_outcome_text.h"
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_comm_log.h"
+#include "sequence/sequence_file.h"
 #include "ui/entry_field.h"
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
@@ -31,8 +32,7 @@ QString SequenceFileIn(const QMimeData* data) {
   const QList<QUrl> urls = data->urls();
   if (urls.size() != 1 || !urls.front().isLocalFile()) return {};
   const QString path = urls.front().toLocalFile();
-  const QString suffix = QFileInfo(path).suffix().toLower();
-  return suffix == QLatin1String("dat") || suffix == QLatin1String("daf") ? path : QString();
+  return HasSequenceFileEnding(path.toStdString()) ? path : QString();
 }
 
 }  // namespace
@@ -200,34 +200,13 @@ void MainWindow::ModeCommand(int index) {
   });
 }
 
-void MainWindow::PressStart(const std::function<void()>& press) {
-  // Inside another command or a tick the press is deferred or ignored: nothing is started here.
-  if (starting_ || session_.Activity().Busy()) {
-    press();
-    return;
-  }
-  starting_ = true;
-  RefreshControls();
-  press();
-  starting_ = false;
-}
-
 void MainWindow::RunItem(int item) {
-  const auto press = [this, item] { session_.Control().MenuItem(item); };
-  Perform([&] {
-    if (item == static_cast<int>(Run::Start)) {
-      PressStart(press);
-    } else {
-      press();
-    }
-  });
+  Perform([&] { session_.Control().MenuItem(item); });
 }
 
 void MainWindow::RunButton(int index) {
   if (index == 0) {
     ModeCommand(session_.State().OperationMode == OperationMode::Edit ? 1 : 0);
-  } else if (index == 1) {
-    RunItem(static_cast<int>(Run::Start));
   } else {
     Perform([&] { session_.Control().Button(index); });
   }
@@ -276,8 +255,7 @@ void MainWindow::ShowAbout() {
 }
 
 std::string MainWindow::CommLogPath() const {
-  const InitOptions options(session_.Definition().Commands.LibraryInit);
-  return PathBelow(session_.State().AppFolder, options.ValueAsWritten("LOG_FILE"));
+  return InitOptions(session_.Definition().Commands.LibraryInit).LogPath(session_.State().AppFolder);
 }
 
 void MainWindow::ShowCommLog() {

@@ -147,7 +147,7 @@ void MainWindow::ShowMenuStates() {
     tool->setStatusTip(Caption(8205));
   }
   // One key for both: it switches the output to its other state.
-  const bool on = session_.State().OutputOn;
+  const bool on = session_.State().OutputOn || session_.State().MayStillRun;
   ItemAction(Menu::Run, kOutputOnItem)->setShortcut(on ? QKeySequence() : Keys("F8"));
   ItemAction(Menu::Run, kOutputOffItem)->setShortcut(on ? Keys("F8") : QKeySequence());
 

@@ -1,5 +1,6 @@
-// StatBar: the bar at the bottom of the main window. Connection, mode, device, total and elapsed time, and a
-// line of its own for what must be said without interrupting.
+// StatBar: the bar at the bottom of the main window. Connection, mode, device, total and elapsed time, and
+// lines of their own for what must be said without interrupting and for an instrument that nobody sees any
+// more.
 #pragma once
 
 #include <array>
@@ -35,6 +36,9 @@ class StatBar : public QWidget {
   // Milliseconds; -1: endless.
   void TotalTime(double milliseconds);
   void ElapsTime(std::int32_t milliseconds);
+  // What stands in AppState::MayStillRun and Lost, in words and colour; empty when there is nothing to warn
+  // of.
+  QString Warning() const;
   // Shows a line above the panels; an empty text takes it away.
   void ShowNotice(const std::string& text);
   QString Notice() const;
@@ -46,8 +50,10 @@ class StatBar : public QWidget {
  private:
   void FixTimeWidths();
   void Show(Panel panel, const std::string& text);
+  void ShowWarning(const AppState& state);
 
   const MessageCatalogue& catalogue_;
+  QLabel* warning_;
   QLabel* notice_;
   std::array<QLabel*, kPanels> panels_{};
 };

@@ -16,9 +16,6 @@ void WindowDisplay::Attach(MainWindow* window) {
 void WindowDisplay::RefreshControls() {
   if (window_) window_->RefreshControls();
 }
-void WindowDisplay::SetControlsEnabled(RunControls which, bool enabled) {
-  if (window_) window_->LockControls(which, !enabled);
-}
 void WindowDisplay::ShowModeLayout(int operationMode) {
   if (window_) window_->ShowModeLayout(operationMode);
 }

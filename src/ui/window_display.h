@@ -19,7 +19,6 @@ class WindowDisplay : public RunDisplay, public ViewDisplay, public SessionDispl
 
   // RunDisplay
   void RefreshControls() override;
-  void SetControlsEnabled(RunControls which, bool enabled) override;
   void ShowModeLayout(int operationMode) override;
   void HighlightRow(GridRow row, bool on) override;
   void ScrollTo(GridRow top) override;

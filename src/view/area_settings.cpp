@@ -8,8 +8,8 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+#include "graph/graph_picture.h"
 #include "view/flow_layout.h"
-#include "view/graph_picture.h"
 
 namespace corlune {
 

@@ -8,8 +8,8 @@
 #include <QWidget>
 
 #include "core/catalogue.h"
+#include "graph/step_graph.h"
 #include "modeldef/model_definition.h"
-#include "view/step_graph.h"
 
 class QComboBox;
 

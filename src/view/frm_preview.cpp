@@ -16,10 +16,11 @@
 
 #include "core/time_text.h"
 #include "editing/control_states.h"
+#include "graph/graph_picture.h"
 #include "sequence/channel_tabs.h"
 #include "view/area_settings.h"
 #include "view/graph_canvas.h"
-#include "view/graph_picture.h"
+#include "view/qt_color.h"
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
 
@@ -44,10 +45,6 @@ constexpr std::size_t kOutputOnItem = 4;
 constexpr std::size_t kOutputOffItem = 5;
 constexpr int kMargin = 8;  // pixels
 constexpr QSize kNormalSize{960, 660};
-
-QColor ColorOf(const Color& color) {
-  return {color.Red, color.Green, color.Blue};
-}
 
 }  // namespace
 
@@ -198,8 +195,8 @@ void FrmPreview::Impl::Draw() {
 void FrmPreview::Impl::FollowRun() {
   const bool shown = measuring && StepUnderWay();
   canvas->ShowCurrentStep(shown ? std::optional<int>(state.CurrentStep) : std::nullopt,
-                          ColorOf(definition.Common.CurrentCell));
-  if (!shown) canvas->ShowMarker(std::nullopt, ColorOf(definition.Indicator));
+                          ToQColor(definition.CurrentStep));
+  if (!shown) canvas->ShowMarker(std::nullopt, ToQColor(definition.Indicator));
 }
 
 FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const SequenceData& sequence,
@@ -232,7 +229,7 @@ void FrmPreview::MoveShape(std::uint32_t tick) {
   impl_->FollowRun();
   const auto position = MarkerPosition(impl_->canvas->Picture().Spans, impl_->state.CurrentStep,
                                        impl_->state.StepChangedAt, tick);
-  impl_->canvas->ShowMarker(position, ColorOf(impl_->definition.Indicator));
+  impl_->canvas->ShowMarker(position, ToQColor(impl_->definition.Indicator));
 }
 
 void FrmPreview::MeasureStart() {

@@ -10,8 +10,8 @@
 #include <QAbstractScrollArea>
 #include <QPixmap>
 
+#include "graph/graph_picture.h"
 #include "view/graph_painter.h"
-#include "view/graph_picture.h"
 
 namespace corlune {
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 
+#include <QFontMetricsF>
 #include <QPainterPath>
 
 #include "core/numbers.h"
@@ -12,57 +13,14 @@ namespace corlune {
 
 namespace {
 
-constexpr double kPad = 4;  // around texts
-constexpr double kTickLength = 4;
-constexpr double kMarkerHead = 10;  // below the step numbers
-constexpr double kRightMargin = 14;
 constexpr double kLineWidth = 2;
 constexpr double kSampleWidth = 20;  // line sample of a legend
 constexpr double kLabelGap = 8;
 constexpr double kLeastBoundaryGap = 4;  // between two drawn step boundaries
-constexpr int kLeastPlotLines = 4;       // lines of text in the height of the lowest plot
 constexpr double kMsPerSecond = 1000;
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
-}
-
-double LineHeight(const QFont& font) {
-  return std::ceil(QFontMetricsF(font).height());
-}
-
-double HeaderHeight(const QFont& font) {
-  return LineHeight(font) + kPad;
-}
-
-double LeastAreaHeight(const QFont& font) {
-  return HeaderHeight(font) + (kLeastPlotLines + 1) * LineHeight(font);
-}
-
-double RulerHeight(const QFont& font) {
-  return LineHeight(font) + kPad + kMarkerHead;
-}
-
-double TimeAxisHeight(const QFont& font) {
-  return kTickLength + 2 * LineHeight(font) + kPad;
-}
-
-AxisTicks ChoiceTicks(const ValueRange& range, const std::vector<std::string>& choices, int most) {
-  AxisTicks ticks = NiceTicks(range, most);
-  std::erase_if(ticks.Values, [&](double value) {
-    return value != std::floor(value) || value < 0 || value >= static_cast<double>(choices.size());
-  });
-  return ticks;
-}
-
-void FillTicks(const AreaPicture& area, const QFont& font, AreaPlace& place) {
-  const int most = std::max(3, static_cast<int>(place.Plot.height() / (LineHeight(font) * 1.5)));
-  place.Ticks = area.Choices.empty() ? NiceTicks(area.Graph.Range, most)
-                                     : ChoiceTicks(area.Graph.Range, area.Choices, most);
-  for (const double value : place.Ticks.Values) {
-    place.TickLabels.push_back(Text(area.Choices.empty() ? TickText(value, place.Ticks)
-                                                         : area.Choices[static_cast<std::size_t>(value)]));
-  }
 }
 
 // Draws one canvas with everything its parts share.
@@ -135,7 +93,7 @@ class PicturePainter {
     painter_.setFont(font_);
     const std::size_t curvesFrom = area.Graph.Envelope.empty() ? 0 : 1;
     for (std::size_t i = 0; i < area.Legends.size(); ++i) {
-      const double room = rest.width() - kSampleWidth - kPad;
+      const double room = rest.width() - kSampleWidth - kGraphPad;
       if (room < metrics_.averageCharWidth() * 4) break;
       const double middle = rest.center().y();
       if (i < curvesFrom) {
@@ -145,7 +103,7 @@ class PicturePainter {
         painter_.setPen(CurvePen(area, i - curvesFrom));
         painter_.drawLine(QPointF(rest.left(), middle), QPointF(rest.left() + kSampleWidth, middle));
       }
-      rest.setLeft(rest.left() + kSampleWidth + kPad);
+      rest.setLeft(rest.left() + kSampleWidth + kGraphPad);
       const QString legend = metrics_.elidedText(Text(area.Legends[i]), Qt::ElideRight, room);
       painter_.setPen(colors_.Text);
       painter_.drawText(rest, Qt::AlignLeft | Qt::AlignVCenter, legend);
@@ -179,7 +137,7 @@ class PicturePainter {
       painter_.setPen(QPen(colors_.Grid, 1));
       painter_.drawLine(QPointF(layout_.PlotLeft - kTickLength, y), QPointF(PlotRight(), y));
       const double top =
-          std::clamp(y - height / 2, place.Plot.top() - kPad, place.Plot.bottom() - height + kPad);
+          std::clamp(y - height / 2, place.Plot.top() - kGraphPad, place.Plot.bottom() - height + kGraphPad);
       painter_.setPen(colors_.Text);
       painter_.drawText(QRectF(0, top, layout_.PlotLeft - kTickLength - 2, height),
                         Qt::AlignRight | Qt::AlignVCenter, place.TickLabels[i]);
@@ -251,9 +209,9 @@ class PicturePainter {
     const int channel = area.Graph.Area.Channel;
     const QPen edge(colors_.Channel(channel), kLineWidth);
     std::optional<EnvelopePiece> before;
-    for (EnvelopePiece piece : area.Graph.Envelope) {
-      if (piece.End < window_.Start || piece.Start > window_.End) continue;
-      CutPiece(piece);
+    for (const EnvelopePiece& whole : area.Graph.Envelope) {
+      if (whole.End < window_.Start || whole.Start > window_.End) continue;
+      const EnvelopePiece piece = CutToWindow(whole, window_);
       const double left = XOf(piece.Start);
       const double right = XOf(piece.End);
       const QPointF highStart(left, scale.YOf(piece.HighStart));
@@ -278,23 +236,6 @@ class PicturePainter {
     }
   }
 
-  // To the window and a little beyond: at high zooms a piece reaches far over both sides.
-  void CutPiece(EnvelopePiece& piece) const {
-    const double length = piece.End - piece.Start;
-    if (length <= 0) return;
-    const double margin = (window_.End - window_.Start) / 10;
-    const double from = std::clamp((window_.Start - margin - piece.Start) / length, 0.0, 1.0);
-    const double to = std::clamp((window_.End + margin - piece.Start) / length, 0.0, 1.0);
-    const auto at = [](double a, double b, double part) { return a + (b - a) * part; };
-    const EnvelopePiece whole = piece;
-    piece.Start = at(whole.Start, whole.End, from);
-    piece.End = at(whole.Start, whole.End, to);
-    piece.LowStart = at(whole.LowStart, whole.LowEnd, from);
-    piece.LowEnd = at(whole.LowStart, whole.LowEnd, to);
-    piece.HighStart = at(whole.HighStart, whole.HighEnd, from);
-    piece.HighEnd = at(whole.HighStart, whole.HighEnd, to);
-  }
-
   void PaintRuler() {
     const QRectF& ruler = layout_.Ruler;
     std::vector<LabelWish> wishes;
@@ -304,11 +245,12 @@ class PicturePainter {
       wishes.push_back(
           {(left + right) / 2, metrics_.horizontalAdvance(Text(picture_.StepLabels[i])), right - left});
     }
-    const auto places = PlaceLabels(wishes, layout_.PlotLeft, ruler.right(), kPad);
+    const auto places = PlaceLabels(wishes, layout_.PlotLeft, ruler.right(), kGraphPad);
     painter_.setPen(colors_.Text);
     for (std::size_t i = 0; i < places.size(); ++i) {
       if (!places[i]) continue;
-      const QRectF box(*places[i], ruler.top() + kPad / 2, wishes[i].Width + 1, ruler.height() - kMarkerHead);
+      const QRectF box(*places[i], ruler.top() + kGraphPad / 2, wishes[i].Width + 1,
+                       ruler.height() - kMarkerHead);
       painter_.drawText(box, Qt::AlignLeft | Qt::AlignVCenter, Text(picture_.StepLabels[first_ + i]));
     }
   }
@@ -330,34 +272,17 @@ class PicturePainter {
       return marks;
     }
     const ValueRange seconds{window_.Start / kMsPerSecond, window_.End / kMsPerSecond};
-    AxisTicks ticks = NiceTicks(seconds, static_cast<int>(layout_.PlotWidth / 40));
-    // Fewer ticks until their texts stand apart.
-    for (int most = static_cast<int>(layout_.PlotWidth / 40) - 1; most >= 1 && !StandApart(ticks); --most) {
-      ticks = NiceTicks(seconds, most);
-    }
+    const TickRoom room{layout_.PlotWidth / (seconds.High - seconds.Low), kLabelGap,
+                        [this](const std::string& text) { return metrics_.horizontalAdvance(Text(text)); }};
+    constexpr double kLeastDistance = 40;  // pixels
+    const AxisTicks ticks = FittingTicks(seconds, static_cast<int>(layout_.PlotWidth / kLeastDistance), room);
     for (const double tick : ticks.Values)
-      marks.push_back({XOf(tick * kMsPerSecond), Text(PlainTick(tick, ticks))});
+      marks.push_back({XOf(tick * kMsPerSecond), Text(PlainTickText(tick, ticks))});
     return marks;
   }
 
   static QString SecondsText(double milliseconds) {
     return Text(FormatNumber(milliseconds / kMsPerSecond, "0.###"));
-  }
-
-  // Times are never shortened by prefixes.
-  static std::string PlainTick(double value, const AxisTicks& ticks) {
-    std::string pattern = "0";
-    const int decimals = std::max(0, static_cast<int>(-std::floor(std::log10(ticks.Step) + 1e-9)));
-    if (decimals > 0) pattern += "." + std::string(static_cast<std::size_t>(decimals), '0');
-    return FormatNumber(value, pattern);
-  }
-
-  bool StandApart(const AxisTicks& ticks) const {
-    if (ticks.Values.size() < 2) return true;
-    const double distance = XOf(ticks.Step * kMsPerSecond) - XOf(0);
-    return std::all_of(ticks.Values.begin(), ticks.Values.end(), [&](double tick) {
-      return metrics_.horizontalAdvance(Text(PlainTick(tick, ticks))) + kLabelGap <= distance;
-    });
   }
 
   void PaintTimeAxis() {
@@ -417,51 +342,6 @@ QColor GraphColors::Envelope(int channel) const {
   QColor color = Channel(channel);
   color.setAlpha(Dark ? 90 : 60);
   return color;
-}
-
-int ComfortableHeight(int areas, const QFont& font) {
-  return static_cast<int>(RulerHeight(font) + TimeAxisHeight(font) +
-                          std::max(areas, 1) * LeastAreaHeight(font));
-}
-
-GraphLayout ComputeLayout(const GraphPicture& picture, const QSize& size, const QFont& font,
-                          double scrolled) {
-  GraphLayout layout;
-  const double ruler = RulerHeight(font);
-  const double axis = TimeAxisHeight(font);
-  const double middle = std::max(size.height() - ruler - axis, 0.0);
-  layout.Ruler = QRectF(0, 0, size.width(), ruler);
-  layout.Middle = QRectF(0, ruler, size.width(), middle);
-  layout.TimeAxis = QRectF(0, ruler + middle, size.width(), axis);
-  if (picture.Areas.empty()) return layout;
-  const auto count = static_cast<double>(picture.Areas.size());
-  const double height = std::floor(std::max(middle / count, LeastAreaHeight(font)));
-  layout.ContentHeight = height * count;
-  const QFontMetricsF metrics(font);
-  double labels = 0;
-  for (std::size_t i = 0; i < picture.Areas.size(); ++i) {
-    const double top = ruler + static_cast<double>(i) * height - scrolled;
-    AreaPlace place;
-    place.Header = QRectF(kPad, top, size.width() - 2 * kPad, HeaderHeight(font));
-    place.Plot = QRectF(0, place.Header.bottom(), 1, height - HeaderHeight(font) - 2 * kPad);
-    if (picture.Areas[i].Note.empty()) FillTicks(picture.Areas[i], font, place);
-    for (const QString& label : place.TickLabels) labels = std::max(labels, metrics.horizontalAdvance(label));
-    layout.Areas.push_back(std::move(place));
-  }
-  layout.PlotLeft = std::ceil(labels + kTickLength + 2 * kPad);
-  layout.PlotWidth = std::max(size.width() - layout.PlotLeft - kRightMargin, 1.0);
-  for (AreaPlace& place : layout.Areas) {
-    place.Plot.setLeft(layout.PlotLeft);
-    place.Plot.setWidth(layout.PlotWidth);
-  }
-  return layout;
-}
-
-PlotScale ScaleOf(const GraphLayout& layout, const AxisWindow& window, std::size_t area,
-                  const GraphPicture& picture) {
-  const QRectF& plot = layout.Areas[area].Plot;
-  return {window.Start, window.End,   picture.Areas[area].Graph.Range, plot.left(), plot.top(),
-          plot.width(), plot.height()};
 }
 
 void PaintPicture(QPainter& painter, const GraphPicture& picture, const GraphLayout& layout,

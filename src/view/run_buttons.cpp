@@ -4,6 +4,7 @@
 
 #include "editing/cell_view.h"
 #include "view/flow_layout.h"
+#include "view/qt_color.h"
 
 namespace corlune {
 
@@ -12,10 +13,6 @@ namespace {
 constexpr int kFirstCaption = 8000;
 constexpr int kSpacing = 4;
 constexpr int kCaptionMargin = 8;  // pixels on each side of a caption
-
-QColor ColorOf(const Color& color) {
-  return {color.Red, color.Green, color.Blue};
-}
 
 QColor Mixed(const QColor& a, const QColor& b) {
   return {(a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2};
@@ -44,8 +41,8 @@ bool RunButtonApplies(PanelButton button, const AppState& state) {
 
 void ShowRunButtonState(QPushButton* button, bool applies, const ButtonSpec& spec) {
   const Color& color = applies ? spec.Color2 : spec.Color1;
-  const QColor face = ColorOf(color);
-  const QColor text = ColorOf(TextColorOn(color));
+  const QColor face = ToQColor(color);
+  const QColor text = ToQColor(TextColorOn(color));
   QPalette palette = button->palette();
   palette.setColor(QPalette::Button, face);
   palette.setColor(QPalette::ButtonText, text);

@@ -23,18 +23,19 @@ inline constexpr std::int32_t kDutySweepPoints = 32768;    // work area of a cha
 // Distinct (step, held values) pairs that are followed before a sequence counts as too complex.
 inline constexpr std::size_t kMaxWalkStates = 20000;
 
+// Codes of the error record; the first three are this library's own.
 enum class SequenceRefusal : std::int32_t {
   None = 0,
   Text = 1,  // no sequence text
   File = 2,  // the file cannot be read or replaced
   OutOfMemory = 3,
-  Frequency = 40,
-  Level = 41,
-  Duty = 42,
-  ArbUnreadable = 4099,
-  ArbMissing = 4100,
-  MemoryFull = 4101,
-  TooComplex = 4102,
+  Frequency = CMPLSEQ_ERROR_FREQUENCY,
+  Level = CMPLSEQ_ERROR_LEVEL,
+  Duty = CMPLSEQ_ERROR_DUTY,
+  ArbUnreadable = CMPLSEQ_ERROR_ARB_UNREADABLE,
+  ArbMissing = CMPLSEQ_ERROR_ARB_MISSING,
+  MemoryFull = CMPLSEQ_ERROR_MEMORY_FULL,
+  TooComplex = CMPLSEQ_ERROR_TOO_COMPLEX,
 };
 
 // Looks only at steps that the flow can reach from the start step. `arbs` has an entry for ARB number k + 1

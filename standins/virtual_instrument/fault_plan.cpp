@@ -5,6 +5,8 @@
 #include <charconv>
 #include <utility>
 
+#include "core/ascii_case.h"
+
 namespace corlune {
 namespace {
 
@@ -32,19 +34,8 @@ constexpr std::array kFaultNames{
     FaultName{"refuse", FaultKind::RefuseCompile, NumberMeans::Nothing},
 };
 
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-bool SameLetter(char a, char b) {
-  return Lower(a) == Lower(b);
-}
-
 bool Contains(std::string_view text, std::string_view part) {
-  return std::search(text.begin(), text.end(), part.begin(), part.end(), SameLetter) != text.end();
-}
-
-bool SameText(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), SameLetter);
+  return std::search(text.begin(), text.end(), part.begin(), part.end(), SameAsciiLetter) != text.end();
 }
 
 bool ChangesReply(FaultKind kind) {
@@ -68,7 +59,7 @@ bool StopsExchange(FaultKind kind) {
 // Decimal or "0x..." hexadecimal, up to 32 bits.
 std::optional<std::int64_t> ReadNumber(std::string_view text) {
   int base = 10;
-  if (text.size() > 2 && text[0] == '0' && Lower(text[1]) == 'x') {
+  if (text.size() > 2 && text[0] == '0' && LowerAscii(text[1]) == 'x') {
     base = 16;
     text.remove_prefix(2);
   }
@@ -99,9 +90,9 @@ std::optional<Fault> ParseFault(std::string_view entry) {
   if (const auto command = CutBehind(entry, '@')) fault.command = Trimmed(*command);
   const auto value = CutBehind(entry, ':');
   const auto number = CutBehind(entry, '=');
-  const auto* const row =
-      std::find_if(kFaultNames.begin(), kFaultNames.end(),
-                   [&](const FaultName& candidate) { return SameText(candidate.name, Trimmed(entry)); });
+  const auto* const row = std::find_if(
+      kFaultNames.begin(), kFaultNames.end(),
+      [&](const FaultName& candidate) { return EqualIgnoringCase(candidate.name, Trimmed(entry)); });
   if (row == kFaultNames.end()) return std::nullopt;
   fault.kind = row->kind;
   if (number) {
@@ -139,7 +130,6 @@ FaultPlan::FaultPlan(std::vector<Fault> faults) {
 
 ExchangeVerdict FaultPlan::Next(ExchangeKind kind, std::string_view message) {
   if (unplugged_) return {ExchangeVerdict::Kind::Gone, 0};
-  ++exchanges_;
   if (kind == ExchangeKind::Write) replyFault_.reset();
   ExchangeVerdict verdict;
   for (Entry& entry : entries_) {
@@ -186,7 +176,7 @@ std::optional<std::vector<Fault>> ParseFaults(std::string_view text, std::string
     const std::string_view whole = entry;
     const std::size_t slash = entry.substr(0, entry.find_first_of("=:@")).find('/');
     if (slash != std::string_view::npos) {
-      const bool other = !SameText(entry.substr(0, slash), serial);
+      const bool other = !EqualIgnoringCase(entry.substr(0, slash), serial);
       entry.remove_prefix(slash + 1);
       if (other && ParseFault(entry)) continue;
     }

@@ -60,7 +60,6 @@ class FaultPlan {
   // First fault of a standing kind (OutputTrip, SlowBusy, MemoryFull, RefuseCompile).
   const Fault* Standing(FaultKind kind) const;
   bool Unplugged() const { return unplugged_; }
-  int Exchanges() const { return exchanges_; }
 
  private:
   struct Entry {
@@ -69,7 +68,6 @@ class FaultPlan {
   };
   std::vector<Entry> entries_;
   std::optional<Fault> replyFault_;
-  int exchanges_ = 0;
   bool unplugged_ = false;
 };
 

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <utility>
 
+#include "core/ascii_case.h"
 #include "core/numbers.h"
 
 namespace corlune {
@@ -47,15 +48,6 @@ bool IsDigit(char c) {
 bool IsLetter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }
-char Upper(char c) {
-  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
-
-std::string Uppercase(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(), Upper);
-  return result;
-}
 
 struct BlockHeader {
   std::size_t headerLength = 0;
@@ -81,12 +73,12 @@ std::optional<BlockHeader> ReadBlockHeader(std::string_view text) {
 // "#H1F", "#Q17", "#B101".
 std::optional<double> ReadNonDecimal(std::string_view text) {
   if (text.size() < 3 || text[0] != '#') return std::nullopt;
-  const char kind = Upper(text[1]);
+  const char kind = UpperAscii(text[1]);
   const int base = kind == 'H' ? 16 : kind == 'Q' ? 8 : kind == 'B' ? 2 : 0;
   if (base == 0) return std::nullopt;
   double value = 0;
   for (const char raw : text.substr(2)) {
-    const char c = Upper(raw);
+    const char c = UpperAscii(raw);
     const int digit = IsDigit(c) ? c - '0' : c >= 'A' && c <= 'F' ? c - 'A' + 10 : 99;
     if (digit >= base) return std::nullopt;
     value = value * base + digit;
@@ -172,7 +164,7 @@ bool ScpiUnitReader::ReadHeader(ScpiUnit& unit) {
                       ? ScpiError::Syntax
                       : ScpiError::InvalidCharacter);
     }
-    node.name = Uppercase(rest_.substr(0, length));
+    node.name = UpperAscii(rest_.substr(0, length));
     rest_.remove_prefix(length);
     std::size_t digits = 0;
     int suffix = 0;
@@ -292,8 +284,7 @@ bool ScpiWordIs(std::string_view word, std::string_view pattern) {
     ++shortLength;
   }
   if (word.size() != shortLength && word.size() != pattern.size()) return false;
-  return std::equal(word.begin(), word.end(), pattern.begin(),
-                    [](char a, char b) { return Upper(a) == Upper(b); });
+  return std::equal(word.begin(), word.end(), pattern.begin(), SameAsciiLetter);
 }
 
 ScpiPattern::ScpiPattern(std::string_view text) {
@@ -316,7 +307,7 @@ ScpiPattern::ScpiPattern(std::string_view text) {
     }
     const auto lower = std::find_if(word.begin(), word.end(), [](char c) { return c >= 'a' && c <= 'z'; });
     segment.shortName = std::string(word.begin(), lower);
-    segment.longName = Uppercase(word);
+    segment.longName = UpperAscii(word);
     segments_.push_back(std::move(segment));
   }
 }

@@ -5,17 +5,12 @@
 #include <charconv>
 #include <vector>
 
+#include "core/ascii_case.h"
+
 namespace corlune {
 namespace {
 
 constexpr std::size_t kLongestName = 255;
-
-std::string Uppercase(std::string_view text) {
-  std::string result(text);
-  std::transform(result.begin(), result.end(), result.begin(),
-                 [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-  return result;
-}
 
 // `text` is in upper case.
 std::optional<std::uint16_t> ReadNumber(std::string_view text) {
@@ -45,7 +40,7 @@ std::vector<std::string> Fields(const std::string& name) {
 
 std::optional<UsbResource> ParseUsbResource(std::string_view name) {
   if (name.size() > kLongestName) return std::nullopt;
-  std::vector<std::string> fields = Fields(Uppercase(name));
+  std::vector<std::string> fields = Fields(UpperAscii(name));
   if (fields.back() == "INSTR") fields.pop_back();
   if (fields.size() < 4 || fields.size() > 5 || !fields[0].starts_with("USB")) return std::nullopt;
   const std::string board = fields[0].substr(3);
@@ -60,7 +55,7 @@ std::optional<UsbResource> ParseUsbResource(std::string_view name) {
 bool IsResourceName(std::string_view name) {
   static constexpr std::array kInterfaces{"USB", "GPIB", "ASRL", "TCPIP", "VXI", "PXI"};
   if (name.size() > kLongestName) return false;
-  const std::vector<std::string> fields = Fields(Uppercase(name));
+  const std::vector<std::string> fields = Fields(UpperAscii(name));
   if (fields.size() < 2) return false;
   if (std::any_of(fields.begin(), fields.end(), [](const std::string& field) { return field.empty(); })) {
     return false;

@@ -78,19 +78,10 @@ TEST_F(Layer, AFailedOpeningClosesTheRestAndNamesTheInstrument) {
   EXPECT_EQ(failed, 2);
   EXPECT_EQ(script.CountOf("end"), 1);
   EXPECT_EQ(script.CountOf("[1] end"), 0);
+  script.ClearLog();
+  layer.CloseInstrumentInterface();
+  EXPECT_THAT(script.Log(), IsEmpty()) << "nothing is open any more";
   EXPECT_EQ(state.CurrentInterface, InterfaceKind::UsbTmc);
-}
-
-TEST_F(Layer, OffLineNothingIsSent) {
-  state.Online = 0;
-  std::string reply = "kept";
-  EXPECT_EQ(layer.SendCommand(1, "*RST", 400), CommStatus::Success);
-  EXPECT_EQ(layer.ReceiveReply(1, reply), CommStatus::Success);
-  EXPECT_EQ(layer.SendBlockData("#H", {}, 1), CommStatus::Success);
-  EXPECT_EQ(layer.WaitWhileBusy(1, "16", 100), CommStatus::Success);
-  EXPECT_EQ(reply, "kept");
-  EXPECT_THAT(script.Log(), IsEmpty());
-  EXPECT_EQ(pump.Slept(), 0U);
 }
 
 TEST_F(Layer, SendWaitsOnTheClock) {

@@ -257,7 +257,7 @@ inline LibraryLoader<Usb488Table> FakeLibrary::Usb488() {
   t.SetInterfaceClear = [](std::int32_t handle) { return Take("UsbSetIFC", Num(handle)).status; };
   t.EnableRemote = [](std::int32_t handle) { return Take("UsbEnableRemote", Num(handle)).status; };
   t.EnableLocal = [](std::int32_t handle) { return Take("UsbEnableLocal", Num(handle)).status; };
-  t.ClearStatus = []() { return 0; };
+  t.ClearStatus = []() { return Take("UsbClearStatus").status; };
   return LoaderOf(t);
 }
 

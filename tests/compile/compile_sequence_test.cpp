@@ -45,7 +45,7 @@ TEST(CompileSequence, CompilerErrors) {
     EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Critical);
     EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Refused);
     EXPECT_EQ(rig.script.Count(), 0u);
-    EXPECT_TRUE(rig.display.downloadEnabled);
+    EXPECT_FALSE(rig.activity.Busy());
   }
 }
 
@@ -73,7 +73,7 @@ TEST(CompileSequence, WithoutTheLibraryThereIsNoDownload) {
   EXPECT_NE(rig.prompts.messages[0].caption, "for Debug");
   EXPECT_EQ(DownloadOutcomeText(rig.downloader.Outcome(), rig.catalogue), rig.compiler.Problem());
   EXPECT_EQ(rig.script.Count(), 0u);
-  EXPECT_TRUE(rig.display.downloadEnabled);
+  EXPECT_FALSE(rig.activity.Busy());
 }
 
 // Step `number` plays ARB `number`, which the instrument holds.
@@ -137,21 +137,6 @@ TEST(Waveforms, MarksEveryNumberOfTheTable) {
   EXPECT_EQ(rig.Entry(128).UseFlag, 0);
 }
 
-TEST(Waveforms, OnlyWhatTheInstrumentLacksIsSent) {
-  DownloadRig rig;
-  for (const int number : {1, 2, 3, 4}) {
-    rig.GiveFile(number);
-    rig.Entry(number).UseFlag = 1;
-  }
-  rig.Entry(1).UseFlag = 0;
-  rig.Entry(2).Transferred = 1;
-  rig.Entry(5).UseFlag = 1;  // no file
-  EXPECT_EQ(rig.downloader.TransferUsedArbs(), 0);
-  ASSERT_EQ(rig.script.Blocks().size(), 2u);
-  EXPECT_EQ(rig.script.Blocks()[0].header, ":TRACe:DATA 3,\"Arb3\",#48200");
-  EXPECT_EQ(rig.script.Blocks()[1].header, ":TRACe:DATA 4,\"Arb4\",#48200");
-}
-
 TEST(Waveforms, AnotherErrorNumberDoesNotStopTheTransfer) {
   DownloadRig rig;
   rig.GiveFile(1);
@@ -173,7 +158,7 @@ TEST(Waveforms, AFileThatIsNoWaveformEndsTheDownload) {
   EXPECT_EQ(rig.script.Log().back(), "timeout 12");
   const std::string detail = DownloadOutcomeText(rig.downloader.Outcome(), rig.catalogue);
   EXPECT_EQ(detail.rfind(rig.Entry(4).FilePath + ": ", 0), 0u) << detail;
-  EXPECT_TRUE(rig.display.downloadEnabled);
+  EXPECT_FALSE(rig.activity.Busy());
 }
 
 }  // namespace

@@ -83,8 +83,9 @@ struct DownloadRig : corlune::testing::InstrumentRig {
   corlune::testing::RecordedDisplay display{&events};
   InstrumentDialogues dialogues{commands, prompts, catalogue};
   ObedientCompiler compiler;
+  Activity activity;
   Downloader downloader{state,     definition, *sequence, commands,
-                        dialogues, compiler,   catalogue, {prompts, progress, display}};
+                        dialogues, compiler,   catalogue, {prompts, progress, display, activity}};
 };
 
 }  // namespace corlune

@@ -1,11 +1,9 @@
 #include "compile/download.h"
 
-#include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
 
 #include "compile/download_rig.h"
@@ -38,11 +36,11 @@ TEST(Download, WholeExchangeInOrder) {
   PrepareWhole(rig);
   ASSERT_TRUE(rig.downloader.DownloadSequence());
   EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
-  EXPECT_THAT(rig.events, ElementsAre("download controls off", "input: " + rig.Text(9208),
-                                      "progress 1: Transmitting the arbitrary wave data.....ARB 3",
-                                      "progress 10: Transmitting the sequence data.",
-                                      "progress 5: Transmitting the sequence data.", "download controls on",
-                                      "total 2000"));
+  EXPECT_THAT(rig.events,
+              ElementsAre("refresh", "input: " + rig.Text(9208),
+                          "progress 1: Transmitting the arbitrary wave data.....ARB 3",
+                          "progress 10: Transmitting the sequence data.",
+                          "progress 5: Transmitting the sequence data.", "refresh", "total 2000"));
   // 200 preparation, 2 x 100 queries, 1000 waveform, 10000 block, 5000 record, 100 *CLS, 100 poll
   EXPECT_EQ(rig.clock.Now(), 1000u + 16600u);
   EXPECT_EQ(rig.progress.advances, 16);
@@ -78,24 +76,7 @@ TEST(Download, AnErrorNumberEndsIt) {
     EXPECT_EQ(rig.downloader.Outcome().ErrorNumber, -113);
     EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC"), query - 1);
     EXPECT_EQ(rig.script.CountOf("0 < :TRIG:COMP"), 0);
-    EXPECT_TRUE(rig.display.downloadEnabled);
-  }
-}
-
-TEST(Download, SequenceNumberZeroIsNotRecorded) {
-  const std::pair<std::size_t, const char*> lengths[] = {
-      {9, "#19"}, {99999, "#599999"}, {100000, "#6100000"}};
-  for (const auto& [length, ending] : lengths) {
-    DownloadRig rig;
-    rig.compiler.binary = std::string(length, '\xFF');
-    rig.sequence->SequenceNumber = 0;
-    rig.prompts.Type("x");
-    EXPECT_TRUE(rig.downloader.DownloadSequence());
-    EXPECT_EQ(rig.prompts.inputRequests[0].defaultText, "Seq0");
-    EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC"), 0);
-    ASSERT_EQ(rig.script.Blocks().size(), 1u);
-    EXPECT_EQ(rig.script.Blocks()[0].header, std::string(":TRAC:SEQ 0,\"x\",") + ending);
-    EXPECT_EQ(rig.script.Blocks()[0].data.size(), length);
+    EXPECT_FALSE(rig.activity.Busy());
   }
 }
 
@@ -126,25 +107,11 @@ TEST(Download, NameQuestion) {
       EXPECT_EQ(request.prompt, rig.Text(9208));
       EXPECT_EQ(request.defaultText, "old");
     }
-    EXPECT_TRUE(rig.display.downloadEnabled);
+    EXPECT_FALSE(rig.activity.Busy());
     if (c.done) continue;
-    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Cancelled);
+    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::NoName);
     EXPECT_EQ(rig.script.Count(), 0u);
   }
-}
-
-TEST(Download, OfflineOnlyTheRunTimesAreComputed) {
-  DownloadRig rig;
-  rig.state.Online = 0;
-  rig.sequence->Steps[1].JumpOn = 1;
-  rig.sequence->Steps[1].JumpTo = 1;
-  EXPECT_TRUE(rig.downloader.DownloadSequence());
-  EXPECT_THAT(rig.events, ElementsAre("total -1"));
-  EXPECT_EQ(rig.state.TotalTime, -1);
-  EXPECT_EQ(rig.state.TotalTimeSecond, -1);
-  EXPECT_EQ(rig.sequence->Steps[0].StepRunTime, 1500);
-  EXPECT_EQ(rig.script.Count(), 0u);
-  EXPECT_EQ(rig.compiler.calls, 0);
 }
 
 TEST(Download, InterfacesWithoutBlocksAskFirst) {
@@ -173,23 +140,12 @@ TEST(Download, ASecondDownloadInsideAWaitIsRefused) {
     ++attempts;
     EXPECT_TRUE(rig.downloader.UnderWay());
     EXPECT_FALSE(rig.downloader.DownloadSequence());
-    EXPECT_FALSE(rig.display.downloadEnabled);
   });
   rig.prompts.WhileOpen([&] { EXPECT_FALSE(rig.downloader.DownloadSequence()); });
   EXPECT_TRUE(rig.downloader.DownloadSequence());
   EXPECT_GT(attempts, 20);
   EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
   EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Done);
-}
-
-TEST(Download, TimedProgress) {
-  const std::pair<std::int32_t, int> cases[] = {{1000, 1}, {1500, 1}, {2500, 3}, {25000, 25}, {400, 0}};
-  for (const auto& [milliseconds, seconds] : cases) {
-    DownloadRig rig;
-    rig.downloader.ShowTimedProgress(milliseconds, "text");
-    EXPECT_EQ(rig.progress.advances, seconds) << milliseconds;
-    EXPECT_EQ(rig.clock.Now(), 1000u + 1000u * static_cast<unsigned>(seconds));
-  }
 }
 
 TEST(Download, WorksInTheTransferFolderWhenThereIsOne) {
@@ -201,26 +157,6 @@ TEST(Download, WorksInTheTransferFolderWhenThereIsOne) {
   EXPECT_TRUE(rig.downloader.DownloadSequence());
   EXPECT_EQ(corlune::testing::TempFolder::Read(own.File("sendata.bin")), rig.compiler.binary);
   EXPECT_EQ(corlune::testing::TempFolder::Read(rig.folder.File("sendata.bin")), "of another program");
-}
-
-TEST(Download, FullDisk) {
-  DownloadRig rig;
-  rig.folder.Write("sendata.bin", "the file of the last download");
-  rig.prompts.Type("x").Answer(PromptAnswer::Ok);
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  rlimit full = before;
-  full.rlim_cur = 1000;
-  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
-  const bool done = rig.downloader.DownloadSequence();
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, oldHandler);
-  EXPECT_FALSE(done);
-  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9400)));
-  EXPECT_EQ(corlune::testing::TempFolder::Read(rig.folder.File("sendata.bin")),
-            "the file of the last download");
-  EXPECT_EQ(rig.script.Count(), 0u);
 }
 
 }  // namespace

@@ -41,28 +41,6 @@ struct TransferRig : corlune::testing::InstrumentRig {
   WaveformTransfer transfer{commands, dialogues, prompts, catalogue};
 };
 
-TEST(WaveformTransfer, SendsTheBlockOfTheFile) {
-  TransferRig rig;
-  rig.folder.Write("a.TXT", Values(4096, "-2"));
-  ArbFileEntry entry;
-  entry.FilePath = "a.TXT";  // beside the work file
-  ASSERT_EQ(rig.transfer.TransferArbFile(entry, 12), ArbTransfer::Done);
-  EXPECT_THAT(rig.script.Log(),
-              ElementsAre("0 < *CLS", "0 block :TRACe:DATA 12,\"Arb12\",#48200 (8200 bytes)"));
-  const auto& data = rig.script.Blocks()[0].data;
-  EXPECT_EQ(std::vector<std::uint8_t>(data.begin(), data.begin() + 10),
-            (std::vector<std::uint8_t>{0, 0, 0, 0, 0, 0, 0x10, 0, 0xFF, 0xFE}));
-  EXPECT_EQ(entry.ArrayForm, 1);
-  EXPECT_EQ(entry.PointCount, 4096);
-
-  rig.folder.Write("b.wdb", PairFile(100));
-  entry.FilePath = rig.folder.File("b.wdb");
-  ASSERT_EQ(rig.transfer.TransferArbFile(entry, 1), ArbTransfer::Done);
-  EXPECT_EQ(rig.script.Blocks()[1].header, ":TRACe:DATA 1,\"Arb1\",#3608");
-  EXPECT_EQ(entry.ArrayForm, 0);
-  EXPECT_EQ(entry.PointCount, 100);
-}
-
 TEST(WaveformTransfer, AFileThatIsNoWaveformSendsNothing) {
   struct Case {
     const char* name;

@@ -76,6 +76,7 @@ TEST(ProfileBytes, OpenCases) {
   EXPECT_EQ(WriteProfileString("[A]\na=1\n\n[B]\n", "A", "z", "9", 1252), "[A]\na=1\nz=9\n\n[B]\n");
   EXPECT_EQ(WriteProfileString("[A]\na=1", "A", "z", "9", 1252), "[A]\na=1\nz=9\n");
   EXPECT_EQ(WriteProfileString("\xEF\xBB\xBF", "A", "z", "9", 1252), "\xEF\xBB\xBF[A]\r\nz=9\r\n");
+  EXPECT_EQ(ReadProfileString("[a]\r\n", "a", "k", "  de fault  ", 99, 1252), "  de fault");
   // What was written is read again, also over a line without a value.
   EXPECT_EQ(WriteProfileString("[A]\r\nk\r\n", "A", "k", "9", 1252), "[A]\r\nk=9\r\n");
 }

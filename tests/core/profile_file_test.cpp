@@ -45,30 +45,14 @@ TEST(GetIniString, AddsTheCommentRuleToTheProfileRule) {
   EXPECT_EQ(GetIniString(folder.Path(), "S", "A"), "");
 }
 
-TEST(GetIniSection, JoinsEntriesByNul) {
-  const TempFolder folder;
-  const std::string path = folder.Write("a.ini", "[S]\r\n a = 1 \r\n;c\r\n\r\nb=2=3\r\n[T]\r\n");
-  EXPECT_EQ(GetIniSection(path, "s"), std::string("a=1\0b=2=3", 9));
-  EXPECT_EQ(GetIniSection(path, "T"), "");
-  EXPECT_EQ(GetIniSection(path, "U"), "");
-  EXPECT_EQ(GetIniSection(folder.File("none.ini"), "S"), "");
-}
-
-TEST(GetIniSection, CutsAtTheBufferInBytesOfTheCodePage) {
+TEST(GetIniString, CutsAtTheBufferInBytesOfTheCodePage) {
   const Locale japanese("ja_JP.UTF-8");
   const TempFolder folder;
-  // Each entry is six bytes with its NUL in code page 932, eight in UTF-8.
-  std::string bytes = "[S]\r\n";
-  for (int i = 0; i < 10; ++i) bytes += "k=\x95\x5C" + std::to_string(i) + "\r\n";
-  const std::string path = folder.Write("a.ini", bytes);
-  const auto entry = [](int i) { return "k=表" + std::to_string(i); };
-  std::string all = entry(0);
-  for (int i = 1; i < 10; ++i) all += '\0' + entry(i);
-  EXPECT_EQ(GetIniSection(path, "S", 62), all);  // 60 bytes of entries
-  EXPECT_EQ(GetIniSection(path, "S", 0), all);
-  EXPECT_EQ(GetIniSection(path, "S", 2 + 12), entry(0) + '\0' + entry(1));
-  EXPECT_EQ(GetIniSection(path, "S", 2 + 10), entry(0) + '\0' + "k=表");
-  EXPECT_EQ(GetIniSection(path, "S", 2 + 9), entry(0) + '\0' + "k=");  // never half a character
+  const std::string path = folder.Write("a.ini", "[S]\r\nk=\x95\x5C\x95\x5C\r\n");
+  // Two bytes a character, three in UTF-8; never half of one.
+  EXPECT_EQ(GetIniString(path, "S", "k", 5), "表表");
+  EXPECT_EQ(GetIniString(path, "S", "k", 4), "表");
+  EXPECT_EQ(GetIniString(path, "S", "k", 3), "表");
 }
 
 TEST(ForEachIniEntry, SplitsEntries) {
@@ -102,7 +86,8 @@ TEST(WriteIniString, KeepsEveryOtherByteInTheFilesOwnEncoding) {
       {"C", ";\xB5\r\n[E]\r\nM=0\r\n", "表", ";µ\r\n[E]\r\nM=表\r\n"},  // the code page cannot hold both
       {"ja_JP", ";\x83\x5C\r\n[E]\r\nM=0\r\n", "表", ";\x83\x5C\r\n[E]\r\nM=\x95\x5C\r\n"},
       {"ja_JP", "\xEF\xBB\xBF[E]\r\nM=0\r\n", "表", "\xEF\xBB\xBF[E]\r\nM=表\r\n"},
-      {"C", ";\x83\x5C\r\n[E]\r\n m = 0\n[F]\r\n", "1", ";\x83\x5C\r\n[E]\r\nM=1\n[F]\r\n"},
+      {"C", ";\x83\x5C\r\n[E]\r\n m = 0\n[F]\r\n", "1",
+       ";\x83\x5C\r\n[E]\r\nm=1\n[F]\r\n"},  // the key as spelt
   };
   for (const auto& row : kRows) {
     const Locale locale(row.locale);

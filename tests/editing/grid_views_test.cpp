@@ -192,8 +192,8 @@ TEST(CursorMoves, ChannelAndBranchArea) {
 
 // Enabled items, one letter each: New Open Save saveAs Exit | edit items 0-8 | modes | run items | tools |
 // buttons mode start stop hold branch output | read, cells, close, branch channel.
-std::string EnabledOf(const AppState& state, const ControlConditions& conditions) {
-  const ControlStates states = ControlStatesOf(state, ShippedDefinition(), conditions);
+std::string EnabledOf(const AppState& state, const Activity& activity, const ControlConditions& conditions) {
+  const ControlStates states = ControlStatesOf(state, activity, ShippedDefinition(), conditions);
   const auto letter = [](bool on) { return on ? 'x' : '.'; };
   std::string text;
   for (const Menu menu : {Menu::File, Menu::Edit, Menu::Mode, Menu::Run, Menu::Tool}) {
@@ -215,95 +215,47 @@ std::string EnabledOf(const AppState& state, const ControlConditions& conditions
 TEST(ControlStates, BySituation) {
   struct Row {
     const char* name;
-    OperationMode mode;
-    RunState run;
-    bool online, outputOn;
-    ControlConditions conditions;
+    const char*
+        state;  // e edit, x execution | s stopped, r running, h held | o on-line | + output on | ! warning
+    int steps;
     const char* enabled;
+    std::optional<Work> work = {};
   };
-  constexpr OperationMode edit = OperationMode::Edit;
-  constexpr OperationMode exec = OperationMode::Execution;
-  constexpr RunState stopped = RunState::Stopped;
+  // clang-format off
   const Row rows[] = {
-      {"edit, no steps",
-       edit,
-       stopped,
-       false,
-       false,
-       {0, false, false, false},
-       "xxxxx ....xx... .x ...... xxxx. x..... .xxx"},
-      {"edit, on-line",
-       edit,
-       stopped,
-       true,
-       false,
-       {3, false, false, false},
-       "xxxxx x.xxxxxxx .x ...... xxxx. x..... xxxx"},
-      {"edit, copied, full",
-       edit,
-       stopped,
-       false,
-       false,
-       {256, true, false, false},
-       "xxxxx xxxx..xxx .x ...... xxxx. x..... .xxx"},
-      {"edit, downloading",
-       edit,
-       stopped,
-       true,
-       false,
-       {3, false, true, false},
-       "..... ......... .. ...... ..... ...... ...."},
-      {"execution, stopped",
-       exec,
-       stopped,
-       true,
-       false,
-       {3, true, false, false},
-       "..xxx ......... x. x...x. .xx.. xx...x ..xx"},
-      {"execution, output on",
-       exec,
-       stopped,
-       true,
-       true,
-       {3, true, false, false},
-       "..xxx ......... x. x....x .xx.. xx...x ..xx"},
-      {"execution, output command",
-       exec,
-       stopped,
-       true,
-       false,
-       {3, true, false, true},
-       "..... ......... .. ...... ..... ...... ...x"},
-      {"running",
-       exec,
-       RunState::Running,
-       true,
-       true,
-       {3, true, false, false},
-       "..... ......... .. .xxx.x ..... ..xxxx ...x"},
-      {"running, output command",
-       exec,
-       RunState::Running,
-       true,
-       true,
-       {3, true, false, true},
-       "..... ......... .. .xxx.. ..... ..xxx. ...x"},
-      {"held",
-       exec,
-       RunState::Held,
-       true,
-       true,
-       {3, true, false, false},
-       "..... ......... .. xx...x ..... .xx..x ...x"},
+      {"edit, no steps", "es", 0, "xxxxx ....xx... .x ...... xxxx. x..... .xxx"},
+      {"edit, on-line", "eso", 3, "xxxxx x.xxxxxxx .x ...... xxxx. x..... xxxx"},
+      {"edit, full", "es", 256, "xxxxx x.xx..xxx .x ...... xxxx. x..... .xxx"},
+      {"edit, downloading", "eso", 3, "..... ......... .. ...... ..... ...... ....", Work::Download},
+      {"edit, may still run", "eso!", 3, "xxxxx x.xxxxxxx .x .x...x xxxx. x.x..x xxxx"},
+      {"the same, downloading", "eso!", 3, "..... ......... .. .x.... ..... ..x... ....", Work::Download},
+      {"execution, stopped", "xso", 3, "..xxx ......... x. x...x. .xx.. xx...x ..xx"},
+      {"execution, output on", "xso+", 3, "..xxx ......... x. x....x .xx.. xx...x ..xx"},
+      {"execution, may still run", "xso!", 3, "..xxx ......... x. .x...x .xx.. x.x..x ..xx"},
+      {"execution, output command", "xso", 3, "..... ......... .. ...... ..... ...... ...x", Work::Output},
+      {"execution, starting", "xso", 3, "..... ......... .. .x.... ..... ..x... ...x", Work::Start},
+      {"running", "xro+", 3, "..... ......... .. .xxx.x ..... ..xxxx ...x"},
+      {"running, in a tick", "xro+", 3, "..... ......... .. .xxx.x ..... ..xxxx ...x", Work::Tick},
+      {"running, output command", "xro+", 3, "..... ......... .. .xxx.. ..... ..xxx. ...x", Work::Output},
+      {"held", "xho+", 3, "..... ......... .. xx...x ..... .xx..x ...x"},
+      {"resuming", "xho+", 3, "..... ......... .. .x.... ..... ..x... ...x", Work::Start},
   };
+  // clang-format on
   for (const Row& row : rows) {
+    const std::string_view text = row.state;
+    const auto has = [&](char c) { return text.find(c) != std::string_view::npos; };
     AppState state;
-    state.OperationMode = row.mode;
-    state.RunState = row.run;
-    state.Online = row.online ? 1 : 0;
-    state.OutputOn = row.outputOn;
-    EXPECT_EQ(EnabledOf(state, row.conditions), row.enabled) << row.name;
+    state.OperationMode = has('x') ? OperationMode::Execution : OperationMode::Edit;
+    state.RunState = has('r') ? RunState::Running : has('h') ? RunState::Held : RunState::Stopped;
+    state.Online = has('o') ? 1 : 0;
+    state.OutputOn = has('+');
+    state.MayStillRun = has('!');
+    Activity activity;
+    std::optional<WorkGuard> work;
+    if (row.work) work.emplace(activity, *row.work);
+    EXPECT_EQ(EnabledOf(state, activity, {row.steps, false}), row.enabled) << row.name;
   }
+  EXPECT_EQ(EnabledOf({}, {}, {3, true}).substr(6, 2), "xx") << "paste needs something copied";
 }
 
 TEST(ControlStates, VisibilityComesFromTheDefinition) {
@@ -311,7 +263,7 @@ TEST(ControlStates, VisibilityComesFromTheDefinition) {
   definition.Menus[static_cast<std::size_t>(Menu::Run)].Visible = false;
   definition.Menus[static_cast<std::size_t>(Menu::File)].Items[1] = false;
   definition.Buttons[static_cast<std::size_t>(PanelButton::Hold)].Visible = false;
-  const ControlStates states = ControlStatesOf(AppState{}, definition, {256, false, false, false});
+  const ControlStates states = ControlStatesOf({}, {}, definition, {256, false});
   EXPECT_FALSE(states.Menus[static_cast<std::size_t>(Menu::Run)].Visible);
   EXPECT_FALSE(states.MenuItems[static_cast<std::size_t>(Menu::Run)][0].Visible);
   EXPECT_FALSE(states.MenuItems[static_cast<std::size_t>(Menu::File)][1].Visible);

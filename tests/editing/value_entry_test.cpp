@@ -272,6 +272,8 @@ TEST(BranchEntry, Table) {
   EXPECT_EQ(rig.Step(1).BranchStep[0], 1);
   EXPECT_EQ(rig.Enter(Branch(1, 1), kNotInUseText), 0);
   EXPECT_EQ(rig.Step(1).BranchStep[0], 0);
+  rig.definition.Branches.Maximum = 2;
+  EXPECT_EQ(rig.Enter(Branch(1, 1), "2"), 9105) << "the third step";
 }
 
 TEST(Entries, ChangeModeKeepsTheStartValuesRight) {

@@ -24,9 +24,10 @@ TEST(RunControl, StartHoldAndResume) {
   EXPECT_FALSE(rig.control.RunCommand(Run::Start));
   rig.prompts.Answer(PromptAnswer::Ok);
   ASSERT_TRUE(rig.control.RunCommand(Run::Start));
-  EXPECT_THAT(rig.events, ElementsAre(question, question, "0 < :OUTP ON", "[0] 9 < :OUTP ON", "0 < :START",
-                                      "[0] 9 < :START", "0 < :STEP?", "0 > 0", "scroll 1", "highlight 1",
-                                      "timer on", "view start", "refresh"));
+  EXPECT_THAT(rig.events,
+              ElementsAre("refresh", question, "refresh", "refresh", question, "0 < :OUTP ON",
+                          "[0] 9 < :OUTP ON", "0 < :START", "[0] 9 < :START", "0 < :STEP?", "0 > 0",
+                          "scroll 1", "highlight 1", "timer on", "view start", "refresh"));
   EXPECT_TRUE(rig.state.OutputOn);
   EXPECT_FALSE(rig.control.RunCommand(Run::Start)) << "runs already";
 
@@ -40,8 +41,8 @@ TEST(RunControl, StartHoldAndResume) {
   rig.Forget();
   const std::uint32_t before = rig.clock.Now();
   rig.control.Button(1);
-  EXPECT_THAT(rig.events, ElementsAre("0 < :TRIG1:SEL:EXEC RES", "[0] 9 < :TRIG1:SEL:EXEC RES", "scroll 4",
-                                      "timer on", "refresh"));
+  EXPECT_THAT(rig.events, ElementsAre("refresh", "0 < :TRIG1:SEL:EXEC RES", "[0] 9 < :TRIG1:SEL:EXEC RES",
+                                      "scroll 4", "timer on", "refresh"));
   EXPECT_EQ(rig.clock.Now() - before, 800U);
   EXPECT_EQ(rig.state.CurrentStep, 4);
 }
@@ -133,7 +134,7 @@ TEST(RunControl, EntersExecutionModeAfterADownload) {
     const char* output;
     EventList events;
   };
-  for (const Row& row : {Row{0, true, "1", {noSteps}}, Row{2, false, "1", {"download"}},
+  for (const Row& row : {Row{0, true, "1", {noSteps, "refresh"}}, Row{2, false, "1", {"download", "refresh"}},
                          Row{2, true, "1", {"download", "0 < :OUTP?", "0 > 1", "layout 1", "refresh"}},
                          Row{2, true, "0", {"download", "0 < :OUTP?", "0 > 0", "layout 1", "refresh"}}}) {
     SCOPED_TRACE(row.events.front() + row.output);

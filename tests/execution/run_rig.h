@@ -61,7 +61,7 @@ struct RunRig : InstrumentRig {
   RecordedDisplay display{&events};
   RecordedView view{&events};
   RunContext run;
-  RunActivity activity;
+  Activity activity;
   Measure measure{run};
   RunQueries queries{run, measure};
   std::function<bool()> download;

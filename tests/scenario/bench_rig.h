@@ -79,6 +79,8 @@ class LinkedCompiler : public CompilerLibrary {
 inline constexpr const char* kSaysEnd = "information: The sequence execution was ended.";
 inline constexpr const char* kAsksOutput =
     "information: Output switch truns to 'on' and sequence will start. Is it OK?";
+inline constexpr const char* kAsksToGoOn =
+    "question: An instrument may still be running. Go on without stopping it?";
 inline constexpr const char* kAsksName = "input: Seq0";
 inline std::string CommunicationError(int instrument, const char* icon) {
   return std::string(icon) + ": The communication error to the instrument " + std::to_string(instrument) +
@@ -151,13 +153,11 @@ class BenchRig {
   // Sets the program up for all instruments of the bench, instrument 1 first.
   void ConnectAll() {
     Connect();
-    SystemSetup setup;
-    setup.modelName = session->State().ModelName;
-    setup.instrumentCount = static_cast<std::int16_t>(bench.Count());
-    setup.instruments = session->State().Instruments;
+    SystemSettings setup = SettingsOf(session->State());
+    setup.InstrumentCount = static_cast<std::int16_t>(bench.Count());
     for (std::size_t i = 0; i < bench.Count(); ++i) {
-      setup.instruments[i] = session->State().Instruments[0];
-      setup.instruments[i].SerialNo = bench.At(i).Identity().serial;
+      setup.Instruments[i] = session->State().Instruments[0];
+      setup.Instruments[i].SerialNo = bench.At(i).Identity().serial;
     }
     ASSERT_TRUE(session->ApplySetup(setup));
     ASSERT_EQ(session->State().Online, 1);
@@ -173,11 +173,7 @@ class BenchRig {
   }
   // The set-up dialog's OK without a change: closes and opens everything.
   bool Reconnect() {
-    SystemSetup setup;
-    setup.modelName = session->State().ModelName;
-    setup.instrumentCount = session->State().InstrumentCount;
-    setup.instruments = session->State().Instruments;
-    return session->ApplySetup(setup) && session->State().Online == 1;
+    return session->ApplySetup(SettingsOf(session->State())) && session->State().Online == 1;
   }
   bool Download() { return session->Control().SetOperationMode(OperationMode::Execution); }
   void Press(Run command) { session->Control().MenuItem(static_cast<int>(command)); }
@@ -246,8 +242,6 @@ class BenchRig {
     EXPECT_FALSE(state.BranchRequested);
     EXPECT_TRUE(session->Idle());
     EXPECT_FALSE(timer.enabled);
-    EXPECT_TRUE(display.downloadEnabled);
-    EXPECT_TRUE(display.outputEnabled);
     EXPECT_EQ(progress.depth, 0);
   }
   std::string Log() const { return TempFolder::Read(folder.File("comm.log")); }

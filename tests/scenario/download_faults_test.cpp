@@ -8,7 +8,9 @@ namespace {
 
 enum class Fate {
   NotSent,         // the download ends, nothing more is sent
-  BlockBroken,     // the same; a clear makes the instrument forget what it has of the block
+  WaveNotSent,     // the same, with the message of a waveform that failed
+  WaveBroken,      // the same; a clear makes the instrument forget what it has of the block
+  BlockBroken,     // the same, without the message
   NotCompiled,     // the same, once the instrument was to take the sequence over
   NotPrepared,     // not checked: the instrument refuses to compile in its normal operation
   ErrorUnknown,    // counts as no error; the instrument's complaint about it is found by the next question
@@ -30,9 +32,9 @@ const std::vector<Exchange> kDownload{
     {"1 < :SOUR1:SEQ:STAT 1", Fate::NotPrepared},
     {"1 < :STAT:OPER:CH1:COND?", Fate::NotSent},
     {"1 > 0", Fate::NotSent},
-    {"1 < *CLS", Fate::NotSent},
-    {"1 < :TRACe:DATA 1,\"Arb1\",#48200", Fate::BlockBroken},
-    {"1 < (8200 bytes)", Fate::BlockBroken},
+    {"1 < *CLS", Fate::WaveNotSent},
+    {"1 < :TRACe:DATA 1,\"Arb1\",#48200", Fate::WaveBroken},
+    {"1 < (8200 bytes)", Fate::WaveBroken},
     {"1 < :SYST:ERR?", Fate::ErrorUnknown},
     {"1 > 0,\"No error\"", Fate::ErrorUnknown},
     {"1 < :TRAC:SEQ 1,\"E2E\",#3337", Fate::BlockBroken},
@@ -53,6 +55,7 @@ const std::vector<Exchange> kDownload{
     {"1 < :OUTP1?;:OUTP2?", Fate::OutputUnknown},
     {"1 > 0;0", Fate::OutputUnknown},
 };
+constexpr const char* kWaveFailed = "exclamation: Please specify a correct file name.";
 constexpr std::size_t kFirstPoll = 21;
 constexpr std::size_t kCompiled = 24;
 constexpr std::size_t kOutput = 26;
@@ -87,6 +90,7 @@ struct DownloadBench : BenchRig {
     sequence.Cell(0, 0, kSlotWaveform).Value = kWaveUser;
     sequence.Cell(0, 0, kSlotArbNumber).Value = 1;
     sequence.Channels.ArbFiles[0].FilePath = std::string(CORLUNE_DATA) + "/examples/chirp.txt";
+    sequence.Channels.ArbFiles[1] = sequence.Channels.ArbFiles[0];  // no step plays it
   }
   const DownloadOutcome& Outcome() { return session->Download().Outcome(); }
   void ExpectSaid(EventList messages) {
@@ -125,6 +129,10 @@ Rest RestAfterOneFailure(std::size_t n, bool timedOut) {
   switch (kDownload[n].fate) {
     case Fate::NotSent:
       return {{}, DownloadEnd::NotSent, 0, {}};
+    case Fate::WaveNotSent:
+      return {{}, DownloadEnd::NotSent, 0, {kWaveFailed}};
+    case Fate::WaveBroken:
+      return {{"1 clear"}, DownloadEnd::NotSent, 0, {kWaveFailed}};
     case Fate::BlockBroken:
       return {{"1 clear"}, DownloadEnd::NotSent, 0, {}};
     case Fate::NotCompiled:
@@ -226,6 +234,24 @@ TEST(DownloadFaults, EachReplyIsLateOrLost) {
   }
 }
 
+// Garbage for an error number may mean anything, so nothing that follows may rest on it.
+TEST(DownloadFaults, AnErrorReplyIsUnreadable) {
+  for (std::size_t n = 0, questions = 0; n < kDownload.size(); ++n) {
+    if (std::string(kDownload[n].line) != "1 < :SYST:ERR?") continue;
+    SCOPED_TRACE(++questions);
+    DownloadBench rig;
+    int messages = 0;
+    for (std::size_t i = 0; i <= n; ++i) messages += IsWrite(kDownload[i].line) ? 1 : 0;
+    rig.Faults("text=" + std::to_string(messages) + ":~?");
+    const bool downloaded = rig.Download();
+    Rest rest{{}, DownloadEnd::ReplyUnreadable, 0, {}};
+    if (questions == 1) rest.messages = {kWaveFailed};
+    EXPECT_EQ(rig.recorder.exchanges, Joined(Lines(0, n + 1), {"1 > ~?"}));
+    ExpectEnd(rig, downloaded, rest);
+    EXPECT_EQ(rig.session->Sequence().Channels.ArbFiles[0].Transferred, questions == 1 ? 0 : 1);
+  }
+}
+
 TEST(DownloadFaults, RepliesWithinTheTimeOutChangeNothing) {
   DownloadBench rig;
   rig.Faults("late:2500");
@@ -241,8 +267,8 @@ bool IsChecked(Fate fate) {
          fate != Fate::Unchecked;
 }
 
-DownloadEnd EndOf(Fate fate) {
-  return fate == Fate::NotSent || fate == Fate::BlockBroken ? DownloadEnd::NotSent : DownloadEnd::NotCompiled;
+bool BreaksBlock(Fate fate) {
+  return fate == Fate::WaveBroken || fate == Fate::BlockBroken;
 }
 
 TEST(DownloadFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
@@ -252,18 +278,16 @@ TEST(DownloadFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
     rig.Faults("gone=" + std::to_string(n));
     const bool downloaded = rig.Download();
 
-    // It ends at the first exchange that is checked; at most three more are tried on the way there, and
-    // the polls.
+    // It ends at the first exchange that is checked; at most three more are tried on the way there.
     Rest rest;
     std::size_t checked = n;
     while (!IsChecked(kDownload[checked].fate)) ++checked;
-    rest.end = EndOf(kDownload[checked].fate);
+    const Fate fate = kDownload[checked].fate;
+    rest.end = DownloadEnd::NotSent;
     for (std::size_t i = n; i <= checked; ++i) rest.lines.push_back(FailedLine(kDownload[i].line, " !error"));
-    if (kDownload[checked].fate == Fate::BlockBroken) rest.lines.emplace_back("1 clear !error");
-    if (kDownload[n].fate == Fate::PollAgain) {
-      rest.lines.assign(200 - (n - kFirstPoll), "1 poll !error");
-      rest.lines.insert(rest.lines.end(), {"1 < :SYST:ERR? !error", "1 >  !error"});
-    } else if (kDownload[n].fate == Fate::OutputUnknown) {
+    if (BreaksBlock(fate)) rest.lines.emplace_back("1 clear !error");
+    if (fate == Fate::WaveNotSent || fate == Fate::WaveBroken) rest.messages = {kWaveFailed};
+    if (kDownload[n].fate == Fate::OutputUnknown) {
       rest.end = DownloadEnd::Done;
       rest.messages = {CommunicationError(1, "exclamation")};
     }

@@ -112,7 +112,7 @@ TEST(InterruptionOnTheWay, ItIsRefused) {
       {"output",
        [](WholeWay& way) {
          // In a tick it is carried out behind it; everywhere else it is ignored.
-         if (!way.session->Activity().inTick) way.Press(Run::OutputOff);
+         if (!way.session->Activity().Under(Work::Tick)) way.Press(Run::OutputOff);
        }},
   };
   const Undisturbed& record = PlayUndisturbed();
@@ -142,18 +142,39 @@ TEST(InterruptionOnTheWay, RunButtonsDoNothingDuringADownload) {
   }
 }
 
+TEST(InterruptionOnTheWay, ADownloadAskedToEndBeginsNoOtherPart) {
+  int takenOver = 0;
+  for (int wait = 1; wait <= PlayUndisturbed().downloadWaits; ++wait) {
+    WholeWay way;
+    PlayWith(way, wait, [&] {
+      way.Forget();
+      way.session->Download().RequestEnd();
+    });
+    way.prompts.said.clear();
+    takenOver += way.downloaded ? 1 : 0;
+    if (way.downloaded) continue;
+    EXPECT_EQ(way.session->Download().Outcome().End, DownloadEnd::Cancelled);
+    EXPECT_THAT(way.TakeSent(), ::testing::Each(::testing::Not(::testing::HasSubstr("< :TR")))) << wait;
+  }
+  EXPECT_LE(takenOver, 4);  // it was compiling what it had taken over
+}
+
 TEST(InterruptionOnTheWay, StopInAnyWaitOfTheRunStopsIt) {
   const Undisturbed& record = PlayUndisturbed();
   int stopped = 0;
   for (int wait = record.downloadWaits + 1; wait <= record.waits; ++wait) {
     SCOPED_TRACE("wait " + std::to_string(wait));
     WholeWay way;
-    std::uint32_t pressed = 0;
+    constexpr const char* kStart = "1 < :TRIG1:SEL:EXEC STAR";
+    int started = 0;
     PlayWith(way, wait, [&] {
-      pressed = way.clock.Now();
+      started = way.CountSent(kStart);
       way.Press(Run::Stop);
     });
-    way.ExpectEnded();
+    EXPECT_EQ(way.CountSent(kStart), started) << "no start behind a stop";
+    // A stop in the question leaves the output as it was.
+    way.ExpectAtRest(OperationMode::Execution, way.CountSent("1 < :OUTP1 ON;:OUTP2 ON") > 0);
+    EXPECT_EQ(way.Instrument().Phase(), RunPhase::Idle);
     const int stops = way.CountSent("1 < :TRIG1:SEL:EXEC STOP");
     const bool ended = way.CountSent("1 > -1") > 0;
     // Either the run had come to its end by itself or it was stopped, once.
@@ -175,13 +196,20 @@ TEST(InterruptionOnTheWay, HoldAndBranchInAnyWaitOfTheRun) {
     for (int wait = record.downloadWaits + 1; wait <= record.waits; ++wait) {
       SCOPED_TRACE((press == Run::Hold ? "hold in wait " : "branch in wait ") + std::to_string(wait));
       WholeWay way;
-      PlayWith(way, wait, [&] { way.Press(press); });
+      bool holding = false;
+      PlayWith(way, wait, [&] {
+        holding = way.recorder.exchanges.back() == "1 < :TRIG1:SEL:EXEC HOLD";
+        way.Press(press);
+      });
       // Held runs are resumed; in the end it ends as always.
       way.ExpectEnded();
       way.ExpectPrompts(record.said);
       const std::string command =
           press == Run::Hold ? "1 < :TRIG1:SEL:EXEC HOLD" : "1 < :TRIG1:SEL:EXEC BRAN 3";
       effects += way.CountSent(command) - 1;
+      if (holding) {
+        EXPECT_EQ(way.CountSent(command), 1) << "what was pressed during the hold is dropped with it";
+      }
       EXPECT_EQ(way.CountSent("1 < :TRIG1:SEL:EXEC RES"), way.CountSent("1 < :TRIG1:SEL:EXEC HOLD"));
     }
     EXPECT_GT(effects, 0);

@@ -1,4 +1,6 @@
 // Two and five instruments: downloads and questions go to the first, run commands to all.
+#include <random>
+
 #include "scenario/bench_rig.h"
 
 namespace corlune::testing {
@@ -100,6 +102,14 @@ TEST(SeveralInstruments, StopReachesAll) {
   EXPECT_EQ(sent.back(), "1 < :STAT:OPER:CH1:COND?");
   for (int i = 1; i <= 5; ++i) EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Idle);
   rig.ExpectAtRest(OperationMode::Execution, true);
+
+  // Pressed while the first one starts: the others are not started any more.
+  rig.Forget();
+  rig.pump.OnCall(rig.pump.Calls() + 1, [&] { rig.Press(Run::Stop); });
+  rig.Press(Run::Start);
+  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STAR"), 1);
+  EXPECT_EQ(rig.CountSent("2 < :TRIG1:SEL:EXEC STAR"), 0);
+  EXPECT_THAT(rig.TakeSent(), ::testing::IsSupersetOf(stops));
 }
 
 // An output that trips at the first instrument stops the others first, then itself.
@@ -129,55 +139,44 @@ TEST(SeveralInstruments, AnOutputOfAnotherInstrumentIsFoundOffAtTheEnd) {
   rig.ExpectAtRest(OperationMode::Execution, false);
 }
 
-// One of several is unplugged: the command that meets it names it, and nothing more is sent.
+// One of several is unplugged: the command that meets it names it, and all others are stopped.
 TEST(SeveralInstruments, OneIsUnplugged) {
   struct Case {
     const char* what;
     std::function<void(Bench&)> act;
     EventList sent;  // the last messages
     EventList said;
-    bool outputOn;
   };
+  const auto lines = [](const char* command, std::initializer_list<int> order) {
+    EventList sent;
+    for (const int i : order) {
+      sent.push_back(std::to_string(i) + " < " + command + (i == 2 ? " !error" : ""));
+    }
+    return sent;
+  };
+  const auto press = [](corlune::Run command) {
+    return [command](Bench& rig) {
+      rig.Press(command);
+      rig.Advance(100);
+    };
+  };
+  constexpr const char* kStop = ":TRIG1:SEL:EXEC STOP";
+  const EventList stops = lines(kStop, {1, 2, 3, 4, 5});
+  const EventList others = lines(kStop, {2, 3, 4, 5});
   const std::string critical = CommunicationError(2, "critical");
-  const std::string exclamation = CommunicationError(2, "exclamation");
   const Case cases[] = {
-      {"stop",
-       [](Bench& rig) {
-         rig.Press(Run::Stop);
-         rig.Advance(100);
-       },
-       {"1 < :TRIG1:SEL:EXEC STOP", "2 < :TRIG1:SEL:EXEC STOP !error"},
-       {critical},
-       false},
-      {"hold",
-       [](Bench& rig) {
-         rig.Press(Run::Hold);
-         rig.Advance(100);
-       },
-       {"1 < :TRIG1:SEL:EXEC HOLD", "2 < :TRIG1:SEL:EXEC HOLD !error"},
-       {critical},
-       false},
-      {"output off",
-       [](Bench& rig) {
-         rig.Press(Run::OutputOff);
-         rig.Advance(100);
-       },
-       {},
-       {critical},
-       true},
+      {"stop", press(Run::Stop), stops, {critical}},
+      {"hold", press(Run::Hold), Bench::Joined(lines(":TRIG1:SEL:EXEC HOLD", {1, 2}), stops), {critical}},
+      // The poll behind it finds the output of the first one off.
+      {"output off", press(Run::OutputOff), Bench::Joined(others, lines(kStop, {1})), {critical, critical}},
       {"output trip",
        [](Bench& rig) {
          rig.Instrument(1).SetOutput(1, false);
          rig.Advance(200);
        },
-       {"1 < :OUTP1?;:OUTP2?", "2 < :TRIG1:SEL:EXEC STOP !error"},
-       {critical},
-       false},
-      {"end",
-       [](Bench& rig) { rig.RunToEnd(); },
-       {"1 < :OUTP1?;:OUTP2?", "2 < :OUTP1?;:OUTP2? !error"},
-       {exclamation},
-       false},
+       Bench::Joined(others, lines(kStop, {1})),
+       {critical}},
+      {"end", [](Bench& rig) { rig.RunToEnd(); }, others, {critical}},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
@@ -187,28 +186,28 @@ TEST(SeveralInstruments, OneIsUnplugged) {
     rig.Forget();
     rig.Faults("gone", 1);
     c.act(rig);
-    if (rig.session->State().RunState == RunState::Running) {
-      // The output command failed; the run goes on at the others.
-      EXPECT_STREQ(c.what, "output off");
-      rig.ExpectPrompts(c.said);
-      EXPECT_TRUE(rig.session->State().OutputOn);
-      rig.Press(Run::Stop);
-      rig.Advance(200);
-      rig.ExpectPrompts({critical});
-      rig.ExpectAtRest(OperationMode::Execution, false);
-    } else {
-      const EventList sent = rig.TakeSent();
-      ASSERT_GE(sent.size(), c.sent.size());
-      EXPECT_EQ(EventList(sent.end() - static_cast<std::ptrdiff_t>(c.sent.size()), sent.end()), c.sent);
-      rig.ExpectPrompts(c.said);
-      rig.ExpectAtRest(OperationMode::Execution, c.outputOn);
+    const EventList sent = rig.TakeSent();
+    ASSERT_GE(sent.size(), c.sent.size());
+    EXPECT_EQ(EventList(sent.end() - static_cast<std::ptrdiff_t>(c.sent.size()), sent.end()), c.sent);
+    rig.ExpectPrompts(c.said);
+    rig.ExpectAtRest(OperationMode::Execution, false);
+    EXPECT_TRUE(rig.session->State().MayStillRun);
+    for (const int i : {1, 3, 4, 5}) EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Idle) << i;
+    if (c.said.size() == 2) {
+      EXPECT_FALSE(rig.Instrument(5).Output(1)) << "switched off behind the one that failed";
     }
+    rig.session->NoticeLostConnection();
+    EXPECT_THAT(rig.session->State().Lost, ::testing::ElementsAre(false, true, false, false, false));
+    EXPECT_EQ(rig.session->State().Online, 1);
 
-    // Back again: connected, downloaded and run on all of them.
+    // Back again: connected, stopped, downloaded and run on all of them.
     ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
     rig.Replug(1);
     ASSERT_TRUE(rig.Reconnect());
-    for (int i = 1; i <= 5; ++i) rig.Instrument(i).PressStop();
+    rig.ExpectPrompts({kAsksToGoOn, kAsksToGoOn});
+    rig.Press(Run::Stop);
+    EXPECT_FALSE(rig.session->State().MayStillRun);
+    for (int i = 1; i <= 5; ++i) EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Idle) << i;
     ASSERT_TRUE(rig.Download());
     rig.ExpectPrompts({"input: E2E"});
     rig.Press(Run::Start);
@@ -218,6 +217,85 @@ TEST(SeveralInstruments, OneIsUnplugged) {
     }
     rig.ExpectPrompts({kSaysEnd});
   }
+}
+
+// The only one left is unplugged in a run: off-line and back in edit mode, with the warning. Plugged in
+// again, a stop opens the connection.
+TEST(SeveralInstruments, NoneIsLeft) {
+  Bench rig(1);
+  rig.Start();
+  rig.Faults("gone");
+  rig.Advance(200);
+  rig.prompts.said.clear();
+  rig.session->NoticeLostConnection();
+  const AppState& state = rig.session->State();
+  EXPECT_EQ(state.Online, 0);
+  EXPECT_TRUE(state.MayStillRun);
+  rig.ExpectAtRest(OperationMode::Edit, false);
+  rig.Press(Run::Stop);
+  rig.ExpectPrompts({CommunicationError(1, "exclamation")});
+  EXPECT_TRUE(state.MayStillRun);
+  EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Running);
+  rig.Replug();
+  rig.Press(Run::Stop);
+  EXPECT_EQ(state.Online, 1);
+  EXPECT_FALSE(state.MayStillRun);
+  EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Idle);
+}
+
+// Whatever is pressed and whatever fails, in whatever wait: a window that shows "stopped" without the warning
+// is right about every instrument.
+TEST(SeveralInstruments, StoppedWithoutAWarningMeansStopped) {
+  int warned = 0;
+  int ran = 0;
+  for (unsigned seed = 1; seed <= 120; ++seed) {
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
+    Bench rig(1 + below(3));
+    rig.session->Sequence().Steps[0].BranchStep[0] = 2;
+    const AppState& state = rig.session->State();
+    const auto press = [&] { rig.session->Control().MenuItem(below(6)); };
+    for (int action = 0; action < 60 && !::testing::Test::HasFailure(); ++action) {
+      const auto at = static_cast<std::size_t>(below(static_cast<unsigned>(rig.count)));
+      const std::string exchange = std::to_string(1 + below(6));
+      switch (below(10)) {
+        case 0:
+          rig.Faults("timeout=" + exchange + (below(2) ? ";timeout" : ""), at);
+          break;
+        case 1:
+          rig.Faults("error=" + exchange + ":0xBFFF003E;drop=" + exchange, at);
+          break;
+        case 2:
+          rig.Faults(below(4) ? "" : "gone=" + exchange, at);
+          break;
+        case 3:
+          if (below(2)) rig.Instrument(static_cast<int>(at) + 1).SetOutput(1, false);
+          rig.pump.OnCall(rig.pump.Calls() + 1 + below(4), press);
+          break;
+        case 4:
+          if (!below(3)) rig.prompts.answers.push_back(PromptAnswer::Cancel);
+          rig.session->Control().Button(below(6));
+          break;
+        case 5:
+        case 6:
+          rig.Advance(static_cast<std::uint32_t>(below(12)) * 100);
+          break;
+        default:
+          press();
+      }
+      rig.session->NoticeLostConnection();
+      ran += state.RunState == RunState::Running;
+      warned += state.MayStillRun;
+      if (state.RunState != RunState::Stopped || state.MayStillRun || !rig.session->Idle()) continue;
+      for (int i = 1; i <= rig.count; ++i) {
+        EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Idle) << "instrument " << i << ", action " << action;
+      }
+    }
+    rig.prompts.said.clear();
+  }
+  EXPECT_GT(ran, 500);
+  EXPECT_GT(warned, 500);
 }
 
 TEST(SeveralInstruments, TheModelCheckNamesTheOneThatDoesNotAnswer) {

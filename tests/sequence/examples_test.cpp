@@ -97,7 +97,7 @@ TEST_P(ExampleTest, HasItsWaveforms) {
   for (const ArbFileEntry& entry : sequence.Channels.ArbFiles) {
     if (entry.FilePath.empty()) continue;
     const WaveformRead read = ReadArbFile(ResolveWaveformPath(entry.FilePath, state));
-    EXPECT_EQ(read.problem, WaveformProblem::None) << entry.FilePath << ": " << read.reason;
+    EXPECT_EQ(read.problem, WaveformProblem::None) << entry.FilePath << ": " << read.reason.text;
   }
 }
 

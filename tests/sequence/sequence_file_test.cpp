@@ -343,19 +343,14 @@ TEST_F(SequenceFileTest, TheStepSectionTellsTheFormAndTheCount) {
   EXPECT_EQ(DetectForm("[FILE]\r\nPROGID=1\r\n;[DATA]\r\n"), std::nullopt);
 }
 
-TEST_F(SequenceFileTest, WritesUnderTheRightNameAndReadsBack) {
+TEST_F(SequenceFileTest, WritesUnderTheNameGivenAndReadsBack) {
   TempFolder folder;
   const MessageCatalogue catalogue(10000);
-  for (const auto& [name, written] : std::vector<std::pair<std::string, std::string>>{{"a", "a.dat"},
-                                                                                      {"b.DAT", "b.DAT"},
-                                                                                      {"c.Daf", "c.Daf"},
-                                                                                      {"d.txt", "d.txt.dat"},
-                                                                                      {"波形", "波形.dat"}}) {
+  for (const char* const name : {"a", "b.dat", "波形"}) {
     SCOPED_TRACE(name);
-    std::string path = folder.File(name);
+    const std::string path = folder.File(name);
     sequence.Channels.ArbFiles[5].FilePath = "/waves/波形 é.txt";
     ASSERT_TRUE(WriteSeqFile(path, Form::User, state, definition, sequence));
-    EXPECT_EQ(path, folder.File(written));
     SequenceData back;
     AppState other;
     ScriptedPrompts prompts;
@@ -363,9 +358,6 @@ TEST_F(SequenceFileTest, WritesUnderTheRightNameAndReadsBack) {
     EXPECT_EQ(back.Channels.ArbFiles[5].FilePath, "/waves/波形 é.txt");
     EXPECT_EQ(other.ModelName, "QM2220");
   }
-  std::string work = folder.File("Corlune_QM2220.ini");
-  ASSERT_TRUE(WriteSeqFile(work, Form::Work, state, definition, sequence));
-  EXPECT_EQ(work, folder.File("Corlune_QM2220.ini"));
 }
 
 TEST_F(SequenceFileTest, AFailedSaveSaysWhyAndKeepsTheOldFile) {
@@ -376,11 +368,6 @@ TEST_F(SequenceFileTest, AFailedSaveSaysWhyAndKeepsTheOldFile) {
   EXPECT_FALSE(WriteSeqFile(path, Form::User, state, definition, sequence, &error));
   EXPECT_FALSE(error.empty());
   EXPECT_EQ(TempFolder::Read(path), "old");
-  sequence.Channels.ArbFiles[0].FilePath.clear();
-  path = folder.File("no/such/folder/x.dat");
-  error.clear();
-  EXPECT_FALSE(WriteSeqFile(path, Form::User, state, definition, sequence, &error));
-  EXPECT_FALSE(error.empty());
 }
 
 TEST_F(SequenceFileTest, RelativeWaveformsStayFindable) {

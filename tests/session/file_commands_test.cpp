@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <regex>
 
 #include "core/files.h"
 #include "session/session_rig.h"
@@ -128,6 +129,13 @@ TEST(FileCommands, OpenReplacesTheSequenceOrLeavesItAlone) {
     EXPECT_EQ(rig.State().CurrentFilePath, row.message ? "" : rig.folder.File(row.file));
     rig.display.changes.clear();
   }
+  // A model that the definition file describes wrongly is not called unknown as well.
+  const std::string definition = TempFolder::Read(rig.folder.File("Corlune_Std.ini"));
+  rig.folder.Write("Corlune_Std.ini",
+                   std::regex_replace(definition, std::regex("SC_BRANCH="), "SC_BRANCH=1,x,"));
+  rig.Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.session->OpenFile(rig.folder.File("a.dat")));
+  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("key SC_BRANCH")));
   // The last one changed the model.
   EXPECT_EQ(rig.State().ModelName, "QM2220");
   EXPECT_EQ(rig.State().ModelIndex, 1);
@@ -277,8 +285,8 @@ TEST(SystemSetup, IsCheckedBeforeItIsApplied) {
   };
   EditedRig rig;
   for (const Row& row : rows) {
-    SystemSetup setup{"QM2220", static_cast<std::int16_t>(row.entries.size()), {}};
-    std::copy(row.entries.begin(), row.entries.end(), setup.instruments.begin());
+    SystemSettings setup{"QM2220", 0, static_cast<std::int16_t>(row.entries.size()), {}};
+    std::copy(row.entries.begin(), row.entries.end(), setup.Instruments.begin());
     EXPECT_EQ(rig.session->CheckSetup(setup), row.message);
   }
 }
@@ -302,8 +310,8 @@ TEST(SystemSetup, AnotherInstrumentIsNotTrustedToHoldTheWaveforms) {
 }
 
 TEST(SystemSetup, AModelChangeAsksAndStartsAnEmptySequence) {
-  SystemSetup setup{"QM2220", 1, {}};
-  setup.instruments[0] = Entry(1, 9, "", 2);
+  SystemSettings setup{"QM2220", 0, 1, {}};
+  setup.Instruments[0] = Entry(1, 9, "", 2);
   EditedRig rig;
   rig.Answer(PromptAnswer::Cancel);
   EXPECT_FALSE(rig.session->ApplySetup(setup));

@@ -205,11 +205,6 @@ class RecordedDisplay : public RunDisplay {
  public:
   explicit RecordedDisplay(EventList* events = nullptr) : events_(events) {}
   void RefreshControls() override { Note("refresh"); }
-  void SetControlsEnabled(RunControls which, bool enabled) override {
-    (which == RunControls::Download ? downloadEnabled : outputEnabled) = enabled;
-    Note(std::string(which == RunControls::Download ? "download" : "output") + " controls " +
-         (enabled ? "on" : "off"));
-  }
   void ShowModeLayout(int mode) override { Note("layout " + std::to_string(mode)); }
   void HighlightRow(GridRow row, bool on) override {
     Note((on ? "highlight " : "unhighlight ") + std::to_string(row.value));
@@ -217,9 +212,6 @@ class RecordedDisplay : public RunDisplay {
   void ScrollTo(GridRow top) override { Note("scroll " + std::to_string(top.value)); }
   void ShowTotalTime(double ms) override { Note("total " + std::to_string(static_cast<long long>(ms))); }
   void ShowElapsedTime(std::int32_t ms) override { Note("elapsed " + std::to_string(ms)); }
-
-  bool downloadEnabled = true;
-  bool outputEnabled = true;
 
  private:
   void Note(std::string what) {

@@ -219,7 +219,9 @@ class ScriptedGp : public GpFamily {
     bytesRead = static_cast<std::uint32_t>(content.size());
     return status;
   }
-  bool ConnectionLost() const override { return kind_ == InterfaceKind::UsbTmc && script_.unplugged_; }
+  bool ConnectionLost(std::int16_t) const override {
+    return kind_ == InterfaceKind::UsbTmc && script_.unplugged_;
+  }
 
  private:
   static std::string At(std::int16_t address) { return std::to_string(address) + " "; }

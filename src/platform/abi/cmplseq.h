@@ -17,6 +17,20 @@ typedef struct CompileErrorRecord {
   int32_t Code; /* 0: no error */
 } CompileErrorRecord;
 
+/* Values of CompileErrorRecord.Code that this program has a text for. A library may have codes of its own. */
+enum {
+  CMPLSEQ_ERROR_FREQUENCY = 40,        /* too high for the waveform */
+  CMPLSEQ_ERROR_LEVEL = 41,            /* amplitude and offset */
+  CMPLSEQ_ERROR_DUTY = 42,             /* duty and frequency of a square wave */
+  CMPLSEQ_ERROR_ARB_UNREADABLE = 4099, /* a waveform that cannot be loaded */
+  CMPLSEQ_ERROR_ARB_MISSING = 4100,
+  CMPLSEQ_ERROR_MEMORY_FULL = 4101, /* from here on no single step is to blame */
+  CMPLSEQ_ERROR_TOO_COMPLEX = 4102
+};
+
+/* Result of CompileSeqData that is no failure, like 0. */
+enum { CMPLSEQ_RESULT_ALSO_GOOD = 268763136 };
+
 /* One of the 128 records of the ARB information table; record k describes ARB number k + 1. */
 typedef struct ArbInformation {
   int32_t PointPairs; /* 1: point-pair form, also for an empty entry; 0: plain point array */

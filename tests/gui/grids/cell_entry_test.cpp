@@ -355,6 +355,7 @@ TEST(CellUnits, UnitListStandsAtTheCell) {
   rig.panel->Rebuild();
   rig.GoTo(GridArea::Common, 1, 1);
   EXPECT_EQ(OpenEditors(rig), "Text1 Combo1");
+  EXPECT_EQ(rig.Combo(1).toolTip(), QStringLiteral("Time unit"));
   EXPECT_EQ(rig.FocusName(), "Text1");
   const int unit = rig.Combo(1).currentIndex();
   rig.Press(Qt::Key_F4);

@@ -53,7 +53,13 @@ TEST(GridModels, FollowEveryOperationUpToTheLimit) {
   rig.panel->Undo();
   ExpectShownAsRebuilt(rig);
   while (rig.sequence.StepCount < 255) rig.panel->DuplicateRows();
-  EXPECT_TRUE(rig.Named<QPushButton>("CmdRowAdd").isVisible());
+  auto& add = rig.Named<QPushButton>("CmdRowAdd");
+  EXPECT_TRUE(add.isVisible());
+  EXPECT_EQ(add.palette().color(QPalette::Button), QColor(0xED, 0xEF, 0xF2));
+  add.setDown(true);
+  emit add.pressed();
+  EXPECT_EQ(add.palette().color(QPalette::Button), QColor(0xD6, 0xE9, 0xFA));
+  add.setDown(false);
   run(kAdd);
   EXPECT_EQ(rig.sequence.StepCount, MAX_STEPS);
   EXPECT_EQ(rig.Common().model()->rowCount(), MAX_STEPS) << "no spare row at the limit";

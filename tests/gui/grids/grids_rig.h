@@ -68,7 +68,7 @@ class GridsRig {
     ControlConditions conditions;
     conditions.StepCount = sequence.StepCount;
     conditions.CopyBufferFilled = editor->CopyBufferFilled();
-    panel->ShowStates(ControlStatesOf(state, definition, conditions));
+    panel->ShowStates(ControlStatesOf(state, {}, definition, conditions));
   }
 
   QTableView& Grid(const char* name) const { return *window.findChild<QTableView*>(QLatin1String(name)); }

@@ -175,7 +175,11 @@ TEST(SequenceViewRunTest, MarkersAreThereDuringTheRunOnly) {
   EXPECT_EQ(rig.Canvas().Marker(), std::nullopt);
   const QImage idle = Shot(rig.Canvas());
   rig.Run(0, 100);
-  EXPECT_NE(Shot(rig.Canvas()), idle);
+  const QImage running = Shot(rig.Canvas());
+  EXPECT_NE(running, idle);
+  rig.definition.CurrentStep = {0, 0, 0xFF};
+  rig.view->PicDisp();
+  EXPECT_NE(Shot(rig.Canvas()), running) << "CL_CURSTEP marks the step";
   rig.state.CurrentStep = 7;  // no such step
   rig.view->MoveShape(200);
   EXPECT_EQ(rig.Canvas().Marker(), std::nullopt);

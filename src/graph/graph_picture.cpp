@@ -1,4 +1,4 @@
-#include "view/graph_picture.h"
+#include "graph/graph_picture.h"
 
 #include <algorithm>
 

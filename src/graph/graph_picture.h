@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/catalogue.h"
-#include "view/step_graph.h"
+#include "graph/step_graph.h"
 
 namespace corlune {
 

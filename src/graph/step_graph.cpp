@@ -1,4 +1,4 @@
-#include "view/step_graph.h"
+#include "graph/step_graph.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,9 +13,8 @@ namespace corlune {
 namespace {
 
 constexpr double kMsPerSecond = 1000;
-constexpr double kHeadroom = 0.08;  // of the values' range, above and below a fitted scale
-constexpr int kLogarithmic = 1;     // form of a user unit
-constexpr int kLogPoints = 16;      // lines that stand for a ramp in a logarithmic unit
+constexpr int kLogarithmic = 1;  // form of a user unit
+constexpr int kLogPoints = 16;   // lines that stand for a ramp in a logarithmic unit
 
 int UsedSteps(const SequenceData& sequence) {
   return std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
@@ -257,35 +256,6 @@ ViewAreaTable Arrangement(const SequenceData& sequence, const ModelDefinition& d
   return areas;
 }
 
-struct Box {
-  double Left, Top, Right, Bottom;
-};
-
-// Cuts the line from `a` to `b` at the box; nullopt when none of it lies inside.
-std::optional<std::array<PixelPoint, 2>> Cut(PixelPoint a, PixelPoint b, const Box& box) {
-  double from = 0;
-  double to = 1;
-  const auto edge = [&](double start, double delta, double low, double high) {
-    if (delta == 0) return start >= low && start <= high;
-    const double one = (low - start) / delta;
-    const double other = (high - start) / delta;
-    from = std::max(from, std::min(one, other));
-    to = std::min(to, std::max(one, other));
-    return from <= to;
-  };
-  const double dx = b.X - a.X;
-  const double dy = b.Y - a.Y;
-  if (!edge(a.X, dx, box.Left, box.Right) || !edge(a.Y, dy, box.Top, box.Bottom)) return std::nullopt;
-  const PixelPoint start = from == 0 ? a : PixelPoint{a.X + dx * from, a.Y + dy * from};
-  const PixelPoint end = to == 1 ? b : PixelPoint{a.X + dx * to, a.Y + dy * to};
-  return std::array{start, end};
-}
-
-int DecimalsOf(double step) {
-  constexpr int kMostDecimals = 9;
-  return std::clamp(static_cast<int>(-std::floor(std::log10(step) + 1e-9)), 0, kMostDecimals);
-}
-
 }  // namespace
 
 StepValue StoredValue(const ModelDefinition& definition, int slot, const ParamCell& cell) {
@@ -408,117 +378,6 @@ AreaGraph BuildAreaGraph(const SequenceData& sequence, const ModelDefinition& de
   }
   graph.Range = RangeOf(sequence, definition, graph);
   return graph;
-}
-
-ValueRange FitRange(double low, double high) {
-  if (low == high) {
-    if (low == 0) return {-1, 1};
-    low = std::min(low, 0.0);
-    high = std::max(high, 0.0);
-  }
-  const double room = (high - low) * kHeadroom;
-  // Values that differ in their last digits only would leave no room for a scale.
-  const double least = std::max(std::fabs(low), std::fabs(high)) * 1e-9;
-  return {low - std::max(room, least), high + std::max(room, least)};
-}
-
-AxisTicks NiceTicks(const ValueRange& range, int most) {
-  AxisTicks ticks;
-  const double length = range.High - range.Low;
-  if (!(length > 0) || !std::isfinite(length) || most < 1) return ticks;
-  const double slack = length * 1e-9;
-  double power = std::pow(10, std::floor(std::log10(length / most)));
-  for (int attempt = 0; attempt < 6; ++attempt, power *= attempt % 3 == 0 ? 10 : 1) {
-    constexpr std::array<double, 3> kSteps{1, 2, 5};
-    const double step = kSteps[Index(attempt % 3)] * power;
-    const double first = std::ceil((range.Low - slack) / step);
-    const double last = std::floor((range.High + slack) / step);
-    if (!(last - first + 1 <= most)) continue;
-    ticks.Step = step;
-    const int count = static_cast<int>(last - first) + 1;
-    for (int i = 0; i < count; ++i) ticks.Values.push_back((first + i) * step);
-    return ticks;
-  }
-  return ticks;
-}
-
-std::string TickText(double value, const AxisTicks& ticks) {
-  constexpr double kPlainMost = 9999;
-  constexpr double kPlainLeast = 1e-3;
-  double largest = 0;
-  for (const double tick : ticks.Values) largest = std::max(largest, std::fabs(tick));
-  double unit = 1;
-  std::string suffix;
-  struct Prefix {
-    double Factor;
-    const char* Text;
-  };
-  constexpr std::array<Prefix, 6> kPrefixes{
-      {{1e9, "G"}, {1e6, "M"}, {1e3, "k"}, {1e-3, "m"}, {1e-6, "µ"}, {1e-9, "n"}}};
-  if (largest > kPlainMost || (largest > 0 && ticks.Step < kPlainLeast)) {
-    for (const Prefix& prefix : kPrefixes) {
-      if (largest < prefix.Factor * (1 - 1e-9)) continue;
-      if (prefix.Factor > 1 && largest <= kPlainMost) continue;
-      // Below a thousand the plain number reads better until its decimals run out.
-      if (prefix.Factor == 1e-3 && largest >= 1) break;
-      unit = prefix.Factor;
-      suffix = prefix.Text;
-      break;
-    }
-  }
-  std::string pattern = "0";
-  const int decimals = ticks.Step > 0 ? DecimalsOf(ticks.Step / unit) : 0;
-  if (decimals > 0) pattern += "." + std::string(Index(decimals), '0');
-  return FormatNumber(value / unit, pattern) + (value == 0 ? std::string() : suffix);
-}
-
-std::vector<PixelLine> VisibleLines(const GraphCurve& curve, const PlotScale& scale) {
-  const Box box{scale.Left - scale.Width, scale.Top - scale.Height, scale.Left + 2 * scale.Width,
-                scale.Top + 2 * scale.Height};
-  std::vector<PixelLine> lines;
-  std::optional<PixelPoint> last;
-  bool open = false;  // the line under way ends at `last`
-  for (const GraphPoint& point : curve.Points) {
-    const PixelPoint here{scale.XOf(point.X), scale.YOf(point.Y)};
-    if (last && !point.Begins) {
-      const auto piece = Cut(*last, here, box);
-      if (piece) {
-        if (!open || lines.back().back() != (*piece)[0]) lines.push_back({(*piece)[0]});
-        lines.back().push_back((*piece)[1]);
-      }
-      open = piece && (*piece)[1] == here;
-    } else {
-      open = false;
-    }
-    last = here;
-  }
-  return lines;
-}
-
-std::vector<std::optional<double>> PlaceLabels(const std::vector<LabelWish>& wishes, double left,
-                                               double right, double gap) {
-  std::vector<std::optional<double>> places(wishes.size());
-  std::vector<std::pair<double, double>> taken;
-  const auto place = [&](std::size_t i) {
-    const LabelWish& wish = wishes[i];
-    if (wish.Center < left || wish.Center > right || wish.Width > right - left) return;
-    const double start = std::clamp(wish.Center - wish.Width / 2, left, right - wish.Width);
-    const double end = start + wish.Width;
-    const bool free = std::none_of(taken.begin(), taken.end(), [&](const auto& other) {
-      return start < other.second + gap && other.first < end + gap;
-    });
-    if (!free) return;
-    places[i] = start;
-    taken.emplace_back(start, end);
-  };
-  const auto fits = [&](std::size_t i) { return wishes[i].Width + gap <= wishes[i].Room; };
-  for (std::size_t i = 0; i < wishes.size(); ++i) {
-    if (fits(i)) place(i);
-  }
-  for (std::size_t i = 0; i < wishes.size(); ++i) {
-    if (!fits(i)) place(i);
-  }
-  return places;
 }
 
 }  // namespace corlune

@@ -1,6 +1,5 @@
 // StepGraph: the sequence view's drawing as numbers. Which areas are drawn, the lines of their graphs over
-// the steps, scales with "nice" ticks, the marker's place. No toolkit: the window only paints what this
-// computes.
+// the steps, the marker's place. No toolkit: the window only paints what this computes.
 //
 // The horizontal axis is measured in axis units: milliseconds from the start of the first step, or, by steps,
 // one unit a step. Steps are slots, 0-based. Values are those of the grids: load and user units applied.
@@ -13,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "graph/axis_ticks.h"
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 
@@ -98,12 +98,6 @@ struct EnvelopePiece {
   bool operator==(const EnvelopePiece&) const = default;
 };
 
-struct ValueRange {
-  double Low = 0;
-  double High = 0;
-  bool operator==(const ValueRange&) const = default;
-};
-
 struct AreaGraph {
   GraphArea Area;
   std::vector<GraphCurve> Curves;
@@ -129,55 +123,5 @@ StepValue StoredValue(const ModelDefinition& definition, int slot, const ParamCe
 // As shown; nullopt when the step does not use the parameter, or where a logarithmic user unit has no value.
 std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDefinition& definition,
                                      int channel, int step, int slot);
-
-// Range that shows `low`..`high` with a little room; a flat line keeps zero in sight.
-ValueRange FitRange(double low, double high);
-
-// Multiples of 1, 2 or 5 times a power of ten within the range: the finest such row of at most `most`.
-struct AxisTicks {
-  double Step = 0;
-  std::vector<double> Values;
-};
-AxisTicks NiceTicks(const ValueRange& range, int most);
-
-// Text of a tick with the decimals that its row needs. Beyond 0.001..9999 with a decimal prefix ("20k").
-std::string TickText(double value, const AxisTicks& ticks);
-
-// The visible part of the axis and its place on the screen (pixels, "y" down).
-struct PlotScale {
-  double AxisStart = 0;
-  double AxisEnd = 1;
-  ValueRange Values;
-  double Left = 0;
-  double Top = 0;
-  double Width = 1;
-  double Height = 1;
-
-  double XOf(double position) const { return Left + (position - AxisStart) / (AxisEnd - AxisStart) * Width; }
-  double YOf(double value) const { return Top + (Values.High - value) / (Values.High - Values.Low) * Height; }
-  double PositionAt(double x) const { return AxisStart + (x - Left) / Width * (AxisEnd - AxisStart); }
-};
-
-struct PixelPoint {
-  double X = 0;
-  double Y = 0;
-  bool operator==(const PixelPoint&) const = default;
-};
-using PixelLine = std::vector<PixelPoint>;
-
-// The lines of a curve, cut off one plot width and height outside the plot, so that no zoom gives coordinates
-// that a painter cannot take.
-std::vector<PixelLine> VisibleLines(const GraphCurve& curve, const PlotScale& scale);
-
-// Places texts of the given widths around their centres, all inside [left, right] and `gap` apart. Texts that
-// fit into their own room come first, the others follow where there is space left.
-struct LabelWish {
-  double Center = 0;
-  double Width = 0;
-  double Room = 0;
-};
-// Left edge of each text; nullopt: no space.
-std::vector<std::optional<double>> PlaceLabels(const std::vector<LabelWish>& wishes, double left,
-                                               double right, double gap);
 
 }  // namespace corlune

@@ -6,10 +6,10 @@
 #include "compile/read_back.h"
 #include "compile/sequence_text.h"
 #include "core/numbers.h"
+#include "graph/graph_picture.h"
 #include "sequence/run_times.h"
 #include "sequence/start_values.h"
 #include "tests/editing/editing_rig.h"
-#include "view/graph_picture.h"
 
 namespace corlune {
 namespace {
