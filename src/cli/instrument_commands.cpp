@@ -22,7 +22,8 @@ int ReadCommand(ConsoleProgram& program, const ReadOptions& options) {
   if (!received) return kExitFailed;
   if (!options.out.empty()) return session.WriteFile(options.out, true) ? kExitSuccess : kExitFailed;
   std::string text;
-  AppendSequenceText(text, session.Sequence(), session.State().ModelName, EditedChannels(session.State()));
+  AppendSequenceText(text, session.Sequence(), session.Definition(), session.State().ModelName,
+                     EditedChannels(session.State()));
   std::cout << text;
   return kExitSuccess;
 }

@@ -24,7 +24,6 @@ namespace {
 constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
-
 constexpr int kMessageIllegal = 9400;
 constexpr int kMessageNoBlocks = 9600;
 
@@ -37,8 +36,14 @@ bool IsNameText(const std::string& name) {
   return std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"'; });
 }
 
-// Catalogue id of the parameter that a compiler error names; 0 for a code without one.
-int ParameterMessage(std::int32_t code) {
+int CheckMessage(ArbCheck check) {
+  if (check == ArbCheck::ArbMissing) return 9319;
+  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+}
+
+}  // namespace
+
+int CompilerParameterMessage(std::int32_t code) {
   switch (code) {
     case CMPLSEQ_ERROR_FREQUENCY:
       return 9314;
@@ -59,12 +64,9 @@ int ParameterMessage(std::int32_t code) {
   }
 }
 
-int CheckMessage(ArbCheck check) {
-  if (check == ArbCheck::ArbMissing) return 9319;
-  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+bool IsGoodCompilerResult(std::int32_t result) {
+  return result == 0 || result == CMPLSEQ_RESULT_ALSO_GOOD;
 }
-
-}  // namespace
 
 Downloader::Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
                        CommandLayer& commands, InstrumentDialogues& dialogues, CompilerLibrary& compiler,
@@ -96,7 +98,7 @@ bool Downloader::DownloadSequence() {
     ports_.display.RefreshControls();
   }
   if (outcome_.End != DownloadEnd::Done) return false;
-  const RunTimes times = ComputeRunTimes(sequence_);
+  const RunTimes times = ComputeRunTimes(sequence_, definition_);
   state_.TotalTime = times.Total;
   state_.TotalTimeSecond = times.Second;
   ports_.display.ShowTotalTime(times.Total);
@@ -165,7 +167,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
   const auto arbs = ArbInformationTable(sequence_.Channels.ArbFiles);
   CompileErrorRecord record{};
   std::int32_t result = 0;
-  if (!BuildSequenceText(workFile, sequence_, state_.ModelName, channels, &outcome_.Detail)) {
+  if (!BuildSequenceText(workFile, sequence_, definition_, state_.ModelName, channels, &outcome_.Detail)) {
     ShowCritical(kMessageIllegal);
     return -1;
   }
@@ -178,7 +180,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
     ReportCompileError(record);
     return -1;
   }
-  if (result != 0 && result != CMPLSEQ_RESULT_ALSO_GOOD) {
+  if (!IsGoodCompilerResult(result)) {
     ports_.prompts.Message(
         {catalogue_.GetResString(kMessageIllegal), PromptIcon::None, PromptButtons::Ok, "for Debug"});
   }
@@ -186,7 +188,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
 }
 
 void Downloader::ReportCompileError(const CompileErrorRecord& record) {
-  std::string text = catalogue_.GetResString(ParameterMessage(record.Code));
+  std::string text = catalogue_.GetResString(CompilerParameterMessage(record.Code));
   if (record.Code < CMPLSEQ_ERROR_MEMORY_FULL) {
     const std::int32_t second = record.Code == CMPLSEQ_ERROR_FREQUENCY ? record.PositionA : record.PositionC;
     text = catalogue_.GetResString(9313,

@@ -47,6 +47,11 @@ struct DownloadPorts {
   Activity& activity;
 };
 
+// Catalogue id of the parameter that a compiler error names; 0 for a code without one.
+int CompilerParameterMessage(std::int32_t code);
+// Of the library's call, where its record holds no code.
+bool IsGoodCompilerResult(std::int32_t result);
+
 class Downloader {
  public:
   Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,

@@ -299,7 +299,7 @@ ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const
   if (refused) return Malformed(setup, *std::move(refused));
 
   ComputeStartValues(*loaded);
-  ComputeRunTimes(*loaded);
+  ComputeRunTimes(*loaded, *definition);
   sequence = std::move(*loaded);
   settings = std::move(setup);
   return {SequenceFileProblem::None, settings.ModelName, {}};

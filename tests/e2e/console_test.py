@@ -159,6 +159,43 @@ class Files(Bench):
         self.refused("save", example("ramp.dat"), "-o", nowhere, says=[nowhere])
         self.refused("compile", example("ramp.dat"), "-o", nowhere, says=[nowhere])
 
+    def test_check_names_step_and_column(self):
+        whole = read(example("ramp.dat")).decode().replace("CP_ARBFILE#6=", "CP_ARBFILE#6=absent.wdb")
+        cells, step = "SE_SETVAL#0#1=0,3,0,0,1,0,0,1000,0,0,0,0", "ST_SETVAL#1=5,0,0,0,0,0,1,0,1,0,1,0,1,0,0"
+        for old, new, code, says in (
+                (cells, cells.replace("0,3,0,0,1,0,0,1000,", "0,0,0,0,1,0,0,1E9,"), 1,
+                 ["Error: Step 2, Ch1 Frequency: Input value Error!  Input value 1000000000  "
+                  "Range of Input 0.000001-20000000"]),
+                (cells, cells.replace("0,3,", "0,9,"), 1, ["Error: Step 2, Ch1 Waveform: The code 9 has"]),
+                (cells, cells.replace("0,3,0,0,1,", "0,4,0,0,0,"), 1, ["Error: Step 2, Ch1 ARB No.: There is"]),
+                (cells, cells.replace("0,3,0,0,1,", "0,4,0,0,7,"), 1, ["Error: Step 2, Ch1 ARB No.: The waveform file"]),
+                (cells, cells.replace("0,3,0,0,1,", "0,4,0,0,8,"), 0, ["Warning: Step 2, Ch1 ARB No.: No file is"]),
+                (cells, cells.replace("0,3,0,0,1,0,0,1000,0", "0,0,0,0,1,0,5,1000,4"), 1,
+                 ["Error: Step 2, Ch1 Frequency: The code 5", "Warning: Step 2, Ch1 Frequency: The unit 4"]),
+                # In range, but only the compiler knows the narrowest pulse.
+                (cells + ",0,0,0,2,5,0,0,0,0,0,50,0", cells.replace("0,3,0,0,1,0,0,1000,", "0,1,0,0,1,0,0,9E6,") +
+                 ",0,0,0,0,0,0,0,0,0,0,1,0", 1, ["Error: Step 2, Ch1 Duty: The sequence compiler refuses it: Func"]),
+                (cells + ",0,0,0,2,5,", cells + ",0,0,0,0,11,", 1, ["Error: Step 2, Ch1 Offset: Input value Error!"]),
+                (cells + ",0,0,0,2,5,", "SE_SETVAL#0#1=0,0,0,0,1,0,0,1000,0,0,10,0,0,0,0,0,8,", 1,
+                 ["Error: Step 2, Ch1 Amplitude: Input value Error! Sum of"]),
+                (step, step.replace("=5,", "=-5,"), 1, ["Error: Step 2, Step Time: The time -5 is negative."]),
+                (step, "ST_SETVAL#1=20000,0,7,0,0,1,9,1,300,1,8,1,0,9,0", 1,
+                 ["Warning: Step 2, Step Time: Input", "Warning: Step 2, Auto Hold: The code 7",
+                  "Warning: Step 2, Event Branch: The step 9", "Error: Step 2, State Branch: The step 300",
+                  "Warning: Step 2, Jump To: The step 8", "Warning: Step 2, Jump Count: Input",
+                  "Warning: Step 2, Step Term: The code 9"]),
+                (step, step + "\r\nBR_SETVAL#1=1,8,0,0,0", 0, ["Warning: Step 2, Branch Channel 2: The step 8"]),
+                ("CM_START=1\r\nCM_TRIG=0", "CM_START=8\r\nCM_TRIG=3", 1,
+                 ["Warning: Start Step: The step 8 does", "Error: Trig: Input value Error!  Input value 3"]),
+                (whole[whole.index("ST_SETVAL"):whole.index("[FRMVIEW]")], "", 1, ["Error: One or more than one"])):
+            with self.subTest(new):
+                self.assertIn(old, whole)
+                _, err = self.run_console("check", self.write("x.dat", whole.replace(old, new).encode()), code=code)
+                lines = err.splitlines()
+                self.assertEqual(len(lines), len(says), err)
+                for line, beginning in zip(lines, says):
+                    self.assertTrue(line.startswith(beginning), err)
+
     def test_devices(self):
         out, _ = self.run_console("--virtual-instrument", "devices",
                                   CORLUNE_VI_INSTRUMENTS="QM2220:A1,QM2210:B2")

@@ -99,8 +99,8 @@ TEST_F(SequenceFileTest, WritesTheFormByteForByte) {
       "CM_START=1\nCM_TRIG=0\nCM_EXTCTRL=0\nCM_MLTIO=0\nCM_SYNCOUT=0\n"
       "ST_SETVAL#0=1,0,0,0,90,0,1,0,1,0,1,0,1,1,0\n"
       "ST_SETVAL#1=1E-05,1,0,1,-2.25,0,1,0,1,1,1,0,-1,1,0\n"
-      "SE_SETVAL#0#0=0,0,0,0,1,0,0,1000,1\nSE_SETVAL#0#1=0,0,0,0,1,0,0,1000,1\n"
-      "SE_SETVAL#1#0=0,0,0,0,1,0,0,1000,1\nSE_SETVAL#1#1=0,0,0,0,1,0,2,1.5E+15,0\n"
+      "SE_SETVAL#0#0=0,0,0,0,1,0,0,1,1\nSE_SETVAL#0#1=0,0,0,0,1,0,0,1,1\n"
+      "SE_SETVAL#1#0=0,0,0,0,1,0,0,1,1\nSE_SETVAL#1#1=0,0,0,0,1,0,2,1.5E+15,0\n"
       "BR_SETVAL#1=1,2,3,4,5\n"
       "[FRMVIEW]\nFV_AREASET0=0,0,0,0\nFV_AREASET1=0,0,0,0\nFV_AREASET2=0,0,0,0\nFV_AREASET3=0,0,0,0\n"
       "FV_AREASET4=1,-2,3,4\n";
@@ -132,7 +132,7 @@ TEST_F(SequenceFileTest, GeneratedSequencesComeBackWhole) {
     const std::string text = Format(form);
     SequenceData expected = sequence;
     ComputeStartValues(expected);
-    ComputeRunTimes(expected);
+    ComputeRunTimes(expected, definition);
 
     // Load over another sequence and set-up.
     generate.Fill(sequence, 200, 2);

@@ -150,7 +150,7 @@ TEST_F(WaveformFileTest, EditorArrayIsSwappedIntoTheBlock) {
 }
 
 TEST_F(WaveformFileTest, EditorPairsLoseTheirReservedBytes) {
-  constexpr std::uint32_t kPairs = 10000;
+  constexpr std::uint32_t kPairs = kMaxWaveformPoints;  // the most that are accepted
   std::string bytes = EditorFile(1, kPairs, 1048928 + 8 * kPairs);
   bytes.replace(bytes.size() - 8, 8, "\x04\x03\x02\x01\xFE\xFF\xAA\xBB");
   const WaveformRead read = Read("p.wdb", bytes);
@@ -159,7 +159,7 @@ TEST_F(WaveformFileTest, EditorPairsLoseTheirReservedBytes) {
   EXPECT_EQ(read.pointCount, static_cast<int>(kPairs));
   ASSERT_EQ(read.block.size(), 8u + 6 * kPairs);
   const std::vector<std::uint8_t> head(read.block.begin(), read.block.begin() + 8);
-  EXPECT_THAT(head, ::testing::ElementsAre(0, 0, 0, 1, 0, 0, kPairs >> 8, kPairs & 0xFF));
+  EXPECT_THAT(head, ::testing::ElementsAre(0, 0, 0, 1, 0, kPairs >> 16, 0, 0));
   const std::vector<std::uint8_t> lastPair(read.block.end() - 6, read.block.end());
   EXPECT_THAT(lastPair, ::testing::ElementsAre(1, 2, 3, 4, 0xFF, 0xFE));
 }
