@@ -98,7 +98,8 @@ void MainWindow::RefreshControls() {
   if (preview_ && session_.State().SequenceViewShown) preview_->ShowStates(states_);
   statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceTip()});
   // On a copy: the run times of the steps belong to what was sent last.
-  ShowTotalTime(ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence())).Total);
+  ShowTotalTime(
+      ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition()).Total);
   RefreshCaption();
 }
 
