@@ -64,7 +64,7 @@ class GridControl : public QObject {
   void Refreshed();
   // The sequence, the cursor or what can be undone changed.
   void Changed();
-  void CommandRequested(GridCommand command);
+  void CommandRequested(Command command);
   void MenuRequested(const QPoint& global);
   // Queued to itself: a focus change is no moment to show messages or to move the focus on.
   void FocusWent(QPrivateSignal);

@@ -128,13 +128,13 @@ bool GridControl::WouldHandle(const GridKey& key, const QKeyEvent& event) const 
     }
     case GridKey::Kind::Command:
       switch (key.command) {
-        case GridCommand::Initialize:
+        case Command::Initialize:
           return !inText;
-        case GridCommand::Copy:
-        case GridCommand::Paste:
-        case GridCommand::SelectAll:
-        case GridCommand::Undo:
-        case GridCommand::Redo:
+        case Command::Copy:
+        case Command::Paste:
+        case Command::SelectAll:
+        case Command::Undo:
+        case Command::Redo:
           // Ctrl+Shift+Z and Ctrl+Y alike.
           return !changed;
         default:

@@ -21,7 +21,7 @@
 
 #include "core/files.h"
 #include "ui/grid_control.h"
-#include "ui/grid_menu.h"
+#include "view/command_menu.h"
 
 namespace corlune {
 
@@ -51,9 +51,8 @@ class GridPanel::Impl {
   void Build();
   void Connect();
   void BuildSide(QWidget& side);
-  QPushButton* MakeButton(const char* name, const QString& caption, GridCommand command);
-  void Run(GridCommand command);
-  EditOutcome Perform(GridCommand command);
+  QPushButton* MakeButton(const char* name, const QString& caption, Command command);
+  void Run(Command command);
   void ShowMenu(const QPoint& global);
   void Refresh();
   void PlaceRowAdd();
@@ -144,7 +143,7 @@ void GridPanel::Impl::Build() {
                    [this](int tab) { ShowSameRows(tab); });
 }
 
-QPushButton* GridPanel::Impl::MakeButton(const char* name, const QString& caption, GridCommand command) {
+QPushButton* GridPanel::Impl::MakeButton(const char* name, const QString& caption, Command command) {
   auto* button = new QPushButton(caption);
   button->setObjectName(QLatin1String(name));
   // A click leaves the focus in the cell; the keyboard can still reach the button.
@@ -157,18 +156,18 @@ QPushButton* GridPanel::Impl::MakeButton(const char* name, const QString& captio
 
 void GridPanel::Impl::BuildSide(QWidget& side) {
   const bool english = editor_.Views().Catalogue().English();
-  QString addRow = Text(kIdAddRow);
-  addRow.truncate(addRow.indexOf(QLatin1Char('(')));
-  rowAdd_ = MakeButton("CmdRowAdd", QStringLiteral("+"), GridCommand::AddRow);
+  const QString addRow =
+      QString::fromStdString(PlainCaption(editor_.Views().Catalogue().GetResString(kIdAddRow)));
+  rowAdd_ = MakeButton("CmdRowAdd", QStringLiteral("+"), Command::AddRow);
   rowAdd_->setParent(rowAddStrip_);
   rowAdd_->setToolTip(addRow);
   rowAdd_->setAccessibleName(addRow);
   QObject::connect(rowAdd_, &QPushButton::pressed, &panel_, [this] { ColorRowAdd(); });
   QObject::connect(rowAdd_, &QPushButton::released, &panel_, [this] { ColorRowAdd(); });
-  insert_ = MakeButton("CmdInsert", Text(kIdInsert), GridCommand::InsertRow);
-  delete_ = MakeButton("CmdDelete", Text(kIdDelete), GridCommand::DeleteRow);
-  up_ = MakeButton("CmdUp", english ? QStringLiteral("Up") : QStringLiteral("△"), GridCommand::RowUp);
-  down_ = MakeButton("CmdDown", english ? QStringLiteral("Dn") : QStringLiteral("▽"), GridCommand::RowDown);
+  insert_ = MakeButton("CmdInsert", Text(kIdInsert), Command::InsertRow);
+  delete_ = MakeButton("CmdDelete", Text(kIdDelete), Command::DeleteRow);
+  up_ = MakeButton("CmdUp", english ? QStringLiteral("Up") : QStringLiteral("△"), Command::RowUp);
+  down_ = MakeButton("CmdDown", english ? QStringLiteral("Dn") : QStringLiteral("▽"), Command::RowDown);
   up_->setToolTip(Text(kIdRowUp));
   up_->setAccessibleName(Text(kIdRowUp));
   down_->setToolTip(Text(kIdRowDown));
@@ -223,7 +222,7 @@ void GridPanel::Impl::Connect() {
   QObject::connect(control_.get(), &GridControl::Refreshed, &panel_, [this] { Refresh(); });
   QObject::connect(control_.get(), &GridControl::Changed, &panel_, &GridPanel::Changed);
   QObject::connect(control_.get(), &GridControl::CommandRequested, &panel_,
-                   [this](GridCommand command) { Run(command); });
+                   [this](Command command) { Run(command); });
   QObject::connect(control_.get(), &GridControl::MenuRequested, &panel_,
                    [this](const QPoint& at) { ShowMenu(at); });
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1]}) {
@@ -297,68 +296,46 @@ void GridPanel::Impl::LimitWidths() {
       std::max(tables_.Common->ContentWidth(), tables_.Common->sizeHint().width()));
 }
 
-void GridPanel::Impl::Run(GridCommand command) {
-  if (!StateOf(command, editor_, states_).Enabled) return;
+void GridPanel::Impl::Run(Command command) {
+  const CommandRow& row = RowOf(command);
+  if (!StateOf(row, states_).Enabled) return;
   if (beforeCommand_ ? !beforeCommand_() : !control_->Commit()) return;
   switch (command) {
-    case GridCommand::Copy:
+    case Command::Copy:
       if (editor_.Copy()) emit panel_.Changed();
       return;
-    case GridCommand::SelectAll:
+    case Command::SelectAll:
       if (editor_.SelectAll()) control_->ShowCursor(false);
       emit panel_.Changed();
       return;
-    case GridCommand::CopyText:
+    case Command::CopyText:
       QApplication::clipboard()->setText(QString::fromStdString(editor_.CopyText()));
+      return;
+    case Command::PasteText:
+      control_->CloseEditors();
+      control_->Apply(editor_.PasteText(QApplication::clipboard()->text().toStdString()));
       return;
     default:
       control_->CloseEditors();
-      control_->Apply(Perform(command));
+      control_->Apply((editor_.*row.edit)());
   }
-}
-
-EditOutcome GridPanel::Impl::Perform(GridCommand command) {
-  switch (command) {
-    case GridCommand::Paste:
-      return editor_.Paste();
-    case GridCommand::Initialize:
-      return editor_.Initialize();
-    case GridCommand::AddRow:
-      return editor_.AddRow();
-    case GridCommand::InsertRow:
-      return editor_.InsertRow();
-    case GridCommand::DeleteRow:
-      return editor_.DeleteRow();
-    case GridCommand::RowUp:
-      return editor_.RowUp();
-    case GridCommand::RowDown:
-      return editor_.RowDown();
-    case GridCommand::Undo:
-      return editor_.Undo();
-    case GridCommand::Redo:
-      return editor_.Redo();
-    case GridCommand::PasteText:
-      return editor_.PasteText(QApplication::clipboard()->text().toStdString());
-    case GridCommand::DuplicateRows:
-      return editor_.DuplicateRows();
-    case GridCommand::FillDown:
-      return editor_.FillDown();
-    case GridCommand::Copy:
-    case GridCommand::SelectAll:
-    case GridCommand::CopyText:
-      break;
-  }
-  return {};
 }
 
 void GridPanel::Impl::ShowMenu(const QPoint& global) {
   if (!control_->Commit()) return;
-  QMenu menu(&panel_);
-  GridMenuActions actions;
-  actions.run = [this](GridCommand command) { Run(command); };
-  actions.importCsv = [this] { emit panel_.ImportRequested(); };
-  actions.exportCsv = [this] { emit panel_.ExportRequested(); };
-  FillGridMenu(menu, editor_, states_, actions);
+  const auto chosen = [this](Command command) {
+    if (RowOf(command).menu == MenuPlace::Edit) {
+      Run(command);
+    } else {
+      emit panel_.WindowCommand(command);
+    }
+  };
+  CommandMenu menu(editor_.Views().Catalogue(), MenuPlace::Edit, chosen, &panel_);
+  menu.addSeparator();
+  menu.Add(RowOf(Command::ImportCsv));
+  menu.Add(RowOf(Command::ExportCsv));
+  menu.ShowStates(states_);
+  menu.ShowUndoNames(editor_);
   menu.exec(global);
 }
 
@@ -447,34 +424,8 @@ void GridPanel::SetWidths(int commonTwips, int channelTwips, int tabTwips) {
   for (GridTable* table : impl_->tables_.Channels) table->PreferWidth(TwipsToPixels(channelTwips, this));
 }
 
-void GridPanel::EditCommand(int index) {
-  if (index >= 0 && index <= static_cast<int>(GridCommand::RowDown)) {
-    impl_->Run(static_cast<GridCommand>(index));
-  }
-}
-
-void GridPanel::Undo() {
-  impl_->Run(GridCommand::Undo);
-}
-
-void GridPanel::Redo() {
-  impl_->Run(GridCommand::Redo);
-}
-
-void GridPanel::CopyText() {
-  impl_->Run(GridCommand::CopyText);
-}
-
-void GridPanel::PasteText() {
-  impl_->Run(GridCommand::PasteText);
-}
-
-void GridPanel::DuplicateRows() {
-  impl_->Run(GridCommand::DuplicateRows);
-}
-
-void GridPanel::FillDown() {
-  impl_->Run(GridCommand::FillDown);
+void GridPanel::Run(Command command) {
+  impl_->Run(command);
 }
 
 void GridPanel::ImportCsv(const std::string& path) {
