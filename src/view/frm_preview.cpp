@@ -24,6 +24,7 @@
 #include "view/run_menu.h"
 #include "view/time_panel.h"
 #include "view/to_qcolor.h"
+#include "view/warning_line.h"
 #include "view/window_focus.h"
 
 namespace corlune {
@@ -82,6 +83,7 @@ class FrmPreview::Impl {
   GraphCanvas* canvas = nullptr;
   TimePanel* total = nullptr;
   TimePanel* elapsed = nullptr;
+  WarningLine* warning = nullptr;
   std::unique_ptr<WindowFocus> focus;
   TimeAxis axis = TimeAxis::Time;
   bool measuring = false;
@@ -168,6 +170,8 @@ void FrmPreview::Impl::BuildStatusBar() {
   };
   total = add("PanelTotal", kIdTotal);
   elapsed = add("PanelElapsed", kIdElapsed);
+  warning = new WarningLine(catalogue, bar);
+  bar->addWidget(warning, 1);
 }
 
 void FrmPreview::Impl::Draw() {
@@ -261,6 +265,7 @@ void FrmPreview::ShowStates(const ControlStates& states) {
     impl_->fields->ShowStates(states);
     impl_->runMenu->ShowStates(states, impl_->state);
   });
+  impl_->warning->ShowState(impl_->state);
   PicDisp();
 }
 
