@@ -107,7 +107,7 @@ void AppendSequenceText(std::string& out, const SequenceData& sequence, const st
   out += "\r\nVERSION=\"1.00\"\r\n[DATA]\r\n";
   AppendCommon(out, sequence.Common);
   for (int slot = 0; slot < MAX_STEPS; ++slot) {
-    AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)]);
+    AppendStep(out, slot, sequence.Step(slot));
   }
   for (int channel = 0; channel < channels; ++channel) {
     for (int slot = 0; slot < MAX_STEPS; ++slot) AppendChannel(out, sequence, channel, slot);
@@ -115,7 +115,7 @@ void AppendSequenceText(std::string& out, const SequenceData& sequence, const st
 }
 
 void AppendStepLines(std::string& out, const SequenceData& sequence, int slot, int channels) {
-  AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)]);
+  AppendStep(out, slot, sequence.Step(slot));
   for (int channel = 0; channel < channels; ++channel) AppendChannel(out, sequence, channel, slot);
 }
 
