@@ -1,4 +1,4 @@
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 
 #include <algorithm>
 #include <array>
