@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "view/time_panel.h"
+#include "view/warning_line.h"
 
 namespace corlune {
 
@@ -33,29 +34,18 @@ class ElidedLabel : public QLabel {
 };
 
 constexpr int kPanelMargin = 2;
-constexpr QColor kWarningFace(255, 192, 0);  // amber, as the lamps of test benches
 
 }  // namespace
 
 StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
-    : QWidget(parent), catalogue_(catalogue), warning_(new QLabel(this)), notice_(new QLabel(this)) {
+    : QWidget(parent),
+      catalogue_(catalogue),
+      warning_(new WarningLine(catalogue, this)),
+      notice_(new QLabel(this)) {
   setObjectName(QStringLiteral("StatBar1"));
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(0, 0, 0, 0);
   rows->setSpacing(2);
-  warning_->setObjectName(QStringLiteral("LabWarning"));
-  warning_->setTextFormat(Qt::PlainText);
-  warning_->setWordWrap(true);
-  warning_->setMargin(2 * kPanelMargin);
-  QPalette amber = warning_->palette();
-  amber.setColor(QPalette::Window, kWarningFace);
-  amber.setColor(QPalette::WindowText, Qt::black);
-  warning_->setPalette(amber);
-  warning_->setAutoFillBackground(true);
-  QFont bold = warning_->font();
-  bold.setBold(true);
-  warning_->setFont(bold);
-  warning_->hide();
   rows->addWidget(warning_);
   notice_->setObjectName(QStringLiteral("LabNotice"));
   notice_->setTextFormat(Qt::PlainText);
@@ -102,24 +92,7 @@ void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
   panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());
   panels_[Device]->setToolTip(QString::fromStdString(facts.deviceTip));
   ElapsTime(state.ElapsedTime);
-  ShowWarning(state);
-}
-
-void StatBar::ShowWarning(const AppState& state) {
-  std::string text;
-  if (state.MayStillRun) text = catalogue_.GetResString(8290);
-  for (std::size_t i = 0; i < state.Lost.size(); ++i) {
-    if (!state.Lost[i]) continue;
-    if (!text.empty()) text += ' ';
-    text += catalogue_.GetResString(8291, {std::to_string(i + 1)});
-  }
-  const QString shown = QString::fromStdString(text);
-  if (warning_->text() != shown) warning_->setText(shown);
-  warning_->setVisible(!text.empty());
-}
-
-QString StatBar::Warning() const {
-  return warning_->text();
+  warning_->ShowState(state);
 }
 
 void StatBar::TotalTime(double milliseconds) {

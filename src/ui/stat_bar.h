@@ -17,6 +17,7 @@ class QLabel;
 namespace corlune {
 
 class TimePanel;
+class WarningLine;
 
 // What the application state does not hold.
 struct StatusFacts {
@@ -38,9 +39,6 @@ class StatBar : public QWidget {
   // Milliseconds; -1: endless.
   void TotalTime(double milliseconds);
   void ElapsTime(std::int32_t milliseconds);
-  // What stands in AppState::MayStillRun and Lost, in words and colour; empty when there is nothing to warn
-  // of.
-  QString Warning() const;
   // Shows a line above the panels; an empty text takes it away.
   void ShowNotice(const std::string& text);
   QString Notice() const;
@@ -48,10 +46,9 @@ class StatBar : public QWidget {
 
  private:
   void Show(Panel panel, const std::string& text);
-  void ShowWarning(const AppState& state);
 
   const MessageCatalogue& catalogue_;
-  QLabel* warning_;
+  WarningLine* warning_;
   QLabel* notice_;
   std::array<QLabel*, kPanels> panels_{};
   TimePanel* total_ = nullptr;

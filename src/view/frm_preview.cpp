@@ -23,6 +23,7 @@
 #include "view/run_fields.h"
 #include "view/time_panel.h"
 #include "view/to_qcolor.h"
+#include "view/warning_line.h"
 #include "view/window_focus.h"
 
 namespace corlune {
@@ -78,6 +79,7 @@ class FrmPreview::Impl {
   GraphCanvas* canvas = nullptr;
   TimePanel* total = nullptr;
   TimePanel* elapsed = nullptr;
+  WarningLine* warning = nullptr;
   std::unique_ptr<WindowFocus> focus;
   TimeAxis axis = TimeAxis::Time;
   bool measuring = false;
@@ -159,6 +161,8 @@ void FrmPreview::Impl::BuildStatusBar() {
   };
   total = add("PanelTotal", kIdTotal);
   elapsed = add("PanelElapsed", kIdElapsed);
+  warning = new WarningLine(catalogue, bar);
+  bar->addWidget(warning, 1);
 }
 
 void FrmPreview::Impl::Draw() {
@@ -252,6 +256,7 @@ void FrmPreview::ShowStates(const ControlStates& states) {
     impl_->fields->ShowStates(states);
     impl_->runMenu->ShowStates(states);
   });
+  impl_->warning->ShowState(impl_->state);
   PicDisp();
 }
 
