@@ -7,12 +7,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QEvent>
-#include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSplitter>
@@ -21,19 +16,15 @@
 
 #include "core/files.h"
 #include "ui/grid_control.h"
+#include "ui/grid_side.h"
 #include "view/command_menu.h"
 
 namespace corlune {
 
 namespace {
 
-constexpr int kIdInsert = 1100;
-constexpr int kIdDelete = 1101;
 constexpr int kIdBranchStepLabel = 1200;
-constexpr int kIdStepNumberLabel = 1201;
 constexpr int kIdAddRow = 7105;
-constexpr int kIdRowUp = 7714;
-constexpr int kIdRowDown = 7715;
 constexpr int kIdWriteProblem = 9640;
 constexpr int kIdReadProblem = 9644;
 
@@ -50,8 +41,7 @@ class GridPanel::Impl {
 
   void Build();
   void Connect();
-  void BuildSide(QWidget& side);
-  QPushButton* MakeButton(const char* name, const QString& caption, Command command);
+  void BuildRowAdd();
   void Run(Command command);
   void ShowMenu(const QPoint& global);
   void Refresh();
@@ -73,15 +63,9 @@ class GridPanel::Impl {
   QSplitter* split_ = nullptr;
   QWidget* top_ = nullptr;
   QWidget* rowAddStrip_ = nullptr;
-  QWidget* side_ = nullptr;
+  GridSide* side_ = nullptr;
   std::array<QVBoxLayout*, MAX_CHANNELS> pages_{};
-  QPushButton* rowAdd_ = nullptr;
-  QPushButton* insert_ = nullptr;
-  QPushButton* delete_ = nullptr;
-  QPushButton* up_ = nullptr;
-  QPushButton* down_ = nullptr;
-  QGroupBox* branchFrame_ = nullptr;
-  QLineEdit* stepNumber_ = nullptr;
+  RowButton* rowAdd_ = nullptr;
   ControlStates states_;
   std::function<bool()> beforeCommand_;
   int shownTab_ = 0;
@@ -114,9 +98,9 @@ void GridPanel::Impl::Build() {
   topLayout->setSpacing(kSpacing);
   tables_.Common = new GridTable(commonModel_);
   tables_.Common->setObjectName(QStringLiteral("MSFlexGrid1"));
-  rowAddStrip_ = new QWidget;
-  side_ = new QWidget;
-  BuildSide(*side_);
+  BuildRowAdd();
+  side_ = new GridSide(editor_.Views(), branchModel_, [this](Command command) { Run(command); });
+  tables_.Branch = &side_->Branch();
   topLayout->addWidget(tables_.Common, 1);
   topLayout->addWidget(rowAddStrip_);
   topLayout->addWidget(side_);
@@ -143,79 +127,16 @@ void GridPanel::Impl::Build() {
                    [this](int tab) { ShowSameRows(tab); });
 }
 
-QPushButton* GridPanel::Impl::MakeButton(const char* name, const QString& caption, Command command) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(QLatin1String(name));
-  // A click leaves the focus in the cell; the keyboard can still reach the button.
-  button->setFocusPolicy(Qt::TabFocus);
-  button->setAutoDefault(false);
-  button->setMinimumWidth(1);
-  QObject::connect(button, &QPushButton::clicked, &panel_, [this, command] { Run(command); });
-  return button;
-}
-
-void GridPanel::Impl::BuildSide(QWidget& side) {
-  const bool english = editor_.Views().Catalogue().English();
+void GridPanel::Impl::BuildRowAdd() {
+  rowAddStrip_ = new QWidget;
+  rowAdd_ = new RowButton(
+      "CmdRowAdd", QStringLiteral("+"), [this] { Run(Command::AddRow); }, rowAddStrip_);
   const QString addRow =
       QString::fromStdString(PlainCaption(editor_.Views().Catalogue().GetResString(kIdAddRow)));
-  rowAdd_ = MakeButton("CmdRowAdd", QStringLiteral("+"), Command::AddRow);
-  rowAdd_->setParent(rowAddStrip_);
   rowAdd_->setToolTip(addRow);
   rowAdd_->setAccessibleName(addRow);
   QObject::connect(rowAdd_, &QPushButton::pressed, &panel_, [this] { ColorRowAdd(); });
   QObject::connect(rowAdd_, &QPushButton::released, &panel_, [this] { ColorRowAdd(); });
-  insert_ = MakeButton("CmdInsert", Text(kIdInsert), Command::InsertRow);
-  delete_ = MakeButton("CmdDelete", Text(kIdDelete), Command::DeleteRow);
-  up_ = MakeButton("CmdUp", english ? QStringLiteral("Up") : QStringLiteral("△"), Command::RowUp);
-  down_ = MakeButton("CmdDown", english ? QStringLiteral("Dn") : QStringLiteral("▽"), Command::RowDown);
-  up_->setToolTip(Text(kIdRowUp));
-  up_->setAccessibleName(Text(kIdRowUp));
-  down_->setToolTip(Text(kIdRowDown));
-  down_->setAccessibleName(Text(kIdRowDown));
-
-  branchFrame_ = new QGroupBox;
-  branchFrame_->setObjectName(QStringLiteral("FrmBranch"));
-  branchFrame_->setAccessibleName(Text(kIdBranchStepLabel).simplified());
-  auto* branchLabel = new QLabel(Text(kIdBranchStepLabel));
-  branchLabel->setObjectName(QStringLiteral("LabBranchStep"));
-  auto* stepLabel = new QLabel(Text(kIdStepNumberLabel));
-  stepLabel->setObjectName(QStringLiteral("LabStepNo"));
-  for (QLabel* label : {branchLabel, stepLabel}) {
-    label->setWordWrap(true);
-    label->setMinimumWidth(1);
-  }
-  stepNumber_ = new QLineEdit;
-  stepNumber_->setObjectName(QStringLiteral("TxtStepNo"));
-  stepNumber_->setReadOnly(true);
-  stepNumber_->setFocusPolicy(Qt::NoFocus);
-  // Three digits; the label needs the rest.
-  stepNumber_->setFixedWidth(stepNumber_->fontMetrics().horizontalAdvance(QStringLiteral("000")) +
-                             3 * kSpacing);
-  stepNumber_->setAccessibleName(stepLabel->text());
-  tables_.Branch = new GridTable(branchModel_);
-  tables_.Branch->setObjectName(QStringLiteral("MSFlexGrid3"));
-  auto* branch = new QVBoxLayout(branchFrame_);
-  branch->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
-  branch->setSpacing(kSpacing / 2);
-  auto* number = new QHBoxLayout;
-  number->setSpacing(kSpacing / 2);
-  number->addWidget(stepLabel, 1);
-  number->addWidget(stepNumber_);
-  branch->addWidget(branchLabel);
-  branch->addLayout(number);
-  branch->addWidget(tables_.Branch, 1);
-
-  auto* layout = new QVBoxLayout(&side);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(kSpacing);
-  auto* moves = new QHBoxLayout;
-  moves->addWidget(up_);
-  moves->addWidget(down_);
-  layout->addWidget(insert_);
-  layout->addWidget(delete_);
-  layout->addLayout(moves);
-  layout->addWidget(branchFrame_, 1);
-  layout->addStretch(0);
 }
 
 void GridPanel::Impl::Connect() {
@@ -253,9 +174,7 @@ void GridPanel::Impl::ShowSameRows(int tab) {
 }
 
 void GridPanel::Impl::Refresh() {
-  stepNumber_->setText(
-      QString::fromStdString(editor_.Views().BranchStepNumber({editor_.Cursor().CurrentRow})));
-  branchFrame_->setVisible(editor_.Views().BranchVisible());
+  side_->Refresh({editor_.Cursor().CurrentRow});
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1], tables_.Branch}) {
     const GridModel& model = table->Model();
     QString name = model.Area() == GridArea::Branch ? Text(kIdBranchStepLabel).simplified() : QString();
@@ -383,16 +302,9 @@ void GridPanel::HideEditors() {
 
 void GridPanel::ShowStates(const ControlStates& states) {
   impl_->states_ = states;
-  const auto show = [](QPushButton* button, const ControlState& state) {
-    button->setVisible(state.Visible);
-    button->setEnabled(state.Enabled);
-  };
-  show(impl_->rowAdd_, states.RowAdd);
-  show(impl_->insert_, states.Insert);
-  show(impl_->delete_, states.Delete);
-  show(impl_->up_, states.Up);
-  show(impl_->down_, states.Down);
-  impl_->control_->SetStates(states);
+  impl_->rowAdd_->ShowState(states.RowAdd);
+  impl_->side_->ShowStates(states);
+  impl_->control_->AllowEditing(states.EditCells);
 }
 
 void GridPanel::HighlightRow(GridRow row, bool on) {
