@@ -40,7 +40,7 @@ RunControl::RunControl(RunContext run, Measure& measure, RunQueries& queries, Ac
 bool RunControl::AgreeToGoOn() {
   return !run_.state.MayStillRun ||
          ShowMessage(run_.prompts, run_.catalogue, kGoOnQuestion, PromptIcon::Question,
-                     PromptButtons::OkCancel) == PromptAnswer::Ok;
+                     PromptButtons::OkCancel, {}, PromptAnswer::Cancel) == PromptAnswer::Ok;
 }
 
 bool RunControl::SetOperationMode(OperationMode mode) {
