@@ -22,6 +22,16 @@ struct MessageRequest {
   PromptIcon icon = PromptIcon::None;
   PromptButtons buttons = PromptButtons::Ok;
   std::string caption;  // empty: the application title
+  // The answer of Escape and of the box's close button, which is then the default button, too: for a question
+  // of which another answer does what nobody may do by mistake. Absent: Cancel, else No, else OK.
+  std::optional<PromptAnswer> escape = std::nullopt;
+
+  // What counts when nobody answers.
+  PromptAnswer Unanswered() const {
+    if (escape) return *escape;
+    if (buttons == PromptButtons::Ok) return PromptAnswer::Ok;
+    return buttons == PromptButtons::YesNo ? PromptAnswer::No : PromptAnswer::Cancel;
+  }
 };
 
 struct InputRequest {
@@ -34,7 +44,8 @@ struct InputRequest {
 class Prompts {
  public:
   virtual ~Prompts() = default;
-  // Answers only with a button of `request.buttons`; closing the box counts as Cancel, else No, else OK.
+  // Answers only with a button of `request.buttons`; closing the box gives
+  // `request.Unanswered()`.
   virtual PromptAnswer Message(const MessageRequest& request) = 0;
   // nullopt when the input was cancelled.
   virtual std::optional<std::string> Input(const InputRequest& request) = 0;

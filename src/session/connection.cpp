@@ -131,7 +131,7 @@ bool Session::CheckModels() {
     if (answered && reply.find(state_.ModelName) != std::string::npos) continue;
     const PromptAnswer answer =
         ShowMessage(ports_.prompts, catalogue_, answered ? 9003 : 9002, PromptIcon::Question,
-                    PromptButtons::YesNo, {std::to_string(i + 1)});
+                    PromptButtons::YesNo, {std::to_string(i + 1)}, PromptAnswer::Yes);
     if (answer != PromptAnswer::Yes) end_.EndNow(1);
     state_.MayStillRun = false;
     GoOffline();

@@ -70,6 +70,11 @@ class Session {
   // A close request. Asks about unsaved changes (9100), writes Corlune.ini and the work file, closes the
   // connections. False: refused, the program goes on.
   bool RequestClose();
+  // The program is told to end from outside. Writes Corlune.ini and the work file without a question, then
+  // stops a run on every instrument, closes the connections and ends the program. May come inside anything
+  // that handles events and handles none itself; no message may wait for a person any more. False: blocks are
+  // on their way, of which the present one must end first; to be called again soon.
+  bool EndFromOutside();
   // Closes the connections of every kind in use.
   void Disconnect();
 

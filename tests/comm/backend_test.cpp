@@ -406,6 +406,7 @@ TEST(FatalPrompt, ShowsErrorBeforeTimeOut) {
   EXPECT_EQ(last.text, "GP_Init\nError\nアプリケーションを終了しますか?");
   EXPECT_EQ(last.caption, "NI_GPIB");
   EXPECT_EQ(last.buttons, PromptButtons::YesNo);
+  EXPECT_EQ(last.escape, PromptAnswer::No);
   EXPECT_EQ(last.icon, PromptIcon::Question);
   EXPECT_FALSE(world.endProgram.ended);
   EXPECT_EQ(world.Log().back(), "GP_INIT Time Out");

@@ -49,7 +49,10 @@ void ExpectCalled(const Call& call, const std::string& path) {
 TEST(LoadedCompiler, CallsTheLibraryThatIsNamed) {
   const TempFolder empty;
   LoadedCompiler library(empty.Path(), STUB_COMPILER);
-  ExpectCalled(Compile(library, "/folder/sendata.bin"), "/folder/sendata.bin");
+  // The file's name is that of the file system, also in a language with a code page of its own.
+  setenv("LC_ALL", "ja_JP.UTF-8", 1);
+  ExpectCalled(Compile(library, "/表示/sendata.bin"), "/表示/sendata.bin");
+  unsetenv("LC_ALL");
   EXPECT_EQ(library.Problem(), "");
 }
 

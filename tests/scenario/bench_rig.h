@@ -33,6 +33,7 @@ class BenchPrompts : public Prompts {
 
   PromptAnswer Message(const MessageRequest& request) override {
     said.push_back(std::string(IconName(request.icon)) + ": " + request.text);
+    escape = request.escape;
     pump_.HandlePending();  // a message box handles events
     if (!answers.empty()) {
       const PromptAnswer answer = answers.front();
@@ -52,6 +53,7 @@ class BenchPrompts : public Prompts {
   std::deque<PromptAnswer> answers;         // before the agreeing ones
   std::optional<std::string> name = "E2E";  // of the sequence
   EventList said;
+  std::optional<PromptAnswer> escape;  // of the last message
 
  private:
   FakePump& pump_;

@@ -114,6 +114,10 @@ TEST(InterruptionOnTheWay, ItIsRefused) {
          // In a tick it is carried out behind it; everywhere else it is ignored.
          if (!way.session->Activity().Under(Work::Tick)) way.Press(Run::OutputOff);
        }},
+      {"run buttons in a download",
+       [](WholeWay& way) {
+         for (int button = 0; button <= 5 && way.inDownload; ++button) way.session->Control().Button(button);
+       }},
   };
   const Undisturbed& record = PlayUndisturbed();
   for (const Attempt& attempt : attempts) {
@@ -128,33 +132,29 @@ TEST(InterruptionOnTheWay, ItIsRefused) {
   }
 }
 
-TEST(InterruptionOnTheWay, RunButtonsDoNothingDuringADownload) {
-  const Undisturbed& record = PlayUndisturbed();
-  for (int wait = 1; wait <= record.downloadWaits; ++wait) {
+TEST(InterruptionOnTheWay, EndingFromOutsideLeavesNothingRunning) {
+  struct ProcessEnd {};  // nothing that is under way comes back
+  int takenOver = 0;
+  for (int wait = 1; wait <= PlayUndisturbed().waits; ++wait) {
     SCOPED_TRACE("wait " + std::to_string(wait));
     WholeWay way;
-    PlayWith(way, wait, [&] {
-      for (int button = 0; button <= 5; ++button) way.session->Control().Button(button);
-    });
-    EXPECT_EQ(way.recorder.exchanges, record.exchanges);
-    way.ExpectPrompts(record.said);
-    way.ExpectEnded();
-  }
-}
-
-TEST(InterruptionOnTheWay, ADownloadAskedToEndBeginsNoOtherPart) {
-  int takenOver = 0;
-  for (int wait = 1; wait <= PlayUndisturbed().downloadWaits; ++wait) {
-    WholeWay way;
-    PlayWith(way, wait, [&] {
+    const bool inDownload = wait <= PlayUndisturbed().downloadWaits;
+    const auto end = [&] {
+      const std::uint32_t before = way.clock.Now();
+      EXPECT_NE(way.session->EndFromOutside(), way.inDownload) << "a block that is being sent ends first";
+      EXPECT_LE(way.clock.Now() - before, 2000U);
+      if (way.end.ended) throw ProcessEnd{};
       way.Forget();
-      way.session->Download().RequestEnd();
-    });
+    };
+    EXPECT_THROW((PlayWith(way, wait, end), end()), ProcessEnd);
+    EXPECT_EQ(way.Instrument().Phase(), RunPhase::Idle);
+    EXPECT_EQ(way.face.OpenObjects(), 0U);
     way.prompts.said.clear();
-    takenOver += way.downloaded ? 1 : 0;
-    if (way.downloaded) continue;
+    takenOver += inDownload && way.downloaded ? 1 : 0;
+    if (!inDownload || way.downloaded) continue;
     EXPECT_EQ(way.session->Download().Outcome().End, DownloadEnd::Cancelled);
-    EXPECT_THAT(way.TakeSent(), ::testing::Each(::testing::Not(::testing::HasSubstr("< :TR")))) << wait;
+    EXPECT_THAT(way.TakeSent(), ::testing::Each(::testing::Not(::testing::HasSubstr("< :TR"))))
+        << "no other part";
   }
   EXPECT_LE(takenOver, 4);  // it was compiling what it had taken over
 }

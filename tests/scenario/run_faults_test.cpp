@@ -294,6 +294,7 @@ TEST(RunFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
                        ? rig.session->NewSequence()
                        : rig.session->Control().SetOperationMode(OperationMode::Edit));
       EXPECT_EQ(std::exchange(rig.prompts.said, {}), (EventList{kAsksToGoOn}));
+      EXPECT_EQ(rig.prompts.escape, PromptAnswer::Cancel);
     }
     if (rest.mode == OperationMode::Execution) {
       ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));

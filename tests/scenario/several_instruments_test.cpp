@@ -110,6 +110,13 @@ TEST(SeveralInstruments, StopReachesAll) {
   EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STAR"), 1);
   EXPECT_EQ(rig.CountSent("2 < :TRIG1:SEL:EXEC STAR"), 0);
   EXPECT_THAT(rig.TakeSent(), ::testing::IsSupersetOf(stops));
+
+  // Told to end from outside: all, also behind an unplugged one.
+  rig.Press(Run::Start);
+  rig.Faults("gone=0", 2);
+  rig.Forget();
+  EXPECT_TRUE(rig.session->EndFromOutside());
+  EXPECT_THAT(rig.TakeSent(), ::testing::IsSupersetOf({stops[0], stops[1], stops[3], stops[4]}));
 }
 
 // An output that trips at the first instrument stops the others first, then itself.
@@ -313,6 +320,7 @@ TEST(SeveralInstruments, TheModelCheckNamesTheOneThatDoesNotAnswer) {
     rig.Faults(std::string(c.fault) + "@*IDN?", 1);
     EXPECT_FALSE(rig.Reconnect());
     rig.ExpectPrompts({c.said});
+    EXPECT_EQ(rig.prompts.escape, PromptAnswer::Yes) << "the other answer ends the program";
     EXPECT_EQ(rig.session->State().Online, 0);
     EXPECT_EQ(rig.CountSent("3 < *IDN?"), 0);
     // Off-line, the program can still be used: the run times are shown, nothing is sent.
