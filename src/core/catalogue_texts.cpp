@@ -405,8 +405,8 @@ constexpr CatalogueText kRows[] = {
     {8310, "Searching for instruments...", "機器を検索しています..."},
     {8311, "Connecting to the instrument...", "機器に接続しています..."},
     {8312, "Checking the model of the instrument $1...", "機器$1の型名を確認しています..."},
-    {8313, "Asking which arbitrary waveforms the instrument holds: $1 of $2", "機器内の任意波形を確認しています：$1 / $2"},
-    {8314, "Work off-line", "オフラインで使用"},
+    {8313, "Arbitrary waveforms in the instrument: $1/$2", "機器内の任意波形を確認しています：$1 / $2"},
+    {8314, "Cancel and work off-line", "中止してオフラインで使用"},
 
     // Added texts: instrument and download.
     {9600, "The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"},

@@ -10,7 +10,6 @@
 #include "sequence/sequence_file.h"
 #include "sequence/waveform_file.h"
 #include "sequence/waveform_path.h"
-#include "support/fake_ports.h"
 
 namespace corlune {
 namespace {

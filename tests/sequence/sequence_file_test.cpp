@@ -12,7 +12,6 @@
 #include "sequence/start_values.h"
 #include "sequence/waveform_path.h"
 #include "sequence_samples.h"
-#include "support/fake_ports.h"
 #include "support/temp_folder.h"
 
 namespace corlune {
@@ -20,7 +19,6 @@ namespace {
 
 using testing::SampleDefinition;
 using testing::SampleState;
-using testing::ScriptedPrompts;
 using testing::SequenceGenerator;
 using testing::TempFolder;
 using Form = SequenceFileForm;
