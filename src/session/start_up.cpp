@@ -44,6 +44,7 @@ bool Session::LoadDefinitionOf(AppState& state, ModelDefinition& definition, boo
   }
   loadProblem_ = Describe(state.StdIniPath, problem);
   if (showBadValue && !problem.section.empty()) {
+    HideWait();
     ShowMessage(ports_.prompts, catalogue_, 9642, PromptIcon::Exclamation, PromptButtons::Ok, {loadProblem_});
   }
   return false;
