@@ -92,6 +92,12 @@ class Progress {
   virtual void Begin(const std::string& text, int steps) = 0;
   virtual void Advance() = 0;
   virtual void End() = 0;
+  // Says what the next blocking call is for, in place of what was shown before, until End; `done` of `steps`
+  // (0: not known). A button with the text `cancel` gives up. The default shows nothing.
+  virtual void ShowWait(const std::string& /*text*/, const std::string& /*cancel*/, int /*done*/,
+                        int /*steps*/) {}
+  // The button was pressed since the first ShowWait.
+  virtual bool Cancelled() const { return false; }
 };
 
 // What the run commands and the monitor show in the main window.

@@ -78,6 +78,31 @@ void PlayWith(WholeWay& way, int wait, const std::function<void()>& action) {
   EXPECT_TRUE(reached);
 }
 
+// Every reply comes after 200 ms: start-up says what it waits for, and Cancel ends it off-line, with its
+// window.
+TEST(SlowStart, SaysWhatItWaitsForAndCanBeCancelled) {
+  BenchRig rig("QM2210:QM000001");
+  rig.Faults("late:200");
+  const auto asking = [](int number) {
+    return "Arbitrary waveforms in the instrument: " + std::to_string(number) + "/128";
+  };
+  rig.progress.cancelAt = asking(3);
+  EXPECT_EQ(rig.session->StartUp({}), StartUpResult::Show);
+  EXPECT_EQ(rig.progress.waits, (EventList{"Searching for instruments...", "Connecting to the instrument...",
+                                           asking(1), asking(2), asking(3)}));
+  EXPECT_EQ(rig.TakeSent().back(), "1 < :TRAC:INF? 2");
+  EXPECT_EQ(rig.session->State().Online, 0);
+  EXPECT_FALSE(rig.session->State().Connected);
+  rig.ExpectAtRest(OperationMode::Edit, false);
+  rig.ExpectPrompts({"exclamation: Initialization file doesn't exist"});
+
+  // The set-up dialog connects; what it waits for is shown after 300 ms.
+  rig.progress.waits.clear();
+  rig.progress.cancelAt.clear();
+  ASSERT_TRUE(rig.Reconnect());
+  EXPECT_EQ(rig.progress.waits.size(), 127U);
+}
+
 TEST(InterruptionOnTheWay, TheUndisturbedWayHasEveryKindOfWait) {
   const Undisturbed& record = PlayUndisturbed();
   EXPECT_EQ(record.said, (EventList{"input: Seq2", kAsksOutput, kSaysEnd}));

@@ -232,15 +232,21 @@ TEST(SeveralInstruments, NoneIsLeft) {
   Bench rig(1);
   rig.Start();
   rig.Faults("gone");
+  const AppState& state = rig.session->State();
+  rig.pump.OnCall(rig.pump.Calls() + 1, [&] {
+    rig.session->NoticeLostConnection();
+    EXPECT_EQ(state.Online, 1) << "not in the middle of the tick";
+  });
   rig.Advance(200);
   rig.prompts.said.clear();
+  rig.session->State().OutputOn = true;
   rig.session->NoticeLostConnection();
-  const AppState& state = rig.session->State();
   EXPECT_EQ(state.Online, 0);
   EXPECT_TRUE(state.MayStillRun);
   rig.ExpectAtRest(OperationMode::Edit, false);
   rig.Press(Run::Stop);
-  rig.ExpectPrompts({CommunicationError(1, "exclamation")});
+  rig.ExpectPrompts({CommunicationError(1, "exclamation") +
+                     "\nUSB0::0X3A1F::0X2220::QM000001::INSTR does not open: status BFFF0011"});
   EXPECT_TRUE(state.MayStillRun);
   EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Running);
   rig.Replug();
@@ -248,6 +254,18 @@ TEST(SeveralInstruments, NoneIsLeft) {
   EXPECT_EQ(state.Online, 1);
   EXPECT_FALSE(state.MayStillRun);
   EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Idle);
+}
+
+// The reason stands beside the message, also of a kind that is not the first.
+TEST(SeveralInstruments, AnInterfaceThatCannotBeOpenedSaysWhy) {
+  BenchRig rig;
+  rig.Connect();
+  SystemSettings setup = SettingsOf(rig.session->State());
+  setup.InstrumentCount = 2;
+  setup.Instruments[1].Interface = 1;  // NI
+  EXPECT_TRUE(rig.session->ApplySetup(setup));
+  rig.ExpectPrompts({CommunicationError(2, "exclamation") + "\nNI-488.2: switched off"});
+  EXPECT_EQ(rig.session->State().Online, 0);
 }
 
 // Whatever is pressed and whatever fails, in whatever wait: a window that shows "stopped" without the warning

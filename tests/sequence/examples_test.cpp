@@ -10,7 +10,6 @@
 #include "sequence/sequence_file.h"
 #include "sequence/waveform_file.h"
 #include "sequence/waveform_path.h"
-#include "support/fake_ports.h"
 
 namespace corlune {
 namespace {
@@ -36,13 +35,12 @@ class ExampleTest : public ::testing::TestWithParam<Example> {
  protected:
   void SetUp() override {
     path = std::string(kFolder) + "/" + GetParam().name;
-    testing::ScriptedPrompts prompts;
     const auto definitions = [this](const std::string& model) {
       definition = ShippedDefinition(model);
       return &definition;
     };
-    ASSERT_TRUE(ReadSeqFile(path, SequenceFileForm::User, definitions, state, sequence, prompts,
-                            MessageCatalogue(10000)));
+    ASSERT_EQ(ReadSeqFile(path, SequenceFileForm::User, definitions, state, sequence).Problem,
+              SequenceFileProblem::None);
     state.ProgId = definition.ProgId;
     state.VerNo = definition.VerNo;
     state.CurrentFilePath = path;

@@ -192,13 +192,26 @@ class RecordedProgress : public Progress {
     if (events_) events_->push_back("progress " + std::to_string(steps) + ": " + text);
   }
   void Advance() override { ++advances; }
-  void End() override { --depth; }
+  void End() override {
+    --depth;
+    cancelled_ = waiting_ = false;
+  }
+  void ShowWait(const std::string& text, const std::string&, int, int) override {
+    if (!std::exchange(waiting_, true)) ++depth;
+    waits.push_back(text);
+    cancelled_ = text == cancelAt;
+  }
+  bool Cancelled() const override { return cancelled_; }
+  std::vector<std::string> waits;
+  std::string cancelAt;  // the wait in which Cancel is pressed
   int depth = 0;
   int advances = 0;
   std::vector<std::string> texts;
 
  private:
   EventList* events_;
+  bool waiting_ = false;
+  bool cancelled_ = false;
 };
 
 class RecordedDisplay : public RunDisplay {

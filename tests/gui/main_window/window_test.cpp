@@ -259,8 +259,15 @@ TEST(WindowProgress, CannotBeClosedBeforeItsEnd) {
   shown->close();
   EXPECT_TRUE(shown->isVisible());
   progress.Advance();
+  EXPECT_FALSE(progress.Cancelled());
+  // Cancel is offered by waits alone; the window then stays until the wait has ended.
+  progress.ShowWait("Searching", "Cancel", 3, 128);
+  EXPECT_EQ(shown->findChild<QLabel*>("lblPrgrs")->text(), "Searching");
+  EXPECT_FALSE(progress.Cancelled());
+  QTest::mouseClick(shown->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+  EXPECT_TRUE(progress.Cancelled() && shown->isVisible());
   progress.End();
-  EXPECT_FALSE(shown->isVisible());
+  EXPECT_FALSE(shown->isVisible() || progress.Cancelled());
   progress.Advance();
 }
 
