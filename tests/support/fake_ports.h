@@ -53,7 +53,10 @@ class ScriptedPrompts : public Prompts {
     return *this;
   }
   // Runs while the next message is open, before it is answered.
-  void WhileOpen(std::function<void()> action) { whileOpen_ = std::move(action); }
+  ScriptedPrompts& WhileOpen(std::function<void()> action) {
+    whileOpen_ = std::move(action);
+    return *this;
+  }
 
   PromptAnswer Message(const MessageRequest& request) override {
     messages.push_back(request);
