@@ -11,13 +11,8 @@
 namespace corlune::testing {
 
 struct RunRig : InstrumentRig {
-  explicit RunRig(Prompts* otherPrompts = nullptr)
-      : run{state, sequence, commands, catalogue, otherPrompts ? *otherPrompts : prompts,
-            timer, display,  view} {
-    script.onExchange = [this](const std::string& line) {
-      events.push_back(line);
-      if (onExchange) onExchange(line);
-    };
+  RunRig() {
+    script.onExchange = [this](const std::string& line) { events.push_back(line); };
     state.OperationMode = OperationMode::Execution;
     state.OutputOn = true;
     UseSteps(3);
@@ -60,14 +55,13 @@ struct RunRig : InstrumentRig {
   RecordedTickSource timer{&events};
   RecordedDisplay display{&events};
   RecordedView view{&events};
-  RunContext run;
+  RunContext run{state, sequence, commands, catalogue, prompts, timer, display, view};
   Activity activity;
   Measure measure{run};
   RunQueries queries{run, measure};
   std::function<bool()> download;
   RunControl control{run, measure, queries, activity, [this] { return !download || download(); }};
   RunMonitor monitor{run, measure, queries, control, activity};
-  std::function<void(const std::string&)> onExchange;
 };
 
 }  // namespace corlune::testing
