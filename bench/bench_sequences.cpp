@@ -30,7 +30,7 @@ std::string FileBytes() {
 
 std::string SequenceText() {
   std::string text;
-  AppendSequenceText(text, Sequence(), "QM2220", MAX_CHANNELS);
+  AppendSequenceText(text, Sequence(), ShippedDefinition(), "QM2220", MAX_CHANNELS);
   return text;
 }
 
@@ -132,7 +132,7 @@ void sequence_text(benchmark::State& state) {
   for (auto _ : state) {
     text.clear();
     text.shrink_to_fit();
-    AppendSequenceText(text, Sequence(), "QM2220", MAX_CHANNELS);
+    AppendSequenceText(text, Sequence(), ShippedDefinition(), "QM2220", MAX_CHANNELS);
     benchmark::DoNotOptimize(text.data());
   }
   state.counters["bytes"] = static_cast<double>(text.size());

@@ -38,7 +38,8 @@ void ReadFile(benchmark::State& state, const std::string& path, std::size_t file
   for (auto _ : state) {
     ReadArbFile(path, read);
     benchmark::DoNotOptimize(read.block.data());
-    if (read.problem != WaveformProblem::None || read.pointCount != kMaxWaveformPoints) Fail(read.reason);
+    if (read.problem != WaveformProblem::None || read.pointCount != kMaxWaveformPoints)
+      Fail(ReasonText(read.reason, MessageCatalogue(10000)));
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(fileSize));
 }

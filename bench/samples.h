@@ -92,7 +92,7 @@ inline SequenceData FullSequence(int steps) {
     }
   }
   ComputeStartValues(sequence);
-  ComputeRunTimes(sequence);
+  ComputeRunTimes(sequence, ShippedDefinition());
   return sequence;
 }
 

@@ -30,7 +30,7 @@ corlune::SequenceData EndlessRun() {
   last.JumpTo = 1;
   last.JumpCountOn = 0;
   ComputeStartValues(sequence);
-  ComputeRunTimes(sequence);
+  ComputeRunTimes(sequence, bench::ShippedDefinition());
   return sequence;
 }
 

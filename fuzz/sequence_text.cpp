@@ -11,8 +11,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string_view text = fuzz::Text(data, size);
   static const auto fresh = std::make_unique<SequenceData>();
   auto sequence = std::make_unique<SequenceData>();
-  const ReceivedSteps received = ReadSequenceText(text, 2, *sequence);
-  const std::int16_t count = ReceivedStepCount(received, *sequence, *fresh, 2);
+  const ReceivedSteps received = ReadSequenceText(text, 2, ModelDefinition{}, *sequence);
+  const std::int16_t count = ReceivedStepCount(received, *sequence, *fresh, ModelDefinition{}, 2);
   fuzz::Require(count >= 0 && count <= MAX_STEPS, "the step count is in range");
 
   auto strict = std::make_unique<CompiledSequence>();

@@ -13,12 +13,12 @@ declare -A below=(
   [compile]="compile commands comm sequence modeldef core platform"
   [execution]="execution compile commands comm sequence modeldef core platform"
   [session]="session execution compile commands comm sequence modeldef core platform"
-  [editing]="editing sequence modeldef core platform"
+  [editing]="editing compile sequence modeldef core platform"
   [graph]="graph editing sequence modeldef core platform"
   [view]="view graph editing execution sequence modeldef core platform"
   [dialogs]="dialogs editing session execution compile commands comm sequence modeldef core platform"
   [ui]="ui view graph dialogs editing session execution compile commands comm sequence modeldef core platform"
-  [cli]="cli session execution compile commands comm sequence modeldef core platform"
+  [cli]="cli editing session execution compile commands comm sequence modeldef core platform"
   [app]="app ui view graph dialogs editing cli session execution compile commands comm sequence modeldef core platform"
 )
 bad=0

@@ -123,7 +123,10 @@ void ConsoleLoop::Turn(int milliseconds) {
   }
   // A tick that runs a wait of its own comes back here; the timer does not fire inside its own handler.
   if (nextTick_ && !inTick_ && TickReached(clock_.Now(), *nextTick_)) {
-    nextTick_ = clock_.Now() + kTickInterval;
+    // From when it was due, so that the ticks keep their distance; one that a long wait swallowed is left
+    // out.
+    *nextTick_ += kTickInterval;
+    if (TickReached(clock_.Now(), *nextTick_)) nextTick_ = clock_.Now() + kTickInterval;
     inTick_ = true;
     if (onTick_) onTick_();
     inTick_ = false;

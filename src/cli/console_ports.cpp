@@ -55,7 +55,7 @@ PromptAnswer ConsolePrompts::Message(const MessageRequest& request) {
 }
 
 std::optional<std::string> ConsolePrompts::Input(const InputRequest& request) {
-  if (answers_.Name) {
+  if (answers_.Name && request.prompt == namePrompt_) {
     // Given on the command line once; when it is refused the prompt comes again and counts as cancelled.
     return std::exchange(answers_.Name, std::string()).value();
   }

@@ -24,6 +24,8 @@ struct ConsoleAnswers {
 class ConsolePrompts : public Prompts {
  public:
   ConsolePrompts(ConsoleLoop& loop, ConsoleAnswers answers);
+  // The text of the prompt that ConsoleAnswers::Name answers; others come from simulated instruments.
+  void TakeNameFor(const std::string& prompt) { namePrompt_ = prompt; }
   PromptAnswer Message(const MessageRequest& request) override;
   std::optional<std::string> Input(const InputRequest& request) override;
 
@@ -32,6 +34,7 @@ class ConsolePrompts : public Prompts {
 
   ConsoleLoop& loop_;
   ConsoleAnswers answers_;
+  std::string namePrompt_;
   bool person_;
 };
 

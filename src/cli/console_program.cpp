@@ -9,6 +9,10 @@
 
 namespace corlune {
 
+namespace {
+constexpr int kNamePrompt = 9208;
+}  // namespace
+
 void ExitProgram::EndNow(int exitCode) {
   loop_.RawKeys(false);
   transferFolder_.Remove();
@@ -29,14 +33,22 @@ ConsoleProgram::ConsoleProgram(const ProgramOptions& options, const ConsoleAnswe
   session_ = std::make_unique<Session>(ports, sessionOptions,
                                        MakeParts(options, sessionOptions.programFolder, prompts_, clock_));
   session_->State().TransferFolder = transferFolder_.Path();
+  prompts_.TakeNameFor(session_->Catalogue().GetResString(kNamePrompt));
   display_.Attach(session_->State(), session_->Sequence(), session_->Catalogue());
   loop_.OnTick([this] { session_->Monitor().Tick(); });
 }
 
 bool ConsoleProgram::Load(const std::string& path) {
-  if (session_->StartUpFromFile(path)) return true;
-  if (!session_->LoadProblem().empty()) Fail(session_->LoadProblem());
-  return false;
+  return Started(session_->StartUpFromFile(path));
+}
+
+bool ConsoleProgram::StartWithoutFile() {
+  return Started(session_->StartUpWithoutFile());
+}
+
+bool ConsoleProgram::Started(bool done) const {
+  if (!done && !session_->LoadProblem().empty()) Fail(session_->LoadProblem());
+  return done;
 }
 
 bool ConsoleProgram::Connect(const std::optional<std::string>& serial) {

@@ -50,6 +50,8 @@ class ConsoleProgram {
 
   // Loads the file with its model and set-up; shows its problem. False: failed.
   bool Load(const std::string& path);
+  // The same without a file: the instrument will tell its model.
+  bool StartWithoutFile();
   // Goes on-line; says on standard error why it could not. False: failed.
   bool Connect(const std::optional<std::string>& serial);
   // Compiles the loaded sequence into `compiled`; says on standard error what is wrong. False: failed.
@@ -58,6 +60,9 @@ class ConsoleProgram {
   void EndNow(int exitCode) { end_.EndNow(exitCode); }
 
  private:
+  // Says the session's problem unless `done`.
+  bool Started(bool done) const;
+
   SteadyTickClock clock_;
   ConsoleLoop loop_;
   ConsolePrompts prompts_;

@@ -3,21 +3,22 @@
 
 #include "cli/commands.h"
 #include "compile/sequence_text.h"
+#include "compile/step_flow.h"
 #include "compile/transfer_file.h"
 #include "core/files.h"
 #include "core/numbers.h"
+#include "editing/sequence_check.h"
 #include "sequence/channel_tabs.h"
 #include "sequence/run_times.h"
 #include "sequence/waveform_file.h"
-#include "sequence/waveform_path.h"
 
 namespace corlune {
 namespace {
 
 int Emit(const std::string& text, const std::string& out) {
   if (!out.empty()) return WriteOutput(out, text);
-  std::cout << text << std::flush;
-  return std::cout ? kExitSuccess : Fail("standard output: write failed");
+  std::cout << text;
+  return kExitSuccess;
 }
 
 // What is wrong with a waveform file, as one line.
@@ -25,8 +26,7 @@ std::string WaveformComplaint(const MessageCatalogue& catalogue, const std::stri
                               const WaveformRead& read) {
   std::string text = path + ": ";
   if (const int message = MessageOf(read.problem); message != 0) text += catalogue.GetResString(message);
-  if (!read.reason.empty()) text += (text.back() == ' ' ? "" : " ") + read.reason;
-  return text;
+  return text + (text.back() == ' ' ? "" : " ") + ReasonText(read.reason, catalogue);
 }
 
 }  // namespace
@@ -36,38 +36,32 @@ int CheckCommand(ConsoleProgram& program, const std::string& file) {
   Session& session = program.GetSession();
   const SequenceData& sequence = session.Sequence();
   const AppState& state = session.State();
-  const int channels = EditedChannels(state);
+  const MessageCatalogue& catalogue = program.Catalogue();
+  const auto findings =
+      CheckSequenceData({state, session.Definition(), sequence, catalogue, session.Compiler()});
+  for (const SequenceFinding& finding : findings) Fail(FindingLine(finding, catalogue, sequence.StartStep));
+  if (PreventsDownload(findings)) return kExitFailed;
 
-  int exitCode = kExitSuccess;
+  const int channels = EditedChannels(state);
   std::set<int> arbs;
   for (int channel = 0; channel < channels; ++channel) {
     for (int step = 0; step < sequence.StepCount; ++step) {
-      if (sequence.Cell(channel, step, kSlotWaveform).Value != double{kWaveUser}) continue;
-      const double number = sequence.Cell(channel, step, kSlotArbNumber).Value;
-      if (number >= 1 && number <= kArbNumbers) arbs.insert(static_cast<int>(number));
+      const int number = ArbNumberOf(sequence.Cell(channel, step, kSlotArbNumber));
+      if (WaveformOf(sequence, channel, step) == kWaveUser && number != 0) arbs.insert(number);
     }
   }
-  for (const int number : arbs) {
-    const std::string& stored = sequence.Channels.ArbFiles[static_cast<std::size_t>(number - 1)].FilePath;
-    if (stored.empty()) continue;  // may be in the instrument already; the download checks that
-    const std::string path = ResolveWaveformPath(stored, state);
-    const WaveformRead read = ReadArbFile(path);
-    if (read.problem != WaveformProblem::None) {
-      exitCode = Fail(WaveformComplaint(program.Catalogue(), path, read));
-    }
-  }
-  if (exitCode != kExitSuccess) return exitCode;
-  std::cout << program.Catalogue().GetResString(8103, {state.ModelName, std::to_string(sequence.StepCount),
-                                                       std::to_string(channels), std::to_string(arbs.size())})
-            << std::endl;
-  return kExitSuccess;
+  return Emit(catalogue.GetResString(8103, {state.ModelName, std::to_string(sequence.StepCount),
+                                            std::to_string(channels), std::to_string(arbs.size())}) +
+                  "\n",
+              {});
 }
 
 int TextCommand(ConsoleProgram& program, const std::string& file, const std::string& out) {
   if (!program.Load(file)) return kExitFailed;
-  const AppState& state = program.GetSession().State();
+  Session& session = program.GetSession();
+  const AppState& state = session.State();
   std::string text;
-  AppendSequenceText(text, program.GetSession().Sequence(), state.ModelName, EditedChannels(state));
+  AppendSequenceText(text, session.Sequence(), session.Definition(), state.ModelName, EditedChannels(state));
   return Emit(text, out);
 }
 
@@ -93,7 +87,7 @@ int TimesCommand(ConsoleProgram& program, const std::string& file) {
 
 int PrintTimes(ConsoleProgram& program) {
   SequenceData& sequence = program.GetSession().Sequence();
-  const RunTimes times = ComputeRunTimes(sequence);
+  const RunTimes times = ComputeRunTimes(sequence, program.GetSession().Definition());
   std::string lines;
   for (int step = 0; step < sequence.StepCount; ++step) {
     AppendInteger(lines, sequence.StartStep + step);

@@ -8,14 +8,13 @@ namespace corlune {
 
 int ReadCommand(ConsoleProgram& program, const ReadOptions& options) {
   Session& session = program.GetSession();
-  if (options.setup.empty() ? !session.StartUpWithoutFile() : !program.Load(options.setup))
-    return kExitFailed;
-  if (!program.Connect(options.serial)) return kExitFailed;
+  if (options.setup.empty() ? !program.StartWithoutFile() : !program.Load(options.setup)) return kExitFailed;
   // The instrument only waits to be read, so a read can be given up at any time.
   program.Loop().OnInterrupt([&](int) {
     session.Disconnect();
     program.EndNow(kExitFailed);
   });
+  if (!program.Connect(options.serial)) return kExitFailed;
   session.Sequence().SequenceNumber = static_cast<std::int16_t>(options.number);
   const bool received = session.ReadBack();
   program.Loop().OnInterrupt({});
@@ -23,17 +22,15 @@ int ReadCommand(ConsoleProgram& program, const ReadOptions& options) {
   if (!received) return kExitFailed;
   if (!options.out.empty()) return session.WriteFile(options.out, true) ? kExitSuccess : kExitFailed;
   std::string text;
-  AppendSequenceText(text, session.Sequence(), session.State().ModelName, EditedChannels(session.State()));
-  std::cout << text << std::flush;
+  AppendSequenceText(text, session.Sequence(), session.Definition(), session.State().ModelName,
+                     EditedChannels(session.State()));
+  std::cout << text;
   return kExitSuccess;
 }
 
 int DevicesCommand(ConsoleProgram& program) {
   Session& session = program.GetSession();
-  if (!session.StartUpWithoutFile()) {
-    if (!session.LoadProblem().empty()) Fail(session.LoadProblem());
-    return kExitFailed;
-  }
+  if (!program.StartWithoutFile()) return kExitFailed;
   int found = 0;
   std::string problem;
   const ModelDefinition& definition = session.Definition();

@@ -9,6 +9,12 @@
 namespace corlune {
 namespace {
 
+// Output that did not arrive is no success.
+int CheckOutput(const MessageCatalogue& catalogue, int exitCode) {
+  std::cout.flush();
+  return std::cout || exitCode != kExitSuccess ? exitCode : Fail(catalogue.GetResString(9753));
+}
+
 int Main(int argc, char** argv) {
   CLI::App app("Corlune console: checks, compiles, downloads and runs sequence files", "corlune-cli");
   app.require_subcommand(0, 1);  // its absence is reported after unknown options
@@ -22,6 +28,12 @@ int Main(int argc, char** argv) {
   RunOptions run;
   ReadOptions read;
   ConsoleAnswers answers;
+  const auto addOutput = [](CLI::App* sub, std::string& value, const char* what) {
+    return sub->add_option("-o,--output", value, what)
+        ->check(
+            [](const std::string& name) { return std::string(name.empty() ? "the file name is empty" : ""); })
+        ->type_name("OUT");
+  };
   const auto command = [&app](const char* name, const char* what) { return app.add_subcommand(name, what); };
   const auto addFile = [](CLI::App* sub, std::string& value) {
     sub->add_option("file", value, "Sequence file, in either form")->required()->type_name("FILE");
@@ -34,23 +46,19 @@ int Main(int argc, char** argv) {
   addFile(check, file);
   CLI::App* text = command("text", "Writes the sequence text");
   addFile(text, file);
-  text->add_option("-o,--output", out, "File to write; absent: standard output")->type_name("OUT");
+  addOutput(text, out, "File to write; absent: standard output");
   CLI::App* compile = command("compile", "Compiles the sequence");
   addFile(compile, file);
-  compile->add_option("-o,--output", out, "File to write; absent: sendata.bin in the application folder")
-      ->type_name("OUT");
+  addOutput(compile, out, "File to write; absent: sendata.bin in the application folder");
   CLI::App* save = command("save", "Rewrites a sequence file");
   addFile(save, file);
   save->add_flag("--work", work, "In the work-file form");
-  save->add_option("-o,--output", out,
-                   "File to write; user form: .dat is appended unless it ends in .dat or .daf")
-      ->required()
-      ->type_name("OUT");
+  addOutput(save, out, "File to write, named as it stands")->required();
   CLI::App* times = command("times", "Run time of each step and in total, in ms (-1: endless)");
   addFile(times, file);
   CLI::App* wave = command("wave", "Writes the transfer block of a waveform file");
   wave->add_option("file", file, "Waveform file, .txt or .wdb")->required()->type_name("FILE");
-  wave->add_option("-o,--output", out, "File to write")->required()->type_name("OUT");
+  addOutput(wave, out, "File to write")->required();
   CLI::App* runApp = command("run", "Downloads a sequence, runs it and follows it to its end");
   addFile(runApp, run.file);
   runApp->add_option("--name", answers.Name, "Sequence name, at most 20 characters")->type_name("NAME");
@@ -60,8 +68,7 @@ int Main(int argc, char** argv) {
   runApp->add_flag("--offline", run.offline, "Computes the run times only");
   CLI::App* readApp = command("read", "Reads a sequence back from the instrument");
   addNumber(readApp, "number", read.number, "Sequence memory of the instrument, 0 to 10")->required();
-  readApp->add_option("-o,--output", read.out, "Sequence file to write; absent: the sequence text")
-      ->type_name("FILE");
+  addOutput(readApp, read.out, "Sequence file to write; absent: the sequence text");
   readApp->add_option("--setup", read.setup, "Sequence file that names model and set-up")->type_name("FILE");
   readApp->add_option("--serial", read.serial, "Serial number of the USBTMC instrument")->type_name("S");
   CLI::App* devices = command("devices", "Lists the instruments found, or why none could be");
@@ -69,7 +76,9 @@ int Main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) return app.exit(error);
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::Success)) {
+      return CheckOutput(MessageCatalogue(CheckLanguage() ? 10000 : 0), app.exit(error));
+    }
     std::cerr << "corlune-cli: " << error.what() << std::endl;
     return kExitOptions;
   }
@@ -84,15 +93,16 @@ int Main(int argc, char** argv) {
     return WaveCommand(MessageCatalogue(english ? 10000 : 0), file, out);
   }
   ConsoleProgram program(options, answers);
-  if (check->parsed()) return CheckCommand(program, file);
-  if (text->parsed()) return TextCommand(program, file, out);
-  if (compile->parsed()) return CompileCommand(program, file, out);
-  if (save->parsed()) return SaveCommand(program, file, work, out);
-  if (times->parsed()) return TimesCommand(program, file);
-  if (runApp->parsed()) return RunSequenceCommand(program, run);
-  if (readApp->parsed()) return ReadCommand(program, read);
-  if (devices->parsed()) return DevicesCommand(program);
-  return kExitOptions;
+  int code = kExitOptions;
+  if (check->parsed()) code = CheckCommand(program, file);
+  if (text->parsed()) code = TextCommand(program, file, out);
+  if (compile->parsed()) code = CompileCommand(program, file, out);
+  if (save->parsed()) code = SaveCommand(program, file, work, out);
+  if (times->parsed()) code = TimesCommand(program, file);
+  if (runApp->parsed()) code = RunSequenceCommand(program, run);
+  if (readApp->parsed()) code = ReadCommand(program, read);
+  if (devices->parsed()) code = DevicesCommand(program);
+  return CheckOutput(program.Catalogue(), code);
 }
 
 }  // namespace

@@ -1,7 +1,10 @@
-// A folder for files of this process alone; it disappears with the object.
+// A folder for files of this process alone; it disappears with the object. What a killed process left behind
+// goes when the next one makes its folder.
 #pragma once
 
 #include <string>
+
+#include "platform/file_descriptor.h"
 
 namespace corlune {
 
@@ -19,6 +22,7 @@ class TemporaryFolder {
 
  private:
   std::string path_;
+  FileDescriptor lock_;  // of the folder, for as long as it is in use
 };
 
 }  // namespace corlune

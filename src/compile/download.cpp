@@ -24,7 +24,6 @@ namespace {
 constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
-
 constexpr int kMessageIllegal = 9400;
 constexpr int kMessageNoBlocks = 9600;
 
@@ -37,8 +36,14 @@ bool IsNameText(const std::string& name) {
   return std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"'; });
 }
 
-// Catalogue id of the parameter that a compiler error names; 0 for a code without one.
-int ParameterMessage(std::int32_t code) {
+int CheckMessage(ArbCheck check) {
+  if (check == ArbCheck::ArbMissing) return 9319;
+  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+}
+
+}  // namespace
+
+int CompilerParameterMessage(std::int32_t code) {
   switch (code) {
     case CMPLSEQ_ERROR_FREQUENCY:
       return 9314;
@@ -59,12 +64,9 @@ int ParameterMessage(std::int32_t code) {
   }
 }
 
-int CheckMessage(ArbCheck check) {
-  if (check == ArbCheck::ArbMissing) return 9319;
-  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+bool IsGoodCompilerResult(std::int32_t result) {
+  return result == 0 || result == CMPLSEQ_RESULT_ALSO_GOOD;
 }
-
-}  // namespace
 
 Downloader::Downloader(AppState& state, const ModelDefinition& definition, SequenceData& sequence,
                        CommandLayer& commands, InstrumentDialogues& dialogues, CompilerLibrary& compiler,
@@ -81,6 +83,7 @@ Downloader::Downloader(AppState& state, const ModelDefinition& definition, Seque
 
 bool Downloader::DownloadSequence() {
   if (UnderWay()) return false;
+  endRequested_ = false;
   outcome_ = {};
   if (commands_.Online()) {
     if (!AgreeToInterface()) {
@@ -95,7 +98,7 @@ bool Downloader::DownloadSequence() {
     ports_.display.RefreshControls();
   }
   if (outcome_.End != DownloadEnd::Done) return false;
-  const RunTimes times = ComputeRunTimes(sequence_);
+  const RunTimes times = ComputeRunTimes(sequence_, definition_);
   state_.TotalTime = times.Total;
   state_.TotalTimeSecond = times.Second;
   ports_.display.ShowTotalTime(times.Total);
@@ -110,7 +113,7 @@ bool Downloader::AgreeToInterface() {
 }
 
 DownloadEnd Downloader::Send() {
-  if (!AskName()) return DownloadEnd::Cancelled;
+  if (!AskName()) return DownloadEnd::NoName;
   const std::string workFile = TransferFile(state_, kSendFileName);
   if (CompileSequence(workFile) != 0) return DownloadEnd::Refused;
 
@@ -121,10 +124,15 @@ DownloadEnd Downloader::Send() {
   }
   if (!dialogues_.PrepareSequenceMode()) return DownloadEnd::NotSent;
   DownloadEnd end = SendWaveforms();
-  if (end == DownloadEnd::Done) end = SendBlock(workFile);
-  if (end == DownloadEnd::Done && sequence_.SequenceNumber != 0) end = RecordInMemory();
-  if (end == DownloadEnd::Done) end = TakeOver();
+  if (GoesOn(end)) end = SendBlock(workFile);
+  if (GoesOn(end) && sequence_.SequenceNumber != 0) end = RecordInMemory();
+  if (GoesOn(end)) end = TakeOver();
   return end;
+}
+
+bool Downloader::GoesOn(DownloadEnd& end) const {
+  if (end == DownloadEnd::Done && endRequested_) end = DownloadEnd::Cancelled;
+  return end == DownloadEnd::Done;
 }
 
 bool Downloader::AskName() {
@@ -159,7 +167,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
   const auto arbs = ArbInformationTable(sequence_.Channels.ArbFiles);
   CompileErrorRecord record{};
   std::int32_t result = 0;
-  if (!BuildSequenceText(workFile, sequence_, state_.ModelName, channels, &outcome_.Detail)) {
+  if (!BuildSequenceText(workFile, sequence_, definition_, state_.ModelName, channels, &outcome_.Detail)) {
     ShowCritical(kMessageIllegal);
     return -1;
   }
@@ -172,7 +180,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
     ReportCompileError(record);
     return -1;
   }
-  if (result != 0 && result != CMPLSEQ_RESULT_ALSO_GOOD) {
+  if (!IsGoodCompilerResult(result)) {
     ports_.prompts.Message(
         {catalogue_.GetResString(kMessageIllegal), PromptIcon::None, PromptButtons::Ok, "for Debug"});
   }
@@ -180,7 +188,7 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
 }
 
 void Downloader::ReportCompileError(const CompileErrorRecord& record) {
-  std::string text = catalogue_.GetResString(ParameterMessage(record.Code));
+  std::string text = catalogue_.GetResString(CompilerParameterMessage(record.Code));
   if (record.Code < CMPLSEQ_ERROR_MEMORY_FULL) {
     const std::int32_t second = record.Code == CMPLSEQ_ERROR_FREQUENCY ? record.PositionA : record.PositionC;
     text = catalogue_.GetResString(9313,
@@ -228,7 +236,7 @@ int Downloader::TransferUsedArbs() {
   transferEnd_ = ArbTransfer::Done;
   int failed = 0;
   waveforms_.SetTimeOut(kTimeOut30s);
-  for (int number = 1; number <= kArbNumbers; ++number) {
+  for (int number = 1; number <= kArbNumbers && !endRequested_; ++number) {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
     if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
     transferEnd_ = waveforms_.SendAndCheck(entry, number, [&](std::int32_t milliseconds) {

@@ -23,7 +23,8 @@ inline constexpr const char* kUseStepFileName = "UseStep.txt";
 enum class DownloadEnd {
   Done,
   UnderWay,         // refused: another download has not ended yet
-  Cancelled,        // no name was given, or the interface question was answered with Cancel
+  Cancelled,        // RequestEnd, or the interface question was answered with Cancel; nothing was taken over
+  NoName,           // no name was given
   Refused,          // the sequence, its waveform files or the compiler; a message said why
   NotSent,          // an exchange with the instrument failed
   InstrumentError,  // the instrument reported an error number
@@ -35,7 +36,7 @@ struct DownloadOutcome {
   DownloadEnd End = DownloadEnd::Done;
   std::int32_t ErrorNumber = 0;  // with InstrumentError
   // With Refused: what the message does not say, such as the file and the reason why it is no waveform, or
-  // where the compiler library was looked for. In English; empty when there is nothing to add.
+  // where the compiler library was looked for (in the system's words). Empty when there is nothing to add.
   std::string Detail;
 };
 
@@ -45,6 +46,11 @@ struct DownloadPorts {
   RunDisplay& display;
   Activity& activity;
 };
+
+// Catalogue id of the parameter that a compiler error names; 0 for a code without one.
+int CompilerParameterMessage(std::int32_t code);
+// Of the library's call, where its record holds no code.
+bool IsGoodCompilerResult(std::int32_t result);
 
 class Downloader {
  public:
@@ -59,6 +65,9 @@ class Downloader {
   // False also when a download is under way: a handler that runs inside its waits cannot start a second.
   [[nodiscard]] bool DownloadSequence();
   bool UnderWay() const { return ports_.activity.Under(Work::Download); }
+  // Asks the download under way to end, which it does between two of its parts: between waveforms, before the
+  // sequence block, before the instrument takes the sequence over. A block under way is sent to its end.
+  void RequestEnd() { endRequested_ = true; }
   const DownloadOutcome& Outcome() const { return outcome_; }
 
   // 0 on success, -1 when the compiler reported an error, else the ARB check code (4096, 4097, 4100, 4104);
@@ -79,6 +88,8 @@ class Downloader {
   DownloadEnd RecordInMemory();
   DownloadEnd TakeOver();
   DownloadEnd WaitAndQueryError(std::int32_t milliseconds);
+  // Between two parts: `end` is that of the first one, and becomes Cancelled after RequestEnd.
+  bool GoesOn(DownloadEnd& end) const;
   bool AgreeToInterface();
   bool AskName();
   void ReportCompileError(const CompileErrorRecord& record);
@@ -93,6 +104,7 @@ class Downloader {
   const MessageCatalogue& catalogue_;
   DownloadPorts ports_;
   WaveformTransfer waveforms_;
+  bool endRequested_ = false;
   ArbTransfer transferEnd_ = ArbTransfer::Done;  // of the last TransferUsedArbs
   DownloadOutcome outcome_;
 };

@@ -7,6 +7,7 @@ std::string DownloadOutcomeText(const DownloadOutcome& outcome, const MessageCat
     case DownloadEnd::Done:
     case DownloadEnd::UnderWay:
     case DownloadEnd::Cancelled:
+    case DownloadEnd::NoName:
       return {};
     case DownloadEnd::Refused:
       return outcome.Detail;

@@ -18,6 +18,7 @@
 #include "sequence/channel_tabs.h"
 #include "sequence/defaults.h"
 #include "sequence/start_values.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -78,11 +79,12 @@ bool ReadCommonLine(std::string_view line, CommonParams& common) {
   return true;
 }
 
-bool ReadStepLine(std::string_view line, StepRow& row) {
+bool ReadStepLine(std::string_view line, const ModelDefinition& definition, StepRow& row) {
   FieldReader fields(line);
   if (!fields.Has(kStepFields)) return false;
   StepRow read = row;
-  read.StepTime = fields.Number(1);
+  read.TimeUnit = 0;
+  read.StepTime = FromBase(TimeColumn(definition), fields.Number(1), 0);
   read.StepTerm = fields.Word(2) == "CONT" ? 0 : 1;
   read.AutoHold = fields.OnOffFlag(3);
   read.StepCode = fields.Integer(4);
@@ -112,7 +114,8 @@ std::int16_t ChangeModeOf(std::string_view word) {
   return word == "SWE" ? kModeSweep : kModeConst;
 }
 
-bool ReadChannelLine(std::string_view line, SequenceData& sequence, int channel, int slot) {
+bool ReadChannelLine(std::string_view line, const ModelDefinition& definition, SequenceData& sequence,
+                     int channel, int slot) {
   struct Read {
     int slot;
     double value;
@@ -135,7 +138,8 @@ bool ReadChannelLine(std::string_view line, SequenceData& sequence, int channel,
   if (fields.Malformed()) return false;
   for (const Read& item : read) {
     ParamCell& cell = sequence.Cell(channel, slot, item.slot);
-    cell.Value = item.value;
+    cell.UnitIndex = 0;
+    SetBaseValue(definition, item.slot, item.value, cell);
     if (item.mode) cell.ChangeMode = *item.mode;
   }
   return true;
@@ -170,8 +174,8 @@ bool FirstTime(ReceivedSteps& seen, int slot) {
   return first;
 }
 
-void ReadEntry(const IniEntry& entry, int channels, SequenceData& sequence, SeenKeys& seen,
-               ReceivedSteps& received) {
+void ReadEntry(const IniEntry& entry, int channels, const ModelDefinition& definition, SequenceData& sequence,
+               SeenKeys& seen, ReceivedSteps& received) {
   const std::string key = UpperAscii(TrimBlanks(entry.key));
   const std::string_view value = TrimBlanks(entry.rawValue).substr(0, kValueLength);
   if (value.empty() || value[0] == '\0') return;
@@ -181,13 +185,13 @@ void ReadEntry(const IniEntry& entry, int channels, SequenceData& sequence, Seen
     if (!std::exchange(seen.common, true)) ReadCommonLine(value, sequence.Common);
   } else if (key.starts_with("STEP#") && ReadIndexes(indexText, index.data(), 1) && index[0] < MAX_STEPS) {
     if (!FirstTime(seen.steps, index[0])) return;
-    if (ReadStepLine(value, sequence.Steps[static_cast<std::size_t>(index[0])])) {
+    if (ReadStepLine(value, definition, sequence.Steps[static_cast<std::size_t>(index[0])])) {
       received.set(static_cast<std::size_t>(index[0]));
     }
   } else if (key.starts_with("CHAN#") && ReadIndexes(indexText, index.data(), 2) && index[0] < MAX_STEPS &&
              index[1] >= 1 && index[1] <= std::min(channels, MAX_CHANNELS)) {
     if (!FirstTime(seen.cells[static_cast<std::size_t>(index[1] - 1)], index[0])) return;
-    if (ReadChannelLine(value, sequence, index[1] - 1, index[0])) {
+    if (ReadChannelLine(value, definition, sequence, index[1] - 1, index[0])) {
       received.set(static_cast<std::size_t>(index[0]));
     }
   }
@@ -208,27 +212,28 @@ bool Refuse(Prompts& prompts, const MessageCatalogue& catalogue) {
 
 }  // namespace
 
-ReceivedSteps ReadSequenceText(std::string_view text, int channels, SequenceData& sequence) {
+ReceivedSteps ReadSequenceText(std::string_view text, int channels, const ModelDefinition& definition,
+                               SequenceData& sequence) {
   ReceivedSteps received;
   SeenKeys seen;
   const std::string section = GetIniSectionOfText(text, "DATA");
   ForEachIniEntry(section, [&](const IniEntry& entry) {
-    ReadEntry(entry, channels, sequence, seen, received);
+    ReadEntry(entry, channels, definition, sequence, seen, received);
     return true;
   });
   return received;
 }
 
 std::int16_t ReceivedStepCount(const ReceivedSteps& received, const SequenceData& sequence,
-                               const SequenceData& fresh, int channels) {
+                               const SequenceData& fresh, const ModelDefinition& definition, int channels) {
   std::string lines;
   std::string freshLines;
   for (int slot = MAX_STEPS - 1; slot >= 0; --slot) {
     if (!received[static_cast<std::size_t>(slot)]) continue;
     lines.clear();
     freshLines.clear();
-    AppendStepLines(lines, sequence, slot, channels);
-    AppendStepLines(freshLines, fresh, slot, channels);
+    AppendStepLines(lines, sequence, definition, slot, channels);
+    AppendStepLines(freshLines, fresh, definition, slot, channels);
     if (lines != freshLines) return static_cast<std::int16_t>(slot + 1);
   }
   return 0;
@@ -238,16 +243,23 @@ bool ReadBackSequence(CommandLayer& commands, Prompts& prompts, const MessageCat
                       SequenceData& sequence) {
   if (!commands.Online()) return false;
   const std::string path = TransferFile(commands.State(), kReceiveFileName);
+  // The library that writes the file cannot say why it failed, so room for the longest answer is made first.
+  std::string error;
+  if (!ReplaceFile(path, std::string(kLongestAnswer, '\0'), &error)) {
+    ShowMessage(prompts, catalogue, 9640, PromptIcon::Exclamation, PromptButtons::Ok, {path, error});
+    return false;
+  }
   const bool arrived = ReceiveIntoFile(commands, number, path);
   const std::optional<std::string> bytes = arrived ? ReadWholeFile(path) : std::nullopt;
   if (!bytes) return Refuse(prompts, catalogue);
   const int channels = EditedChannels(commands.State());
   const auto read = std::make_unique<SequenceData>(sequence);
-  const ReceivedSteps received = ReadSequenceText(DecodeText(*bytes), channels, *read);
+  const ModelDefinition& definition = commands.Definition();
+  const ReceivedSteps received = ReadSequenceText(DecodeText(*bytes), channels, definition, *read);
   if (received.none()) return Refuse(prompts, catalogue);
   const auto fresh = std::make_unique<SequenceData>();
-  for (int slot = 0; slot < MAX_STEPS; ++slot) ResetStep(*fresh, slot, commands.Definition());
-  read->StepCount = ReceivedStepCount(received, *read, *fresh, channels);
+  for (int slot = 0; slot < MAX_STEPS; ++slot) ResetStep(*fresh, slot, definition);
+  read->StepCount = ReceivedStepCount(received, *read, *fresh, definition, channels);
   ComputeStartValues(*read);
   sequence = *read;
   return true;

@@ -8,6 +8,7 @@
 
 #include "comm/command_layer.h"
 #include "core/catalogue.h"
+#include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 
 namespace corlune {
@@ -16,20 +17,22 @@ namespace corlune {
 using ReceivedSteps = std::bitset<MAX_STEPS>;
 
 // Reads the whole memory `number` (0..10) of instrument 0 into `sequence`: exchange, text, step count and
-// start values. On failure, also when the answer holds no step, message 9207 has been shown and `sequence` is
-// as it was. Pumps events for
-// 5.5 s; the caller keeps edits away meanwhile. Off-line nothing happens and the result is false.
+// start values. On failure, also when the answer holds no step, message 9207 (9640 without room for the
+// answer) has been shown and `sequence` is as it was. Pumps events for 5.5 s; the caller keeps edits away
+// meanwhile. Off-line nothing happens and the result is false.
 [[nodiscard]] bool ReadBackSequence(CommandLayer& commands, Prompts& prompts,
                                     const MessageCatalogue& catalogue, int number, SequenceData& sequence);
 
 // Takes the common parameters, steps and channel cells (channels 1..`channels`) of a sequence text over into
-// `sequence`. What the text lacks stays as it is; a line with too few fields or with a number that is none
-// is skipped whole. Step count, units, branch destinations and start values are left alone.
-ReceivedSteps ReadSequenceText(std::string_view text, int channels, SequenceData& sequence);
+// `sequence`, the values in the first unit of their columns. What the text lacks stays as it is; a line with
+// too few fields or with a number that is none is skipped whole. Step count, branch destinations and start
+// values are left alone.
+ReceivedSteps ReadSequenceText(std::string_view text, int channels, const ModelDefinition& definition,
+                               SequenceData& sequence);
 
 // Number of the last received step that differs from a new one in anything that a sequence text carries;
 // 0 when none does. `fresh` holds new steps in all slots.
 std::int16_t ReceivedStepCount(const ReceivedSteps& received, const SequenceData& sequence,
-                               const SequenceData& fresh, int channels);
+                               const SequenceData& fresh, const ModelDefinition& definition, int channels);
 
 }  // namespace corlune

@@ -7,6 +7,7 @@
 
 #include "core/files.h"
 #include "core/numbers.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -48,11 +49,11 @@ void AppendCommon(std::string& out, const CommonParams& common) {
   out += "\r\n";
 }
 
-void AppendStep(std::string& out, int slot, const StepRow& row) {
+void AppendStep(std::string& out, int slot, const StepRow& row, const ModelDefinition& definition) {
   out += "STEP#";
   AppendInteger(out, slot);
   out += '=';
-  AppendNumber(out, row.StepTime);
+  AppendNumber(out, BaseTime(definition, row));
   out += row.StepTerm == 0 ? ",CONT" : ",STOP";
   AppendField(out, row.AutoHold);
   AppendField(out, row.StepCode);
@@ -70,7 +71,8 @@ void AppendStep(std::string& out, int slot, const StepRow& row) {
   out += "\r\n";
 }
 
-void AppendChannel(std::string& out, const SequenceData& sequence, int channel, int slot) {
+void AppendChannel(std::string& out, const SequenceData& sequence, const ModelDefinition& definition,
+                   int channel, int slot) {
   out += "CHAN#";
   AppendInteger(out, slot);
   out += '#';
@@ -88,7 +90,7 @@ void AppendChannel(std::string& out, const SequenceData& sequence, int channel, 
   for (const int param : {kSlotFrequency, kSlotAmplitude, kSlotOffset, kSlotPhase, kSlotDuty}) {
     const ParamCell& cell = sequence.Cell(channel, slot, param);
     out += ',';
-    AppendNumber(out, cell.Value);
+    AppendNumber(out, BaseValue(definition, param, cell));
     out += ',';
     out += WordOf(kModes, cell.ChangeMode);
   }
@@ -97,8 +99,8 @@ void AppendChannel(std::string& out, const SequenceData& sequence, int channel, 
 
 }  // namespace
 
-void AppendSequenceText(std::string& out, const SequenceData& sequence, const std::string& model,
-                        int channels) {
+void AppendSequenceText(std::string& out, const SequenceData& sequence, const ModelDefinition& definition,
+                        const std::string& model, int channels) {
   out.reserve(out.size() + kTextReserve);
   out += "[FILE]\r\nVERSION=\"1.00\"\r\n[SYSTEM]\r\nMODEL=\"";
   out += model;
@@ -107,22 +109,25 @@ void AppendSequenceText(std::string& out, const SequenceData& sequence, const st
   out += "\r\nVERSION=\"1.00\"\r\n[DATA]\r\n";
   AppendCommon(out, sequence.Common);
   for (int slot = 0; slot < MAX_STEPS; ++slot) {
-    AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)]);
+    AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)], definition);
   }
   for (int channel = 0; channel < channels; ++channel) {
-    for (int slot = 0; slot < MAX_STEPS; ++slot) AppendChannel(out, sequence, channel, slot);
+    for (int slot = 0; slot < MAX_STEPS; ++slot) AppendChannel(out, sequence, definition, channel, slot);
   }
 }
 
-void AppendStepLines(std::string& out, const SequenceData& sequence, int slot, int channels) {
-  AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)]);
-  for (int channel = 0; channel < channels; ++channel) AppendChannel(out, sequence, channel, slot);
+void AppendStepLines(std::string& out, const SequenceData& sequence, const ModelDefinition& definition,
+                     int slot, int channels) {
+  AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)], definition);
+  for (int channel = 0; channel < channels; ++channel)
+    AppendChannel(out, sequence, definition, channel, slot);
 }
 
-bool BuildSequenceText(const std::string& path, const SequenceData& sequence, const std::string& model,
-                       int channels, std::string* error) {
+bool BuildSequenceText(const std::string& path, const SequenceData& sequence,
+                       const ModelDefinition& definition, const std::string& model, int channels,
+                       std::string* error) {
   std::string text;
-  AppendSequenceText(text, sequence, EncodeText(model), channels);
+  AppendSequenceText(text, sequence, definition, EncodeText(model), channels);
   return ReplaceFile(path, text, error);
 }
 

@@ -51,7 +51,7 @@ class WaveformTransfer {
   [[nodiscard]] ArbTransfer TransferArbFile(ArbFileEntry& entry, int number);
   // Why the last TransferArbFile returned FileRefused, for a place that does not interrupt.
   WaveformProblem Problem() const { return read_.problem; }
-  const std::string& Reason() const { return read_.reason; }
+  std::string Reason() const { return ReasonText(read_.reason, catalogue_); }
 
   // TransferArbFile, `wait` for the time that the instrument needs (ms), error query; sets Transferred and
   // InInstrument. Message 9317 when the memory is full. Unless Done the flags are as before the transfer.

@@ -8,6 +8,7 @@
 #include "core/numbers.h"
 #include "editing/param_rules.h"
 #include "sequence/channel_tabs.h"
+#include "sequence/units.h"
 #include "sequence/user_units.h"
 
 namespace corlune {
@@ -67,7 +68,10 @@ std::string ChoiceText(const ChoiceList& list, double value) {
 std::string CommonText(const ModelDefinition& definition, const SequenceData& sequence, const StepRow& row,
                        int column) {
   const double value = CommonValue(row, column);
-  if (column == kGridStepTime) return NumberText(value);
+  if (column == kGridStepTime) {
+    const int unit = ShownTimeUnit(definition, sequence);
+    return NumberText(Converted(TimeColumn(definition), value, row.TimeUnit, unit));
+  }
   if (column == kGridStopPhase) return FormatNumber(value, "#0.#");
   if (IsTargetColumn(column)) return TargetText(static_cast<int>(value), sequence.StartStep);
   const ChoiceList list = CommonChoices(definition, column);
@@ -126,6 +130,10 @@ std::string GridViews::CommonHeader(int column) const {
   if (column > 0) {
     const ParamDef& param = CommonDefinition(definition_, column);
     if (param.ModeKind == 2 && !param.Name.empty()) return param.Name;
+    if (column == kGridStepTime && param.UnitKind == 2) {
+      return catalogue_.GetResString(kIdStep + column) + "[" +
+             UnitName(param, ShownTimeUnit(definition_, sequence_)) + "]";
+    }
   }
   return catalogue_.GetResString(kIdStep + column);
 }
@@ -185,11 +193,7 @@ std::string GridViews::ChannelHeader(int channel, int column) const {
   if (column == 0) return catalogue_.GetResString(kIdStep);
   const int param = column - 1;
   const ParamDef& definition = ChannelColumn(definition_, param);
-  std::string unit = definition.UnitKind != 0 ? definition.UnitName : std::string();
-  if (UserUnits(sequence_, definition_).Active(channel, param)) {
-    unit = sequence_.Channels.UserUnits[static_cast<std::size_t>(channel)][static_cast<std::size_t>(param)]
-               .UnitText;
-  }
+  const std::string unit = UserUnits(sequence_, definition_).UnitText(channel, param);
   return unit.empty() ? definition.Name : definition.Name + "\n" + unit;
 }
 
@@ -211,7 +215,8 @@ CellView GridViews::ChannelCell(int channel, GridRow row, int column) const {
     const ChoiceList list = ChannelChoices(definition_, param);
     cell.Alignment = list.Texts.empty() ? CellAlignment::Right : CellAlignment::Center;
     cell.Text = list.Texts.empty()
-                    ? UserUnits(sequence_, definition_).UserUnitText(value.Value, channel, step, param)
+                    ? UserUnits(sequence_, definition_)
+                          .UserUnitText(BaseValue(definition_, param, value), channel, step, param)
                     : ChoiceText(list, value.Value);
     const std::vector<std::int16_t> modes = ChangeModesOf(definition);
     const auto mode = std::find(modes.begin(), modes.end(), value.ChangeMode);

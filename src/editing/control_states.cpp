@@ -24,6 +24,7 @@ struct Situation {
   bool HasSteps = false;
   bool CanGrow = false;
   bool CopyBuffer = false;
+  bool Named = false;  // the sequence has a file
 };
 
 Situation SituationOf(const AppState& state, const Activity& activity, const ModelDefinition& definition,
@@ -43,14 +44,17 @@ Situation SituationOf(const AppState& state, const Activity& activity, const Mod
   now.HasSteps = conditions.StepCount > 0;
   now.CanGrow = conditions.StepCount < std::min<int>(definition.Common.MaxSteps, MAX_STEPS);
   now.CopyBuffer = conditions.CopyBufferFilled;
+  now.Named = !state.CurrentFilePath.empty();
   return now;
 }
 
 std::array<bool, 9> FileItems(const Situation& now) {
   const bool edit = now.Edit && now.Free;
   const bool atRest = (now.Edit || now.Stopped) && now.Output;
-  // New and Open replace what the instrument holds a copy of; saving does not.
-  return {edit, edit, atRest, atRest, atRest};
+  // New and Open replace what the instrument holds a copy of; saving does not. A file dialog would stand
+  // before the stop button of a running sequence.
+  const bool dialog = now.Output && !now.Running;
+  return {edit, edit, dialog || (now.Free && now.Named), dialog, atRest};
 }
 
 std::array<bool, 9> EditItems(const Situation& now) {

@@ -23,11 +23,8 @@ std::string WithUnit(const std::string& name, const std::string& unit) {
 
 std::string CommonHeaderOf(const GridViews& views, int column) {
   const ParamDef& definition = CommonDefinition(views.Definition(), column);
-  std::string unit = definition.UnitKind != 0 ? definition.UnitName : std::string();
-  if (definition.UnitKind == 2 && column == kGridStepTime && views.StepCount() > 0) {
-    const auto index = static_cast<std::size_t>(views.Sequence().Steps[0].TimeUnit);
-    if (index < definition.UnitList.size()) unit = definition.UnitList[index];
-  }
+  // The heading of the step times names the unit of a list itself.
+  const std::string unit = definition.UnitKind == 1 ? definition.UnitName : std::string();
   return WithUnit(OneLine(views.CommonHeader(column)), unit);
 }
 

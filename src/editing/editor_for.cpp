@@ -4,6 +4,7 @@
 
 #include "core/numbers.h"
 #include "editing/param_rules.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -35,7 +36,7 @@ std::vector<EditorOption> OptionsOf(const ParamDef& definition, std::size_t coun
 void OfferUnits(EditorSpec& spec, const ParamDef& definition, int chosen) {
   // The unit of a value can change between the first two entries, which differ by a factor of 1000.
   if (definition.UnitKind != 2) return;
-  const std::size_t count = std::min<std::size_t>(definition.UnitList.size(), 2);
+  const std::size_t count = std::min<std::size_t>(definition.UnitList.size(), kUnits);
   spec.Units.assign(definition.UnitList.begin(),
                     definition.UnitList.begin() + static_cast<std::ptrdiff_t>(count));
   spec.UnitTitle = definition.UnitTitle;
@@ -64,7 +65,9 @@ EditorSpec CommonEditor(const GridViews& views, const CellPlace& place) {
     spec.Options = OptionsOf(definition, 2, views.Catalogue());
     spec.ChosenOption = CommonSwitch(row, place.Column) ? kSwitchOn : kSwitchOff;
   }
-  if (place.Column == kGridStepTime) OfferUnits(spec, definition, row.TimeUnit);
+  if (place.Column == kGridStepTime) {
+    OfferUnits(spec, definition, ShownTimeUnit(views.Definition(), views.Sequence()));
+  }
   return spec;
 }
 
@@ -89,7 +92,7 @@ EditorSpec ChannelEditor(const GridViews& views, const CellPlace& place) {
     const auto mode = std::find(modes.begin(), modes.end(), cell.ChangeMode);
     spec.ChosenOption = mode == modes.end() ? -1 : static_cast<int>(mode - modes.begin());
   }
-  OfferUnits(spec, definition, cell.UnitIndex);
+  OfferUnits(spec, definition, ShownUnit(views.Definition(), views.Sequence(), place.Channel, param));
   return spec;
 }
 

@@ -6,6 +6,7 @@
 
 #include "core/numbers.h"
 #include "sequence/defaults.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -107,6 +108,15 @@ double CommonValue(const StepRow& row, int column) {
   return field == nullptr ? 0 : row.*field;
 }
 
+double CommonBaseValue(const ModelDefinition& definition, const StepRow& row, int column) {
+  return column == kGridStepTime ? BaseTime(definition, row) : CommonValue(row, column);
+}
+
+void SetCommonBaseValue(const ModelDefinition& definition, StepRow& row, int column, double base) {
+  SetCommonValue(row, column,
+                 column == kGridStepTime ? FromBase(TimeColumn(definition), base, row.TimeUnit) : base);
+}
+
 void SetCommonValue(StepRow& row, int column, double value) {
   if (column == kGridStepTime) {
     row.StepTime = value;
@@ -122,11 +132,9 @@ bool CommonInUse(const ModelDefinition& definition, const StepRow& row, int colu
          CommonSwitch(row, column);
 }
 
-void CopyCommonField(const StepRow& from, StepRow& to, int column) {
+void CopyCommonField(const ModelDefinition& definition, const StepRow& from, StepRow& to, int column) {
   if (column == kGridStepTime) {
-    to.StepTime = from.StepTime;
-    if (from.TimeUnit == 1 && to.TimeUnit == 0) to.StepTime *= 1000;
-    if (from.TimeUnit == 0 && to.TimeUnit == 1) to.StepTime /= 1000;
+    to.StepTime = Converted(TimeColumn(definition), from.StepTime, from.TimeUnit, to.TimeUnit);
     return;
   }
   SetCommonSwitch(to, column, CommonSwitch(from, column));
@@ -135,7 +143,7 @@ void CopyCommonField(const StepRow& from, StepRow& to, int column) {
 
 void ResetCommonField(StepRow& row, const ModelDefinition& definition, int column) {
   SetCommonSwitch(row, column, false);
-  SetCommonValue(row, column, DefaultValue(CommonDefinition(definition, column)));
+  SetCommonBaseValue(definition, row, column, DefaultValue(CommonDefinition(definition, column)));
 }
 
 ChoiceList CommonChoices(const ModelDefinition& definition, int column) {
@@ -205,10 +213,13 @@ ValueBounds ChannelBounds(const ModelDefinition& definition, const SequenceData&
   return BoundsOf(ChannelDefinition(definition, sequence, channel, step, param), sequence);
 }
 
-bool PeakFits(const SequenceData& sequence, int channel, int step) {
+bool PeakFits(const ModelDefinition& definition, const SequenceData& sequence, int channel, int step) {
+  const auto volts = [&](int slot) {
+    return BaseValue(definition, slot, sequence.Cell(channel, step, slot));
+  };
   const bool direct = sequence.Cell(channel, step, kSlotWaveform).Value == static_cast<double>(kWaveDc);
-  const double amplitude = direct ? 0 : sequence.Cell(channel, step, kSlotAmplitude).Value;
-  const double offset = sequence.Cell(channel, step, kSlotOffset).Value;
+  const double amplitude = direct ? 0 : volts(kSlotAmplitude);
+  const double offset = volts(kSlotOffset);
   // 9.95 V and 0.1 Vp-p are within the limit, their sum in binary fractions may lie just above it.
   return std::abs(offset) + amplitude / 2 <= kPeakLimit * (1 + 1e-12);
 }

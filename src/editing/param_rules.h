@@ -59,17 +59,20 @@ inline bool HasSwitch(int column) {
 bool CommonSwitch(const StepRow& row, int column);
 void SetCommonSwitch(StepRow& row, int column, bool on);
 double CommonValue(const StepRow& row, int column);
+// The same in base units, as bounds and defaults are.
+double CommonBaseValue(const ModelDefinition& definition, const StepRow& row, int column);
 // `value` of an integer column must fit in 16 bits.
 void SetCommonValue(StepRow& row, int column, double value);
+void SetCommonBaseValue(const ModelDefinition& definition, StepRow& row, int column, double base);
 // True when the value applies to the step: always in use, or switched on.
 bool CommonInUse(const ModelDefinition& definition, const StepRow& row, int column);
 // Copies the column's whole group of fields; the step time is converted into the destination's unit.
-void CopyCommonField(const StepRow& from, StepRow& to, int column);
+void CopyCommonField(const ModelDefinition& definition, const StepRow& from, StepRow& to, int column);
 void ResetCommonField(StepRow& row, const ModelDefinition& definition, int column);
 
 // Empty for columns with a text editor.
 ChoiceList CommonChoices(const ModelDefinition& definition, int column);
-// Stored values; a placeholder stands for the number of steps.
+// Base units; a placeholder stands for the number of steps.
 ValueBounds CommonBounds(const ModelDefinition& definition, const SequenceData& sequence, int column);
 ValueBounds BranchBounds(const ModelDefinition& definition, const SequenceData& sequence);
 ChoiceList BranchChoices(const ModelDefinition& definition);
@@ -84,10 +87,11 @@ const ParamDef& ChannelDefinition(const ModelDefinition& definition, const Seque
 bool ChannelInUse(const ModelDefinition& definition, const SequenceData& sequence, int channel, int step,
                   int param);
 ChoiceList ChannelChoices(const ModelDefinition& definition, int param);
+// Base units.
 ValueBounds ChannelBounds(const ModelDefinition& definition, const SequenceData& sequence, int channel,
                           int step, int param);
 // Amplitude (unless the step is DC) and offset stay within the output's peak.
-bool PeakFits(const SequenceData& sequence, int channel, int step);
+bool PeakFits(const ModelDefinition& definition, const SequenceData& sequence, int channel, int step);
 
 // Change modes that a parameter offers, as codes in the order of its mode names; empty when the mode is
 // fixed.

@@ -216,9 +216,9 @@ EditOutcome SequenceEditor::ChooseUnit(const CellPlace& place, int index) {
   if (index < 0 || index >= static_cast<int>(editor.Units.size())) return {};
   return Perform(EditAction::CellEntry, [&]() -> std::optional<EditMessage> {
     if (place.Area == GridArea::Common) {
-      ChangeTimeUnit(sequence_, index);
+      ChangeTimeUnit(definition_, sequence_, index);
     } else {
-      ChangeCellUnit(sequence_.Cell(place.Channel, IndexOf(place.Row).value, place.Column - 1), index);
+      ChangeColumnUnit(definition_, sequence_, place.Channel, place.Column - 1, index);
     }
     return std::nullopt;
   });

@@ -63,7 +63,7 @@ class SequenceEditor {
   EditOutcome EnterText(const CellPlace& place, std::string_view text);
   EditOutcome Choose(const CellPlace& place, int index);        // list editor
   EditOutcome ChooseOption(const CellPlace& place, int index);  // off/on, or change mode
-  EditOutcome ChooseUnit(const CellPlace& place, int index);    // step time: the unit of all steps
+  EditOutcome ChooseUnit(const CellPlace& place, int index);    // the unit of the whole column
 
   // Rows. The cursor follows: to the new last row, to the exchanged row, back to the last step.
   EditOutcome AddRow();

@@ -6,12 +6,21 @@
 #include "editing/param_rules.h"
 #include "editing/sequence_editor.h"
 #include "sequence/defaults.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
 namespace {
 
 constexpr int kIdFormDiffers = 9106;
+
+// Takes everything over but the unit, which is that of the column.
+void CopyCell(const ModelDefinition& definition, int param, const ParamCell& from, ParamCell& to) {
+  const std::int16_t unit = to.UnitIndex;
+  to = from;
+  to.UnitIndex = unit;
+  SetBaseValue(definition, param, BaseValue(definition, param, from), to);
+}
 
 }  // namespace
 
@@ -46,12 +55,12 @@ void SequenceEditor::CopyRowCells(const StepRow& row, const std::array<StepCells
                                   const GridBlock& source, const GridBlock& target, int step) {
   for (int column = source.FirstColumn; column <= source.LastColumn; ++column) {
     if (source.Area == GridArea::Common) {
-      CopyCommonField(row, sequence_.Steps[static_cast<std::size_t>(step)], column);
+      CopyCommonField(definition_, row, sequence_.Steps[static_cast<std::size_t>(step)], column);
       continue;
     }
     const ParamCell& from =
         cells[static_cast<std::size_t>(source.Channel)][static_cast<std::size_t>(column - 1)];
-    sequence_.Cell(target.Channel, step, column - 1) = from;
+    CopyCell(definition_, column - 1, from, sequence_.Cell(target.Channel, step, column - 1));
   }
 }
 
@@ -75,8 +84,9 @@ std::optional<EditMessage> SequenceEditor::SettleBlock(const GridBlock& block, c
     const StepRow& old = before.Steps[static_cast<std::size_t>(step)];
     for (place.Column = block.FirstColumn; place.Column <= block.LastColumn; ++place.Column) {
       const int column = place.Column;
-      const bool same = CommonValue(now, column) == CommonValue(old, column) &&
-                        CommonSwitch(now, column) == CommonSwitch(old, column);
+      const bool same =
+          CommonBaseValue(definition_, now, column) == CommonBaseValue(definition_, old, column) &&
+          CommonSwitch(now, column) == CommonSwitch(old, column);
       if (same) continue;
       if (const auto refused = CheckCommonValue(views_, sequence_, step, column)) {
         return CellMessage(*refused, place);
@@ -134,7 +144,8 @@ EditOutcome SequenceEditor::Initialize() {
         if (block->Area == GridArea::Common) {
           ResetCommonField(sequence_.Steps[static_cast<std::size_t>(step)], definition_, column);
         } else {
-          sequence_.Cell(block->Channel, step, column - 1) = fresh->Cell(block->Channel, 0, column - 1);
+          CopyCell(definition_, column - 1, fresh->Cell(block->Channel, 0, column - 1),
+                   sequence_.Cell(block->Channel, step, column - 1));
         }
       }
       if (block->Area == GridArea::Common) continue;
@@ -142,7 +153,8 @@ EditOutcome SequenceEditor::Initialize() {
       for (int param = block->FirstColumn - 1; param < block->LastColumn; ++param) {
         if (!ChannelInUse(definition_, sequence_, block->Channel, step, param)) continue;
         ParamCell& cell = sequence_.Cell(block->Channel, step, param);
-        cell.Value = ChannelBounds(definition_, sequence_, block->Channel, step, param).Nearest(cell.Value);
+        const ValueBounds bounds = ChannelBounds(definition_, sequence_, block->Channel, step, param);
+        SetBaseValue(definition_, param, bounds.Nearest(BaseValue(definition_, param, cell)), cell);
       }
     }
     return SettleBlock(*block, *before);

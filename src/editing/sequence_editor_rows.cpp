@@ -6,6 +6,7 @@
 #include "editing/param_rules.h"
 #include "editing/sequence_editor.h"
 #include "sequence/defaults.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -38,6 +39,23 @@ void ResetVisible(SequenceData& sequence, int channels, int slot, const ModelDef
   }
 }
 
+// Gives the new step in `slot` the units in which the columns are shown.
+void AdoptUnits(SequenceData& sequence, int channels, int slot, const ModelDefinition& definition) {
+  const int other = slot == 0 ? 1 : 0;
+  if (other >= sequence.StepCount) return;
+  StepRow& row = sequence.Steps[static_cast<std::size_t>(slot)];
+  const std::int16_t unit = sequence.Steps[static_cast<std::size_t>(other)].TimeUnit;
+  row.StepTime = Converted(TimeColumn(definition), row.StepTime, std::exchange(row.TimeUnit, unit), unit);
+  for (int channel = 0; channel < channels; ++channel) {
+    for (int param = 0; param < MAX_PARAMS; ++param) {
+      ParamCell& cell = sequence.Cell(channel, slot, param);
+      const double base = BaseValue(definition, param, cell);
+      cell.UnitIndex = sequence.Cell(channel, other, param).UnitIndex;
+      SetBaseValue(definition, param, base, cell);
+    }
+  }
+}
+
 bool BranchesTo(const StepRow& row, int number, const BranchAreaDef& branches) {
   if (row.EventBranchOn != 0 && row.EventBranchStep == number) return true;
   if (row.StateBranchOn != 0 && row.StateBranchStep == number) return true;
@@ -63,6 +81,7 @@ EditOutcome SequenceEditor::AddRow() {
   EditOutcome outcome = Perform(EditAction::AddRow, [&]() -> std::optional<EditMessage> {
     const int slot = sequence_.StepCount++;
     ResetStep(sequence_, slot, definition_);
+    AdoptUnits(sequence_, views_.ChannelGrids(), slot, definition_);
     return std::nullopt;
   });
   if (!outcome.Changed) return outcome;
@@ -77,6 +96,7 @@ EditOutcome SequenceEditor::InsertRow() {
   EditOutcome outcome = Perform(EditAction::InsertRow, [&]() -> std::optional<EditMessage> {
     OpenSlots(slot, 1);
     ResetVisible(sequence_, views_.ChannelGrids(), slot, definition_);
+    AdoptUnits(sequence_, views_.ChannelGrids(), slot, definition_);
     return std::nullopt;
   });
   if (outcome.Changed) outcome.FirstRow = slot + 1;

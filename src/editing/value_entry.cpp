@@ -7,6 +7,7 @@
 #include "core/ascii_case.h"
 #include "core/numbers.h"
 #include "editing/param_rules.h"
+#include "sequence/units.h"
 #include "sequence/user_units.h"
 
 namespace corlune {
@@ -62,7 +63,7 @@ StepRow& RowAt(SequenceData& sequence, int step) {
   return sequence.Steps[static_cast<std::size_t>(step)];
 }
 
-// The number typed into a common-area text cell, as it would be stored, or why it cannot be.
+// The number typed into a common-area text cell, in base units, or why it cannot be stored.
 struct CommonNumber {
   EntryResult Refusal;
   double Value = 0;
@@ -73,18 +74,21 @@ std::string CommonFormat(int column) {
   return column == kGridStopPhase ? kPhaseFormat : kIntegerFormat;
 }
 
-// Bounds of a target are given in the numbering of column 0.
-double ShownBound(const SequenceData& sequence, int column, double bound) {
+// Bounds of a target are given in the numbering of column 0, those of a time in the unit of its column.
+double ShownBound(const ModelDefinition& definition, const SequenceData& sequence, int column, double bound) {
+  if (column == kGridStepTime) {
+    return FromBase(TimeColumn(definition), bound, ShownTimeUnit(definition, sequence));
+  }
   if (!IsTargetColumn(column)) return bound;
   return ShownNumber({static_cast<int>(bound)}, sequence.StartStep);
 }
 
-EntryRefusal CommonRangeError(const SequenceData& sequence, int column, const ValueBounds& bounds,
-                              const std::string& text) {
+EntryRefusal CommonRangeError(const ModelDefinition& definition, const SequenceData& sequence, int column,
+                              const ValueBounds& bounds, const std::string& text) {
   const std::string format = column == kGridStepTime ? kTimeBoundFormat : CommonFormat(column);
   ValueBounds shown = bounds;
-  if (shown.Minimum) shown.Minimum = ShownBound(sequence, column, *shown.Minimum);
-  if (shown.Maximum) shown.Maximum = ShownBound(sequence, column, *shown.Maximum);
+  if (shown.Minimum) shown.Minimum = ShownBound(definition, sequence, column, *shown.Minimum);
+  if (shown.Maximum) shown.Maximum = ShownBound(definition, sequence, column, *shown.Maximum);
   return RangeError(text, BoundText(shown.Minimum, format), BoundText(shown.Maximum, format));
 }
 
@@ -98,10 +102,14 @@ CommonNumber ReadCommonNumber(const GridViews& views, const SequenceData& sequen
   double value = Rounded(*number, format);
   if (integer && value != *number) return {InputError(), 0};
   const ValueBounds bounds = CommonBounds(views.Definition(), sequence, column);
-  const EntryRefusal outside = CommonRangeError(
-      sequence, column, bounds, FormatNumber(*number, column == kGridStepTime ? kTimeEntryFormat : format));
+  const EntryRefusal outside =
+      CommonRangeError(views.Definition(), sequence, column, bounds,
+                       FormatNumber(*number, column == kGridStepTime ? kTimeEntryFormat : format));
   if (integer && std::abs(value) > kLargestInteger) return {outside, 0};
   if (IsTargetColumn(column)) value = StoredNumber(static_cast<int>(value), sequence.StartStep).value;
+  if (column == kGridStepTime) {
+    value = ToBase(TimeColumn(views.Definition()), value, ShownTimeUnit(views.Definition(), sequence));
+  }
   if (!bounds.Hold(value)) return {outside, 0};
   return {std::nullopt, value};
 }
@@ -140,15 +148,17 @@ EntryRefusal ChannelRangeError(const GridViews& views, const SequenceData& seque
   return RangeError(text, low, high);
 }
 
-// The stored value of a typed number. Without a conversion it is rounded to what the cell shows; through a
-// conversion the full precision stays, so that the same number is shown again.
-double StoredValue(const GridViews& views, const SequenceData& sequence, int channel, int step, int param,
-                   double shown) {
+// The base value of a typed number. Without a conversion it is rounded to what the cell shows; through a user
+// unit or load the full precision stays, so that the same number is shown again.
+double TypedValue(const GridViews& views, const SequenceData& sequence, int channel, int step, int param,
+                  double shown) {
   const UserUnits units(sequence, views.Definition());
+  const ParamDef& definition = ChannelColumn(views.Definition(), param);
   const double stored = units.UserToSystem(shown, channel, step, param);
-  const std::string format = DisplayFormat(ChannelColumn(views.Definition(), param));
+  const double plain = ToBase(definition, shown, ShownUnit(views.Definition(), sequence, channel, param));
+  const std::string format = DisplayFormat(definition);
   const double rounded = Rounded(stored, format);
-  if (!units.Active(channel, param) && stored == shown) return rounded;
+  if (!units.Active(channel, param) && stored == plain) return rounded;
   // The way through a load or factor may end a hair outside a bound that was typed exactly.
   const ValueBounds bounds = ChannelBounds(views.Definition(), sequence, channel, step, param);
   return bounds.Hold(rounded) && !bounds.Hold(stored) ? rounded : stored;
@@ -202,7 +212,10 @@ EntryResult StoreCommonText(const GridViews& views, SequenceData& sequence, int 
   if (plain.empty() && mayBeEmpty) return std::nullopt;
   const CommonNumber number = ReadCommonNumber(views, sequence, column, plain);
   if (number.Refusal) return number.Refusal;
-  SetCommonValue(row, column, number.Value);
+  if (column == kGridStepTime) {
+    row.TimeUnit = static_cast<std::int16_t>(ShownTimeUnit(views.Definition(), sequence));
+  }
+  SetCommonBaseValue(views.Definition(), row, column, number.Value);
   if (switched) SetCommonSwitch(row, column, true);
   return std::nullopt;
 }
@@ -222,16 +235,18 @@ EntryResult StoreChannelText(const GridViews& views, SequenceData& sequence, int
   }
   const std::optional<double> number = ParseNumber(plain);
   if (!number) return InputError();
-  const double value = StoredValue(views, sequence, channel, step, param, *number);
+  const double value = TypedValue(views, sequence, channel, step, param, *number);
   if (!std::isfinite(value) ||
       !ChannelBounds(views.Definition(), sequence, channel, step, param).Hold(value)) {
     return ChannelRangeError(views, sequence, channel, step, param, plain);
   }
-  const double old = std::exchange(cell.Value, value);
+  const ParamCell old = cell;
+  cell.UnitIndex = static_cast<std::int16_t>(ShownUnit(views.Definition(), sequence, channel, param));
+  SetBaseValue(views.Definition(), param, value, cell);
   const bool peakParam = param == kSlotAmplitude || param == kSlotOffset;
   if (mode == EntryMode::Typed && peakParam && PeakMatters(views, sequence, channel, step) &&
-      !PeakFits(sequence, channel, step)) {
-    cell.Value = old;
+      !PeakFits(views.Definition(), sequence, channel, step)) {
+    cell = old;
     return EntryRefusal{kPeakError, {}};
   }
   return std::nullopt;
@@ -276,23 +291,26 @@ void SwitchCommonValue(const GridViews& views, SequenceData& sequence, int step,
   SetCommonSwitch(row, column, on);
   if (!on) return;
   const ValueBounds bounds = CommonBounds(views.Definition(), sequence, column);
-  const double value = CommonValue(row, column);
-  if (!bounds.Hold(value)) SetCommonValue(row, column, bounds.Nearest(value));
+  const double value = CommonBaseValue(views.Definition(), row, column);
+  if (!bounds.Hold(value)) SetCommonBaseValue(views.Definition(), row, column, bounds.Nearest(value));
 }
 
-void ChangeTimeUnit(SequenceData& sequence, int index) {
+void ChangeTimeUnit(const ModelDefinition& definition, SequenceData& sequence, int index) {
   for (int step = 0; step < sequence.StepCount; ++step) {
     StepRow& row = RowAt(sequence, step);
-    if (row.TimeUnit == 1 && index == 0) row.StepTime = Rounded(row.StepTime * 1000, "0.#");
-    if (row.TimeUnit == 0 && index == 1) row.StepTime /= 1000;
-    row.TimeUnit = static_cast<std::int16_t>(index);
+    const int old = std::exchange(row.TimeUnit, static_cast<std::int16_t>(index));
+    row.StepTime = Converted(TimeColumn(definition), row.StepTime, old, index);
+    if (old == 1 && index == 0) row.StepTime = Rounded(row.StepTime, "0.#");
   }
 }
 
-void ChangeCellUnit(ParamCell& cell, int index) {
-  if (cell.UnitIndex == 1 && index == 0) cell.Value *= 1000;
-  if (cell.UnitIndex == 0 && index == 1) cell.Value /= 1000;
-  cell.UnitIndex = static_cast<std::int16_t>(index);
+void ChangeColumnUnit(const ModelDefinition& definition, SequenceData& sequence, int channel, int param,
+                      int index) {
+  for (int step = 0; step < sequence.StepCount; ++step) {
+    ParamCell& cell = sequence.Cell(channel, step, param);
+    const int old = std::exchange(cell.UnitIndex, static_cast<std::int16_t>(index));
+    cell.Value = Converted(ChannelColumn(definition, param), cell.Value, old, index);
+  }
 }
 
 StepCells CellsOf(const SequenceData& sequence, int channel, int step) {
@@ -307,17 +325,30 @@ EntryResult CheckCommonValue(const GridViews& views, const SequenceData& sequenc
   const StepRow& row = sequence.Steps[static_cast<std::size_t>(step)];
   if (!CommonInUse(views.Definition(), row, column)) return std::nullopt;
   const ValueBounds bounds = CommonBounds(views.Definition(), sequence, column);
-  const double value = CommonValue(row, column);
+  const double value = CommonBaseValue(views.Definition(), row, column);
   if (bounds.Hold(value)) return std::nullopt;
-  return CommonRangeError(sequence, column, bounds,
-                          FormatNumber(ShownBound(sequence, column, value), CommonFormat(column)));
+  return CommonRangeError(
+      views.Definition(), sequence, column, bounds,
+      FormatNumber(ShownBound(views.Definition(), sequence, column, value), CommonFormat(column)));
+}
+
+EntryResult CheckChannelValue(const GridViews& views, const SequenceData& sequence, int channel, int step,
+                              int param) {
+  const ModelDefinition& definition = views.Definition();
+  const double value = BaseValue(definition, param, sequence.Cell(channel, step, param));
+  if (ChannelBounds(definition, sequence, channel, step, param).Hold(value)) return std::nullopt;
+  const std::string text = UserUnits(sequence, definition).UserUnitText(value, channel, step, param);
+  return ChannelRangeError(views, sequence, channel, step, param, text);
 }
 
 EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, int channel, int step,
                               const StepCells& before, int* refused) {
   const ModelDefinition& definition = views.Definition();
+  const auto valueOf = [&](int param) {
+    return BaseValue(definition, param, sequence.Cell(channel, step, param));
+  };
   const auto changed = [&](int param) {
-    return sequence.Cell(channel, step, param).Value != before[static_cast<std::size_t>(param)].Value;
+    return valueOf(param) != BaseValue(definition, param, before[static_cast<std::size_t>(param)]);
   };
   const auto seenBefore = [&](int param) {
     const auto oldWave = static_cast<std::size_t>(std::clamp(before[kSlotWaveform].Value, 0.0, 10.0));
@@ -332,25 +363,24 @@ EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, in
   for (int param = 0; param < ChannelParams(definition); ++param) {
     if (!ChannelInUse(definition, sequence, channel, step, param)) continue;
     if (!newWaveform && !changed(param)) continue;
-    ParamCell& cell = sequence.Cell(channel, step, param);
+    const double value = valueOf(param);
     const ValueBounds bounds = ChannelBounds(definition, sequence, channel, step, param);
-    if (bounds.Hold(cell.Value)) continue;
+    if (bounds.Hold(value)) continue;
     if (seenBefore(param) || changed(param)) {
-      const UserUnits units(sequence, definition);
-      const std::string text = units.UserUnitText(cell.Value, channel, step, param);
-      return refuse(param, ChannelRangeError(views, sequence, channel, step, param, text));
+      return refuse(param, *CheckChannelValue(views, sequence, channel, step, param));
     }
-    cell.Value = bounds.Nearest(cell.Value);
+    SetBaseValue(definition, param, bounds.Nearest(value), sequence.Cell(channel, step, param));
   }
   const bool level = newWaveform || changed(kSlotAmplitude) || changed(kSlotOffset);
-  if (!level || !PeakMatters(views, sequence, channel, step) || PeakFits(sequence, channel, step)) {
+  if (!level || !PeakMatters(views, sequence, channel, step) ||
+      PeakFits(definition, sequence, channel, step)) {
     return std::nullopt;
   }
-  ParamCell& amplitude = sequence.Cell(channel, step, kSlotAmplitude);
   if (seenBefore(kSlotAmplitude) || changed(kSlotAmplitude)) return refuse(kSlotAmplitude, {kPeakError, {}});
-  const double room = kPeakLimit - std::abs(sequence.Cell(channel, step, kSlotOffset).Value);
-  amplitude.Value = std::max(0.0, 2 * room);
-  if (PeakFits(sequence, channel, step)) return std::nullopt;
+  const double room = kPeakLimit - std::abs(valueOf(kSlotOffset));
+  SetBaseValue(definition, kSlotAmplitude, std::max(0.0, 2 * room),
+               sequence.Cell(channel, step, kSlotAmplitude));
+  if (PeakFits(definition, sequence, channel, step)) return std::nullopt;
   return refuse(kSlotOffset, {kPeakError, {}});
 }
 

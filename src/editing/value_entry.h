@@ -40,9 +40,11 @@ EntryResult StoreBranchText(const GridViews& views, SequenceData& sequence, int 
 // Turns a switched parameter on or off; a value outside its range that is switched on moves to its nearest
 // bound.
 void SwitchCommonValue(const GridViews& views, SequenceData& sequence, int step, int column, bool on);
-// Does not look at bounds: a time that was typed in the other unit keeps its duration.
-void ChangeTimeUnit(SequenceData& sequence, int index);
-void ChangeCellUnit(ParamCell& cell, int index);
+// The unit of a whole column. Does not look at bounds: a time that was typed in the other unit keeps its
+// duration.
+void ChangeTimeUnit(const ModelDefinition& definition, SequenceData& sequence, int index);
+void ChangeColumnUnit(const ModelDefinition& definition, SequenceData& sequence, int channel, int param,
+                      int index);
 
 using StepCells = std::array<ParamCell, MAX_PARAMS>;
 StepCells CellsOf(const SequenceData& sequence, int channel, int step);
@@ -54,5 +56,8 @@ EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, in
                               const StepCells& before, int* param = nullptr);
 // The same for a common value that was copied: its bounds, unless it is switched off.
 EntryResult CheckCommonValue(const GridViews& views, const SequenceData& sequence, int step, int column);
+// A number of a channel grid against the bounds of the step's waveform.
+EntryResult CheckChannelValue(const GridViews& views, const SequenceData& sequence, int channel, int step,
+                              int param);
 
 }  // namespace corlune

@@ -30,6 +30,8 @@ class Measure {
   // The run has ended as it should: behind its last step, or by a stop that reached every instrument. The
   // next MeasureStart forgets it.
   void MarkEndedWell() { endedWell_ = true; }
+  // The instrument spoke of a step that the sequence does not have, and was stopped for it.
+  void MarkEndedBadly() { endedWell_ = false; }
   bool EndedWell() const { return endedWell_; }
 
   // A run is being followed or held: MeasureStart was called, MeasureEnd not yet.

@@ -30,10 +30,7 @@ void RunMonitor::RunSteps() {
   AppState& state = run_.state;
   const std::uint32_t now = run_.commands.Clock().Now();
   if (state.BranchRequested) state.StepDeadline = now;
-  // Past its maximum the difference turns negative, and positive again after as long; the maximum stays.
-  constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max();
-  const std::int32_t elapsed = TicksSince(now, state.RunStartTime);
-  state.ElapsedTime = elapsed >= 0 && state.ElapsedTime != kLongest ? elapsed : kLongest;
+  CountElapsed(now);
   ShowElapsed();
 
   Next next = Poll();
@@ -71,6 +68,7 @@ RunMonitor::Next RunMonitor::PollStep() {
   if (step_ == kNoStep) return AfterLastStep();
   if (step_ < 0) {
     control_.RunCommand(Run::Stop);
+    measure_.MarkEndedBadly();
     return Next::EndOfTick;
   }
   return step_ > run_.sequence.StepCount ? BeyondLastStep() : Next::GoOn;
@@ -108,6 +106,8 @@ RunMonitor::Next RunMonitor::BeyondLastStep() {
   const bool tellEnd = last && last->StepTerm == kTermWithMessage;
   if (control_.RunCommand(Run::Stop) && tellEnd) {
     ShowMessage(run_.prompts, run_.catalogue, 9202, PromptIcon::Information);
+  } else {
+    measure_.MarkEndedBadly();
   }
   return Next::EndOfTick;
 }
@@ -117,6 +117,8 @@ RunMonitor::Next RunMonitor::PollStatus() {
   const int status = queries_.StatusQuery(0);
   const std::uint32_t now = run_.commands.Clock().Now();
   if (RunEnded()) return Next::EndOfTick;
+  // The queries may have waited for a late instrument; the step is told with the time of its answer.
+  CountElapsed(now);
   switch (status) {
     case kStatusStop:
       state.PendingRequest = PendingRequest::Stop;
@@ -189,6 +191,14 @@ void RunMonitor::MoveMarker() {
   if (!run_.state.SequenceViewShown) return;
   const StepRow* row = CurrentStepRow(run_);
   if (row && row->StepRunTime > kShortestMarkedStep) run_.view.MoveShape(run_.commands.Clock().Now());
+}
+
+void RunMonitor::CountElapsed(std::uint32_t now) {
+  AppState& state = run_.state;
+  // Past its maximum the difference turns negative, and positive again after as long; the maximum stays.
+  constexpr std::int32_t kLongest = std::numeric_limits<std::int32_t>::max();
+  const std::int32_t elapsed = TicksSince(now, state.RunStartTime);
+  state.ElapsedTime = elapsed >= 0 && state.ElapsedTime != kLongest ? elapsed : kLongest;
 }
 
 void RunMonitor::ShowElapsed() {

@@ -38,6 +38,7 @@ class RunMonitor {
   Next HoldNow();
   void FollowStep();
   void MoveMarker();
+  void CountElapsed(std::uint32_t now);
   void ShowElapsed();
   bool RunEnded() const { return measure_.EndCount() != endCountAtStart_; }
 

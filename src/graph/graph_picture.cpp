@@ -5,6 +5,7 @@
 #include "core/numbers.h"
 #include "core/step_numbering.h"
 #include "editing/param_rules.h"
+#include "sequence/units.h"
 #include "sequence/user_units.h"
 
 namespace corlune {
@@ -25,17 +26,8 @@ constexpr int kFirstChoice = 8270;
 constexpr int kLastChoice = 8280;
 constexpr double kMsPerSecond = 1000;
 
-std::string UnitOf(const ParamDef& definition) {
-  if (definition.UnitKind == 2) return definition.UnitList.empty() ? std::string() : definition.UnitList[0];
-  return definition.UnitKind == 0 ? std::string() : definition.UnitName;
-}
-
 std::string UnitOf(const SequenceData& sequence, const ModelDefinition& definition, int channel, int slot) {
-  if (UserUnits(sequence, definition).Active(channel, slot)) {
-    return sequence.Channels.UserUnits[static_cast<std::size_t>(channel)][static_cast<std::size_t>(slot)]
-        .UnitText;
-  }
-  return UnitOf(ChannelColumn(definition, slot));
+  return UserUnits(sequence, definition).UnitText(channel, slot);
 }
 
 std::string WithUnit(const std::string& text, const std::string& unit) {
@@ -46,8 +38,10 @@ std::string InBrackets(const std::string& text, const std::string& unit) {
   return unit.empty() ? text : text + " [" + unit + "]";
 }
 
+// The axis and its times are in seconds, whatever unit the step times are typed in.
 std::string StepTimeUnit(const ModelDefinition& definition) {
-  return UnitOf(CommonDefinition(definition, kGridStepTime));
+  const ParamDef& time = TimeColumn(definition);
+  return time.UnitKind == 1 ? time.UnitName : "s";
 }
 
 std::string ListText(const TextList& list, int index) {
@@ -114,7 +108,7 @@ GraphPicture BuildGraphPicture(const SequenceData& sequence, const ModelDefiniti
                                const MessageCatalogue& catalogue, const PictureWish& wish) {
   GraphPicture picture;
   picture.Axis = wish.Axis;
-  picture.Spans = StepSpans(sequence, wish.Axis, wish.Length);
+  picture.Spans = StepSpans(sequence, definition, wish.Axis, wish.Length);
   picture.AxisTitle = catalogue.GetResString(kIdAxisTitle, {StepTimeUnit(definition)});
   if (picture.Spans.empty()) {
     picture.Note = catalogue.GetResString(kIdNoSteps);
@@ -158,7 +152,7 @@ std::string GraphTip(const SequenceData& sequence, const ModelDefinition& defini
       tip += catalogue.GetResString(kIdTipUnused, {name});
       continue;
     }
-    const StepValue stored = StoredValue(sequence.Cell(drawn.Channel, step, slot));
+    const StepValue stored = StoredValue(definition, slot, sequence.Cell(drawn.Channel, step, slot));
     const std::string unit = UnitOf(sequence, definition, drawn.Channel, slot);
     const auto text = [&](double value) {
       return ValueText(sequence, definition, drawn.Channel, step, slot, value);

@@ -5,6 +5,7 @@
 
 #include "core/numbers.h"
 #include "editing/param_rules.h"
+#include "sequence/units.h"
 #include "sequence/user_units.h"
 
 namespace corlune {
@@ -12,9 +13,8 @@ namespace corlune {
 namespace {
 
 constexpr double kMsPerSecond = 1000;
-constexpr double kUnitFactor = 1000;  // between the first two units of a list, e.g. Hz and kHz
-constexpr int kLogarithmic = 1;       // form of a user unit
-constexpr int kLogPoints = 16;        // lines that stand for a ramp in a logarithmic unit
+constexpr int kLogarithmic = 1;  // form of a user unit
+constexpr int kLogPoints = 16;   // lines that stand for a ramp in a logarithmic unit
 
 int UsedSteps(const SequenceData& sequence) {
   return std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
@@ -66,7 +66,7 @@ GraphCurve BuildCurve(const SequenceData& sequence, const ModelDefinition& defin
       gap = true;
       continue;
     }
-    const StepValue stored = StoredValue(sequence.Cell(channel, number, slot));
+    const StepValue stored = StoredValue(definition, slot, sequence.Cell(channel, number, slot));
     const int parts = shown.Logarithmic() && stored.From != stored.To ? kLogPoints : 1;
     for (int part = 0; part <= parts; ++part) {
       const double along = static_cast<double>(part) / parts;
@@ -258,19 +258,21 @@ ViewAreaTable Arrangement(const SequenceData& sequence, const ModelDefinition& d
 
 }  // namespace
 
-StepValue StoredValue(const ParamCell& cell) {
-  const double factor = cell.UnitIndex == 1 ? kUnitFactor : 1;
+StepValue StoredValue(const ModelDefinition& definition, int slot, const ParamCell& cell) {
+  const double start = ToBase(SlotColumn(definition, slot), cell.StartValue, cell.UnitIndex);
+  const double value = BaseValue(definition, slot, cell);
   switch (cell.ChangeMode) {
     case kModeKeep:
-      return {cell.StartValue * factor, cell.StartValue * factor};
+      return {start, start};
     case kModeSweep:
-      return {cell.StartValue * factor, cell.Value * factor};
+      return {start, value};
     default:
-      return {cell.Value * factor, cell.Value * factor};
+      return {value, value};
   }
 }
 
-std::vector<StepSpan> StepSpans(const SequenceData& sequence, TimeAxis axis, StepLength length) {
+std::vector<StepSpan> StepSpans(const SequenceData& sequence, const ModelDefinition& definition,
+                                TimeAxis axis, StepLength length) {
   std::vector<StepSpan> spans;
   const int count = UsedSteps(sequence);
   spans.reserve(Index(count));
@@ -278,7 +280,7 @@ std::vector<StepSpan> StepSpans(const SequenceData& sequence, TimeAxis axis, Ste
   for (int i = 0; i < count; ++i) {
     const StepRow& row = sequence.Steps[Index(i)];
     const bool runTime = length == StepLength::RunTime && row.StepRunTime > 0;
-    const double ms = std::max(runTime ? row.StepRunTime : row.StepTime * kMsPerSecond, 0.0);
+    const double ms = std::max(runTime ? row.StepRunTime : BaseTime(definition, row) * kMsPerSecond, 0.0);
     const double end = time + ms;
     if (axis == TimeAxis::Time) {
       spans.push_back({time, end, time, end});
@@ -354,7 +356,7 @@ std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDe
                                      int channel, int step, int slot) {
   if (!ChannelInUse(definition, sequence, channel, step, slot)) return std::nullopt;
   const Shown shown(sequence, definition, channel, slot);
-  const StepValue stored = StoredValue(sequence.Cell(channel, step, slot));
+  const StepValue stored = StoredValue(definition, slot, sequence.Cell(channel, step, slot));
   const auto from = shown(stored.From, step);
   const auto to = shown(stored.To, step);
   if (!from || !to) return std::nullopt;

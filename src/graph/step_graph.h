@@ -32,7 +32,8 @@ struct StepSpan {
 };
 
 // The used steps. With StepLength::RunTime a step whose run time is not known (0) has its step time.
-std::vector<StepSpan> StepSpans(const SequenceData& sequence, TimeAxis axis, StepLength length);
+std::vector<StepSpan> StepSpans(const SequenceData& sequence, const ModelDefinition& definition,
+                                TimeAxis axis, StepLength length);
 // The step at an axis position, held inside the sequence; nullopt without steps.
 std::optional<int> StepAt(const std::vector<StepSpan>& spans, double position);
 
@@ -117,8 +118,8 @@ struct StepValue {
   double To = 0;
   bool operator==(const StepValue&) const = default;
 };
-// What a cell holds at the two ends of its step, not converted, in the first unit of its list.
-StepValue StoredValue(const ParamCell& cell);
+// What a cell of `slot` holds at the two ends of its step, in base units.
+StepValue StoredValue(const ModelDefinition& definition, int slot, const ParamCell& cell);
 // As shown; nullopt when the step does not use the parameter, or where a logarithmic user unit has no value.
 std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDefinition& definition,
                                      int channel, int step, int slot);

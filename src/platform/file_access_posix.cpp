@@ -6,8 +6,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -19,6 +21,8 @@ namespace corlune {
 namespace {
 
 constexpr int kNameAttempts = 100;
+constexpr const char* kNeighbourPrefix = ".corlune-";
+constexpr const char* kNeighbourEnding = ".tmp";
 constexpr int kLinkLimit = 40;
 constexpr mode_t kPermissionBits = 07777;
 
@@ -69,12 +73,42 @@ int Flush(int descriptor) {
   return errno;
 }
 
-// A new, empty file beside `target`. Opened with the permissions of a new file, so the user's mask holds.
+// True while `path` is the name of the open file.
+bool IsNameOf(const std::string& path, const FileDescriptor& file) {
+  struct stat named {};
+  struct stat opened {};
+  return lstat(path.c_str(), &named) == 0 && fstat(file.Get(), &opened) == 0 &&
+         named.st_dev == opened.st_dev && named.st_ino == opened.st_ino;
+}
+
+// Neighbours are locked for as long as somebody writes them; the others are those of processes that died.
+void RemoveAbandonedNeighbours(const std::string& folder) {
+  const auto closeFolder = [](DIR* open) { closedir(open); };
+  const std::unique_ptr<DIR, decltype(closeFolder)> entries(opendir(folder.c_str()), closeFolder);
+  if (!entries) return;
+  while (const dirent* entry = readdir(entries.get())) {
+    const std::string_view name = entry->d_name;
+    if (!name.starts_with(kNeighbourPrefix) || !name.ends_with(kNeighbourEnding)) continue;
+    const std::string path = folder + "/" + entry->d_name;
+    const FileDescriptor file(open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (file.IsOpen() && flock(file.Get(), LOCK_EX | LOCK_NB) == 0 && IsNameOf(path, file))
+      unlink(path.c_str());
+  }
+}
+
+// A new, empty and locked file beside `target`. Opened with the permissions of a new file, so the user's mask
+// holds.
 FileDescriptor CreateNeighbour(const std::string& target, std::string& neighbour) {
+  const std::string folder = FolderOf(target);
+  RemoveAbandonedNeighbours(folder);
   for (int i = 0; i < kNameAttempts; ++i) {
-    neighbour = FolderOf(target) + "/.corlune-" + std::to_string(getpid()) + "-" + std::to_string(i) + ".tmp";
+    neighbour = folder + "/" + kNeighbourPrefix + std::to_string(getpid()) + "-" + std::to_string(i) +
+                kNeighbourEnding;
     FileDescriptor file(open(neighbour.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-    if (file.IsOpen() || errno != EEXIST) return file;
+    if (!file.IsOpen() && errno != EEXIST) return file;
+    // Another process may take it for abandoned before the lock; the next name then.
+    if (!file.IsOpen() || (flock(file.Get(), LOCK_EX) == 0 && !IsNameOf(neighbour, file))) continue;
+    return file;
   }
   errno = EEXIST;
   return FileDescriptor();
@@ -153,6 +187,8 @@ bool ReplaceFileBytes(const std::string& path, std::string_view bytes, std::stri
   std::string neighbour;
   FileDescriptor file = CreateNeighbour(target, neighbour);
   if (!file.IsOpen()) return Fail(error, "cannot write in the folder of", target, errno);
+  // Keeps the lock until the neighbour has its new name.
+  const FileDescriptor lock(fcntl(file.Get(), F_DUPFD_CLOEXEC, 0));
   int code = FillNeighbour(file, bytes, exists ? &old : nullptr);
   if (code == 0 && std::rename(neighbour.c_str(), target.c_str()) != 0) code = errno;
   if (code != 0) {

@@ -1,6 +1,7 @@
 #ifdef _WIN32
 
 #include <algorithm>
+#include <cwchar>
 #include <windows.h>
 
 #include "platform/file_access.h"
@@ -10,6 +11,7 @@ namespace corlune {
 namespace {
 
 constexpr std::size_t kLargestPart = 1u << 30;
+constexpr const wchar_t* kNeighbour = L".corlune-";  // process number and ".tmp" follow
 
 class FileHandle {
  public:
@@ -20,7 +22,7 @@ class FileHandle {
     if (IsOpen()) CloseHandle(handle_);
   }
   HANDLE Get() const { return handle_; }
-  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE; }
+  bool IsOpen() const { return handle_ != INVALID_HANDLE_VALUE && handle_ != nullptr; }
 
  private:
   HANDLE handle_;
@@ -42,6 +44,25 @@ bool WriteAndFlush(const std::wstring& path, std::string_view bytes) {
     bytes.remove_prefix(written);
   }
   return FlushFileBuffers(file.Get()) != 0;
+}
+
+bool IsRunning(DWORD process) {
+  const FileHandle handle(OpenProcess(SYNCHRONIZE, FALSE, process));
+  return handle.IsOpen() || GetLastError() != ERROR_INVALID_PARAMETER;
+}
+
+// Neighbours of `target` whose process has died.
+void RemoveAbandonedNeighbours(const std::wstring& target) {
+  const std::wstring folder = target.substr(0, target.find_last_of(L"\\/:") + 1);
+  WIN32_FIND_DATAW found{};
+  const HANDLE search = FindFirstFileW((target + kNeighbour + L"*.tmp").c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return;
+  do {
+    const std::wstring name = found.cFileName;
+    const DWORD process = std::wcstoul(name.c_str() + name.rfind(L'-') + 1, nullptr, 10);
+    if (!IsRunning(process)) DeleteFileW((folder + name).c_str());
+  } while (FindNextFileW(search, &found) != 0);
+  FindClose(search);
 }
 
 }  // namespace
@@ -78,7 +99,8 @@ bool ReplaceFileBytes(const std::string& path, std::string_view bytes, std::stri
     SetLastError(ERROR_ACCESS_DENIED);
     return Fail(error, path);
   }
-  std::wstring neighbour = target + L".corlune-" + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+  std::wstring neighbour = target + kNeighbour + std::to_wstring(GetCurrentProcessId()) + L".tmp";
+  RemoveAbandonedNeighbours(target);
   DeleteFileW(neighbour.c_str());  // left by an earlier process of the same number
   // ReplaceFile keeps attributes and access list of the old file; it needs one.
   const bool done =

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "core/numbers.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -13,15 +14,12 @@ std::int16_t DefaultInteger(const ParamDef& definition) {
   return ToInt16(DefaultValue(definition)).value_or(0);
 }
 
-std::int16_t DefaultUnit(const ParamDef& definition) {
-  return definition.UnitKind == 2 ? definition.UnitDefault : std::int16_t{0};
-}
-
 StepRow NewStepRow(const ModelDefinition& definition) {
   const auto& columns = definition.Common.Params;
   StepRow row;
-  row.StepTime = DefaultValue(columns[kColumnStepTime]);
-  row.TimeUnit = DefaultUnit(columns[kColumnStepTime]);
+  const ParamDef& time = columns[kColumnStepTime];
+  row.TimeUnit = DefaultUnit(time);
+  row.StepTime = FromBase(time, DefaultValue(time), row.TimeUnit);
   row.AutoHold = DefaultInteger(columns[kColumnAutoHold]);
   row.StopPhase = DefaultValue(columns[kColumnStopPhase]);
   row.EventBranchStep = DefaultInteger(columns[kColumnEventBranch]);
@@ -39,9 +37,9 @@ StepRow NewStepRow(const ModelDefinition& definition) {
 ParamCell NewCell(const ModelDefinition& definition, int param) {
   const ParamDef& column = definition.Sequence.Params[0][static_cast<std::size_t>(param)];
   ParamCell cell;
-  cell.Value = DefaultValue(column);
-  cell.StartValue = cell.Value;
   cell.UnitIndex = DefaultUnit(column);
+  cell.Value = FromBase(column, DefaultValue(column), cell.UnitIndex);
+  cell.StartValue = cell.Value;
   return cell;
 }
 

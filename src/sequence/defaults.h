@@ -8,8 +8,8 @@
 
 namespace corlune {
 
-// The value that a new step gets for this parameter: the definition's default; for a range the value
-// within the range that is nearest to it. A bound given as a placeholder does not limit.
+// The value that a new step gets for this parameter, in base units: the definition's default; for a range the
+// value within the range that is nearest to it. A bound given as a placeholder does not limit.
 double DefaultValue(const ParamDef& definition);
 
 static_assert(MAX_PARAMS == kAreaParams);

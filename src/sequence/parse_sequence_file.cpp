@@ -80,8 +80,9 @@ bool ReadSystemLine(const ProfileLine& line, SystemSettings& settings) {
     return ReadOne(line.Value, instrument.ChannelCount) && instrument.ChannelCount >= 1 &&
            instrument.ChannelCount <= kMaxSetupChannels;
   }
-  // The first instrument is the one that the search or the person at the program chose.
-  if (*number > 0) instrument.SerialNo = std::string(TrimBlanks(line.RawValue));
+  // Where the search or the person at the program chose the first instrument, that choice stays.
+  if (*number > 0 || instrument.SerialNo.empty())
+    instrument.SerialNo = std::string(TrimBlanks(line.RawValue));
   return true;
 }
 
@@ -271,10 +272,11 @@ ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const
   if (auto line = RefusedLine(*sections.System, [&](auto& entry) { return ReadSystemLine(entry, setup); })) {
     return Malformed(setup, *std::move(line));
   }
-  const ModelDefinition* definition = definitions(setup.ModelName);
-  const int modelIndex = definition ? definition->IndexOfModel(setup.ModelName) : -1;
-  if (modelIndex < 0) return {SequenceFileProblem::UnknownModel, setup.ModelName, {}};
-  setup.ModelIndex = static_cast<std::int16_t>(modelIndex);
+  const std::optional<const ModelDefinition*> found = definitions(setup.ModelName);
+  if (!found) return {SequenceFileProblem::UnknownModel, setup.ModelName, {}};
+  const ModelDefinition* const definition = *found;
+  if (definition == nullptr) return {SequenceFileProblem::NoDefinition, setup.ModelName, {}};
+  setup.ModelIndex = static_cast<std::int16_t>(definition->IndexOfModel(setup.ModelName));
   if (!DeriveInterfaceKinds(setup, *definition)) return Malformed(setup, "SS_INTERFACE");
 
   const auto& steps = form == SequenceFileForm::User ? sections.UserSteps : sections.WorkSteps;
@@ -297,7 +299,7 @@ ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const
   if (refused) return Malformed(setup, *std::move(refused));
 
   ComputeStartValues(*loaded);
-  ComputeRunTimes(*loaded);
+  ComputeRunTimes(*loaded, *definition);
   sequence = std::move(*loaded);
   settings = std::move(setup);
   return {SequenceFileProblem::None, settings.ModelName, {}};

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "core/step_numbering.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -16,45 +17,46 @@ double RoundTo4Decimals(double value) {
   return std::isfinite(rounded) ? rounded : value;
 }
 
-// Period in ms of channel 1's frequency in this step; 0 for a frequency of 0.
-double Period(const ParamCell& frequency) {
-  if (frequency.Value == 0) return 0;
-  return (frequency.UnitIndex == 0 ? kMsPerSecond : 1.0) / frequency.Value;
+double StepTimeMs(const StepRow& row, const ModelDefinition& definition) {
+  return BaseTime(definition, row) * kMsPerSecond;
 }
 
-double StepRunTimeOf(const StepRow& row, const ParamCell& frequency) {
-  double time = RoundTo4Decimals(row.StepTime * kMsPerSecond);
+// `frequency` is channel 1's in this step, Hz; 0 has no period.
+double StepRunTimeOf(const StepRow& row, double stepTime, double frequency) {
+  double time = RoundTo4Decimals(stepTime);
   if (row.StopPhaseOn == 1) {
-    const double period = Period(frequency);
+    const double period = frequency == 0 ? 0 : kMsPerSecond / frequency;
     time = std::max(time, period) + period / 360 * row.StopPhase;
   }
   return time;
 }
 
 // One pass of the loop that the step in `slot` jumps back over, in ms.
-double LoopTime(const SequenceData& sequence, int slot) {
+double LoopTime(const SequenceData& sequence, const ModelDefinition& definition, int slot) {
   const StepIndex first = IndexOf(StepNumber{sequence.Steps[static_cast<std::size_t>(slot)].JumpTo});
   if (first.value < 0) return 0;
   double time = 0;
   for (int step = first.value; step <= slot; ++step) {
-    time += sequence.Steps[static_cast<std::size_t>(step)].StepTime * kMsPerSecond;
+    time += StepTimeMs(sequence.Steps[static_cast<std::size_t>(step)], definition);
   }
   return time;
 }
 
 }  // namespace
 
-RunTimes ComputeRunTimes(SequenceData& sequence) {
+RunTimes ComputeRunTimes(SequenceData& sequence, const ModelDefinition& definition) {
   double total = 0;
   bool endless = false;
   const int used = std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
   for (int slot = 0; slot < used; ++slot) {
     StepRow& row = sequence.Steps[static_cast<std::size_t>(slot)];
-    total += row.StepTime * kMsPerSecond;
-    row.StepRunTime = StepRunTimeOf(row, sequence.Cell(0, slot, kSlotFrequency));
+    const double stepTime = StepTimeMs(row, definition);
+    total += stepTime;
+    const ParamCell& frequency = sequence.Cell(0, slot, kSlotFrequency);
+    row.StepRunTime = StepRunTimeOf(row, stepTime, BaseValue(definition, kSlotFrequency, frequency));
     if (row.JumpOn != 1) continue;
     if (row.JumpCountOn == 0) endless = true;
-    if (row.JumpCount > 0) total += row.JumpCount * LoopTime(sequence, slot);
+    if (row.JumpCount > 0) total += row.JumpCount * LoopTime(sequence, definition, slot);
   }
   if (endless) return {kEndless, kEndless};
   return {total, total};

@@ -1,6 +1,7 @@
 // Run times: how long each step and the whole sequence take.
 #pragma once
 
+#include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 
 namespace corlune {
@@ -17,6 +18,6 @@ inline constexpr double kEndless = -1;
 // Fills StepRunTime (ms) of the used steps and returns the total: the step times, each counted jump adding
 // its loop once per count. Stop phases lengthen StepRunTime, not the total. A jump without a target, or to a
 // step behind it, adds nothing. The time does not grow with the jump counts.
-RunTimes ComputeRunTimes(SequenceData& sequence);
+RunTimes ComputeRunTimes(SequenceData& sequence, const ModelDefinition& definition);
 
 }  // namespace corlune

@@ -24,7 +24,7 @@ inline constexpr int kModeSlots = 6;    // channel slots of one mode set
 enum Slot : int {
   kSlotWaveform = 0,
   kSlotArbNumber = 1,
-  kSlotFrequency = 2,  // UnitIndex 0: Hz, 1: kHz
+  kSlotFrequency = 2,  // base units: Hz
   kSlotAmplitude = 3,  // Vp-p
   kSlotPolarityRange = 4,
   kSlotOffset = 5,  // V
@@ -38,7 +38,7 @@ enum WaveformCode : int { kWaveSine = 0, kWaveSquare = 1, kWaveNoise = 2, kWaveD
 enum ChangeModeCode : std::int16_t { kModeConst = 0, kModeKeep = 1, kModeSweep = 2 };
 
 struct StepRow {
-  double StepTime = 0;        // in the unit of TimeUnit (shipped models: s)
+  double StepTime = 0;        // in the unit of TimeUnit; sequence/units.h converts
   std::int16_t TimeUnit = 0;  // index into the unit list of the step-time column
   std::int16_t AutoHold = 0;
   std::int16_t StopPhaseOn = 0;
@@ -61,8 +61,8 @@ struct StepRow {
 struct ParamCell {
   std::int16_t ChangeMode = 0;  // kModeConst, kModeKeep, kModeSweep
   std::int16_t UnitIndex = 0;
-  double Value = 0;
-  double StartValue = 0;  // derived: the value with which the step begins
+  double Value = 0;       // in the unit of UnitIndex
+  double StartValue = 0;  // derived: the value with which the step begins, same unit
   bool operator==(const ParamCell&) const = default;
 };
 

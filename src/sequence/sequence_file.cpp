@@ -40,15 +40,15 @@ bool HasSequenceFileEnding(std::string_view path) {
 }
 
 DefinitionFor OneDefinition(const ModelDefinition& definition) {
-  return [&definition](const std::string& model) {
-    return definition.IndexOfModel(model) < 0 ? nullptr : &definition;
+  return [&definition](const std::string& model) -> std::optional<const ModelDefinition*> {
+    if (definition.IndexOfModel(model) < 0) return std::nullopt;
+    return &definition;
   };
 }
 
-bool WriteSeqFile(std::string& path, SequenceFileForm form, const AppState& state,
+bool WriteSeqFile(const std::string& path, SequenceFileForm form, const AppState& state,
                   const ModelDefinition& definition, SequenceData& sequence, std::string* error) {
   const bool user = form == SequenceFileForm::User;
-  if (user && !HasSequenceFileEnding(path)) path += ".dat";
   if (std::string problem = UnwritableText(sequence, state); !problem.empty()) {
     if (error) *error = std::move(problem);
     return false;
@@ -79,6 +79,8 @@ bool ReadSeqFile(const std::string& path, SequenceFileForm form, const Definitio
     case SequenceFileProblem::UnknownModel:
       ShowMessage(prompts, catalogue, kUnknownModelMessage, PromptIcon::Exclamation, PromptButtons::Ok,
                   {result.Model});
+      return false;
+    case SequenceFileProblem::NoDefinition:
       return false;
     case SequenceFileProblem::Malformed:
       ShowMessage(prompts, catalogue, kMalformedMessage, PromptIcon::Exclamation);

@@ -26,9 +26,10 @@ enum class SequenceFileForm { Work = 0, User = 1 };
 // ".dat" or ".daf" in any letter case: the endings of user files.
 bool HasSequenceFileEnding(std::string_view path);
 
-// The definition of the named model, with the whole model list and interface table; null when the model is
-// not in the list. The result must live until the load is done.
-using DefinitionFor = std::function<const ModelDefinition*(const std::string& model)>;
+// The definition of the named model, with the whole model list and interface table; nullopt when the model is
+// not in the list, null when it is but its definition cannot be loaded, which the callee has told. The result
+// must live until the load is done.
+using DefinitionFor = std::function<std::optional<const ModelDefinition*>(const std::string& model)>;
 
 // `definition` for every model of its list.
 DefinitionFor OneDefinition(const ModelDefinition& definition);
@@ -37,6 +38,7 @@ enum class SequenceFileProblem {
   None,
   Malformed,     // message 9005: not readable, a section missing, a value that is none, a bad index
   UnknownModel,  // message 9004
+  NoDefinition,  // the model is known, its definition cannot be loaded; already told
 };
 
 struct ReadResult {
@@ -54,18 +56,17 @@ std::string FormatSequenceFile(const SequenceData& sequence, const AppState& sta
                                const ModelDefinition& definition, SequenceFileForm form);
 
 // Replaces `sequence` and `settings` by what the text holds; on any problem both stay as they were.
-// Kept from before: start step and branch channel (user form), the user units of parameter slot 10, the
-// serial number of instrument 0, what the text does not mention of the set-up, and what is known about the
+// Kept from before: start step and branch channel (user form), the user units of parameter slot 10, a serial
+// number that instrument 0 has, what the text does not mention of the set-up, and what is known about the
 // instrument's waveform memory. Start values and step run times are computed.
 ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const DefinitionFor& definitions,
                              SequenceData& sequence, SystemSettings& settings);
 
-// Writes the file, replacing an old one as a whole. In the user form ".dat" is appended to a `path` that
-// ends neither in ".dat" nor in ".daf" (letter case ignored); `path` becomes the name written. Relative
-// waveform paths stay as they are when the file lies in the folder they count from; otherwise they are
-// written as absolute paths, in the user form also in `sequence`. On failure false, and *error (may be
-// null) says why. Shows no message.
-[[nodiscard]] bool WriteSeqFile(std::string& path, SequenceFileForm form, const AppState& state,
+// Writes the file, replacing an old one as a whole. `path` is taken as it stands. Relative waveform paths
+// stay as they are when the file lies in the folder they count from; otherwise they are written as absolute
+// paths, in the user form also in `sequence`. On failure false, and *error (may be null) says why. Shows no
+// message.
+[[nodiscard]] bool WriteSeqFile(const std::string& path, SequenceFileForm form, const AppState& state,
                                 const ModelDefinition& definition, SequenceData& sequence,
                                 std::string* error = nullptr);
 

@@ -2,17 +2,15 @@
 
 #include <algorithm>
 
+#include "sequence/units.h"
+
 namespace corlune {
 
 namespace {
 
-constexpr double kUnitFactor = 1000;  // between the first two units of a list, e.g. Hz and kHz
-
 double EndOf(const ParamCell& previous, std::int16_t unit) {
   const double value = previous.ChangeMode == kModeKeep ? previous.StartValue : previous.Value;
-  if (previous.UnitIndex == 1 && unit == 0) return value * kUnitFactor;
-  if (previous.UnitIndex == 0 && unit == 1) return value / kUnitFactor;
-  return value;
+  return InUnit(value, previous.UnitIndex, unit);
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "core/numbers.h"
+#include "sequence/units.h"
 
 namespace corlune {
 
@@ -85,7 +86,9 @@ std::optional<double> UserUnits::Load(int channel, int slot) const {
 double UserUnits::SystemToUser(double value, int channel, int step, int slot) const {
   double shown = HalvesAmplitude(channel, step, slot) ? value / 2 : value;
   if (const auto load = Load(channel, slot)) shown = shown * *load / (*load + kSourceResistance);
-  if (!Active(channel, slot)) return shown;
+  if (!Active(channel, slot)) {
+    return FromBase(SlotColumn(definition_, slot), shown, ShownUnit(definition_, sequence_, channel, slot));
+  }
   const UserUnitDef& unit = Unit(channel, slot);
   if (unit.Form != kLogarithmic) return (shown + unit.N) * Factor(unit);
   if (shown <= 0) return shown;
@@ -98,17 +101,29 @@ double UserUnits::UserToSystem(double value, int channel, int step, int slot) co
     const UserUnitDef& unit = Unit(channel, slot);
     stored = value / Factor(unit) - unit.N;
     if (unit.Form == kLogarithmic) stored = std::pow(10, stored);
+  } else {
+    stored = ToBase(SlotColumn(definition_, slot), value, ShownUnit(definition_, sequence_, channel, slot));
   }
   if (const auto load = Load(channel, slot)) stored = (*load + kSourceResistance) * stored / *load;
   return HalvesAmplitude(channel, step, slot) ? stored * 2 : stored;
 }
 
+double UserUnits::DisplayFactor(int channel, int slot) const {
+  if (Active(channel, slot)) return Factor(Unit(channel, slot));
+  return FromBase(SlotColumn(definition_, slot), 1, ShownUnit(definition_, sequence_, channel, slot));
+}
+
+std::string UserUnits::UnitText(int channel, int slot) const {
+  if (Active(channel, slot)) return Unit(channel, slot).UnitText;
+  return UnitName(SlotColumn(definition_, slot), ShownUnit(definition_, sequence_, channel, slot));
+}
+
 std::string UserUnits::UserUnitFormat(int channel, int slot) const {
-  std::string format = DisplayFormat(definition_.Sequence.Params[0][static_cast<std::size_t>(slot)]);
-  if (!Active(channel, slot)) return format;
-  const UserUnitDef& unit = Unit(channel, slot);
-  if (unit.Form == kLogarithmic) return kLogarithmicFormat;
-  const double digits = std::ceil(std::log10(std::fabs(Factor(unit))));
+  std::string format = DisplayFormat(SlotColumn(definition_, slot));
+  if (Active(channel, slot) && Unit(channel, slot).Form == kLogarithmic) return kLogarithmicFormat;
+  const double factor = DisplayFactor(channel, slot);
+  if (factor == 1) return format;
+  const double digits = std::ceil(std::log10(std::fabs(factor)));
   if (digits < 0) {
     AddDecimals(format, static_cast<int>(-digits));
   } else if (digits < static_cast<double>(format.size()) - 2) {

@@ -1,5 +1,5 @@
-// User units and output load: how stored values (base units, open circuit) are shown and typed, and the
-// rules of the channel settings.
+// User units and output load: how values (base units, open circuit) are shown and typed, and the rules of the
+// channel settings. A parameter without a user unit is shown in the unit of its column (sequence/units.h).
 #pragma once
 
 #include <optional>
@@ -37,19 +37,23 @@ class UserUnits {
 
   bool Active(int channel, int slot) const;
 
-  // The displayed number of a stored value. A logarithmic unit returns 0 and negative values unconverted.
+  // The displayed number of a base value. A logarithmic unit returns 0 and negative values unconverted.
   double SystemToUser(double value, int channel, int step, int slot) const;
-  // The stored value of a displayed number; the inverse of SystemToUser.
+  // The base value of a displayed number; the inverse of SystemToUser.
   double UserToSystem(double value, int channel, int step, int slot) const;
-  // The cell text of a stored value; "Inf" for 0 and "Over" below 0 in a logarithmic unit.
+  // The cell text of a base value; "Inf" for 0 and "Over" below 0 in a logarithmic unit.
   std::string UserUnitText(double value, int channel, int step, int slot) const;
   // Display pattern of the converted value.
   std::string UserUnitFormat(int channel, int slot) const;
+  // Name of the unit shown; empty for none.
+  std::string UnitText(int channel, int slot) const;
 
  private:
   const UserUnitDef& Unit(int channel, int slot) const {
     return sequence_.Channels.UserUnits[static_cast<std::size_t>(channel)][static_cast<std::size_t>(slot)];
   }
+  // Displayed units in one base unit, before a logarithm.
+  double DisplayFactor(int channel, int slot) const;
   bool HalvesAmplitude(int channel, int step, int slot) const;
   // Load in ohms that divides the value of this slot; nullopt where none does.
   std::optional<double> Load(int channel, int slot) const;

@@ -37,13 +37,24 @@ constexpr std::size_t kTextPiece = 262144;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-void Fail(WaveformRead& read, WaveformProblem problem, std::string reason) {
+// Catalogue ids of the reasons.
+constexpr int kCannotOpen = 8110;
+constexpr int kCannotRead = 8111;  // also a file that becomes shorter meanwhile
+constexpr int kEndsInHeader = 8112;
+constexpr int kEndsInPoints = 8113;
+constexpr int kPairCount = 8114;
+constexpr int kValueCount = 8115;
+constexpr int kNoInteger = 8116;
+constexpr int kNoSeparator = 8117;
+constexpr int kNoWaveformFile = 8118;
+
+void Fail(WaveformRead& read, WaveformProblem problem, int text, std::string number = {}) {
   read.problem = problem;
-  read.reason = std::move(reason);
+  read.reason = {text, std::move(number)};
 }
 
 void FailReading(WaveformRead& read) {
-  Fail(read, WaveformProblem::CannotAccess, "the file cannot be read");
+  Fail(read, WaveformProblem::CannotAccess, kCannotRead);
 }
 
 std::uint32_t LittleEndian32(const std::uint8_t* bytes) {
@@ -82,7 +93,7 @@ void ReadEditorArray(RegularFile& file, WaveformRead& read) {
     const auto got = file.ReadAt(kArrayOffset + static_cast<std::int64_t>(done), points + done, kArrayPiece);
     if (!got) return FailReading(read);
     if (*got < kArrayPiece) {
-      return Fail(read, WaveformProblem::Insufficient, "the file ends before its 524288 points do");
+      return Fail(read, WaveformProblem::Insufficient, kEndsInPoints, std::to_string(kMaxWaveformPoints));
     }
     SwapPoints(points + done, kArrayPiece);
   }
@@ -99,15 +110,13 @@ void LayPairs(const std::uint8_t* from, std::size_t pairs, std::uint8_t* to) {
 }
 
 void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read) {
-  if (count == 0) return Fail(read, WaveformProblem::BadCount, "the file holds no point pairs");
+  if (count == 0) return Fail(read, WaveformProblem::BadCount, kPairCount, "0");
   const std::int64_t needed = kPairsOffset + static_cast<std::int64_t>(kFilePairBytes) * count;
   if (file.Size() < needed) {
-    return Fail(read, WaveformProblem::Insufficient,
-                "the file ends before its " + std::to_string(count) + " point pairs do");
+    return Fail(read, WaveformProblem::Insufficient, kEndsInPoints, std::to_string(count));
   }
   if (count > static_cast<std::uint32_t>(kMaxWaveformPoints)) {
-    return Fail(read, WaveformProblem::BadCount,
-                std::to_string(count) + " point pairs, at most 524288 are possible");
+    return Fail(read, WaveformProblem::BadCount, kPairCount, std::to_string(count));
   }
   std::uint8_t* const block = read.block.Prepare(kBlockHead + kBlockPairBytes * count);
   std::array<std::uint8_t, kPairPiece> piece;
@@ -118,7 +127,7 @@ void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read)
     const auto got = file.ReadAt(offset, piece.data(), pairs * kFilePairBytes);
     if (!got) return FailReading(read);
     if (*got < pairs * kFilePairBytes) {
-      return Fail(read, WaveformProblem::Insufficient, "the file became shorter while it was read");
+      return Fail(read, WaveformProblem::Insufficient, kCannotRead);
     }
     LayPairs(piece.data(), pairs, block + kBlockHead + kBlockPairBytes * done);
   }
@@ -129,7 +138,7 @@ void ReadEditorFile(RegularFile& file, WaveformRead& read) {
   std::array<std::uint8_t, kHeadBytes> head{};
   const auto got = file.ReadAt(kFormOffset, head.data(), head.size());
   if (!got) return FailReading(read);
-  if (*got < head.size()) return Fail(read, WaveformProblem::Insufficient, "the file ends within its header");
+  if (*got < head.size()) return Fail(read, WaveformProblem::Insufficient, kEndsInHeader);
   const int form = head[0] | head[1] << 8;
   if (form == kFormPairs) {
     ReadEditorPairs(file, LittleEndian32(head.data() + kPairCountInHead), read);
@@ -143,16 +152,14 @@ void CheckTextCount(const TextWaveform& values, bool shortened, WaveformRead& re
   const bool taken = count >= kMinWaveformPoints && count <= kMaxWaveformPoints &&
                      std::has_single_bit(static_cast<std::uint32_t>(count));
   if (shortened) {
-    return Fail(read, WaveformProblem::Insufficient, "the file became shorter while it was read");
+    return Fail(read, WaveformProblem::Insufficient, kCannotRead);
   }
   if (!taken) {
-    const std::string number = values.Full() ? "more than 524288" : std::to_string(count);
-    return Fail(read, WaveformProblem::BadCount,
-                number + " values, but a waveform has 4096, 8192, 16384 and so on up to 524288");
+    const std::string number = values.Full() ? "> 524288" : std::to_string(count);
+    return Fail(read, WaveformProblem::BadCount, kValueCount, number);
   }
   if (values.FirstInvalid() != 0) {
-    return Fail(read, WaveformProblem::Invalid,
-                "value " + std::to_string(values.FirstInvalid()) + " is no integer from -32767 to 32767");
+    return Fail(read, WaveformProblem::Invalid, kNoInteger, std::to_string(values.FirstInvalid()));
   }
 }
 
@@ -178,8 +185,7 @@ void ReadTextFile(RegularFile& file, WaveformRead& read) {
     }
     const std::size_t complete = text.find_last_of(",\r\n") + 1;
     if (complete == 0) {
-      return Fail(read, WaveformProblem::Invalid,
-                  "no separator in a piece of " + std::to_string(kTextPiece) + " bytes");
+      return Fail(read, WaveformProblem::Invalid, kNoSeparator, std::to_string(kTextPiece));
     }
     values.Take(text.substr(0, complete));
     held = text.size() - complete;
@@ -208,6 +214,10 @@ int MessageOf(WaveformProblem problem) {
   return 0;
 }
 
+std::string ReasonText(const WaveformReason& reason, const MessageCatalogue& catalogue) {
+  return catalogue.GetResString(reason.text, {reason.number});
+}
+
 std::uint8_t* WaveformBlock::Prepare(std::size_t size) {
   size_ = 0;
   if (size > capacity_) {
@@ -221,16 +231,15 @@ std::uint8_t* WaveformBlock::Prepare(std::size_t size) {
 
 void ReadArbFile(const std::string& path, WaveformRead& read) {
   read.problem = WaveformProblem::None;
-  read.reason.clear();
+  read.reason = {};
   read.arrayForm = true;
   read.pointCount = 0;
   read.block.SetSize(0);
   RegularFile file(path);
-  if (!file.IsOpen())
-    return Fail(read, WaveformProblem::CannotAccess, "there is no such file, or it cannot be opened");
+  if (!file.IsOpen()) return Fail(read, WaveformProblem::CannotAccess, kCannotOpen);
   if (EndsWithIgnoringCase(path, "txt")) return ReadTextFile(file, read);
   if (EndsWithIgnoringCase(path, "wdb")) return ReadEditorFile(file, read);
-  Fail(read, WaveformProblem::BadExtension, "neither a .wdb nor a .txt file");
+  Fail(read, WaveformProblem::BadExtension, kNoWaveformFile);
 }
 
 WaveformRead ReadArbFile(const std::string& path) {

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string>
 
+#include "core/catalogue.h"
+
 namespace corlune {
 
 inline constexpr std::int32_t kMinWaveformPoints = 4096;
@@ -43,9 +45,16 @@ class WaveformBlock {
   std::size_t size_ = 0;
 };
 
+// Why a file was refused, more exactly than its message says: one clause for a console or a dialog's row.
+struct WaveformReason {
+  int text = 0;        // catalogue id; 0 without a problem
+  std::string number;  // what stands in its place $1
+};
+std::string ReasonText(const WaveformReason& reason, const MessageCatalogue& catalogue);
+
 struct WaveformRead {
   WaveformProblem problem = WaveformProblem::None;
-  std::string reason;           // one English clause for a console or a dialog's row; empty without a problem
+  WaveformReason reason;
   bool arrayForm = true;        // false: point pairs
   std::int32_t pointCount = 0;  // points or pairs
   WaveformBlock block;          // empty unless problem is None

@@ -8,8 +8,7 @@ namespace corlune {
 bool Session::WriteWorkFile(std::string* error) {
   // A work file that could not be loaded is not replaced by what happens to be in memory.
   if (!options_.writeSettings || !workDataLoaded_) return true;
-  std::string path = state_.WorkFilePath;
-  return WriteSeqFile(path, SequenceFileForm::Work, state_, definition_, sequence_, error);
+  return WriteSeqFile(state_.WorkFilePath, SequenceFileForm::Work, state_, definition_, sequence_, error);
 }
 
 void Session::KeepForNextStart() {

@@ -54,17 +54,20 @@ bool Session::WriteUserFile(std::string path) {
 
 bool Session::WriteFile(const std::string& path, bool userForm) {
   const auto copy = std::make_unique<SequenceData>(sequence_);
-  std::string written = path;
   std::string error;
   const SequenceFileForm form = userForm ? SequenceFileForm::User : SequenceFileForm::Work;
-  if (WriteSeqFile(written, form, state_, definition_, *copy, &error)) return true;
-  ShowWriteProblem(written, error);
+  if (WriteSeqFile(path, form, state_, definition_, *copy, &error)) return true;
+  ShowWriteProblem(path, error);
   return false;
 }
 
 bool Session::SaveToCurrentPath() {
-  if (!state_.CurrentFilePath.empty()) return WriteUserFile(state_.CurrentFilePath);
-  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), {});
+  return state_.CurrentFilePath.empty() ? SaveToChosenPath() : WriteUserFile(state_.CurrentFilePath);
+}
+
+bool Session::SaveToChosenPath() {
+  if (state_.RunState == RunState::Running || activity_.Commanding()) return false;
+  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
   return path && !path->empty() && WriteUserFile(*path);
 }
 
@@ -115,9 +118,9 @@ bool Session::LoadUserFile(const std::string& path) {
   const SystemSettings before = SettingsOf(state_);
   // The definition of the file's model, when it is another one than the present.
   std::unique_ptr<ModelDefinition> other;
-  const DefinitionFor definitions = [&](const std::string& model) -> const ModelDefinition* {
+  const DefinitionFor definitions = [&](const std::string& model) -> std::optional<const ModelDefinition*> {
     const int index = definition_.IndexOfModel(model);
-    if (index < 0) return nullptr;
+    if (index < 0) return std::nullopt;
     if (model == state_.ModelName) return &definition_;
     AppState next = state_;
     next.ModelName = model;
@@ -146,18 +149,17 @@ bool Session::LoadUserFile(const std::string& path) {
 }
 
 bool Session::Save() {
-  if (!MayReplaceSequence()) return false;
+  if (!MaySave()) return false;
   const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   return SaveToCurrentPath();
 }
 
 bool Session::SaveAs() {
-  if (!MayReplaceSequence()) return false;
+  if (!MaySave()) return false;
   const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
-  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
-  return path && !path->empty() && WriteUserFile(*path);
+  return SaveToChosenPath();
 }
 
 }  // namespace corlune

@@ -77,6 +77,8 @@ class Session {
   bool NewSequence();
   bool OpenWithDialog();
   bool OpenFile(const std::string& path);
+  // Saving works in both modes and every run state, but not while a block is being sent or read. Without a
+  // path Save asks for one as SaveAs does, which is refused in a running sequence.
   bool Save();
   bool SaveAs();
   // Writes a copy in the user-file (true) or work-file form, without touching Modified or the path. Shows
@@ -139,6 +141,9 @@ class Session {
   // A file command may start: nothing under way, edit mode.
   bool MayReplaceSequence() const { return Idle() && state_.OperationMode == OperationMode::Edit; }
 
+  // A sequence on its way to or from the instrument is left alone.
+  bool MaySave() const { return !activity_.Exchanging() && !activity_.Under(Work::File); }
+
   // start_up.cpp
   bool LoadDefinitionOf(AppState& state, ModelDefinition& definition, bool showBadValue);
   bool SettleModel();
@@ -163,6 +168,7 @@ class Session {
   // file_commands.cpp
   bool AskToSave();
   bool SaveToCurrentPath();
+  bool SaveToChosenPath();
   bool WriteUserFile(std::string path);
   bool LoadUserFile(const std::string& path);
   void ShowWriteProblem(const std::string& path, const std::string& error);

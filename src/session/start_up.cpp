@@ -76,7 +76,8 @@ void Session::SetUpUsbTmc() {
   state_.InstrumentCount = 1;
   InstrumentEntry& instrument = state_.Instruments[0];
   instrument = InstrumentEntry{};
-  instrument.ChannelCount = static_cast<std::int16_t>(model.Channels.Maximum);
+  instrument.ChannelCount =
+      model.ChannelSelectable ? static_cast<std::int16_t>(model.Channels.Maximum) : ChannelsOfModel(state_);
   instrument.InterfaceKind = InterfaceKind::UsbTmc;
   for (std::size_t i = 0; i < model.InterfaceNames.size(); ++i) {
     if (model.InterfaceNames[i] == "USBTMC") instrument.Interface = static_cast<std::int16_t>(i);
@@ -109,8 +110,9 @@ void Session::SearchAtStartUp(const StartUpChecks& checks) {
 bool Session::LoadWorkData() {
   SetWorkFilePath();
   if (FileExists(state_.WorkFilePath)) {
-    const DefinitionFor definitions = [this](const std::string& model) -> const ModelDefinition* {
-      if (definition_.IndexOfModel(model) < 0) return nullptr;
+    const DefinitionFor definitions =
+        [this](const std::string& model) -> std::optional<const ModelDefinition*> {
+      if (definition_.IndexOfModel(model) < 0) return std::nullopt;
       if (model == state_.ModelName) return &definition_;
       AppState next = state_;
       next.ModelName = model;
@@ -172,20 +174,23 @@ bool Session::StartUpFromFile(const std::string& path) {
     ShowMessage(ports_.prompts, catalogue_, 9644, PromptIcon::Exclamation, PromptButtons::Ok, {path});
     return false;
   }
-  // Any model of the list serves to load the list itself; the file's own is loaded when its name is known.
-  UseDefaultModel(state_);
+  // Without a name only the list of models is loaded; the file's own follows when its name is known.
+  state_.ModelName.clear();
   if (!LoadDefinitionOf(state_, definition_, false)) return false;
-  const DefinitionFor definitions = [this](const std::string& model) -> const ModelDefinition* {
-    if (definition_.IndexOfModel(model) < 0) return nullptr;
+  const DefinitionFor definitions =
+      [this](const std::string& model) -> std::optional<const ModelDefinition*> {
+    if (definition_.IndexOfModel(model) < 0) return std::nullopt;
     AppState next = state_;
     next.ModelName = model;
-    return LoadDefinitionOf(next, definition_, false) ? &definition_ : nullptr;
+    if (!LoadDefinitionOf(next, definition_, false)) return nullptr;
+    ResetSequence(sequence_, definition_);  // what the file does not carry has the model's defaults
+    return &definition_;
   };
   const std::string text = DecodeText(*bytes);
   SystemSettings settings = SettingsOf(state_);
   const SequenceFileForm form = DetectForm(text).value_or(SequenceFileForm::User);
   const ReadResult result = ParseSequenceFile(text, form, definitions, sequence_, settings);
-  if (!loadProblem_.empty()) return false;
+  if (result.Problem == SequenceFileProblem::NoDefinition) return false;
   if (result.Problem != SequenceFileProblem::None) {
     const bool unknown = result.Problem == SequenceFileProblem::UnknownModel;
     ShowMessage(ports_.prompts, catalogue_, unknown ? 9004 : 9005, PromptIcon::Exclamation, PromptButtons::Ok,

@@ -31,13 +31,16 @@ void ChooseInterface(AppState& state, const ModelInterfaceSpec& model) {
 
 }  // namespace
 
+std::int16_t ChannelsOfModel(const AppState& state) {
+  return state.ModelName == MessageCatalogue::GetFixedString(kTwoChannelModelText) ? 2 : 1;
+}
+
 void InitSystemDefaults(AppState& state, const ModelDefinition& definition, SequenceData& sequence) {
   SetRunState(state, RunState::Stopped);
   state.Modified = false;
   state.InstrumentCount = 1;
   InstrumentEntry& instrument = state.Instruments[0];
-  const bool twoChannels = state.ModelName == MessageCatalogue::GetFixedString(kTwoChannelModelText);
-  instrument.ChannelCount = twoChannels ? 2 : 1;
+  instrument.ChannelCount = ChannelsOfModel(state);
   ChooseInterface(state, definition.InterfaceOf(state.ModelIndex));
   const ModelInterfaceSpec& first = definition.InterfaceOf(0);
   if (instrument.InterfaceKind == InterfaceKind::UsbTmc) {

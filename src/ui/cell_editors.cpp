@@ -11,6 +11,7 @@
 #include <QWheelEvent>
 
 #include "ui/grid_model.h"
+#include "view/to_qcolor.h"
 
 namespace corlune {
 
@@ -382,6 +383,12 @@ bool CellEditors::eventFilter(QObject* watched, QEvent* event) {
       if (keyHandler_ && keyHandler_(static_cast<QKeyEvent*>(event))) {
         event->accept();
         return true;
+      }
+      break;
+    case QEvent::FocusIn:
+      // The menu bar has taken the selection away: the next digit would be added to the value.
+      if (spec_.Text && watched == &TextOf(place_.Area) && !inText_ && !Changed()) {
+        TextOf(place_.Area).selectAll();
       }
       break;
     case QEvent::MouseButtonPress:

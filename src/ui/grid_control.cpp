@@ -1,6 +1,7 @@
 #include "ui/grid_control.h"
 
 #include <algorithm>
+#include <limits>
 
 #include <QApplication>
 #include <QItemSelectionModel>
@@ -26,6 +27,11 @@ GridControl::GridControl(SequenceEditor& editor, Prompts& prompts, const GridTab
     connect(table, &GridTable::MenuRequested, this,
             [this, table](const QPoint& at, int row, int column) { RequestMenu(*table, at, row, column); });
     connect(table, &GridTable::Moved, this, &GridControl::PlaceEditor);
+    connect(table, &GridTable::Resized, this, [this, table](int rowsBefore) {
+      // A row that was scrolled out of sight stays there.
+      const int first = table->verticalScrollBar()->value() + 1;
+      if (RowInSight() >= first && RowInSight() < first + rowsBefore) KeepInSight();
+    });
   }
   connect(tables_.Tabs, &QTabWidget::currentChanged, this, &GridControl::ChangeTab);
 
@@ -160,6 +166,7 @@ void GridControl::ShowSelection(int row, int column) {
                      QItemSelectionModel::ClearAndSelect);
     table->scrollTo(table->At(row, column));
   }
+  ShowRow(cursor.ActiveGrid == GridArea::Branch ? cursor.CurrentRow : row, FirstRow());
   emit Refreshed();
 }
 
@@ -343,12 +350,49 @@ void GridControl::HighlightRow(GridRow row, bool on) {
     if (before) table->Model().RowsChanged(before->value, before->value);
     if (on && before != row) table->Model().RowsChanged(row.value, row.value);
   }
+  if (on) KeepInSight();
 }
 
 void GridControl::ScrollTo(GridRow top) {
-  for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1]}) {
-    table->verticalScrollBar()->setValue(top.value - 1);
+  ShowRow(editor_.Views().HighlightedRow().value_or(top).value, top.value);
+}
+
+int GridControl::RowInSight() const {
+  return editor_.Views().HighlightedRow().value_or(GridRow{editor_.Cursor().CurrentRow}).value;
+}
+
+void GridControl::KeepInSight() {
+  ShowRow(RowInSight(), FirstRow());
+}
+
+// First row that the step grids show at present.
+int GridControl::FirstRow() const {
+  const GridTable& table = editor_.Cursor().ActiveGrid == GridArea::Branch ? *tables_.Common : ActiveTable();
+  return table.verticalScrollBar()->value() + 1;
+}
+
+// The grids show the same steps from `top` on, or from where the lowest of them shows `row` as well.
+void GridControl::ShowRow(int row, int top) {
+  const std::array<GridTable*, 3> stepGrids{tables_.Common, tables_.Channels[0], tables_.Channels[1]};
+  int rows = std::numeric_limits<int>::max();
+  for (const GridTable* table : stepGrids) {
+    if (table->isVisible()) rows = std::min(rows, table->VisibleRows());
   }
+  const int first = std::clamp(top, std::max(row - rows + 1, 1), std::max(row, 1));
+  for (GridTable* table : stepGrids) table->verticalScrollBar()->setValue(first - 1);
+}
+
+void GridControl::FocusCell() {
+  const QScopedValueRollback<bool> own(showing_, true);
+  if (editors_.IsOpen()) {
+    if (!editors_.HasFocus()) editors_.Focus();
+    return;
+  }
+  ActiveTable().setFocus(Qt::OtherFocusReason);
+  const GridBlock block = SelectedBlock(editor_.Cursor());
+  if (!states_.EditCells || block.Rows() > 1 || block.FirstColumn != block.LastColumn) return;
+  KeepInSight();
+  OpenEditor();
 }
 
 }  // namespace corlune

@@ -48,7 +48,12 @@ class GridControl : public QObject {
   void SelectFirstCell();
   void ReduceSelection();
   void HighlightRow(GridRow row, bool on);
+  // Makes `top` the first row of the step grids, as far as each of them then shows the highlighted row.
   void ScrollTo(GridRow top);
+  // Scrolls as little as possible until every step grid shows the highlighted row, else the current one.
+  void KeepInSight();
+  // Gives the focus to the current cell, with its editor where it can be edited.
+  void FocusCell();
   // Sizes of rows, header and columns anew, for another font or screen.
   void LayOut();
 
@@ -79,6 +84,9 @@ class GridControl : public QObject {
   CellPlace CurrentPlace() const;
   void KeepCursorInside();
   void ShowSelection(int row, int column);
+  void ShowRow(int row, int top);
+  int FirstRow() const;
+  int RowInSight() const;
   void OpenEditor();
   void PlaceEditor();
   bool FocusInside() const;
@@ -105,6 +113,7 @@ class GridControl : public QObject {
   void EditText();
   void Enter(GridTable& table);
   void Leave(bool forward);
+  bool EndsEntry(const QWidget* now) const;
   void FocusChanged(QWidget* now);
   void FinishLeaving();
 

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QMenuBar>
 #include <QScopedValueRollback>
 #include <QTabWidget>
 
@@ -389,24 +390,23 @@ void GridControl::Leave(bool forward) {
 }
 
 // The focus has gone to another control of this window: what was typed is entered. A message box, a menu or
-// another window that takes it does not end the entry.
+// another window that takes it does not end the entry; from there it comes back to the editor.
+bool GridControl::EndsEntry(const QWidget* now) const {
+  if (now == nullptr || !editors_.IsOpen() || editors_.Owns(now)) return false;
+  if (now->window() != panel_.window() || qobject_cast<const QMenuBar*>(now) != nullptr) return false;
+  const CellPlace& place = editors_.Where();
+  return now != &TableOf(place.Area, place.Channel);
+}
+
 void GridControl::FocusChanged(QWidget* now) {
   // The release of an arrow key will go elsewhere.
   if (now == nullptr || !panel_.isAncestorOf(now)) heldArrow_.reset();
-  if (showing_ || !editors_.IsOpen() || now == nullptr || editors_.Owns(now)) return;
-  if (now->window() != panel_.window()) return;
-  const CellPlace& place = editors_.Where();
-  if (now == &TableOf(place.Area, place.Channel)) return;
   // Not inside the focus change, which the refusal's message box would disturb.
-  emit FocusWent(QPrivateSignal());
+  if (!showing_ && EndsEntry(now)) emit FocusWent(QPrivateSignal());
 }
 
 void GridControl::FinishLeaving() {
-  if (!editors_.IsOpen() || committing_ || editors_.HasFocus()) return;
-  const QWidget* now = panel_.window()->focusWidget();
-  const CellPlace& place = editors_.Where();
-  if (now == nullptr || now == &TableOf(place.Area, place.Channel)) return;
-  if (!Commit()) return;
+  if (committing_ || !EndsEntry(panel_.window()->focusWidget()) || !Commit()) return;
   CloseEditors();
 }
 

@@ -5,6 +5,7 @@
 #include <QPainterPath>
 
 #include "ui/grid_model.h"
+#include "view/to_qcolor.h"
 
 namespace corlune {
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "view/to_qcolor.h"
+
 namespace corlune {
 
 namespace {
@@ -90,6 +92,7 @@ void GridModel::RowsChanged(int first, int last) {
   const int bottom = std::min(last, rows_) - 1;
   if (top > bottom || columns_ == 0) return;
   emit dataChanged(index(top, 0), index(bottom, columns_ - 1));
+  if (top == 0) emit headerDataChanged(Qt::Horizontal, 0, columns_ - 1);  // headed by the first step's unit
 }
 
 int GridModel::rowCount(const QModelIndex& parent) const {

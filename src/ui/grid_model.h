@@ -7,7 +7,7 @@
 #include <QString>
 
 #include "editing/cell_view.h"
-#include "view/qt_color.h"
+#include "view/to_qcolor.h"
 
 namespace corlune {
 

@@ -84,6 +84,7 @@ class GridPanel::Impl {
   QGroupBox* branchFrame_ = nullptr;
   QLineEdit* stepNumber_ = nullptr;
   ControlStates states_;
+  std::function<bool()> beforeCommand_;
   int shownTab_ = 0;
   bool syncing_ = false;
   std::unique_ptr<GridControl> control_;  // before the widgets are gone
@@ -298,7 +299,7 @@ void GridPanel::Impl::LimitWidths() {
 
 void GridPanel::Impl::Run(GridCommand command) {
   if (!StateOf(command, editor_, states_).Enabled) return;
-  if (!control_->Commit()) return;
+  if (beforeCommand_ ? !beforeCommand_() : !control_->Commit()) return;
   switch (command) {
     case GridCommand::Copy:
       if (editor_.Copy()) emit panel_.Changed();
@@ -389,6 +390,14 @@ void GridPanel::Apply(const EditOutcome& outcome) {
 
 bool GridPanel::CommitEntry() {
   return impl_->control_->Commit();
+}
+
+void GridPanel::SetBeforeCommand(std::function<bool()> takeEntries) {
+  impl_->beforeCommand_ = std::move(takeEntries);
+}
+
+void GridPanel::FocusCell() {
+  impl_->control_->FocusCell();
 }
 
 void GridPanel::HideEditors() {

@@ -2,6 +2,7 @@
 // editing/ says and turns keys and clicks into operations of SequenceEditor; it holds no rules of its own.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -32,6 +33,11 @@ class GridPanel : public QWidget {
   // Stores what is typed in an open cell editor, as Enter would. False: it was refused, after its message,
   // and the editor keeps the focus. To be called before a command that leaves or saves the sequence.
   bool CommitEntry();
+  // Called by every command on the grids before it is carried out; false: an entry was refused, and the
+  // command is dropped. Without it, what is typed in the cell is stored.
+  void SetBeforeCommand(std::function<bool()> takeEntries);
+  // The current cell has the focus, with its editor where editing is possible.
+  void FocusCell();
   // Takes back every open cell editor without storing.
   void HideEditors();
   // Enabled states and visibilities of row buttons, tabs and editors.

@@ -117,6 +117,7 @@ void GridTable::FitToFrame() {
 void GridTable::resizeEvent(QResizeEvent* event) {
   QTableView::resizeEvent(event);
   FitToFrame();
+  emit Resized(event->oldSize().height() / rowHeight_);
 }
 
 void GridTable::PreferWidth(int pixels) {

@@ -55,6 +55,7 @@ class GridTable : public QTableView {
   void Dragged(int row, int column);  // the nearest cell
   void Released();
   void MenuRequested(const QPoint& global, int row, int column);  // row 0: by key, or outside the cells
+  void Resized(int rowsBefore);                                   // rows that were in sight
   void Moved();  // scrolled, or cells have another place or size
 
  protected:

@@ -4,19 +4,21 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QHBoxLayout>
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include "sequence/run_times.h"
 #include "ui/app_icon.h"
-#include "ui/entry_field.h"
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
 #include "ui/stat_bar.h"
 #include "ui/ui_font.h"
 #include "view/frm_preview.h"
 #include "view/run_buttons.h"
+#include "view/run_fields.h"
+#include "view/run_menu.h"
+#include "view/window_focus.h"
 
 namespace corlune {
 
@@ -51,16 +53,21 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
   auto* rows = new QVBoxLayout;
   rows->setContentsMargins(kMargin - 1, kMargin / 2, kMargin - 1, kMargin / 4);
   rows->setSpacing(kMargin / 2);
-  rows->addWidget(BuildButtonRow());
-  rows->addWidget(BuildFieldRow());
+  runButtons_ = new RunButtons(
+      session_.Catalogue(), [this](int index) { RunButton(index); }, central);
+  rows->addWidget(runButtons_);
+  BuildFields(central);
+  rows->addWidget(fields_);
   grids_ = new GridPanel(editor_, prompts_, central);
   grids_->setObjectName(QStringLiteral("GridPanel"));
+  grids_->SetBeforeCommand([this] { return CommitEntries(); });
   rows->addWidget(grids_, 1);
   whole->addLayout(rows, 1);
   statBar_ = new StatBar(session_.Catalogue(), central);
   whole->addWidget(statBar_);
   setCentralWidget(central);
   BuildMenus();
+  focus_ = std::make_unique<WindowFocus>(*this, *grids_, [this] { grids_->FocusCell(); });
 
   connect(grids_, &GridPanel::Changed, this, &MainWindow::RefreshControls);
   connect(grids_, &GridPanel::ImportRequested, this, &MainWindow::ImportCsv);
@@ -78,48 +85,21 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
 
 MainWindow::~MainWindow() = default;
 
-QWidget* MainWindow::BuildButtonRow() {
-  auto* row = new QWidget(this);
-  auto* layout = new QHBoxLayout(row);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(kMargin / 2);
-  for (int i = 0; i < kPanelButtonCount; ++i) {
-    auto* button = new QPushButton(Caption(8000 + i), row);
-    button->setObjectName(QStringLiteral("CmdBtn1_%1").arg(i));
-    button->setAutoDefault(false);
-    ReserveBoldWidth(button);
-    connect(button, &QPushButton::clicked, this, [this, i] { RunButton(i); });
-    buttons_[static_cast<std::size_t>(i)] = button;
-    layout->addWidget(button);
-  }
-  layout->addStretch();
-  return row;
-}
-
-void MainWindow::ShowButtonStates() {
-  for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    QPushButton* button = buttons_[i];
-    ShowRunButtonState(button, RunButtonApplies(static_cast<PanelButton>(i), session_.State()),
-                       session_.Definition().Buttons[i]);
-    button->setVisible(states_.Buttons[i].Visible);
-    button->setEnabled(states_.Buttons[i].Enabled);
-  }
-}
-
 void MainWindow::RefreshControls() {
   states_ = ControlStatesOf(session_.State(), session_.Activity(), session_.Definition(),
                             {session_.Sequence().StepCount, editor_.CopyBufferFilled()});
-  ShowMenuStates();
-  ShowButtonStates();
-  sequenceNumber_->setEnabled(states_.SequenceNumber.Enabled);
-  startStep_->setEnabled(states_.StartStep.Enabled);
-  branchChannel_->setEnabled(states_.BranchChannel.Enabled);
-  for (QWidget* part : startStepParts_) part->setVisible(states_.StartStep.Visible);
-  for (QWidget* part : branchChannelParts_) part->setVisible(states_.BranchChannel.Visible);
-  read_->setEnabled(states_.Read.Enabled);
-  grids_->ShowStates(states_);
+  focus_->Keep([this] {
+    ShowMenuStates();
+    runButtons_->ShowStates(states_, session_.State(), session_.Definition());
+    fields_->ShowStates(states_);
+    read_->setEnabled(states_.Read.Enabled);
+    grids_->ShowStates(states_);
+  });
   if (preview_ && session_.State().SequenceViewShown) preview_->ShowStates(states_);
   statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceTip()});
+  // On a copy: the run times of the steps belong to what was sent last.
+  ShowTotalTime(
+      ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition()).Total);
   RefreshCaption();
 }
 

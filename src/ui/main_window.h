@@ -20,6 +20,7 @@
 #include "editing/sequence_editor.h"
 #include "session/session.h"
 #include "ui/window_settings.h"
+#include "view/entry_field.h"
 
 class QAction;
 class QLabel;
@@ -28,11 +29,13 @@ class QPushButton;
 
 namespace corlune {
 
-class EntryField;
-enum class EntryEnd;
 class FrmPreview;
 class GridPanel;
+class RunButtons;
+class RunFields;
+class RunMenu;
 class StatBar;
+class WindowFocus;
 
 // Everything the window works on. All must outlive it; `settings` is written when it closes.
 struct MainWindowParts {
@@ -105,16 +108,20 @@ class MainWindow : public QMainWindow {
   void RememberRecent();
 
   // main_window_fields.cpp
-  QWidget* BuildFieldRow();
+  void BuildFields(QWidget* parent);
   void ShowFields();
   bool EnterSequenceNumber(const std::string& text, EntryEnd end);
   bool EnterStartStep(const std::string& text, EntryEnd end);
   bool EnterBranchChannel(const std::string& text, EntryEnd end);
   bool Settle(const EditOutcome& outcome, EntryEnd end);
-  void TakeSequenceNumber();
 
   // main_window_commands.cpp
-  void Perform(const std::function<void()>& command);
+  // What a command does with entries that are still being typed in either window.
+  enum class Entries {
+    Taken,     // part of what it saves, runs or leaves; a refused one stops it, after its message
+    Untouched  // Stop and Output OFF wait for nothing
+  };
+  void Perform(const std::function<void()>& command, Entries entries = Entries::Taken);
   bool CommitEntries();
   void FileCommand(int index);
   void ViewCommand(int index);
@@ -134,8 +141,6 @@ class MainWindow : public QMainWindow {
   void ClosePreview();
 
   // main_window.cpp
-  QWidget* BuildButtonRow();
-  void ShowButtonStates();
   void PlaceInitially();
   void AdaptWidths();
   void FinishClosing();
@@ -160,16 +165,15 @@ class MainWindow : public QMainWindow {
   QMenu* recentMenu_ = nullptr;
   QStringList recentFiles_;
 
-  std::array<QPushButton*, kPanelButtonCount> buttons_{};
-  EntryField* sequenceNumber_ = nullptr;
-  EntryField* startStep_ = nullptr;
-  EntryField* branchChannel_ = nullptr;
-  std::vector<QWidget*> startStepParts_;
-  std::vector<QWidget*> branchChannelParts_;
+  RunMenu* runMenu_ = nullptr;
+  RunButtons* runButtons_ = nullptr;
+  RunFields* fields_ = nullptr;
+  std::int16_t sequenceNumber_ = 0;  // of the fields
   QPushButton* read_ = nullptr;
   GridPanel* grids_ = nullptr;
   StatBar* statBar_ = nullptr;
   std::unique_ptr<FrmPreview> preview_;
+  std::unique_ptr<WindowFocus> focus_;
 
   QTimer timer2_;
   ControlStates states_;

@@ -14,12 +14,13 @@
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_comm_log.h"
 #include "sequence/sequence_file.h"
-#include "ui/entry_field.h"
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
 #include "ui/stat_bar.h"
 #include "view/frm_preview.h"
+#include "view/run_fields.h"
+#include "view/window_focus.h"
 
 namespace corlune {
 
@@ -35,22 +36,38 @@ QString SequenceFileIn(const QMimeData* data) {
   return HasSequenceFileEnding(path.toStdString()) ? path : QString();
 }
 
+void BringForward(QWidget& window) {
+  window.setWindowState((window.windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
+  window.show();
+  window.raise();
+  window.activateWindow();
+}
+
 }  // namespace
 
-void MainWindow::Perform(const std::function<void()>& command) {
+void MainWindow::Perform(const std::function<void()>& command, Entries entries) {
+  if (entries == Entries::Taken && !CommitEntries()) return;
   statBar_->ShowNotice({});
   command();
   if (closed_) return;
   session_.NoticeLostConnection();
   RefreshControls();
+  focus_->Return();
+  if (preview_) preview_->ReturnFocus();
 }
 
 // Entries that are still being typed are part of what a command saves, runs or leaves. False: one was
-// refused, after its message, and the command is not carried out.
+// refused, after its message, and has the focus; the command is not carried out.
 bool MainWindow::CommitEntries() {
-  auto* field = qobject_cast<EntryField*>(QApplication::focusWidget());
-  if (field != nullptr && field->window() == this && !field->Enter(EntryEnd::Key)) return false;
-  return grids_->CommitEntry();
+  const auto settle = [](bool taken, QWidget& window) {
+    if (!taken) BringForward(window);
+    return taken;
+  };
+  const auto own = [&] { return settle(fields_->Enter(EntryEnd::Key), *this); };
+  const auto views = [&] { return !preview_ || settle(preview_->EnterFields(EntryEnd::Key), *preview_); };
+  if (!settle(grids_->CommitEntry(), *this)) return false;
+  // The entries of the active window are the latest.
+  return preview_ && preview_->isActiveWindow() ? views() && own() : own() && views();
 }
 
 void MainWindow::FileCommand(int index) {
@@ -58,7 +75,6 @@ void MainWindow::FileCommand(int index) {
     close();
     return;
   }
-  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     bool named = false;
@@ -92,7 +108,6 @@ void MainWindow::OpenPath(const std::string& path) {
     statBar_->ShowNotice(session_.Catalogue().GetResString(9660, {path}));
     return;
   }
-  if (!CommitEntries()) return;
   Perform([&] {
     const bool missing = !QFileInfo(QString::fromStdString(path)).isFile();
     if (session_.OpenFile(path)) {
@@ -104,10 +119,7 @@ void MainWindow::OpenPath(const std::string& path) {
 }
 
 void MainWindow::ActivatedByOtherStart(const std::string& path) {
-  setWindowState((windowState() & ~Qt::WindowMinimized) | Qt::WindowActive);
-  show();
-  raise();
-  activateWindow();
+  BringForward(*this);
   if (!path.empty()) OpenPath(path);
 }
 
@@ -129,14 +141,17 @@ FrmPreview& MainWindow::NeedPreview() {
     PreviewHandlers handlers;
     handlers.runButton = [this](int index) { RunButton(index); };
     handlers.runMenuItem = [this](int item) { RunItem(item); };
-    handlers.enterSequenceNumber = [this](const std::string& text) {
-      return EnterSequenceNumber(text, EntryEnd::Key);
+    handlers.enterSequenceNumber = [this](const std::string& text, EntryEnd end) {
+      return EnterSequenceNumber(text, end);
     };
-    handlers.enterStartStep = [this](const std::string& text) { return EnterStartStep(text, EntryEnd::Key); };
-    handlers.enterBranchChannel = [this](const std::string& text) {
-      return EnterBranchChannel(text, EntryEnd::Key);
+    handlers.enterStartStep = [this](const std::string& text, EntryEnd end) {
+      return EnterStartStep(text, end);
+    };
+    handlers.enterBranchChannel = [this](const std::string& text, EntryEnd end) {
+      return EnterBranchChannel(text, end);
     };
     handlers.enterViewAreas = [this](const auto& areas) {
+      if (!CommitEntries()) return false;
       editor_.Record(EditAction::ViewAreas, [&] { session_.Sequence().ViewAreas = areas; });
       RefreshControls();
       return session_.Sequence().ViewAreas == areas;
@@ -177,21 +192,20 @@ void MainWindow::ViewCommand(int index) {
     preview.showNormal();
     ShowFields();
     preview.ShowStates(states_);
-    preview.ShowTotalTime(session_.State().TotalTime);
     preview.ShowElapsedTime(session_.State().ElapsedTime);
     preview.PicDisp();
-    // A run that began without the view is followed from now on.
-    if (!shown && session_.State().RunState == RunState::Running) preview.MeasureStart();
+    // A run that began without the view is followed from now on, a held one when it goes on.
+    if (!shown && session_.State().RunState != RunState::Stopped) preview.MeasureStart();
     preview.raise();
     preview.activateWindow();
   });
 }
 
 void MainWindow::ModeCommand(int index) {
-  if (index == static_cast<int>(session_.State().OperationMode) || !CommitEntries()) return;
+  if (index == static_cast<int>(session_.State().OperationMode)) return;
   Perform([&] {
     grids_->HideEditors();
-    TakeSequenceNumber();
+    session_.Sequence().SequenceNumber = sequenceNumber_;
     const bool downloads = index == 1 && session_.Sequence().StepCount > 0 && session_.Idle();
     const auto mode = index == 1 ? OperationMode::Execution : OperationMode::Edit;
     if (!session_.Control().SetOperationMode(mode) && downloads) {
@@ -201,29 +215,31 @@ void MainWindow::ModeCommand(int index) {
 }
 
 void MainWindow::RunItem(int item) {
-  Perform([&] { session_.Control().MenuItem(item); });
+  const bool ends = item == static_cast<int>(Run::Stop) || item == static_cast<int>(Run::OutputOff);
+  Perform([&] { session_.Control().MenuItem(item); }, ends ? Entries::Untouched : Entries::Taken);
 }
 
 void MainWindow::RunButton(int index) {
   if (index == 0) {
     ModeCommand(session_.State().OperationMode == OperationMode::Edit ? 1 : 0);
+  } else if (index == static_cast<int>(PanelButton::Output)) {
+    const bool off = session_.State().OutputOn || session_.State().MayStillRun;
+    RunItem(static_cast<int>(off ? Run::OutputOff : Run::OutputOn));
   } else {
-    Perform([&] { session_.Control().Button(index); });
+    RunItem(index - 1);  // the others stand as in the menu
   }
 }
 
 void MainWindow::ReadBack() {
-  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
-    TakeSequenceNumber();
+    session_.Sequence().SequenceNumber = sequenceNumber_;
     const EditOutcome outcome = editor_.Record(EditAction::ReadBack, [this] { session_.ReadBack(); });
     if (outcome.Changed) grids_->Rebuild();
   });
 }
 
 void MainWindow::ImportCsv() {
-  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     const auto path = files_.ChooseOpen(Text(kCsvFilter));
@@ -232,7 +248,6 @@ void MainWindow::ImportCsv() {
 }
 
 void MainWindow::ExportCsv() {
-  if (!CommitEntries()) return;
   Perform([&] {
     grids_->HideEditors();
     QString suggested = QString::fromStdString(session_.State().CurrentFilePath);
@@ -246,12 +261,14 @@ void MainWindow::ExportCsv() {
 }
 
 void MainWindow::ShowAbout() {
-  AboutFacts facts;
-  facts.version = version_;
-  facts.programDate = programDate_;
-  facts.instrumentProblem = session_.Gp().LibraryProblem();
-  facts.compilerProblem = session_.Compiler().Problem();
-  FrmAbout(session_.Catalogue(), facts, this).exec();
+  Perform([&] {
+    AboutFacts facts;
+    facts.version = version_;
+    facts.programDate = programDate_;
+    facts.instrumentProblem = session_.Gp().LibraryProblem();
+    facts.compilerProblem = session_.Compiler().Problem();
+    FrmAbout(session_.Catalogue(), facts, this).exec();
+  });
 }
 
 std::string MainWindow::CommLogPath() const {
@@ -260,7 +277,8 @@ std::string MainWindow::CommLogPath() const {
 
 void MainWindow::ShowCommLog() {
   const std::string path = CommLogPath();
-  if (!path.empty()) FrmCommLog(session_.Catalogue(), path, this).exec();
+  if (path.empty()) return;
+  Perform([&] { FrmCommLog(session_.Catalogue(), path, this).exec(); });
 }
 
 std::string MainWindow::ConnectionTip() const {

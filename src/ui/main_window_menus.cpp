@@ -9,6 +9,7 @@
 
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
+#include "view/run_menu.h"
 
 namespace corlune {
 
@@ -30,8 +31,6 @@ constexpr std::array<MenuRow, kMenuCount> kMenus{{{"mnuFile", 7000, 5},
 
 constexpr int kSaveAsItem = 3;
 constexpr int kExitItem = 4;
-constexpr int kOutputOnItem = 4;
-constexpr int kOutputOffItem = 5;
 
 struct ShortcutRow {
   Menu menu;
@@ -39,15 +38,11 @@ struct ShortcutRow {
   const char* keys;
 };
 constexpr ShortcutRow kShortcuts[] = {
-    {Menu::File, 0, "Ctrl+N"},      {Menu::File, 1, "Ctrl+O"},
-    {Menu::File, 2, "Ctrl+S"},      {Menu::File, 3, "Ctrl+Shift+S"},
-    {Menu::File, 4, "Ctrl+Q"},      {Menu::Edit, 0, "Ctrl+C"},
-    {Menu::Edit, 1, "Ctrl+V"},      {Menu::Edit, 2, "Ctrl+A"},
-    {Menu::Edit, 4, "Ctrl+Return"}, {Menu::Edit, 5, "Alt+Ins"},
-    {Menu::Edit, 6, "Alt+Del"},     {Menu::Edit, 7, "Alt+Up"},
-    {Menu::Edit, 8, "Alt+Down"},    {Menu::Run, 0, "F5"},
-    {Menu::Run, 1, "Shift+F5"},     {Menu::Run, 2, "F6"},
-    {Menu::Run, 3, "F7"},           {Menu::Help, 0, "F1"},
+    {Menu::File, 0, "Ctrl+N"},       {Menu::File, 1, "Ctrl+O"},  {Menu::File, 2, "Ctrl+S"},
+    {Menu::File, 3, "Ctrl+Shift+S"}, {Menu::File, 4, "Ctrl+Q"},  {Menu::Edit, 0, "Ctrl+C"},
+    {Menu::Edit, 1, "Ctrl+V"},       {Menu::Edit, 2, "Ctrl+A"},  {Menu::Edit, 4, "Ctrl+Return"},
+    {Menu::Edit, 5, "Alt+Ins"},      {Menu::Edit, 6, "Alt+Del"}, {Menu::Edit, 7, "Alt+Up"},
+    {Menu::Edit, 8, "Alt+Down"},     {Menu::Help, 0, "F1"},
 };
 
 QKeySequence Keys(const char* keys) {
@@ -74,6 +69,13 @@ void MainWindow::AddItems(Menu menu, const std::function<void(int)>& handler) {
 
 void MainWindow::BuildMenus() {
   for (std::size_t i = 0; i < kMenus.size(); ++i) {
+    if (i == static_cast<std::size_t>(Menu::Run)) {
+      runMenu_ = new RunMenu(
+          session_.Catalogue(), [this](int item) { RunItem(item); }, this);
+      menus_[i] = runMenu_;
+      menuBar()->addMenu(runMenu_);
+      continue;
+    }
     menus_[i] = menuBar()->addMenu(Caption(kMenus[i].captionId));
     menus_[i]->setObjectName(QString::fromUtf8(kMenus[i].name));
     menus_[i]->setToolTipsVisible(true);
@@ -83,7 +85,6 @@ void MainWindow::BuildMenus() {
   BuildEditMenu();
   AddItems(Menu::View, [this](int item) { ViewCommand(item); });
   AddItems(Menu::Mode, [this](int item) { ModeCommand(item); });
-  AddItems(Menu::Run, [this](int item) { RunItem(item); });
   AddItems(Menu::Tool, [](int) {});
   AddItems(Menu::Help, [this](int) { ShowAbout(); });
   AddHelpExtras();
@@ -146,11 +147,7 @@ void MainWindow::ShowMenuStates() {
     tool->setToolTip(Caption(8205));
     tool->setStatusTip(Caption(8205));
   }
-  // One key for both: it switches the output to its other state.
-  const bool on = session_.State().OutputOn || session_.State().MayStillRun;
-  ItemAction(Menu::Run, kOutputOnItem)->setShortcut(on ? QKeySequence() : Keys("F8"));
-  ItemAction(Menu::Run, kOutputOffItem)->setShortcut(on ? Keys("F8") : QKeySequence());
-
+  runMenu_->ShowStates(states_, session_.State());
   undo_->setText(QString::fromStdString(editor_.UndoText()));
   undo_->setEnabled(states_.EditCells && editor_.CanUndo());
   redo_->setText(QString::fromStdString(editor_.RedoText()));

@@ -1,6 +1,5 @@
 #include "ui/stat_bar.h"
 
-#include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
@@ -8,7 +7,8 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
-#include "core/time_text.h"
+#include "view/time_panel.h"
+#include "view/warning_line.h"
 
 namespace corlune {
 
@@ -34,29 +34,18 @@ class ElidedLabel : public QLabel {
 };
 
 constexpr int kPanelMargin = 2;
-constexpr QColor kWarningFace(255, 192, 0);  // amber, as the lamps of test benches
 
 }  // namespace
 
 StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
-    : QWidget(parent), catalogue_(catalogue), warning_(new QLabel(this)), notice_(new QLabel(this)) {
+    : QWidget(parent),
+      catalogue_(catalogue),
+      warning_(new WarningLine(catalogue, this)),
+      notice_(new QLabel(this)) {
   setObjectName(QStringLiteral("StatBar1"));
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(0, 0, 0, 0);
   rows->setSpacing(2);
-  warning_->setObjectName(QStringLiteral("LabWarning"));
-  warning_->setTextFormat(Qt::PlainText);
-  warning_->setWordWrap(true);
-  warning_->setMargin(2 * kPanelMargin);
-  QPalette amber = warning_->palette();
-  amber.setColor(QPalette::Window, kWarningFace);
-  amber.setColor(QPalette::WindowText, Qt::black);
-  warning_->setPalette(amber);
-  warning_->setAutoFillBackground(true);
-  QFont bold = warning_->font();
-  bold.setBold(true);
-  warning_->setFont(bold);
-  warning_->hide();
   rows->addWidget(warning_);
   notice_->setObjectName(QStringLiteral("LabNotice"));
   notice_->setTextFormat(Qt::PlainText);
@@ -71,7 +60,14 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(1);
   for (int i = 0; i < kPanels; ++i) {
-    QLabel* panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
+    QLabel* panel = nullptr;
+    if (i == Total) {
+      panel = total_ = new TimePanel(catalogue, 1405, bar);
+    } else if (i == Elapsed) {
+      panel = elapsed_ = new TimePanel(catalogue, 1406, bar);
+    } else {
+      panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
+    }
     panel->setObjectName(QStringLiteral("Panel%1").arg(i + 1));
     panel->setTextFormat(Qt::PlainText);
     panel->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
@@ -80,24 +76,6 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
     layout->addWidget(panel, i == Device ? 1 : 0);
   }
   rows->addWidget(bar);
-  TotalTime(0);
-  ElapsTime(0);
-  FixTimeWidths();
-}
-
-void StatBar::FixTimeWidths() {
-  // The digits change ten times a second; the panels keep their places.
-  for (const Panel panel : {Total, Elapsed}) {
-    QLabel* label = panels_[static_cast<std::size_t>(panel)];
-    const std::string widest = TimePanelText(catalogue_, panel == Total ? 1405 : 1406, 0);
-    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(QString::fromStdString(widest)) +
-                           2 * (kPanelMargin + label->frameWidth()));
-  }
-}
-
-void StatBar::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::FontChange && panels_[Elapsed]) FixTimeWidths();
 }
 
 void StatBar::Show(Panel panel, const std::string& text) {
@@ -113,34 +91,16 @@ void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
   panels_[Connection]->setToolTip(QString::fromStdString(facts.connectionTip));
   panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());
   panels_[Device]->setToolTip(QString::fromStdString(facts.deviceTip));
-  TotalTime(state.TotalTime);
   ElapsTime(state.ElapsedTime);
-  ShowWarning(state);
-}
-
-void StatBar::ShowWarning(const AppState& state) {
-  std::string text;
-  if (state.MayStillRun) text = catalogue_.GetResString(8290);
-  for (std::size_t i = 0; i < state.Lost.size(); ++i) {
-    if (!state.Lost[i]) continue;
-    if (!text.empty()) text += ' ';
-    text += catalogue_.GetResString(8291, {std::to_string(i + 1)});
-  }
-  const QString shown = QString::fromStdString(text);
-  if (warning_->text() != shown) warning_->setText(shown);
-  warning_->setVisible(!text.empty());
-}
-
-QString StatBar::Warning() const {
-  return warning_->text();
+  warning_->ShowState(state);
 }
 
 void StatBar::TotalTime(double milliseconds) {
-  Show(Total, TimePanelText(catalogue_, 1405, milliseconds));
+  total_->ShowTime(milliseconds);
 }
 
 void StatBar::ElapsTime(std::int32_t milliseconds) {
-  Show(Elapsed, TimePanelText(catalogue_, 1406, milliseconds));
+  elapsed_->ShowTime(milliseconds);
 }
 
 void StatBar::ShowNotice(const std::string& text) {

@@ -16,6 +16,9 @@ class QLabel;
 
 namespace corlune {
 
+class TimePanel;
+class WarningLine;
+
 // What the application state does not hold.
 struct StatusFacts {
   std::string connectionTip;  // who is connected, or why nobody is
@@ -31,31 +34,25 @@ class StatBar : public QWidget {
 
   explicit StatBar(const MessageCatalogue& catalogue, QWidget* parent = nullptr);
 
-  // All panels anew from the application state.
+  // All panels but the total time anew from the application state.
   void Refresh(const AppState& state, const StatusFacts& facts);
   // Milliseconds; -1: endless.
   void TotalTime(double milliseconds);
   void ElapsTime(std::int32_t milliseconds);
-  // What stands in AppState::MayStillRun and Lost, in words and colour; empty when there is nothing to warn
-  // of.
-  QString Warning() const;
   // Shows a line above the panels; an empty text takes it away.
   void ShowNotice(const std::string& text);
   QString Notice() const;
   QString PanelText(Panel panel) const;
 
- protected:
-  void changeEvent(QEvent* event) override;
-
  private:
-  void FixTimeWidths();
   void Show(Panel panel, const std::string& text);
-  void ShowWarning(const AppState& state);
 
   const MessageCatalogue& catalogue_;
-  QLabel* warning_;
+  WarningLine* warning_;
   QLabel* notice_;
   std::array<QLabel*, kPanels> panels_{};
+  TimePanel* total_ = nullptr;
+  TimePanel* elapsed_ = nullptr;
 };
 
 }  // namespace corlune

@@ -6,7 +6,7 @@
 
 namespace corlune {
 
-FlowLayout::FlowLayout(QWidget* parent, int spacing) : QLayout(parent) {
+FlowLayout::FlowLayout(QWidget* parent, int spacing, Items items) : QLayout(parent), kind_(items) {
   setContentsMargins(0, 0, 0, 0);
   setSpacing(spacing);
 }
@@ -42,6 +42,24 @@ void FlowLayout::setGeometry(const QRect& rect) {
   Place(rect, true);
 }
 
+// What `item` gets where one row has `width`.
+QSize FlowLayout::SizeIn(int width, QLayoutItem& item) const {
+  QSize size = item.sizeHint();
+  if (kind_ == Items::Keep) return size;
+  int wanted = -spacing();
+  int least = -spacing();
+  for (const auto& each : items_) {
+    if (each->isEmpty()) continue;
+    wanted += each->sizeHint().width() + spacing();
+    least += each->minimumSize().width() + spacing();
+  }
+  if (wanted > width && least <= width) {
+    const int own = size.width() - item.minimumSize().width();
+    size.setWidth(item.minimumSize().width() + own * (width - least) / (wanted - least));
+  }
+  return size;
+}
+
 int FlowLayout::Place(const QRect& rect, bool apply) const {
   // A row is placed when it is full, so that lower items can stand at its bottom line.
   std::vector<QLayoutItem*> row;
@@ -51,7 +69,7 @@ int FlowLayout::Place(const QRect& rect, bool apply) const {
   const auto finishRow = [&] {
     int left = rect.x();
     for (QLayoutItem* item : row) {
-      const QSize size = item->sizeHint();
+      const QSize size = SizeIn(rect.width(), *item);
       if (apply) item->setGeometry({QPoint(left, y + rowHeight - size.height()), size});
       left += size.width() + spacing();
     }
@@ -59,7 +77,7 @@ int FlowLayout::Place(const QRect& rect, bool apply) const {
   };
   for (const auto& item : items_) {
     if (item->isEmpty()) continue;
-    const QSize size = item->sizeHint();
+    const QSize size = SizeIn(rect.width(), *item);
     if (!row.empty() && x + size.width() > rect.x() + rect.width()) {
       finishRow();
       x = rect.x();

@@ -12,7 +12,10 @@ namespace corlune {
 
 class FlowLayout : public QLayout {
  public:
-  FlowLayout(QWidget* parent, int spacing);
+  // Items that do not all fit beside each other go into further rows; those that Shrink first give up width,
+  // down to their minimum, where that saves the second row.
+  enum class Items { Keep, Shrink };
+  FlowLayout(QWidget* parent, int spacing, Items items = Items::Keep);
   ~FlowLayout() override;
 
   void addItem(QLayoutItem* item) override;
@@ -30,6 +33,9 @@ class FlowLayout : public QLayout {
   // Returns the height that the items take.
   int Place(const QRect& rect, bool apply) const;
 
+  QSize SizeIn(int width, QLayoutItem& item) const;
+
+  Items kind_;
   std::vector<std::unique_ptr<QLayoutItem>> items_;
 };
 

@@ -14,22 +14,24 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
-#include "core/time_text.h"
 #include "editing/control_states.h"
 #include "graph/graph_picture.h"
 #include "sequence/channel_tabs.h"
 #include "view/area_settings.h"
 #include "view/graph_canvas.h"
-#include "view/qt_color.h"
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
+#include "view/run_menu.h"
+#include "view/time_panel.h"
+#include "view/to_qcolor.h"
+#include "view/warning_line.h"
+#include "view/window_focus.h"
 
 namespace corlune {
 
 namespace {
 
 constexpr int kIdTitle = 2000;
-constexpr int kIdRunMenu = 7400;
 constexpr int kIdTotal = 1405;
 constexpr int kIdElapsed = 1406;
 constexpr int kIdDisplayMenu = 8250;
@@ -40,9 +42,6 @@ constexpr int kIdAreaSettings = 8254;
 constexpr int kIdGraphs = 8264;
 constexpr int kIdAllOff = 8265;
 
-constexpr int kRunItems = 6;
-constexpr std::size_t kOutputOnItem = 4;
-constexpr std::size_t kOutputOffItem = 5;
 constexpr int kMargin = 8;  // pixels
 constexpr QSize kNormalSize{960, 660};
 
@@ -77,31 +76,27 @@ class FrmPreview::Impl {
   const MessageCatalogue& catalogue;
   PreviewHandlers handlers;
 
-  QMenu* runMenu = nullptr;
-  std::array<QAction*, kRunItems> runItems{};
+  RunMenu* runMenu = nullptr;
   RunButtons* buttons = nullptr;
   RunFields* fields = nullptr;
   AreaSettings* settings = nullptr;
   GraphCanvas* canvas = nullptr;
-  QLabel* total = nullptr;
-  QLabel* elapsed = nullptr;
+  TimePanel* total = nullptr;
+  TimePanel* elapsed = nullptr;
+  WarningLine* warning = nullptr;
+  std::unique_ptr<WindowFocus> focus;
   TimeAxis axis = TimeAxis::Time;
   bool measuring = false;
 };
 
 void FrmPreview::Impl::BuildMenus() {
-  constexpr std::array<const char*, kRunItems> kShortcuts{"F5", "Shift+F5", "F6", "F7", "", ""};
-  runMenu = form.menuBar()->addMenu(Text(kIdRunMenu));
-  runMenu->setObjectName(QStringLiteral("mnuRun"));
-  for (int i = 0; i < kRunItems; ++i) {
-    QAction* action = runMenu->addAction(Text(kIdRunMenu + 1 + i));
-    action->setObjectName(QStringLiteral("mnuRunItem_%1").arg(i));
-    action->setShortcut(QKeySequence(QString::fromUtf8(kShortcuts[static_cast<std::size_t>(i)])));
-    connect(action, &QAction::triggered, &form, [this, i] {
-      if (handlers.runMenuItem) handlers.runMenuItem(i);
-    });
-    runItems[static_cast<std::size_t>(i)] = action;
-  }
+  runMenu = new RunMenu(
+      catalogue,
+      [this](int item) {
+        if (handlers.runMenuItem) handlers.runMenuItem(item);
+      },
+      form.menuBar());
+  form.menuBar()->addMenu(runMenu);
   QMenu* display = form.menuBar()->addMenu(Text(kIdDisplayMenu));
   display->setObjectName(QStringLiteral("mnuDisplay"));
   const auto add = [&](int id, const char* name, const QList<QKeySequence>& keys, auto handler) {
@@ -168,17 +163,15 @@ void FrmPreview::Impl::BuildStatusBar() {
   QStatusBar* bar = form.statusBar();
   bar->setObjectName(QStringLiteral("StatBar1"));
   const auto add = [&](const char* name, int captionId) {
-    auto* panel = new QLabel(bar);
+    auto* panel = new TimePanel(catalogue, captionId, bar);
     panel->setObjectName(QString::fromUtf8(name));
-    panel->setTextFormat(Qt::PlainText);
-    // The digits change ten times a second; the panel keeps its place.
-    panel->setText(QString::fromStdString(TimePanelText(catalogue, captionId, 0)));
-    panel->setMinimumWidth(panel->sizeHint().width() + kMargin);
     bar->addWidget(panel);
     return panel;
   };
   total = add("PanelTotal", kIdTotal);
   elapsed = add("PanelElapsed", kIdElapsed);
+  warning = new WarningLine(catalogue, bar);
+  bar->addWidget(warning, 1);
 }
 
 void FrmPreview::Impl::Draw() {
@@ -209,7 +202,7 @@ FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const
   impl_->BuildMenus();
   setCentralWidget(impl_->BuildContent());
   impl_->BuildStatusBar();
-  ShowTotalTime(state.TotalTime);
+  impl_->focus = std::make_unique<WindowFocus>(*this, *impl_->canvas, [this] { impl_->canvas->setFocus(); });
   ShowElapsedTime(state.ElapsedTime);
   resize(kNormalSize);
   PicDisp();
@@ -267,18 +260,12 @@ void FrmPreview::FormStyleAlign(const QRect& leftWindow) {
 }
 
 void FrmPreview::ShowStates(const ControlStates& states) {
-  impl_->buttons->ShowStates(states, impl_->state, impl_->definition);
-  impl_->fields->ShowStates(states);
-  constexpr auto kRun = static_cast<std::size_t>(Menu::Run);
-  impl_->runMenu->menuAction()->setVisible(states.Menus[kRun].Visible);
-  for (std::size_t i = 0; i < impl_->runItems.size(); ++i) {
-    impl_->runItems[i]->setVisible(states.MenuItems[kRun][i].Visible);
-    impl_->runItems[i]->setEnabled(states.MenuItems[kRun][i].Enabled);
-  }
-  // One key for both: it switches the output to its other state.
-  const QKeySequence key(Qt::Key_F8);
-  impl_->runItems[kOutputOnItem]->setShortcut(impl_->state.OutputOn ? QKeySequence() : key);
-  impl_->runItems[kOutputOffItem]->setShortcut(impl_->state.OutputOn ? key : QKeySequence());
+  impl_->focus->Keep([&] {
+    impl_->buttons->ShowStates(states, impl_->state, impl_->definition);
+    impl_->fields->ShowStates(states);
+    impl_->runMenu->ShowStates(states, impl_->state);
+  });
+  impl_->warning->ShowState(impl_->state);
   PicDisp();
 }
 
@@ -287,12 +274,20 @@ void FrmPreview::ShowFields(const std::string& sequenceNumber, const std::string
   impl_->fields->ShowTexts(sequenceNumber, startStep, branchChannel);
 }
 
+bool FrmPreview::EnterFields(EntryEnd end) {
+  return impl_->fields->Enter(end);
+}
+
+void FrmPreview::ReturnFocus() {
+  impl_->focus->Return();
+}
+
 void FrmPreview::ShowTotalTime(double milliseconds) {
-  impl_->total->setText(QString::fromStdString(TimePanelText(impl_->catalogue, kIdTotal, milliseconds)));
+  impl_->total->ShowTime(milliseconds);
 }
 
 void FrmPreview::ShowElapsedTime(std::int32_t milliseconds) {
-  impl_->elapsed->setText(QString::fromStdString(TimePanelText(impl_->catalogue, kIdElapsed, milliseconds)));
+  impl_->elapsed->ShowTime(milliseconds);
 }
 
 void FrmPreview::showEvent(QShowEvent* event) {
@@ -305,6 +300,7 @@ void FrmPreview::showEvent(QShowEvent* event) {
 void FrmPreview::closeEvent(QCloseEvent* event) {
   QMainWindow::closeEvent(event);
   if (!event->isAccepted()) return;
+  EnterFields(EntryEnd::Left);
   impl_->state.SequenceViewShown = false;
   // The run goes on without the view.
   MeasureEnd();

@@ -13,6 +13,7 @@
 #include "core/catalogue.h"
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
+#include "view/entry_field.h"
 
 namespace corlune {
 
@@ -22,10 +23,9 @@ struct ControlStates;
 struct PreviewHandlers {
   std::function<void(int)> runButton;    // CmdBtn1 index 0..5
   std::function<void(int)> runMenuItem;  // run menu index 0..5
-  // Fields; false: refused, the old text comes back.
-  std::function<bool(const std::string&)> enterSequenceNumber;
-  std::function<bool(const std::string&)> enterStartStep;
-  std::function<bool(const std::string&)> enterBranchChannel;
+  EntryField::Check enterSequenceNumber;
+  EntryField::Check enterStartStep;
+  EntryField::Check enterBranchChannel;
   std::function<void()> closed;
   // View areas as chosen in the view, to be stored in the sequence; false: refused. Without it the areas are
   // shown as they are and cannot be chosen.
@@ -45,6 +45,7 @@ class FrmPreview : public QMainWindow {
   void PicDisp();
   // Places the marker inside the current step by the time since StepChangedAt.
   void MoveShape(std::uint32_t tick);
+  // A run that has started or goes on is followed from now on. May be called again at any time.
   void MeasureStart();
   void MeasureEnd();
 
@@ -58,6 +59,10 @@ class FrmPreview : public QMainWindow {
   // Copies of the main window's fields and status texts.
   void ShowFields(const std::string& sequenceNumber, const std::string& startStep,
                   const std::string& branchChannel);
+  // Enters what stands in the fields. False: one was refused.
+  bool EnterFields(EntryEnd end);
+  // The focus goes back to the last field, else to the picture.
+  void ReturnFocus();
   void ShowTotalTime(double milliseconds);
   void ShowElapsedTime(std::int32_t milliseconds);
 

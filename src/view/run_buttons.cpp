@@ -4,7 +4,7 @@
 
 #include "editing/cell_view.h"
 #include "view/flow_layout.h"
-#include "view/qt_color.h"
+#include "view/to_qcolor.h"
 
 namespace corlune {
 
@@ -18,8 +18,7 @@ QColor Mixed(const QColor& a, const QColor& b) {
   return {(a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2};
 }
 
-}  // namespace
-
+// The second colour of a run button shows that the state it brings about applies.
 bool RunButtonApplies(PanelButton button, const AppState& state) {
   const bool execution = state.OperationMode == OperationMode::Execution;
   switch (button) {
@@ -34,11 +33,13 @@ bool RunButtonApplies(PanelButton button, const AppState& state) {
     case PanelButton::Branch:
       return state.BranchRequested;
     case PanelButton::Output:
-      return execution && state.OutputOn;
+      // Also in edit mode: the device under test goes on getting its voltage.
+      return state.OutputOn;
   }
   return false;
 }
 
+// Colour, readable text on it, and a bold caption while the state applies.
 void ShowRunButtonState(QPushButton* button, bool applies, const ButtonSpec& spec) {
   const Color& color = applies ? spec.Color2 : spec.Color1;
   const QColor face = ToQColor(color);
@@ -55,20 +56,25 @@ void ShowRunButtonState(QPushButton* button, bool applies, const ButtonSpec& spe
   }
 }
 
+// The bold caption fits without moving the other buttons.
 void ReserveBoldWidth(QPushButton* button) {
   QFont font = button->font();
   font.setBold(true);
   button->setMinimumWidth(QFontMetrics(font).horizontalAdvance(button->text()) + 2 * kCaptionMargin);
 }
 
+}  // namespace
+
 RunButtons::RunButtons(const MessageCatalogue& catalogue, const std::function<void(int)>& pressed,
                        QWidget* parent)
     : QWidget(parent) {
-  auto* layout = new FlowLayout(this, kSpacing);
+  auto* layout = new FlowLayout(this, kSpacing, FlowLayout::Items::Shrink);
   for (int i = 0; i < kPanelButtonCount; ++i) {
     const QString caption = QString::fromStdString(catalogue.GetResString(kFirstCaption + i));
     auto* button = new QPushButton(caption, this);
     button->setObjectName(QStringLiteral("CmdBtn1_%1").arg(i));
+    // A click leaves an entry as it stands.
+    button->setFocusPolicy(Qt::TabFocus);
     button->setAutoDefault(false);
     ReserveBoldWidth(button);
     connect(button, &QPushButton::clicked, this, [pressed, i] { pressed(i); });

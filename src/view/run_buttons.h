@@ -15,13 +15,6 @@ class QPushButton;
 
 namespace corlune {
 
-// The second colour of a run button shows that the state it brings about applies.
-bool RunButtonApplies(PanelButton button, const AppState& state);
-// Colour, readable text on it, and a bold caption while the state applies.
-void ShowRunButtonState(QPushButton* button, bool applies, const ButtonSpec& spec);
-// The bold caption fits without moving the other buttons.
-void ReserveBoldWidth(QPushButton* button);
-
 class RunButtons : public QWidget {
   Q_OBJECT
 

@@ -1,9 +1,9 @@
 #include "view/run_fields.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 
 #include "view/flow_layout.h"
@@ -12,87 +12,50 @@ namespace corlune {
 
 namespace {
 
-constexpr int kFieldCharacters = 6;
+constexpr int kFieldDigits = 5;
+constexpr int kFieldFrame = 14;  // pixels beside the digits
 constexpr int kSpacing = 12;
 
 }  // namespace
-
-RunField::RunField(Check check, QWidget* parent) : QLineEdit(parent), check_(std::move(check)) {
-  setAlignment(Qt::AlignRight);
-  const int width = fontMetrics().averageCharWidth() * kFieldCharacters;
-  setFixedWidth(width + sizeHint().height());
-}
-
-void RunField::ShowText(const QString& text) {
-  oldFieldText_ = text;
-  if (this->text() != text) setText(text);
-}
-
-bool RunField::Enter() {
-  if (checking_) return true;
-  checking_ = true;
-  const QString old = oldFieldText_;
-  const QString entered = text();
-  const bool accepted = entered == old || !check_ || check_(entered.toStdString());
-  checking_ = false;
-  // An accepted text may have been shown in its own form by the check.
-  if (!accepted) setText(old);
-  if (accepted && text() == entered) oldFieldText_ = entered;
-  if (!accepted) selectAll();
-  return accepted;
-}
-
-void RunField::keyPressEvent(QKeyEvent* event) {
-  switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-      Enter();
-      selectAll();
-      return;
-    case Qt::Key_Escape:
-      setText(oldFieldText_);
-      selectAll();
-      return;
-    default:
-      QLineEdit::keyPressEvent(event);
-  }
-}
-
-bool RunField::focusNextPrevChild(bool next) {
-  if (!Enter()) return true;
-  return QLineEdit::focusNextPrevChild(next);
-}
-
-void RunField::focusOutEvent(QFocusEvent* event) {
-  QLineEdit::focusOutEvent(event);
-  const bool passing =
-      event->reason() == Qt::ActiveWindowFocusReason || event->reason() == Qt::PopupFocusReason;
-  if (!checking_ && !passing) setText(oldFieldText_);
-}
 
 RunFields::RunFields(const MessageCatalogue& catalogue, Checks checks, QWidget* parent) : QWidget(parent) {
   struct Row {
     int captionId;
     const char* name;
-    RunField::Check check;
+    const char* labelName;
+    EntryField::Check check;
   };
-  const std::array<Row, kFields> rows{{{8008, "TxtSeq", std::move(checks.sequenceNumber)},
-                                       {8006, "TxtStrStep", std::move(checks.startStep)},
-                                       {8007, "TxtBranch", std::move(checks.branchChannel)}}};
+  const std::array<Row, kFields> rows{{{8008, "TxtSeq", "LabSeq", std::move(checks.sequenceNumber)},
+                                       {8006, "TxtStrStep", "LabStrStep", std::move(checks.startStep)},
+                                       {8007, "TxtBranch", "LabBranch", std::move(checks.branchChannel)}}};
   auto* layout = new FlowLayout(this, kSpacing);
   for (std::size_t i = 0; i < kFields; ++i) {
     groups_[i] = new QWidget(this);
     auto* group = new QHBoxLayout(groups_[i]);
     group->setContentsMargins(0, 0, 0, 0);
+    group->setSpacing(kSpacing / 3);
     auto* label = new QLabel(QString::fromStdString(catalogue.GetResString(rows[i].captionId)), groups_[i]);
-    fields_[i] = new RunField(rows[i].check, groups_[i]);
-    fields_[i]->setObjectName(QString::fromUtf8(rows[i].name));
-    fields_[i]->setAccessibleName(label->text().replace(QLatin1Char('\n'), QLatin1Char(' ')));
-    label->setBuddy(fields_[i]);
+    label->setObjectName(QString::fromUtf8(rows[i].labelName));
+    label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    auto* field = new EntryField(rows[i].check, groups_[i]);
+    field->setObjectName(QString::fromUtf8(rows[i].name));
+    field->setAccessibleName(label->text().replace(QLatin1Char('\n'), QLatin1Char(' ')));
+    field->setFixedWidth(field->fontMetrics().horizontalAdvance(QLatin1Char('0')) * kFieldDigits +
+                         kFieldFrame);
+    label->setBuddy(field);
     group->addWidget(label);
-    group->addWidget(fields_[i]);
+    group->addWidget(field);
     layout->addWidget(groups_[i]);
+    fields_[i] = field;
   }
+  // One line of fields, though some labels have two.
+  int height = 0;
+  for (const QWidget* group : groups_) height = std::max(height, group->sizeHint().height());
+  for (QWidget* group : groups_) group->setMinimumHeight(height);
+}
+
+void RunFields::AddBehindSequenceNumber(QWidget* control) {
+  groups_[Sequence]->layout()->addWidget(control);
 }
 
 void RunFields::ShowTexts(const std::string& sequenceNumber, const std::string& startStep,
@@ -108,6 +71,15 @@ void RunFields::ShowStates(const ControlStates& states) {
     groups_[i]->setVisible(of[i].Visible);
     fields_[i]->setEnabled(of[i].Enabled);
   }
+}
+
+bool RunFields::Enter(EntryEnd end) {
+  for (EntryField* field : fields_) {
+    if (window()->focusWidget() == field && !field->Enter(end)) return false;
+  }
+  bool accepted = true;
+  for (EntryField* field : fields_) accepted = accepted && field->Enter(end);
+  return accepted;
 }
 
 }  // namespace corlune

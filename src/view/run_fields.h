@@ -1,61 +1,42 @@
-// RunFields: the sequence view's copies of the fields TxtSeq, TxtStrStep and TxtBranch.
+// RunFields: the fields TxtSeq, TxtStrStep and TxtBranch with their labels, in the main window and in the
+// sequence view.
 #pragma once
 
 #include <array>
-#include <functional>
 #include <string>
 
-#include <QLineEdit>
 #include <QWidget>
 
 #include "core/catalogue.h"
 #include "editing/control_states.h"
+#include "view/entry_field.h"
 
 namespace corlune {
-
-// A number field whose text is entered by Enter or Tab. A refused text gives way to the one before and is
-// selected; leaving the field otherwise, or Escape, brings the old text back without a message.
-class RunField : public QLineEdit {
-  Q_OBJECT
-
- public:
-  using Check = std::function<bool(const std::string&)>;
-  RunField(Check check, QWidget* parent);
-  void ShowText(const QString& text);
-
- protected:
-  void keyPressEvent(QKeyEvent* event) override;
-  void focusOutEvent(QFocusEvent* event) override;
-  bool focusNextPrevChild(bool next) override;
-
- private:
-  bool Enter();
-
-  Check check_;
-  QString oldFieldText_;
-  bool checking_ = false;  // the check may show a message, which takes the focus
-};
 
 class RunFields : public QWidget {
   Q_OBJECT
 
  public:
   struct Checks {
-    RunField::Check sequenceNumber;
-    RunField::Check startStep;
-    RunField::Check branchChannel;
+    EntryField::Check sequenceNumber;
+    EntryField::Check startStep;
+    EntryField::Check branchChannel;
   };
   RunFields(const MessageCatalogue& catalogue, Checks checks, QWidget* parent = nullptr);
 
+  // A control of the window's own behind the sequence number.
+  void AddBehindSequenceNumber(QWidget* control);
   void ShowTexts(const std::string& sequenceNumber, const std::string& startStep,
                  const std::string& branchChannel);
   void ShowStates(const ControlStates& states);
+  // Enters what stands in the fields, the one with the focus first. False: one was refused.
+  bool Enter(EntryEnd end);
 
  private:
   enum Field : std::size_t { Sequence, StartStep, Branch };
   static constexpr std::size_t kFields = 3;
 
-  std::array<RunField*, kFields> fields_{};
+  std::array<EntryField*, kFields> fields_{};
   std::array<QWidget*, kFields> groups_{};
 };
 

@@ -4,6 +4,9 @@
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <termios.h>
 #include <unistd.h>
 #include <vector>
 
@@ -46,6 +49,28 @@ TEST(ConsoleLoop, AReaderThatIsGoneDoesNotEndARun) {
   close(ends[1]);
   loop.OnInterrupt({});
   EXPECT_TRUE(EndsTheProcess(SIGPIPE));
+}
+
+TEST(ConsoleLoop, TheTerminalIsGivenBackAsItWas) {
+  int master = -1;
+  const pid_t child = forkpty(&master, nullptr, nullptr, nullptr);
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    const auto lines = [] {
+      termios now{};
+      return tcgetattr(STDIN_FILENO, &now) == 0 && (now.c_lflag & ICANON) != 0 && (now.c_lflag & ECHO) != 0;
+    };
+    FakeClock clock;
+    ConsoleLoop loop(clock);
+    loop.RawKeys(true);
+    const bool changed = !lines();
+    loop.RawKeys(false);
+    _exit(changed && lines() ? 0 : 1);
+  }
+  int status = -1;
+  EXPECT_EQ(waitpid(child, &status, 0), child);
+  EXPECT_EQ(status, 0);
+  close(master);
 }
 
 TEST(ConsoleLoop, AProgramThatSurvivesItsTerminalKeepsDoingSo) {

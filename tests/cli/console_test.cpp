@@ -54,6 +54,7 @@ class ConsoleTest : public ::testing::Test {
   ConsoleTest() {
     folder.Write("Corlune_Std.ini", TempFolder::Read(CORLUNE_DATA "/Corlune_Std.ini"));
     folder.Write("ramp.dat", Example("ramp.dat"));
+    folder.Write("tour.dat", Example("quick-tour.dat"));
   }
   TempFolder folder;
 };
@@ -68,23 +69,42 @@ TEST_F(ConsoleTest, ExitCodes) {
       {"$cli --folder . check ramp.dat", 0, "QM2210: steps 7"},
       {"$cli --folder . --lang ja check ramp.dat", 0, "ステップ数 7"},
       {"$cli --folder . times ramp.dat", 0, "\n26000\n"},
-      {"$cli --folder . text ramp.dat > /dev/full", 1, "write failed"},
+      {"$cli --folder . check ramp.dat > /dev/full", 1, "output could not be written"},
+      {"$cli --folder . --lang ja wave none.txt -o out", 1, "ファイルが存在しないか"},
+      {"$cli --folder . save ramp.dat -o notes && ls", 0, "\nnotes\n"},
+      {"$cli --folder . save ramp.dat -o /dev/full", 1, "/dev/full"},
+      {"$cli --folder . save ramp.dat -o ''", 2, "the file name is empty"},
+      {"sed -i 's/SERIALNO0=/&S7/' notes && $cli --folder . save notes -o n && grep S7 n", 0,
+       "SS_SERIALNO0=S7"},
+      {"sed -i s/INTERFACE0=0/INTERFACE0=1/ n; $cli --folder . --virtual-instrument run n", 1,
+       "NI-488.2: switched off"},
+      {"trap '' XFSZ; ulimit -f 99; $cli --folder . --virtual-instrument read 3", 1, "recvdata.bin"},
+      {"trap '' XFSZ; ulimit -f 9; $cli --folder . compile ramp.dat", 1, "sendata.bin"},
+      {"mkdir odd; sed '42,334s/CM_STAR=/&x,y,/;335,$s/SC_STARTSTP=1,1/SC_STARTSTP=1,3/' Corlune_Std.ini "
+       "> odd/Corlune_Std.ini; $cli --folder odd times tour.dat | head -1",
+       0, "3 "},
+      {"$cli --folder odd --virtual-instrument read 3", 1, "SPEC QM2210: key CM_STAR"},
       {"$cli --folder . check absent.dat", 1, "The file could not be read. absent.dat"},
-      {"$cli --folder . --lang ja check absent.dat", 1, "ファイルを読み込めませんでした。"},
       {"$cli --folder . check Corlune_Std.ini", 1, "The sequence data file error."},
       {"$cli --folder absent check ramp.dat", 1, "Initialization file doesn't exist"},
-      {"$cli --folder . text ramp.dat -o absent/out", 1, "absent/out"},
-      {"$cli --folder . --visa none run ramp.dat", 1, "No instrument was found."},
       {"$cli --folder . --virtual-instrument --visa none devices", 1, "VISA: switched off"},
+      {"sed 's/MYADRS=0/&,RESPONSE_DIALOG=1/' Corlune_Std.ini > odd/Corlune_Std.ini; "
+       "$cli --folder odd --simulated run ramp.dat --name 'q\"t'",
+       1, "Input value Error!"},
       {"$cli", 2, "a command is needed"},
       {"$cli check", 2, "file is required"},
-      {"$cli read 11", 2, "not in range"},
   };
   for (const Row& row : rows) {
     const Outcome outcome = RunShell(folder, row.command);
     EXPECT_EQ(outcome.exitCode, row.exitCode) << row.command << '\n' << outcome.text;
     EXPECT_THAT(outcome.text, HasSubstr(row.text)) << row.command;
   }
+  // What a killed program left goes; a folder that holds anything else stays.
+  fs::create_directory(folder.File("temporary/corlune-cli-killed"));
+  folder.Write("temporary/corlune-cli-killed/sendata.bin", "");
+  fs::create_directories(folder.File("temporary/corlune-cli-others/notes"));
+  EXPECT_EQ(RunShell(folder, "$cli --folder . times ramp.dat > out; ls temporary").text,
+            "corlune-cli-others\n");
 }
 
 TEST_F(ConsoleTest, CompilesWithoutTouchingTheFilesOfOthers) {

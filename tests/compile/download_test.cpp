@@ -1,11 +1,9 @@
 #include "compile/download.h"
 
-#include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
 
 #include "compile/download_rig.h"
@@ -94,7 +92,7 @@ TEST(Download, NameQuestion) {
     }
     EXPECT_FALSE(rig.activity.Busy());
     if (c.done) continue;
-    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Cancelled);
+    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::NoName);
     EXPECT_EQ(rig.script.Count(), 0u);
   }
 }
@@ -115,26 +113,6 @@ TEST(Download, InterfacesWithoutBlocksAskFirst) {
     EXPECT_TRUE(agreed.downloader.DownloadSequence());
     EXPECT_EQ(agreed.script.Blocks().size(), 1u);
   }
-}
-
-TEST(Download, FullDisk) {
-  DownloadRig rig;
-  rig.folder.Write("sendata.bin", "the file of the last download");
-  rig.prompts.Type("x").Answer(PromptAnswer::Ok);
-  rlimit before{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &before), 0);
-  rlimit full = before;
-  full.rlim_cur = 1000;
-  const auto oldHandler = std::signal(SIGXFSZ, SIG_IGN);
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &full), 0);
-  const bool done = rig.downloader.DownloadSequence();
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &before), 0);
-  std::signal(SIGXFSZ, oldHandler);
-  EXPECT_FALSE(done);
-  EXPECT_THAT(rig.Messages(), ElementsAre(rig.Text(9400)));
-  EXPECT_EQ(corlune::testing::TempFolder::Read(rig.folder.File("sendata.bin")),
-            "the file of the last download");
-  EXPECT_EQ(rig.script.Count(), 0u);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ using ::testing::ElementsAre;
 
 std::string TextOf(const SequenceData& sequence, int channels) {
   std::string text;
-  AppendSequenceText(text, sequence, "QM2220", channels);
+  AppendSequenceText(text, sequence, ModelDefinition{}, "QM2220", channels);
   return text;
 }
 
@@ -68,16 +68,12 @@ TEST(ReadSequenceText, Lines) {
     read->Steps[3].EventBranchOn = 1;
     // What the text does not carry has to stay.
     read->StepCount = 17;
-    read->Steps[3].TimeUnit = 1;
     read->Steps[3].BranchStep = {1, 2, 3, 4, 5};
-    for (ParamCell& cell : read->Cells) {
-      cell.UnitIndex = 1;
-      cell.StartValue = 9;
-    }
+    for (ParamCell& cell : read->Cells) cell.StartValue = 9;
     auto expected = std::make_unique<SequenceData>(*read);
     if (c.edit) c.edit(*expected);
     const std::string text = "[FILE]\r\nSEQ=99,SYNC,0,STAR,POS\r\n[DATA]\r\n" + std::string(c.line) + "\r\n";
-    const ReceivedSteps received = ReadSequenceText(text, 2, *read);
+    const ReceivedSteps received = ReadSequenceText(text, 2, ModelDefinition{}, *read);
     EXPECT_TRUE(*read == *expected) << c.line;
     const std::string kind = std::string(c.line).substr(0, 4);
     const bool isStep = kind == "STEP" || kind == "CHAN";
@@ -88,8 +84,8 @@ TEST(ReadSequenceText, Lines) {
 TEST(ReadSequenceText, TheFirstOfTwoLinesCounts) {
   auto read = std::make_unique<SequenceData>();
   const std::string line = ",CONT,0,0,0,1,0,1,0,1,INF,1,0,0\r\n";
-  const ReceivedSteps received =
-      ReadSequenceText("[DATA]\r\nSTEP#0=2" + line + "STEP#0=3" + line + "STEP#1=x" + line, 1, *read);
+  const ReceivedSteps received = ReadSequenceText(
+      "[DATA]\r\nSTEP#0=2" + line + "STEP#0=3" + line + "STEP#1=x" + line, 1, ModelDefinition{}, *read);
   EXPECT_EQ(read->Steps[0].StepTime, 2);
   EXPECT_EQ(read->Steps[1].StepTime, 0);
   EXPECT_EQ(received.to_ullong(), 1u);

@@ -47,7 +47,7 @@ TEST(SequenceText, WholeTextOfATwoChannelSequence) {
   set(kSlotExternal, 1);
 
   std::string text;
-  AppendSequenceText(text, *sequence, "QM2220", 2);
+  AppendSequenceText(text, *sequence, ModelDefinition{}, "QM2220", 2);
   const std::vector<std::string> lines = Lines(text);
   ASSERT_EQ(lines.size(), 8u + 256 + 512);
   const std::vector<std::string> head(lines.begin(), lines.begin() + 8);
@@ -90,7 +90,7 @@ TEST(SequenceText, CodesWithoutAWordGiveEmptyFields) {
     sequence->Cell(0, 0, kSlotPolarityRange).Value = c.polarityRange;
     sequence->Cell(0, 0, kSlotFrequency).ChangeMode = c.mode;
     std::string text;
-    AppendStepLines(text, *sequence, 0, 1);
+    AppendStepLines(text, *sequence, ModelDefinition{}, 0, 1);
     EXPECT_EQ(Lines(text).back().substr(9), c.expected);
   }
 }

@@ -12,6 +12,7 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
 import unittest
 
 PROGRAMS = os.path.abspath(sys.argv[1])
@@ -156,32 +157,44 @@ class Files(Bench):
         self.refused("save", self.file("absent.dat"), "-o", self.file("x"), says=["absent.dat"])
         self.refused("text", example("ramp.dat"), "-o", nowhere, says=[nowhere])
         self.refused("save", example("ramp.dat"), "-o", nowhere, says=[nowhere])
-        self.refused("wave", example("chirp.txt"), "-o", nowhere, says=[nowhere])
         self.refused("compile", example("ramp.dat"), "-o", nowhere, says=[nowhere])
-        # A folder stands where the file is to go.
-        os.mkdir(self.file("taken"))
-        self.refused("text", example("ramp.dat"), "-o", self.file("taken"), says=["taken"])
-        os.mkdir(self.file("taken.dat"))
-        self.refused("save", example("ramp.dat"), "-o", self.file("taken.dat"), says=["taken.dat"])
 
-    def test_a_file_that_is_no_sequence(self):
-        whole = read(example("ramp.dat"))
-        for data in (b"", b"\0" * 5000, bytes(range(256)) * 40, whole[: len(whole) // 2],
-                     whole.replace(b"ST_SETVAL#0=", b"ST_SETVAL#0=x")):
-            path = self.write("broken.dat", data)
-            _, err = self.run_console("check", path, code=1)
-            self.assertIn("broken.dat", err)
-        self.run_console("check", self.write("model.dat", whole.replace(b"QM2210", b"QM9999")), code=1)
-
-    def test_a_bad_number_in_the_model_definition_is_named(self):
-        path = os.path.join(self.folder, DEFINITION)
-        definition = read(path)
-        with open(path, "wb") as file:
-            file.write(definition.replace(b"CM_STAR=:TRIG1:SEL:EXEC STAR,100", b"CM_STAR=:TRIG1:SEL:EXEC STAR,1O0"))
-        self.refused("check", example("ramp.dat"), says=[DEFINITION, "SPEC", "CM_STAR"])
-        os.remove(path)
-        _, err = self.run_console("check", example("ramp.dat"), code=1)
-        self.assertIn("Initialization file doesn't exist", err)
+    def test_check_names_step_and_column(self):
+        whole = read(example("ramp.dat")).decode().replace("CP_ARBFILE#6=", "CP_ARBFILE#6=absent.wdb")
+        cells, step = "SE_SETVAL#0#1=0,3,0,0,1,0,0,1000,0,0,0,0", "ST_SETVAL#1=5,0,0,0,0,0,1,0,1,0,1,0,1,0,0"
+        for old, new, code, says in (
+                (cells, cells.replace("0,3,0,0,1,0,0,1000,", "0,0,0,0,1,0,0,1E9,"), 1,
+                 ["Error: Step 2, Ch1 Frequency: Input value Error!  Input value 1000000000  "
+                  "Range of Input 0.000001-20000000"]),
+                (cells, cells.replace("0,3,", "0,9,"), 1, ["Error: Step 2, Ch1 Waveform: The code 9 has"]),
+                (cells, cells.replace("0,3,0,0,1,", "0,4,0,0,0,"), 1, ["Error: Step 2, Ch1 ARB No.: There is"]),
+                (cells, cells.replace("0,3,0,0,1,", "0,4,0,0,7,"), 1, ["Error: Step 2, Ch1 ARB No.: The waveform file"]),
+                (cells, cells.replace("0,3,0,0,1,", "0,4,0,0,8,"), 0, ["Warning: Step 2, Ch1 ARB No.: No file is"]),
+                (cells, cells.replace("0,3,0,0,1,0,0,1000,0", "0,0,0,0,1,0,5,1000,4"), 1,
+                 ["Error: Step 2, Ch1 Frequency: The code 5", "Warning: Step 2, Ch1 Frequency: The unit 4"]),
+                # In range, but only the compiler knows the narrowest pulse.
+                (cells + ",0,0,0,2,5,0,0,0,0,0,50,0", cells.replace("0,3,0,0,1,0,0,1000,", "0,1,0,0,1,0,0,9E6,") +
+                 ",0,0,0,0,0,0,0,0,0,0,1,0", 1, ["Error: Step 2, Ch1 Duty: The sequence compiler refuses it: Func"]),
+                (cells + ",0,0,0,2,5,", cells + ",0,0,0,0,11,", 1, ["Error: Step 2, Ch1 Offset: Input value Error!"]),
+                (cells + ",0,0,0,2,5,", "SE_SETVAL#0#1=0,0,0,0,1,0,0,1000,0,0,10,0,0,0,0,0,8,", 1,
+                 ["Error: Step 2, Ch1 Amplitude: Input value Error! Sum of"]),
+                (step, step.replace("=5,", "=-5,"), 1, ["Error: Step 2, Step Time: The time -5 is negative."]),
+                (step, "ST_SETVAL#1=20000,0,7,0,0,1,9,1,300,1,8,1,0,9,0", 1,
+                 ["Warning: Step 2, Step Time: Input", "Warning: Step 2, Auto Hold: The code 7",
+                  "Warning: Step 2, Event Branch: The step 9", "Error: Step 2, State Branch: The step 300",
+                  "Warning: Step 2, Jump To: The step 8", "Warning: Step 2, Jump Count: Input",
+                  "Warning: Step 2, Step Term: The code 9"]),
+                (step, step + "\r\nBR_SETVAL#1=1,8,0,0,0", 0, ["Warning: Step 2, Branch Channel 2: The step 8"]),
+                ("CM_START=1\r\nCM_TRIG=0", "CM_START=8\r\nCM_TRIG=3", 1,
+                 ["Warning: Start Step: The step 8 does", "Error: Trig: Input value Error!  Input value 3"]),
+                (whole[whole.index("ST_SETVAL"):whole.index("[FRMVIEW]")], "", 1, ["Error: One or more than one"])):
+            with self.subTest(new):
+                self.assertIn(old, whole)
+                _, err = self.run_console("check", self.write("x.dat", whole.replace(old, new).encode()), code=code)
+                lines = err.splitlines()
+                self.assertEqual(len(lines), len(says), err)
+                for line, beginning in zip(lines, says):
+                    self.assertTrue(line.startswith(beginning), err)
 
     def test_devices(self):
         out, _ = self.run_console("--virtual-instrument", "devices",
@@ -216,12 +229,14 @@ class Files(Bench):
             (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
-            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, "model name 1"),
+            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, "model name 1.*\\n.*off-line"),
+            # The same question without a person: No, which ends the program at once.
+            (virtual, {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, r"model name 1[^\n]*\n\Z"),
         ]
         for arguments, environment, says in cases:
             with self.subTest(arguments=arguments, environment=environment):
                 _, err = self.run_console(*arguments, code=1, **environment)
-                self.assertIn(says, err)
+                self.assertRegex(err, says)
         self.assertLessEqual(set(self.left_behind()), {"UseStep.txt"})
         self.assertEqual(os.listdir(self.temporary), [])
 
@@ -279,7 +294,8 @@ class RunToItsEnd(Runs):
 
 
 class RunIsStopped(Runs):
-    def test_control_c(self):
+    def interrupt(self, pattern):
+        """Runs until a line of the output matches, presses Ctrl+C there; what was said, and what was sent."""
         self.switch_log_on()
         process = self.start("run", self.quick_sequence(5), "--virtual-instrument", "--yes")
         guard = threading.Timer(90, process.kill)
@@ -288,7 +304,7 @@ class RunIsStopped(Runs):
         pressed = False
         for line in process.stdout:
             lines.append(line.decode())
-            if not pressed and re.search(r"  Step[^\d]*\d$", line.decode()):
+            if not pressed and re.search(pattern, line.decode()):
                 process.send_signal(signal.SIGINT)
                 pressed = True
         process.wait()
@@ -299,11 +315,45 @@ class RunIsStopped(Runs):
         self.assertTrue(pressed, said)
         self.assertEqual(process.returncode, 1, said)
         self.assertNotIn("The sequence execution was ended.", said)
-        sent = self.log()
+        self.assert_clean("UseStep.txt", "comm.log")
+        return said, self.log()
+
+    def test_control_c(self):
+        said, sent = self.interrupt(r"  Step[^\d]*\d$")
         self.assertEqual(sent.count(":TRIG1:SEL:EXEC STOP"), 1, said)
         # The stop is the last command; the status behind it is read, and the connection is closed.
         self.assertEqual(sent[-3:], [":TRIG1:SEL:EXEC STOP", ":STAT:OPER:CH1:COND?", "ALL < GP_END"])
-        self.assert_clean("UseStep.txt", "comm.log")
+
+
+class DownloadIsStopped(RunIsStopped):
+    def test_control_c(self):
+        said, sent = self.interrupt("ARB 1")
+        self.assertIn("Nothing was started.", said)
+        self.assertEqual(sent[-2:], [":SYST:ERR?", "ALL < GP_END"], said)
+
+
+class RunBreaksOff(Runs):
+    FAULTS = "text=3:-77@CST?"
+
+    def test_run(self):
+        self.switch_log_on()
+        _, err = self.run_console("run", self.quick_sequence(1), "--virtual-instrument", "--yes", code=1,
+                                  CORLUNE_VI_FAULTS=self.FAULTS)
+        self.assertIn("did not end as it should", err)
+        self.assertIn(":TRIG1:SEL:EXEC STOP", self.log())
+
+
+class ReadIsInterrupted(Runs):
+    def test_read(self):
+        self.switch_log_on()
+        process = self.start("--virtual-instrument", "read", "2")
+        while b":TRACe:SEQ" not in (read(log) if os.path.exists(log := os.path.join(self.folder, "comm.log")) else b""):
+            self.assertIsNone(process.poll())
+            time.sleep(0.05)
+        process.send_signal(signal.SIGINT)
+        process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 1)
+        self.assert_clean("comm.log")
 
 
 class ReadIntoAFile(Runs):
@@ -315,15 +365,6 @@ class ReadIntoAFile(Runs):
                          CORLUNE_VI_FAULTS=fault)
         received, _ = self.run_console("text", self.file("received.dat"))
         self.assertEqual(received, sent)
-        self.assert_clean()
-
-
-class ReadBreaksOff(Runs):
-    def test_read(self):
-        target = self.write("kept.dat", b"of the last time")
-        self.run_console("--virtual-instrument", "read", "2", "-o", target, code=1,
-                         CORLUNE_VI_FAULTS="gone=1@:TRACe:SEQ")
-        self.assertEqual(read(target), b"of the last time")
         self.assert_clean()
 
 
@@ -348,7 +389,7 @@ def main():
     if sys.argv[3] == "files":
         suite = unittest.defaultTestLoader.loadTestsFromTestCase(Files)
         return unittest.TextTestRunner().run(suite).wasSuccessful()
-    return run_at_once([RunToItsEnd, RunIsStopped, ReadIntoAFile, ReadBreaksOff])
+    return run_at_once([RunToItsEnd, RunIsStopped, DownloadIsStopped, RunBreaksOff, ReadIsInterrupted, ReadIntoAFile])
 
 
 if __name__ == "__main__":

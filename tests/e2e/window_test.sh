@@ -57,6 +57,22 @@ wait_until 20 "the second start does not open its file" window_named "$main_titl
 wait_until 20 "the second start does not bring the window forward" is_active "$main"
 is "$(xdotool search --onlyvisible --name "$main_title" | wc -l)" 1 "main windows"
 
+# The keyboard stays in the cells, whatever took it away meanwhile: the menu bar, a message, another window.
+saves_step() { xdotool key ctrl+s && grep -q "^ST_SETVAL#$1=$2," "$work/phase-shift.dat"; }
+xdotool key --delay 100 alt+e Escape alt+h Escape Escape 7 Return
+wait_until 20 "no entry behind the menu bar" saves_step 0 7
+xdotool key --delay 100 x Return
+wait_until 20 "no message about a letter" window_named '^Corlune$'
+activate "$(window_named '^Corlune$')"
+xdotool key Return
+wait_until 20 "the main window does not come back behind the message" is_active "$main"
+xdotool key --delay 100 8 Return
+wait_until 20 "no entry behind the message" saves_step 1 8
+activate "$(window_named '^Another program$')"
+activate "$main"
+xdotool key --delay 100 9 Return
+wait_until 20 "no entry behind another window" saves_step 2 9
+
 # Another application folder is another program; the sibling editor keeps it from starting.
 new_folder second
 "$bin/titled_window" "a.wdb - Tavrin Plindor for QM2210/20" &

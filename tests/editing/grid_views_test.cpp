@@ -232,13 +232,13 @@ TEST(ControlStates, BySituation) {
       {"execution, stopped", "xso", 3, "..xxx ......... x. x...x. .xx.. xx...x ..xx"},
       {"execution, output on", "xso+", 3, "..xxx ......... x. x....x .xx.. xx...x ..xx"},
       {"execution, may still run", "xso!", 3, "..xxx ......... x. .x...x .xx.. x.x..x ..xx"},
-      {"execution, output command", "xso", 3, "..... ......... .. ...... ..... ...... ...x", Work::Output},
-      {"execution, starting", "xso", 3, "..... ......... .. .x.... ..... ..x... ...x", Work::Start},
-      {"running", "xro+", 3, "..... ......... .. .xxx.x ..... ..xxxx ...x"},
-      {"running, in a tick", "xro+", 3, "..... ......... .. .xxx.x ..... ..xxxx ...x", Work::Tick},
-      {"running, output command", "xro+", 3, "..... ......... .. .xxx.. ..... ..xxx. ...x", Work::Output},
-      {"held", "xho+", 3, "..... ......... .. xx...x ..... .xx..x ...x"},
-      {"resuming", "xho+", 3, "..... ......... .. .x.... ..... ..x... ...x", Work::Start},
+      {"execution, output command", "xso", 3, "..x.. ......... .. ...... ..... ...... ...x", Work::Output},
+      {"execution, starting", "xso", 3, "..x.. ......... .. .x.... ..... ..x... ...x", Work::Start},
+      {"running", "xro+", 3, "..x.. ......... .. .xxx.x ..... ..xxxx ...x"},
+      {"running, in a tick", "xro+", 3, "..x.. ......... .. .xxx.x ..... ..xxxx ...x", Work::Tick},
+      {"running, output command", "xro+", 3, "..x.. ......... .. .xxx.. ..... ..xxx. ...x", Work::Output},
+      {"held", "xho+", 3, "..xx. ......... .. xx...x ..... .xx..x ...x"},
+      {"resuming", "xho+", 3, "..x.. ......... .. .x.... ..... ..x... ...x", Work::Start},
   };
   // clang-format on
   for (const Row& row : rows) {
@@ -250,6 +250,7 @@ TEST(ControlStates, BySituation) {
     state.Online = has('o') ? 1 : 0;
     state.OutputOn = has('+');
     state.MayStillRun = has('!');
+    state.CurrentFilePath = "named.dat";
     Activity activity;
     std::optional<WorkGuard> work;
     if (row.work) work.emplace(activity, *row.work);

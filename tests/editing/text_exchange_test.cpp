@@ -150,6 +150,10 @@ TEST(Csv, RoundTrip) {
   EXPECT_NE(csv.find(",Ch1 Frequency [Hz],Ch1 Frequency Mode,"), std::string::npos);
   for (const int steps : {0, 2, 6}) {
     EditingRig other(steps);
+    other.Step(7).AutoHold = 1;  // left in a slot behind the last step
+    other.editor->ImportCsv("Step Time [s]\n1\n1\n1\n1\n1\n1\n1\n");
+    EXPECT_EQ(other.Step(7).AutoHold, 0) << "columns that the file lacks";
+    other.editor->Undo();
     EXPECT_EQ(other.IdOf(other.editor->ImportCsv(csv)), 0);
     EXPECT_EQ(other.editor->ExportCsv(), csv);
     EXPECT_EQ(other.Cell(0, 3, kSlotAmplitude).Value, 8);

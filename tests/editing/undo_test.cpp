@@ -117,7 +117,9 @@ TEST(Undo, StaysWithinItsLimits) {
   EditingRig small(1);
   for (int i = 0; i < 500; ++i) small.Enter(Common(1, kGridStepTime), std::to_string(i + 2));
   EXPECT_EQ(small.editor->History().Levels(), kUndoLevels);
-  while (small.editor->CanUndo()) small.editor->Undo();
+  std::size_t undone = 0;
+  for (; small.editor->CanUndo(); ++undone) small.editor->Undo();
+  EXPECT_EQ(undone, kUndoLevels);
   EXPECT_EQ(small.Text(Common(1, kGridStepTime)), "301");
 
   // Entries that change every cell of every step.
@@ -249,7 +251,7 @@ void ExpectInvariants(EditingRig& rig) {
         ASSERT_TRUE(ChannelBounds(rig.definition, sequence, channel, row - 1, param).Hold(value))
             << "step " << row << " parameter " << param << ": " << value;
       }
-      ASSERT_TRUE(PeakFits(sequence, channel, row - 1)) << "step " << row;
+      ASSERT_TRUE(PeakFits(rig.definition, sequence, channel, row - 1)) << "step " << row;
     }
   }
   // What is shown is what a window built anew would show.

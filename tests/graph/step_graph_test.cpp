@@ -17,7 +17,7 @@ using testing::kFrequency;
 using testing::kOffset;
 
 std::vector<StepSpan> TimeSpans(const GraphRig& rig) {
-  return StepSpans(rig.sequence, TimeAxis::Time, StepLength::Entered);
+  return StepSpans(rig.sequence, rig.definition, TimeAxis::Time, StepLength::Entered);
 }
 
 AreaGraph GraphOf(const GraphRig& rig, int content, int channel = 0, double magnification = 0) {
@@ -32,12 +32,14 @@ TEST(StepSpansTest, LieEndToEndWithRunTimesOrStepTimes) {
   rig.sequence.Steps[0].StepTime = 0.5;
   rig.sequence.Steps[1].StepTime = 2;
   rig.sequence.Steps[1].StepRunTime = 2250;  // with a stop phase
-  EXPECT_EQ(StepSpans(rig.sequence, TimeAxis::Time, StepLength::Entered),
+  EXPECT_EQ(StepSpans(rig.sequence, rig.definition, TimeAxis::Time, StepLength::Entered),
             (std::vector<StepSpan>{{0, 500, 0, 500}, {500, 2500, 500, 2500}, {2500, 3500, 2500, 3500}}));
-  EXPECT_EQ(StepSpans(rig.sequence, TimeAxis::Time, StepLength::RunTime),
+  EXPECT_EQ(StepSpans(rig.sequence, rig.definition, TimeAxis::Time, StepLength::RunTime),
             (std::vector<StepSpan>{{0, 500, 0, 500}, {500, 2750, 500, 2750}, {2750, 3750, 2750, 3750}}));
-  EXPECT_EQ(StepSpans(rig.sequence, TimeAxis::Steps, StepLength::Entered),
+  EXPECT_EQ(StepSpans(rig.sequence, rig.definition, TimeAxis::Steps, StepLength::Entered),
             (std::vector<StepSpan>{{0, 1, 0, 500}, {1, 2, 500, 2500}, {2, 3, 2500, 3500}}));
+  EXPECT_EQ(StepAt(TimeSpans(rig), 500), 1) << "a border belongs to the step that begins there";
+  EXPECT_EQ(StepAt(TimeSpans(rig), 3500), 2);
 }
 
 TEST(MarkerPositionTest, RunsThroughTheStepAndStaysAtItsEnd) {

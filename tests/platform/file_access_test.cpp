@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -97,8 +98,12 @@ TEST(ReplaceFileBytes, AProcessKilledWhileWritingLeavesTheOldFile) {
   ASSERT_EQ(waitpid(child, &status, 0), child);
   ASSERT_TRUE(WIFSIGNALED(status));
   EXPECT_EQ(TempFolder::Read(path), "old");
-  // What it left behind does not stand in the way of the next save.
+  // The next save removes what it left behind, not what is still being written.
+  const int held = open(folder.Write(".corlune-1-0.tmp", "").c_str(), O_RDONLY);
+  ASSERT_EQ(flock(held, LOCK_EX), 0);
   EXPECT_TRUE(ReplaceFileBytes(path, "new", nullptr));
+  EXPECT_THAT(Names(folder.Path()), ::testing::UnorderedElementsAre(".corlune-1-0.tmp", "a.dat"));
+  close(held);
   EXPECT_EQ(TempFolder::Read(path), "new");
 }
 

@@ -148,6 +148,23 @@ TEST(InterruptionOnTheWay, RunButtonsDoNothingDuringADownload) {
   }
 }
 
+TEST(InterruptionOnTheWay, ADownloadAskedToEndBeginsNoOtherPart) {
+  int takenOver = 0;
+  for (int wait = 1; wait <= PlayUndisturbed().downloadWaits; ++wait) {
+    WholeWay way;
+    PlayWith(way, wait, [&] {
+      way.Forget();
+      way.session->Download().RequestEnd();
+    });
+    way.prompts.said.clear();
+    takenOver += way.downloaded ? 1 : 0;
+    if (way.downloaded) continue;
+    EXPECT_EQ(way.session->Download().Outcome().End, DownloadEnd::Cancelled);
+    EXPECT_THAT(way.TakeSent(), ::testing::Each(::testing::Not(::testing::HasSubstr("< :TR")))) << wait;
+  }
+  EXPECT_LE(takenOver, 4);  // it was compiling what it had taken over
+}
+
 TEST(InterruptionOnTheWay, StopInAnyWaitOfTheRunStopsIt) {
   const Undisturbed& record = PlayUndisturbed();
   int stopped = 0;

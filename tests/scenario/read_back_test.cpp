@@ -73,7 +73,7 @@ class Generator {
 
 std::string TextOf(const SequenceData& sequence, int channels) {
   std::string text;
-  AppendSequenceText(text, sequence, "", channels);
+  AppendSequenceText(text, sequence, ModelDefinition{}, "", channels);
   return text;
 }
 

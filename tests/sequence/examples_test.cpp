@@ -62,7 +62,7 @@ TEST_P(ExampleTest, IsWrittenAsTheProgramWritesIt) {
 }
 
 TEST_P(ExampleTest, EndsByItselfAfterItsTime) {
-  EXPECT_NEAR(ComputeRunTimes(sequence).Total, GetParam().seconds * 1000, 1e-6);
+  EXPECT_NEAR(ComputeRunTimes(sequence, definition).Total, GetParam().seconds * 1000, 1e-6);
   ASSERT_GT(sequence.StepCount, 0);
   EXPECT_EQ(sequence.Steps[static_cast<std::size_t>(sequence.StepCount - 1)].StepTerm, 1);
 }
@@ -97,7 +97,7 @@ TEST_P(ExampleTest, HasItsWaveforms) {
   for (const ArbFileEntry& entry : sequence.Channels.ArbFiles) {
     if (entry.FilePath.empty()) continue;
     const WaveformRead read = ReadArbFile(ResolveWaveformPath(entry.FilePath, state));
-    EXPECT_EQ(read.problem, WaveformProblem::None) << entry.FilePath << ": " << read.reason;
+    EXPECT_EQ(read.problem, WaveformProblem::None) << entry.FilePath << ": " << read.reason.text;
   }
 }
 

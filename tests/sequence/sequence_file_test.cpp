@@ -99,8 +99,8 @@ TEST_F(SequenceFileTest, WritesTheFormByteForByte) {
       "CM_START=1\nCM_TRIG=0\nCM_EXTCTRL=0\nCM_MLTIO=0\nCM_SYNCOUT=0\n"
       "ST_SETVAL#0=1,0,0,0,90,0,1,0,1,0,1,0,1,1,0\n"
       "ST_SETVAL#1=1E-05,1,0,1,-2.25,0,1,0,1,1,1,0,-1,1,0\n"
-      "SE_SETVAL#0#0=0,0,0,0,1,0,0,1000,1\nSE_SETVAL#0#1=0,0,0,0,1,0,0,1000,1\n"
-      "SE_SETVAL#1#0=0,0,0,0,1,0,0,1000,1\nSE_SETVAL#1#1=0,0,0,0,1,0,2,1.5E+15,0\n"
+      "SE_SETVAL#0#0=0,0,0,0,1,0,0,1,1\nSE_SETVAL#0#1=0,0,0,0,1,0,0,1,1\n"
+      "SE_SETVAL#1#0=0,0,0,0,1,0,0,1,1\nSE_SETVAL#1#1=0,0,0,0,1,0,2,1.5E+15,0\n"
       "BR_SETVAL#1=1,2,3,4,5\n"
       "[FRMVIEW]\nFV_AREASET0=0,0,0,0\nFV_AREASET1=0,0,0,0\nFV_AREASET2=0,0,0,0\nFV_AREASET3=0,0,0,0\n"
       "FV_AREASET4=1,-2,3,4\n";
@@ -132,7 +132,7 @@ TEST_F(SequenceFileTest, GeneratedSequencesComeBackWhole) {
     const std::string text = Format(form);
     SequenceData expected = sequence;
     ComputeStartValues(expected);
-    ComputeRunTimes(expected);
+    ComputeRunTimes(expected, definition);
 
     // Load over another sequence and set-up.
     generate.Fill(sequence, 200, 2);
@@ -343,19 +343,14 @@ TEST_F(SequenceFileTest, TheStepSectionTellsTheFormAndTheCount) {
   EXPECT_EQ(DetectForm("[FILE]\r\nPROGID=1\r\n;[DATA]\r\n"), std::nullopt);
 }
 
-TEST_F(SequenceFileTest, WritesUnderTheRightNameAndReadsBack) {
+TEST_F(SequenceFileTest, WritesUnderTheNameGivenAndReadsBack) {
   TempFolder folder;
   const MessageCatalogue catalogue(10000);
-  for (const auto& [name, written] : std::vector<std::pair<std::string, std::string>>{{"a", "a.dat"},
-                                                                                      {"b.DAT", "b.DAT"},
-                                                                                      {"c.Daf", "c.Daf"},
-                                                                                      {"d.txt", "d.txt.dat"},
-                                                                                      {"波形", "波形.dat"}}) {
+  for (const char* const name : {"a", "b.dat", "波形"}) {
     SCOPED_TRACE(name);
-    std::string path = folder.File(name);
+    const std::string path = folder.File(name);
     sequence.Channels.ArbFiles[5].FilePath = "/waves/波形 é.txt";
     ASSERT_TRUE(WriteSeqFile(path, Form::User, state, definition, sequence));
-    EXPECT_EQ(path, folder.File(written));
     SequenceData back;
     AppState other;
     ScriptedPrompts prompts;
@@ -363,9 +358,6 @@ TEST_F(SequenceFileTest, WritesUnderTheRightNameAndReadsBack) {
     EXPECT_EQ(back.Channels.ArbFiles[5].FilePath, "/waves/波形 é.txt");
     EXPECT_EQ(other.ModelName, "QM2220");
   }
-  std::string work = folder.File("Corlune_QM2220.ini");
-  ASSERT_TRUE(WriteSeqFile(work, Form::Work, state, definition, sequence));
-  EXPECT_EQ(work, folder.File("Corlune_QM2220.ini"));
 }
 
 TEST_F(SequenceFileTest, AFailedSaveSaysWhyAndKeepsTheOldFile) {
@@ -376,11 +368,6 @@ TEST_F(SequenceFileTest, AFailedSaveSaysWhyAndKeepsTheOldFile) {
   EXPECT_FALSE(WriteSeqFile(path, Form::User, state, definition, sequence, &error));
   EXPECT_FALSE(error.empty());
   EXPECT_EQ(TempFolder::Read(path), "old");
-  sequence.Channels.ArbFiles[0].FilePath.clear();
-  path = folder.File("no/such/folder/x.dat");
-  error.clear();
-  EXPECT_FALSE(WriteSeqFile(path, Form::User, state, definition, sequence, &error));
-  EXPECT_FALSE(error.empty());
 }
 
 TEST_F(SequenceFileTest, RelativeWaveformsStayFindable) {

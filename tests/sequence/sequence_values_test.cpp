@@ -33,7 +33,7 @@ TEST(Defaults, ANewStepTakesTheDefinitionsDefaults) {
   expected.BranchStep = {3, 3, 0, 0, 0};
   EXPECT_EQ(sequence.Steps[4], expected);
   for (int channel = 0; channel < MAX_CHANNELS; ++channel) {
-    EXPECT_EQ(sequence.Cell(channel, 4, kSlotFrequency), (ParamCell{kModeConst, 1, 1000, 1000}));
+    EXPECT_EQ(sequence.Cell(channel, 4, kSlotFrequency), (ParamCell{kModeConst, 1, 1, 1}));
     EXPECT_EQ(sequence.Cell(channel, 4, kSlotArbNumber), (ParamCell{kModeConst, 0, 1, 1}));
     EXPECT_EQ(sequence.Cell(channel, 4, kSlotDuty), (ParamCell{kModeConst, 0, 50, 50}));
     EXPECT_EQ(sequence.Cell(channel, 3, kSlotDuty), before.Cell(channel, 3, kSlotDuty));
@@ -129,7 +129,7 @@ TEST(RunTimes, AgreeWithTheRuleTakenLiterally) {
       row.JumpCount = static_cast<std::int16_t>(generate.Integer(-3, 30));
     }
     const double naive = NaiveTotal(sequence);
-    const RunTimes times = ComputeRunTimes(sequence);
+    const RunTimes times = ComputeRunTimes(sequence, SampleDefinition());
     EXPECT_NEAR(times.Total, naive, 1e-9 * std::fabs(naive)) << "seed " << kSeed << ", round " << round;
     EXPECT_EQ(times.Second, times.Total);
     endless += times.Total == kEndless;
@@ -146,7 +146,7 @@ TEST(RunTimes, AreQuickWhateverTheCounts) {
     row.JumpOn = row.JumpCountOn = row.JumpTo = 1;
     row.JumpCount = 32767;
   }
-  EXPECT_EQ(ComputeRunTimes(sequence).Total, 1000.0 * (256 + 32767.0 * 256 * 257 / 2));
+  EXPECT_EQ(ComputeRunTimes(sequence, SampleDefinition()).Total, 1000.0 * (256 + 32767.0 * 256 * 257 / 2));
 }
 
 TEST(RunTimes, OfSingleSteps) {
@@ -170,7 +170,7 @@ TEST(RunTimes, OfSingleSteps) {
     sequence.Steps[0].StopPhaseOn = row.stopOn;
     sequence.Steps[0].StopPhase = row.stopPhase;
     sequence.Cell(0, 0, kSlotFrequency) = {kModeConst, row.unit, row.frequency, 0};
-    EXPECT_EQ(ComputeRunTimes(sequence).Total, row.stepTime * 1000) << row.name;
+    EXPECT_EQ(ComputeRunTimes(sequence, SampleDefinition()).Total, row.stepTime * 1000) << row.name;
     EXPECT_DOUBLE_EQ(sequence.Steps[0].StepRunTime, row.expected) << row.name;
   }
 }

@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <regex>
 
 #include "core/files.h"
 #include "session/session_rig.h"
@@ -128,6 +129,13 @@ TEST(FileCommands, OpenReplacesTheSequenceOrLeavesItAlone) {
     EXPECT_EQ(rig.State().CurrentFilePath, row.message ? "" : rig.folder.File(row.file));
     rig.display.changes.clear();
   }
+  // A model that the definition file describes wrongly is not called unknown as well.
+  const std::string definition = TempFolder::Read(rig.folder.File("Corlune_Std.ini"));
+  rig.folder.Write("Corlune_Std.ini",
+                   std::regex_replace(definition, std::regex("SC_BRANCH="), "SC_BRANCH=1,x,"));
+  rig.Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.session->OpenFile(rig.folder.File("a.dat")));
+  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("key SC_BRANCH")));
   // The last one changed the model.
   EXPECT_EQ(rig.State().ModelName, "QM2220");
   EXPECT_EQ(rig.State().ModelIndex, 1);

@@ -1,5 +1,6 @@
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <regex>
 
 #include "core/files.h"
 #include "session/session_rig.h"
@@ -236,6 +237,10 @@ TEST(StartUp, TheConsoleIsToldWhatIsWrongWithAFile) {
 TEST(StartUp, WithoutAFile) {
   for (const bool named : {false, true}) {
     SessionRig rig;
+    // A definition may leave the number of channels to the model.
+    const std::string definition = TempFolder::Read(rig.folder.File("Corlune_Std.ini"));
+    if (named)
+      rig.folder.Write("Corlune_Std.ini", std::regex_replace(definition, std::regex("IF_CH=1"), "IF_CH=0"));
     if (named) rig.search.Attach(kPrefix2210, "1000001");
     rig.search.Attach(kPrefix2220, "2000001");
     rig.script.Reply("*IDN?", {"TAVRIN,QM2220,2000001,1.00"});

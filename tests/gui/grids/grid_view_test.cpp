@@ -7,6 +7,7 @@
 #include "ui/cell_editors.h"
 #include "ui/grid_delegate.h"
 #include "ui/grid_model.h"
+#include "view/to_qcolor.h"
 
 namespace corlune::testing {
 namespace {
@@ -191,6 +192,34 @@ TEST(Scrolling, StepGridsShowTheSameSteps) {
   EXPECT_EQ(top(rig.Channel(1)), 20);
   rig.GoTo(GridArea::Common, 90, 1);
   EXPECT_EQ(top(rig.Common()), top(rig.Channel(1)));
+}
+
+TEST(Scrolling, TheCurrentRowIsInSightInEveryGrid) {
+  for (const int steps : {8, 12, 40}) {
+    GridsRig rig(steps);
+    const auto inSight = [&](int row) {
+      for (const QTableView* grid : {&rig.Common(), &rig.Channel(0)}) {
+        const QRect cell = grid->visualRect(grid->model()->index(row - 1, 0));
+        EXPECT_TRUE(grid->viewport()->rect().contains(cell)) << steps << " steps, row " << row;
+      }
+    };
+    for (const int height : {600, 420}) {
+      for (int row = 1; row <= steps; ++row) {
+        rig.panel->HighlightRow({row}, true);
+        inSight(row);
+        rig.panel->ScrollTo({std::max(1, steps - 10)});
+        inSight(row);
+      }
+      rig.window.resize(733, height);
+      inSight(steps);
+      rig.panel->HighlightRow({steps}, false);
+      rig.panel->SelectFirstCell();
+      for (int row = 2; row <= steps; ++row) {
+        rig.Press(Qt::Key_Return);
+        inSight(row);
+      }
+    }
+  }
 }
 
 TEST(BranchFrame, ShowsTheStepOfTheCursor) {

@@ -1,5 +1,6 @@
 // Commands of the window that come while something is still being typed.
 #include "gui/main_window/window_rig.h"
+#include "view/frm_preview.h"
 
 namespace corlune::testing {
 namespace {
@@ -18,14 +19,6 @@ TEST(OpenEntries, BelongToWhatACommandSaves) {
   EXPECT_TRUE(rig.Messages().empty());
   rig.window->OpenPath(path);
   EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 2.5);
-
-  rig.Settle();
-  rig.Field("TxtStrStep")->setFocus();
-  rig.Settle();
-  rig.Field("TxtStrStep")->selectAll();
-  rig.Type("7");
-  rig.Key(Qt::Key_S, Qt::ControlModifier);
-  EXPECT_EQ(rig.session->Sequence().StartStep, 7);
 }
 
 TEST(OpenEntries, ARefusedOneStopsTheCommand) {
@@ -50,6 +43,56 @@ TEST(OpenEntries, ARefusedOneStopsTheCommand) {
   refuse([&] { rig.Item("mnuModeItem_1")->trigger(); });
   refuse([&] { rig.Item("mnuImportCsv")->trigger(); });
   refuse([&] { rig.window->close(); });
+}
+
+TEST(OpenEntries, OfEitherWindowAreWhatARunUses) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(2);
+  rig.Item("mnuViewItem_1")->trigger();
+  QWidget& view = *rig.window->Preview();
+  const auto type = [&](QWidget& window, const char* name, const char* text) {
+    auto* field = window.findChild<EntryField*>(QString::fromUtf8(name));
+    window.activateWindow();
+    rig.Settle();
+    field->setFocus();
+    field->selectAll();
+    QTest::keyClicks(field, QString::fromUtf8(text));
+    return field;
+  };
+  // Another window and a menu come in between.
+  const EntryField* number = type(view, "TxtSeq", "7");
+  rig.window->activateWindow();
+  rig.Settle();
+  view.activateWindow();
+  rig.Settle();
+  rig.Click(rig.Button(0));
+  EXPECT_EQ(rig.session->Sequence().SequenceNumber, 7);
+  EXPECT_EQ(rig.Field("TxtSeq")->text() + number->text(), "77");
+  rig.StartRun();
+  for (const int channel : {3, 4}) {
+    QWidget* window = channel == 3 ? rig.window.get() : &view;
+    const QString shown = QString::number(channel);
+    EntryField* branch = type(*window, "TxtBranch", qUtf8Printable(shown));
+    rig.Item("mnuRunItem_3")->trigger();
+    EXPECT_EQ(rig.session->Sequence().BranchChannel, channel);
+    EXPECT_EQ(std::exchange(rig.session->State().PendingRequest, PendingRequest::None),
+              PendingRequest::Branch);
+    type(*window, "TxtBranch", "99");
+    rig.prompts.Answer(PromptAnswer::Ok);
+    rig.Key(Qt::Key_F7);
+    EXPECT_EQ(rig.session->State().PendingRequest, PendingRequest::None) << "refused";
+    EXPECT_EQ(rig.Messages().size(), 1U);
+    EXPECT_TRUE(branch->hasFocus() && branch->text() == shown);
+    // What ends the run waits for no entry and leaves it.
+    type(*window, "TxtBranch", "99");
+    rig.Click(window->findChild<QPushButton*>("CmdBtn1_5"));
+    EXPECT_FALSE(std::exchange(rig.session->State().OutputOn, true));
+    rig.Key(Qt::Key_F5, Qt::ShiftModifier);
+    EXPECT_EQ(std::exchange(rig.session->State().PendingRequest, PendingRequest::None), PendingRequest::Stop);
+    EXPECT_TRUE(branch->hasFocus() && branch->text() == "99");
+    rig.Key(Qt::Key_Escape);
+  }
 }
 
 }  // namespace

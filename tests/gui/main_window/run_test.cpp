@@ -4,6 +4,8 @@
 #include <QLabel>
 
 #include "gui/main_window/window_rig.h"
+#include "view/frm_preview.h"
+#include "view/graph_canvas.h"
 
 namespace corlune::testing {
 namespace {
@@ -40,12 +42,26 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
 
   rig.StartRun();
   EXPECT_EQ(Possible(rig), "--2345 ---");
+  const std::string path = rig.folder.File("saved.dat");
+  EXPECT_FALSE(rig.Item("mnuFileItem_2")->isEnabled()) << "a dialog would stand before the stop button";
+  rig.session->State().CurrentFilePath = path;
+  rig.window->RefreshControls();
+  rig.Key(Qt::Key_S, Qt::ControlModifier);
+  EXPECT_FALSE(TempFolder::Read(path).empty()) << "saving harms no run";
+  rig.Item("mnuViewItem_1")->trigger();
+  EXPECT_TRUE(rig.window->Preview()->findChild<GraphCanvas*>()->Marker()) << "followed from now on";
+  rig.window->Preview()->close();
+  rig.window->activateWindow();
   EXPECT_FALSE(rig.window->close()) << "a running sequence keeps the window open";
   rig.Key(Qt::Key_F6);
   rig.Tick();
   EXPECT_EQ(rig.session->State().RunState, RunState::Held);
   EXPECT_EQ(Possible(rig), "-12--5 ---");
   EXPECT_FALSE(rig.window->close());
+  rig.Item("mnuViewItem_1")->trigger();
+  EXPECT_TRUE(rig.window->Preview()->findChild<GraphCanvas*>()->Marker());
+  rig.window->Preview()->close();
+  rig.window->activateWindow();
   rig.Key(Qt::Key_F5);
   EXPECT_EQ(rig.session->State().RunState, RunState::Running);
 
@@ -55,20 +71,8 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
   EXPECT_EQ(Possible(rig), "01---5 --C");
   rig.Click(rig.Button(0));
   EXPECT_EQ(Possible(rig), "0----- EFC");
-}
-
-TEST(WindowRun, F8SwitchesTheOutputToItsOtherState) {
-  WindowRig rig;
-  rig.Start();
-  rig.AddSteps(1);
-  rig.EnterExecution();
-  const bool before = rig.session->State().OutputOn;
-  rig.Key(Qt::Key_F8);
-  EXPECT_EQ(rig.session->State().OutputOn, !before);
-  rig.Key(Qt::Key_F8);
-  EXPECT_EQ(rig.session->State().OutputOn, before);
-  rig.Click(rig.Button(5));
-  EXPECT_EQ(rig.session->State().OutputOn, !before);
+  EXPECT_FALSE(rig.Button(2)->font().bold()) << "nothing is stopped in edit mode";
+  EXPECT_TRUE(rig.session->State().OutputOn && rig.Button(5)->font().bold());
 }
 
 TEST(WindowRun, NothingCanBePressedDuringADownload) {

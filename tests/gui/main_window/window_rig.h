@@ -12,11 +12,11 @@
 #include <QTest>
 
 #include "session/session_rig.h"
-#include "ui/entry_field.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
 #include "ui/stat_bar.h"
 #include "ui/window_display.h"
+#include "view/entry_field.h"
 
 namespace corlune::testing {
 

@@ -78,7 +78,10 @@ TEST(WindowTitle, NamesTheFileAndMarksChanges) {
   rig.Start();
   const std::string name = "Tavrin Corlune for QM2210/20";
   EXPECT_EQ(rig.window->windowTitle().toStdString(), name + "  [*]");
-  rig.AddSteps(1);
+  rig.AddSteps(2);
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Total), "Total time:00:00:02.0");
+  rig.Item("mnuUndo")->trigger();
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Total), "Total time:00:00:01.0");
   EXPECT_TRUE(rig.window->isWindowModified());
   rig.files.save = {rig.folder.File("a[*].dat")};
   rig.Key(Qt::Key_S, Qt::ControlModifier);
@@ -87,6 +90,8 @@ TEST(WindowTitle, NamesTheFileAndMarksChanges) {
   rig.Key(Qt::Key_N, Qt::ControlModifier);
   EXPECT_EQ(rig.session->Sequence().StepCount, 0);
   EXPECT_EQ(rig.window->windowTitle().toStdString(), name + "  [*]");
+  EXPECT_FALSE(rig.Item("mnuUndo")->isEnabled()) << "the history belongs to the sequence that is gone";
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Total), "Total time:00:00:00.0");
 }
 
 // A drop as the desktop delivers it: enter, drop, then the event loop. True when it was accepted.

@@ -38,7 +38,7 @@ class ViewRig : public GraphRig {
     handlers.runButton = [this](int index) { pressed.push_back("button " + std::to_string(index)); };
     handlers.runMenuItem = [this](int item) { pressed.push_back("item " + std::to_string(item)); };
     const auto field = [this](const char* name) {
-      return [this, name](const std::string& text) {
+      return [this, name](const std::string& text, EntryEnd) {
         pressed.push_back(std::string(name) + " " + text);
         return accept;
       };

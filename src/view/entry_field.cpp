@@ -1,12 +1,16 @@
-#include "ui/entry_field.h"
+#include "view/entry_field.h"
+
+#include <utility>
 
 #include <QFocusEvent>
+#include <QGuiApplication>
+#include <QInputMethod>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 
 namespace corlune {
 
-EntryField::EntryField(QWidget* parent) : QLineEdit(parent) {
+EntryField::EntryField(Check check, QWidget* parent) : QLineEdit(parent), check_(std::move(check)) {
   setAlignment(Qt::AlignRight);
   setInputMethodHints(Qt::ImhPreferNumbers);
   // A file dropped here is meant for the window.
@@ -14,17 +18,24 @@ EntryField::EntryField(QWidget* parent) : QLineEdit(parent) {
 }
 
 void EntryField::ShowText(const QString& text) {
-  oldFieldText_ = text;
-  if (this->text() != text) setText(text);
+  const bool another = std::exchange(oldFieldText_, text) != text;
+  if ((another || checking_) && this->text() != text) setText(text);
 }
 
 bool EntryField::Enter(EntryEnd end) {
-  if (checking_ || text() == oldFieldText_) return true;
-  const QScopedValueRollback guard(checking_, true);
+  if (checking_) return false;
+  // What an input method still composes belongs to the text.
+  if (hasFocus()) QGuiApplication::inputMethod()->commit();
+  if (text() == oldFieldText_) return true;
   const QString entered = text();
-  const bool accepted = !check_ || check_(entered.toStdString(), end);
+  bool accepted = false;
+  {
+    const QScopedValueRollback guard(checking_, true);
+    accepted = check_(entered.toStdString(), end);
+  }
   if (!accepted) {
     setText(oldFieldText_);
+    if (end == EntryEnd::Key) setFocus(Qt::OtherFocusReason);
   } else if (text() == entered) {
     oldFieldText_ = entered;
   }
@@ -37,6 +48,7 @@ void EntryField::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
       Enter(EntryEnd::Key);
+      selectAll();
       return;
     case Qt::Key_Escape:
       setText(oldFieldText_);
@@ -48,13 +60,13 @@ void EntryField::keyPressEvent(QKeyEvent* event) {
 }
 
 void EntryField::focusInEvent(QFocusEvent* event) {
-  if (!checking_) oldFieldText_ = text();
   QLineEdit::focusInEvent(event);
+  // The menu bar has taken the selection away.
+  if (event->reason() == Qt::MenuBarFocusReason && text() == oldFieldText_) selectAll();
 }
 
 void EntryField::focusOutEvent(QFocusEvent* event) {
   QLineEdit::focusOutEvent(event);
-  // A menu or another program takes the focus only for a while.
   const Qt::FocusReason reason = event->reason();
   if (reason == Qt::PopupFocusReason || reason == Qt::ActiveWindowFocusReason ||
       reason == Qt::MenuBarFocusReason) {
@@ -64,7 +76,8 @@ void EntryField::focusOutEvent(QFocusEvent* event) {
 }
 
 bool EntryField::focusNextPrevChild(bool next) {
-  return Enter(EntryEnd::Key) ? QLineEdit::focusNextPrevChild(next) : true;
+  // Switching the field off moves the focus on, too.
+  return !isEnabled() || Enter(EntryEnd::Key) ? QLineEdit::focusNextPrevChild(next) : true;
 }
 
 }  // namespace corlune

@@ -1,9 +1,9 @@
-// Colours of the model definition as the toolkit's.
+// The colours of the model definition for the toolkit.
 #pragma once
 
 #include <QColor>
 
-#include "modeldef/param_def.h"
+#include "modeldef/model_definition.h"
 
 namespace corlune {
 
