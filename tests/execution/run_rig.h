@@ -12,7 +12,10 @@ namespace corlune::testing {
 
 struct RunRig : InstrumentRig {
   RunRig() {
-    script.onExchange = [this](const std::string& line) { events.push_back(line); };
+    script.onExchange = [this](const std::string& line) {
+      events.push_back(line);
+      if (onExchange) onExchange(line);
+    };
     state.OperationMode = OperationMode::Execution;
     state.OutputOn = true;
     UseSteps(3);
@@ -62,6 +65,7 @@ struct RunRig : InstrumentRig {
   std::function<bool()> download;
   RunControl control{run, measure, queries, activity, [this] { return !download || download(); }};
   RunMonitor monitor{run, measure, queries, control, activity};
+  std::function<void(const std::string&)> onExchange;
 };
 
 }  // namespace corlune::testing
