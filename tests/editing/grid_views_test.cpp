@@ -132,20 +132,6 @@ TEST(EditorFor, ByColumn) {
   EXPECT_TRUE(EditorFor(rig.editor->Views(), Common(1, kGridStepTime)).None());
 }
 
-TEST(EditorFor, CaptionsFollowTheLanguage) {
-  EditingRig rig(1);
-  const auto captions = [&](const MessageCatalogue& catalogue) {
-    const GridViews views(rig.state, rig.definition, *rig.sequence, catalogue);
-    std::string all;
-    for (const EditorOption& option : EditorFor(views, Channel(0, 1, kColFrequency)).Options) {
-      all += option.Caption + " ";
-    }
-    return all;
-  };
-  EXPECT_EQ(captions(MessageCatalogue(10000)), "CONST KEEP SWEEP ");
-  EXPECT_EQ(captions(MessageCatalogue(0)), "一定 保持 スイープ ");
-}
-
 TEST(CursorMoves, CommonArea) {
   using Key = CursorKey;
   struct Row {

@@ -276,17 +276,6 @@ TEST(BranchEntry, Table) {
   EXPECT_EQ(rig.Enter(Branch(1, 1), "2"), 9105) << "the third step";
 }
 
-TEST(Entries, ChangeModeKeepsTheStartValuesRight) {
-  EditingRig rig(3);
-  rig.Enter(Channel(0, 1, kColFrequency), "500");
-  rig.editor->ChooseOption(Channel(0, 2, kColFrequency), 1);
-  rig.editor->ChooseOption(Channel(0, 3, kColFrequency), 2);
-  EXPECT_EQ(rig.Cell(0, 2, kSlotFrequency).ChangeMode, kModeKeep);
-  EXPECT_EQ(rig.Cell(0, 3, kSlotFrequency).StartValue, 500);
-  rig.Enter(Channel(0, 1, kColFrequency), "700");
-  EXPECT_EQ(rig.Cell(0, 3, kSlotFrequency).StartValue, 700);
-}
-
 TEST(Entries, TimeUnitRescalesEveryStep) {
   ModelDefinition definition = testing::ShippedDefinition();
   ParamDef& time = definition.Common.Params[kColumnStepTime];
