@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 
 namespace corlune {
 

@@ -160,7 +160,7 @@ bool ReadModeLine(const ProfileLine& line, SequenceData& sequence) {
 bool ReadStep(const ProfileLine& line, SequenceData& sequence) {
   const auto slot = KeyIndex(line.Key, 1, MAX_STEPS);
   if (!slot) return false;
-  StepRow& row = sequence.Steps[static_cast<std::size_t>(*slot)];
+  StepRow& row = sequence.Step(*slot);
   return ReadAll(line.Value, row.StepTime, row.TimeUnit, row.AutoHold, row.StopPhaseOn, row.StopPhase,
                  row.EventBranchOn, row.EventBranchStep, row.StateBranchOn, row.StateBranchStep, row.JumpOn,
                  row.JumpTo, row.JumpCountOn, row.JumpCount, row.StepTerm, row.StepCode);
@@ -183,7 +183,7 @@ bool ReadCells(const ProfileLine& line, SequenceData& sequence) {
 bool ReadBranches(const ProfileLine& line, SequenceData& sequence) {
   const auto slot = KeyIndex(line.Key, 1, MAX_STEPS);
   if (!slot) return false;
-  auto& targets = sequence.Steps[static_cast<std::size_t>(*slot)].BranchStep;
+  auto& targets = sequence.Step(*slot).BranchStep;
   return ReadAll(line.Value, targets[0], targets[1], targets[2], targets[3], targets[4]);
 }
 

@@ -33,7 +33,7 @@ constexpr InterfaceKind kTmc = InterfaceKind::UsbTmc;
 
 std::unique_ptr<GpBackendBase> MakeBackend(InterfaceKind kind, CommWorld& world, FakeLibrary& library) {
   if (kind == kNi) return std::make_unique<NiGpibMdl>(world.Services(), library.Ni488());
-  if (kind == kKi) return std::make_unique<KiGpibMdl>(world.Services(), library.Ieee32m());
+  if (kind == kKi) return std::make_unique<Ieee32mMdl>(world.Services(), library.Ieee32m());
   if (kind == kUsb) return std::make_unique<Usb488Mdl>(world.Services(), library.Usb488());
   return std::make_unique<UsbTmcMdl>(world.Services(), library.Visa());
 }
@@ -447,7 +447,7 @@ TEST(FatalPrompt, ShowsErrorBeforeTimeOut) {
   library.Answer("transmit", {.status = 1});     // REN: time-out
   library.Answer("settimeout", {.status = -1});  // error
   for (int i = 0; i < 3; ++i) world.prompts.Answer(PromptAnswer::No);
-  KiGpibMdl backend(world.Services(), library.Ieee32m());
+  Ieee32mMdl backend(world.Services(), library.Ieee32m());
   EXPECT_EQ(backend.GP_Init("LOG_FILE=comm.log,VIEW_ERR_DIALOG=0", true), kTimeOut | kError);
 
   ASSERT_EQ(world.prompts.messages.size(), 3U);

@@ -283,10 +283,10 @@ class BenchRig {
     const LibraryChoice none{true, {}};
     std::array<std::unique_ptr<GpFamily>, 5> backends;
     backends[0] = std::make_unique<NiGpibMdl>(services, Ni488Loader(none, {}));
-    backends[1] = std::make_unique<KiGpibMdl>(services, Ieee32mLoader(none, {}));
+    backends[1] = std::make_unique<Ieee32mMdl>(services, Ieee32mLoader(none, {}));
     backends[2] = std::make_unique<Usb488Mdl>(services, Usb488Loader(none, {}));
     backends[3] = std::move(usbTmc);
-    backends[4] = std::make_unique<DebugMdl>(services, folder.File("responses.ini"));
+    backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
     const bool simulated = !options_.responses.empty();
     auto frontEnd = std::make_unique<GpFrontEnd>(state, std::move(backends), simulated ? nullptr : search);
     if (simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);
