@@ -95,28 +95,19 @@ TEST(EditorFor, ByColumn) {
     const char* editors;  // t text (T when enabled), l list, and the number of options
   };
   const Row rows[] = {
-      {Common(1, 0), "0"},
-      {Common(1, kGridStepTime), "T0"},
-      {Common(1, kGridAutoHold), "l0"},
-      {Common(1, kGridStopPhase), "t2"},
-      {Common(1, kGridEventBranch), "t2"},
-      {Common(1, kGridStateBranch), "t2"},
-      {Common(1, kGridJumpTo), "T2"},
-      {Common(1, kGridJumpCount), "t2"},
-      {Common(1, kGridStepTerm), "l0"},
-      {Common(1, kGridStepCode), "l0"},
-      {Common(1, 10), "0"},
-      {Common(2, kGridStepTime), "0"},
-      {Channel(0, 1, kColWaveform), "l0"},
-      {Channel(0, 1, testing::kColArb), "0"},
-      {Channel(0, 1, kColFrequency), "T3"},
-      {Channel(1, 1, testing::kColRange), "l0"},
-      {Channel(1, 1, 9), "l0"},
-      {Channel(1, 1, 10), "0"},
-      {Channel(2, 1, kColWaveform), "0"},
-      {testing::Branch(1, 5), "T0"},
-      {testing::Branch(1, 6), "0"},
-      {testing::Branch(2, 1), "0"},
+      // clang-format off
+      {Common(1, 0), "0"},                  {Common(1, kGridStepTime), "T0"},
+      {Common(1, kGridAutoHold), "l0"},     {Common(1, kGridStopPhase), "t2"},
+      {Common(1, kGridEventBranch), "t2"},  {Common(1, kGridStateBranch), "t2"},
+      {Common(1, kGridJumpTo), "T2"},       {Common(1, kGridJumpCount), "t2"},
+      {Common(1, kGridStepTerm), "l0"},     {Common(1, kGridStepCode), "l0"},
+      {Common(1, 10), "0"},                 {Common(2, kGridStepTime), "0"},
+      {Channel(0, 1, kColWaveform), "l0"},  {Channel(0, 1, testing::kColArb), "0"},
+      {Channel(0, 1, kColFrequency), "T3"}, {Channel(1, 1, testing::kColRange), "l0"},
+      {Channel(1, 1, 9), "l0"},             {Channel(1, 1, 10), "0"},
+      {Channel(2, 1, kColWaveform), "0"},   {testing::Branch(1, 5), "T0"},
+      {testing::Branch(1, 6), "0"},         {testing::Branch(2, 1), "0"},
+      // clang-format on
   };
   EditingRig rig(1);
   rig.editor->ChooseOption(Common(1, kGridJumpTo), kSwitchOn);
