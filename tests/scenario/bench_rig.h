@@ -97,6 +97,7 @@ struct BenchOptions {
   bool communicationLog = false;  // "comm.log" in the folder
   bool writeSettings = false;     // as the window program does
   std::string responses = {};     // response file: every instrument is simulated
+  bool queriesWait = false;       // 20 ms before the reply is read, so that something can come in between
 };
 
 class BenchRig {
@@ -109,6 +110,10 @@ class BenchRig {
     SetVisaFace(&face);
     std::string definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
     if (options_.communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
+    if (options_.queriesWait) {
+      for (const std::string query : {":CST?,", ":COND?,", ":OUTP2?,"})
+        Replace(definition, query + "0", query + "20");
+    }
     folder.Write("Corlune_Std.ini", definition);
     if (!options_.responses.empty()) folder.Write("responses.ini", options_.responses);
     Restart();

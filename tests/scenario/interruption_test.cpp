@@ -10,7 +10,7 @@ using ::testing::IsEmpty;
 
 // The whole way: download, start, hold, resume, branch, end.
 struct WholeWay : BenchRig {
-  WholeWay() {
+  WholeWay() : BenchRig("QM2220:QM000001", {.queriesWait = true}) {
     Connect();
     UseSteps({0.6, 60, 0.5});
     SequenceData& sequence = session->Sequence();
@@ -26,11 +26,16 @@ struct WholeWay : BenchRig {
     inDownload = false;
     if (!downloaded) return;
     Press(Run::Start);
-    for (int tick = 0; tick < 80; ++tick) {
+    for (; tick < 80 && session->State().RunState != RunState::Stopped; ++tick) {
       if (tick == 2) Press(Run::Hold);
-      if (tick == 9) Press(Run::Branch);
+      if (tick == 9 || tick == 40) Press(Run::Branch);  // a hold in between drops the first one
       Advance(100);
       if (session->State().RunState == RunState::Held) Press(Run::Start);
+    }
+    // A reply belongs to the query right before it: nothing was sent in between.
+    for (std::size_t i = 1; i < recorder.exchanges.size(); ++i) {
+      const bool reply = recorder.exchanges[i].find(" > ") != std::string::npos;
+      EXPECT_EQ(reply, recorder.exchanges[i - 1].find('?') != std::string::npos) << recorder.exchanges[i];
     }
   }
   void ExpectEnded() {
@@ -39,6 +44,7 @@ struct WholeWay : BenchRig {
     EXPECT_EQ(Instrument().Phase(), RunPhase::Idle);
   }
 
+  int tick = 0;
   bool inDownload = false;
   bool downloaded = false;
 };
@@ -192,11 +198,14 @@ TEST(InterruptionOnTheWay, StopInAnyWaitOfTheRunStopsIt) {
     WholeWay way;
     constexpr const char* kStart = "1 < :TRIG1:SEL:EXEC STAR";
     int started = 0;
+    int pressedIn = -1;
     PlayWith(way, wait, [&] {
       started = way.CountSent(kStart);
+      pressedIn = way.tick;
       way.Press(Run::Stop);
     });
     EXPECT_EQ(way.CountSent(kStart), started) << "no start behind a stop";
+    EXPECT_LE(way.tick, pressedIn + 1) << "another tick went by before the stop";
     // A stop in the question leaves the output as it was.
     way.ExpectAtRest(OperationMode::Execution, way.CountSent("1 < :OUTP1 ON;:OUTP2 ON") > 0);
     EXPECT_EQ(way.Instrument().Phase(), RunPhase::Idle);
@@ -212,6 +221,36 @@ TEST(InterruptionOnTheWay, StopInAnyWaitOfTheRunStopsIt) {
     EXPECT_THAT(way.recorder.exchanges.back(), AnyOf("1 > 2", "1 > 1;1"));
   }
   EXPECT_GT(stopped, 4);
+}
+
+// Only the message at the end finds the run stopped, so that it can start anew.
+TEST(InterruptionOnTheWay, AStartIsCarriedOutInTheLastMessageOnly) {
+  const Undisturbed& record = PlayUndisturbed();
+  int starts = 0;
+  for (int wait = record.downloadWaits + 1; wait <= record.waits; ++wait) {
+    SCOPED_TRACE("wait " + std::to_string(wait));
+    WholeWay way;
+    PlayWith(way, wait, [&] { way.Press(Run::Start); });
+    starts += way.CountSent("1 < :TRIG1:SEL:EXEC STAR") - 1;
+    way.prompts.said.clear();
+  }
+  EXPECT_EQ(starts, 1);
+}
+
+// The hold was made at the instrument in the very tick in which the person pressed Stop, or Hold.
+TEST(InterruptionOnTheWay, PressesWhileTheInstrumentHolds) {
+  for (const corlune::Run press : {Run::Stop, Run::Hold}) {
+    WholeWay way;
+    EXPECT_TRUE(way.Download());
+    way.Press(Run::Start);
+    way.prompts.said.clear();
+    way.Instrument().PressHold();
+    way.pump.OnCall(way.pump.Calls() + 3, [&] { way.Press(press); });  // between status query and reply
+    way.Advance(100);
+    EXPECT_EQ(way.session->State().RunState, press == Run::Stop ? RunState::Stopped : RunState::Held);
+    EXPECT_EQ(way.CountSent("1 < :TRIG1:SEL:EXEC STOP"), press == Run::Stop ? 1 : 0) << "a stop is not lost";
+    EXPECT_EQ(way.session->State().PendingRequest, PendingRequest::None) << "a hold has come about";
+  }
 }
 
 TEST(InterruptionOnTheWay, HoldAndBranchInAnyWaitOfTheRun) {

@@ -2,6 +2,7 @@
 #include <random>
 
 #include "scenario/bench_rig.h"
+#include "scenario/exchange_table.h"
 
 namespace corlune::testing {
 namespace {
@@ -47,10 +48,6 @@ struct Bench : BenchRig {
     Press(Run::Start);
     ExpectPrompts({kAsksOutput});
   }
-  static EventList Joined(EventList first, const EventList& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-  }
 
   int count;
 };
@@ -60,9 +57,9 @@ TEST(SeveralInstruments, RunCommandsGoToAllInOrder) {
     SCOPED_TRACE(count);
     Bench rig(count);
     rig.Start();
-    rig.ExpectSent(Bench::Joined(
-        Bench::Joined(rig.ToAll({":OUTP1 ON;:OUTP2 ON", ":SYST:BUSY?"}), rig.ToAll({":TRIG1:SEL:EXEC STAR"})),
-        {"1 < :SOUR1:SEQ:CST?"}));
+    rig.ExpectSent(
+        Joined(Joined(rig.ToAll({":OUTP1 ON;:OUTP2 ON", ":SYST:BUSY?"}), rig.ToAll({":TRIG1:SEL:EXEC STAR"})),
+               {"1 < :SOUR1:SEQ:CST?"}));
     for (int i = 1; i <= count; ++i) EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Running);
 
     rig.Advance(200);
@@ -173,15 +170,15 @@ TEST(SeveralInstruments, OneIsUnplugged) {
   const std::string critical = CommunicationError(2, "critical");
   const Case cases[] = {
       {"stop", press(Run::Stop), stops, {critical}},
-      {"hold", press(Run::Hold), Bench::Joined(lines(":TRIG1:SEL:EXEC HOLD", {1, 2}), stops), {critical}},
+      {"hold", press(Run::Hold), Joined(lines(":TRIG1:SEL:EXEC HOLD", {1, 2}), stops), {critical}},
       // The poll behind it finds the output of the first one off.
-      {"output off", press(Run::OutputOff), Bench::Joined(others, lines(kStop, {1})), {critical, critical}},
+      {"output off", press(Run::OutputOff), Joined(others, lines(kStop, {1})), {critical, critical}},
       {"output trip",
        [](Bench& rig) {
          rig.Instrument(1).SetOutput(1, false);
          rig.Advance(200);
        },
-       Bench::Joined(others, lines(kStop, {1})),
+       Joined(others, lines(kStop, {1})),
        {critical}},
       {"end", [](Bench& rig) { rig.RunToEnd(); }, others, {critical}},
   };

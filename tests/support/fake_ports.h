@@ -53,7 +53,10 @@ class ScriptedPrompts : public Prompts {
     return *this;
   }
   // Runs while the next message is open, before it is answered.
-  void WhileOpen(std::function<void()> action) { whileOpen_ = std::move(action); }
+  ScriptedPrompts& WhileOpen(std::function<void()> action) {
+    whileOpen_ = std::move(action);
+    return *this;
+  }
 
   PromptAnswer Message(const MessageRequest& request) override {
     messages.push_back(request);
@@ -139,14 +142,13 @@ class FakePump : public EventPump {
       if (next == timed_.size()) break;
       auto [at, action] = std::move(timed_[next]);
       timed_.erase(timed_.begin() + static_cast<std::ptrdiff_t>(next));
-      if (!TickReached(clock_.Now(), at)) MoveTo(at);
+      if (!TickReached(clock_.Now(), at)) clock_.Set(at);
       action();
     }
-    if (!TickReached(clock_.Now(), tick)) MoveTo(tick);
+    if (!TickReached(clock_.Now(), tick)) clock_.Set(tick);
   }
 
   int Calls() const { return calls_; }
-  std::uint32_t Slept() const { return slept_; }  // total ms
 
  private:
   void Call() {
@@ -157,14 +159,9 @@ class FakePump : public EventPump {
     for (auto it = range.first; it != range.second; ++it) due.push_back(it->second);
     for (auto& action : due) action();
   }
-  void MoveTo(std::uint32_t tick) {
-    slept_ += tick - clock_.Now();
-    clock_.Set(tick);
-  }
 
   FakeClock& clock_;
   int calls_ = 0;
-  std::uint32_t slept_ = 0;
   std::multimap<int, std::function<void()>> actions_;
   std::function<void()> everyCall_;
   std::vector<std::pair<std::uint32_t, std::function<void()>>> timed_;
