@@ -416,6 +416,18 @@ constexpr CatalogueText kRows[] = {
     {9643, "The file exists already. Overwrite it?\n$1", "ファイルは既に存在します。上書きしますか？\n$1"},
     {9644, "The file could not be read.\n$1", "ファイルを読み込めませんでした。\n$1"},
 
+    // Added texts: start-up.
+    {9770, "$1, line $2, cannot be taken:\n$3", "$1の$2行目が読み込めません：\n$3"},
+    {9771, "$1: $2 is missing.", "$1：$2がありません。"},
+    {9772, "$1 cannot be read.", "$1を読み込めません。"},
+    {9773, "It is kept as $1. The program starts with a new sequence.", "$1として保管しました。新規シーケンスで起動します。"},
+    {9774, "It could not be set aside and stays as it is. The program starts with a new sequence, which is not kept for the next start: save it under a name of its own.", "移動できないため、そのまま残します。新規シーケンスで起動しますが、次回起動用には保存されません。名前を付けて保存してください。"},
+    {8310, "Searching for instruments...", "機器を検索しています..."},
+    {8311, "Connecting to the instrument...", "機器に接続しています..."},
+    {8312, "Checking the model of the instrument $1...", "機器$1の型名を確認しています..."},
+    {8313, "Arbitrary waveforms in the instrument: $1/$2", "機器内の任意波形を確認しています：$1 / $2"},
+    {8314, "Cancel and work off-line", "中止してオフラインで使用"},
+
     // Added texts: instrument and download.
     {9600, "The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"},
     {9780, "The instrument's answer to the error query cannot be read. The download has ended.", "エラー問い合わせに対する機器の応答を読み取れません。ダウンロードを終了しました。"},

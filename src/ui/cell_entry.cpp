@@ -87,7 +87,7 @@ void CellEntry::Say(const EditMessage& message) {
   prompts_.Message(request);
 }
 
-bool CellEntry::Commit() {
+bool CellEntry::Commit(EntryEnd end) {
   if (committing_) return false;
   if (!editors_.IsOpen()) return true;
   // What an input method still composes belongs to the text.
@@ -100,7 +100,7 @@ bool CellEntry::Commit() {
   if (!outcome.Accepted) {
     // The text goes back first: the message box takes the focus, which must not enter it once more.
     editors_.Restore();
-    if (outcome.Message) Say(*outcome.Message);
+    if (outcome.Message && end == EntryEnd::Key) Say(*outcome.Message);
     const auto own = OwnFocus();
     editors_.Focus();
     return false;

@@ -11,6 +11,7 @@
 #include "ui/cell_editors.h"
 #include "ui/grid_keys.h"
 #include "ui/grid_tables.h"
+#include "view/entry_field.h"
 
 namespace corlune {
 
@@ -36,8 +37,9 @@ class CellEntry : public QObject {
   bool HasFocus() const { return editors_.HasFocus(); }
   void Focus() { editors_.Focus(); }
 
-  // Stores what was typed. False: refused, or a message is still open. Pumps events in the message.
-  bool Commit();
+  // Stores what was typed. False: refused, or a message is still open. Pumps events in the message, which
+  // only a key or command shows.
+  bool Commit(EntryEnd end = EntryEnd::Key);
   // Shows the message; no entry is taken while it is open.
   void Say(const EditMessage& message);
   bool MessageOpen() const { return committing_; }

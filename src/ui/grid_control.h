@@ -21,8 +21,9 @@ class GridControl : public QObject {
 
   void Rebuild();
   void Apply(const EditOutcome& outcome);
-  // Stores what was typed. False: refused, or a message is still open. Pumps events in the message.
-  bool Commit() { return entry_.Commit(); }
+  // Stores what was typed. False: refused, or a message is still open. Pumps events in the message, which
+  // only a key or command shows.
+  bool Commit(EntryEnd end = EntryEnd::Key) { return entry_.Commit(end); }
   // Hides the editors without storing.
   void CloseEditors() { entry_.Close(); }
   void AllowEditing(bool on);

@@ -180,7 +180,7 @@ bool IsUnsetSlot(const CompiledSequence& sequence, int slot) {
 }
 
 std::vector<int> NextSlots(const CompiledSequence& sequence, int slot) {
-  const SeqStep& step = sequence.Step(slot);
+  const SeqStep& step = sequence.Steps[static_cast<std::size_t>(slot)];
   std::vector<int> next;
   const auto add = [&](int target) {
     if (target < 0 || target >= kSequenceSlots || IsUnsetSlot(sequence, target)) return;

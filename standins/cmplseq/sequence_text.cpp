@@ -93,7 +93,7 @@ class TextParser {
     }
     for (int slot = 0; slot < kSequenceSlots; ++slot) {
       step_ = slot + 1;
-      if (!Step(slot, out.Step(slot))) return false;
+      if (!Step(slot, out.Steps[static_cast<std::size_t>(slot)])) return false;
     }
     for (int channel = 0; channel < out.Channels; ++channel) {
       auto& cells = out.Cells[static_cast<std::size_t>(channel)];
@@ -288,7 +288,7 @@ std::string WriteSequenceText(const CompiledSequence& sequence) {
   out += WordOf(kTriggers, sequence.Trigger);
   out += "\r\n";
   for (int slot = 0; slot < kSequenceSlots; ++slot) {
-    AppendStep(out, slot, sequence.Step(slot));
+    AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)]);
   }
   for (int channel = 0; channel < sequence.Channels; ++channel) {
     for (int slot = 0; slot < kSequenceSlots; ++slot) {
