@@ -52,6 +52,7 @@ class Grids {
     layout->addWidget(panel);
     ControlConditions conditions;
     conditions.StepCount = steps;
+    conditions.CanUndo = true;
     panel->ShowStates(ControlStatesOf(state, {}, ShippedDefinition(), conditions));
     panel->SetWidths(8415, 10215, 10575);
     window.resize(kWindow);
@@ -105,7 +106,7 @@ void grids_insert_and_undo(benchmark::State& state, bool measureUndo) {
   const Grids grids;
   for (auto _ : state) {
     if (measureUndo) state.PauseTiming();
-    grids.panel->EditCommand(5);
+    grids.panel->Run(Command::InsertRow);
     grids.Paint();
     if (measureUndo) {
       state.ResumeTiming();
@@ -113,7 +114,7 @@ void grids_insert_and_undo(benchmark::State& state, bool measureUndo) {
       state.PauseTiming();
     }
     if (grids.sequence->StepCount != kSteps + 1) Fail("no row was inserted");
-    grids.panel->Undo();
+    grids.panel->Run(Command::Undo);
     grids.Paint();
     if (grids.sequence->StepCount != kSteps) Fail("the row was not taken back");
     if (!measureUndo) state.ResumeTiming();
