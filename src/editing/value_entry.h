@@ -8,12 +8,13 @@
 #include <string_view>
 #include <vector>
 
+#include "core/text_id.h"
 #include "editing/cell_view.h"
 
 namespace corlune {
 
 struct EntryRefusal {
-  int Id = 0;  // catalogue id: 9105, 9108, 9110 or one of this room
+  TextId Id{};  // ValueOutOfRange, InputError, PeakTooHigh or one of this room
   std::vector<std::string> Arguments;
 };
 using EntryResult = std::optional<EntryRefusal>;  // nullopt: accepted

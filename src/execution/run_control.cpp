@@ -12,7 +12,6 @@ namespace {
 
 constexpr const char* kResumeCommand = ":TRIG1:SEL:EXEC RES";
 constexpr std::int32_t kResumeWait = 400;  // ms
-constexpr int kGoOnQuestion = 9700;
 
 Work WorkOf(Run command) {
   switch (command) {
@@ -39,7 +38,7 @@ RunControl::RunControl(RunContext run, Measure& measure, RunQueries& queries, Ac
 
 bool RunControl::AgreeToGoOn() {
   return !run_.state.MayStillRun ||
-         ShowMessage(run_.prompts, run_.catalogue, kGoOnQuestion, PromptIcon::Question,
+         ShowMessage(run_.prompts, run_.catalogue, TextId::GoOnQuestion, PromptIcon::Question,
                      PromptButtons::OkCancel) == PromptAnswer::Ok;
 }
 
@@ -60,7 +59,7 @@ bool RunControl::ChangeMode(OperationMode mode) {
   if (!AgreeToGoOn()) return false;
   if (mode == OperationMode::Execution) {
     if (run_.sequence.StepCount == 0) {
-      ShowMessage(run_.prompts, run_.catalogue, 9204, PromptIcon::Information);
+      ShowMessage(run_.prompts, run_.catalogue, TextId::StepNeeded, PromptIcon::Information);
       return false;
     }
     run_.commands.SelectInstrument(0);
@@ -140,8 +139,8 @@ bool RunControl::FailRun(int instrument) {
 }
 
 bool RunControl::SwitchOutputsForStart() {
-  if (ShowMessage(run_.prompts, run_.catalogue, 9200, PromptIcon::Information, PromptButtons::OkCancel) !=
-          PromptAnswer::Ok ||
+  if (ShowMessage(run_.prompts, run_.catalogue, TextId::StartWithOutputQuestion, PromptIcon::Information,
+                  PromptButtons::OkCancel) != PromptAnswer::Ok ||
       stopWaits_) {
     return false;
   }

@@ -22,8 +22,8 @@ class RunControl {
   RunControl(RunContext run, Measure& measure, RunQueries& queries, Activity& activity,
              std::function<bool()> download, std::function<bool()> reopen = {});
 
-  // Execution: needs a step (else message 9204) and a successful download. Refused while anything is under
-  // way and while a run is going or held. True when the mode was entered. Asks AgreeToGoOn first.
+  // Execution: needs a step (else message StepNeeded) and a successful download. Refused while anything is
+  // under way and while a run is going or held. True when the mode was entered. Asks AgreeToGoOn first.
   bool SetOperationMode(OperationMode mode);
 
   // Carries out a command at once, on every instrument. False when it was refused (another command under
@@ -33,8 +33,8 @@ class RunControl {
   // state.
   bool RunCommand(Run command);
 
-  // While AppState::MayStillRun: asks whether to go on without a stop (9700). True when there is nothing to
-  // ask, or the person agreed.
+  // While AppState::MayStillRun: asks whether to go on without a stop (GoOnQuestion). True when there is
+  // nothing to ask, or the person agreed.
   bool AgreeToGoOn();
 
   // A press on run menu item 0..5 (Run's order).

@@ -10,9 +10,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kUnknownModelMessage = 9004;
-constexpr int kMalformedMessage = 9005;
-
 // A line break or NUL inside a text would come back as another line: such a file must not be written.
 bool HasLineBreak(std::string_view text) {
   return text.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos;
@@ -77,13 +74,13 @@ bool ReadSeqFile(const std::string& path, SequenceFileForm form, const Definitio
       ApplySettings(state, settings);
       return true;
     case SequenceFileProblem::UnknownModel:
-      ShowMessage(prompts, catalogue, kUnknownModelMessage, PromptIcon::Exclamation, PromptButtons::Ok,
+      ShowMessage(prompts, catalogue, TextId::UnknownModel, PromptIcon::Exclamation, PromptButtons::Ok,
                   {result.Model});
       return false;
     case SequenceFileProblem::NoDefinition:
       return false;
     case SequenceFileProblem::Malformed:
-      ShowMessage(prompts, catalogue, kMalformedMessage, PromptIcon::Exclamation);
+      ShowMessage(prompts, catalogue, TextId::MalformedSequenceFile, PromptIcon::Exclamation);
       return false;
   }
   return false;

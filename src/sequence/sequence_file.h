@@ -36,8 +36,8 @@ DefinitionFor OneDefinition(const ModelDefinition& definition);
 
 enum class SequenceFileProblem {
   None,
-  Malformed,     // message 9005: not readable, a section missing, a value that is none, a bad index
-  UnknownModel,  // message 9004
+  Malformed,     // MalformedSequenceFile: not readable, a section missing, a value that is none, a bad index
+  UnknownModel,  // UnknownModel
   NoDefinition,  // the model is known, its definition cannot be loaded; already told
 };
 
@@ -70,9 +70,9 @@ ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const
                                 const ModelDefinition& definition, SequenceData& sequence,
                                 std::string* error = nullptr);
 
-// Loads the file into `sequence` and the set-up fields of `state`. On a problem shows 9004 or 9005
-// (exclamation; pumps events), leaves both as they were and returns false. Does not touch Modified or
-// CurrentFilePath.
+// Loads the file into `sequence` and the set-up fields of `state`. On a problem shows UnknownModel or
+// MalformedSequenceFile (exclamation; pumps events), leaves both as they were and returns false. Does not
+// touch Modified or CurrentFilePath.
 [[nodiscard]] bool ReadSeqFile(const std::string& path, SequenceFileForm form,
                                const DefinitionFor& definitions, AppState& state, SequenceData& sequence,
                                Prompts& prompts, const MessageCatalogue& catalogue);

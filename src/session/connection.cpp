@@ -15,14 +15,16 @@ bool OnGpib(const InstrumentEntry& entry) {
   return entry.InterfaceKind == InterfaceKind::NiGpib || entry.InterfaceKind == InterfaceKind::KiGpib;
 }
 
-// The message that forbids the two instruments beside each other, 0 for none.
-int Conflict(const InstrumentEntry& a, const InstrumentEntry& b) {
+// The message that forbids the two instruments beside each other, nullopt for none.
+std::optional<TextId> Conflict(const InstrumentEntry& a, const InstrumentEntry& b) {
   if (a.InterfaceKind == InterfaceKind::UsbTmc && b.InterfaceKind == InterfaceKind::UsbTmc) {
-    return a.SerialNo == b.SerialNo ? 9309 : 0;
+    if (a.SerialNo == b.SerialNo) return TextId::SameSerialNumber;
+    return std::nullopt;
   }
   const bool bothUsb = a.InterfaceKind == InterfaceKind::Usb488 && b.InterfaceKind == InterfaceKind::Usb488;
-  if (bothUsb || (OnGpib(a) && OnGpib(b))) return a.Address == b.Address ? 9301 : 0;
-  return 0;
+  const bool byAddress = bothUsb || (OnGpib(a) && OnGpib(b));
+  if (byAddress && a.Address == b.Address) return TextId::SameAddress;
+  return std::nullopt;
 }
 
 std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSettings& setup,
@@ -46,8 +48,8 @@ bool Session::OpenConnection() {
     state_.Connected = true;
     return true;
   }
-  ShowMessage(ports_.prompts, catalogue_, 9201, PromptIcon::Exclamation, PromptButtons::Ok,
-              {std::to_string(failed + 1)});
+  ShowMessage(ports_.prompts, catalogue_, TextId::CommunicationError, PromptIcon::Exclamation,
+              PromptButtons::Ok, {std::to_string(failed + 1)});
   state_.Online = 0;
   return false;
 }
@@ -129,9 +131,9 @@ bool Session::CheckModels() {
     bool answered = !Failed(commands_->SendCommand(address, query.Template, query.Wait));
     answered = answered && !Failed(commands_->ReceiveReply(address, reply)) && !reply.empty();
     if (answered && reply.find(state_.ModelName) != std::string::npos) continue;
-    const PromptAnswer answer =
-        ShowMessage(ports_.prompts, catalogue_, answered ? 9003 : 9002, PromptIcon::Question,
-                    PromptButtons::YesNo, {std::to_string(i + 1)});
+    const PromptAnswer answer = ShowMessage(
+        ports_.prompts, catalogue_, answered ? TextId::WrongInstrumentModel : TextId::InstrumentNotFound,
+        PromptIcon::Question, PromptButtons::YesNo, {std::to_string(i + 1)});
     if (answer != PromptAnswer::Yes) end_.EndNow(1);
     state_.MayStillRun = false;
     GoOffline();
@@ -159,19 +161,19 @@ bool Session::SetupChangedSince(const SystemSettings& before) const {
   return false;
 }
 
-int Session::CheckSetup(const SystemSettings& setup) const {
+std::optional<TextId> Session::CheckSetup(const SystemSettings& setup) const {
   const auto count = static_cast<std::size_t>(std::clamp<int>(setup.InstrumentCount, 1, kMaxInstruments));
   const int model = definition_.IndexOfModel(setup.ModelName);
   const auto instruments = WithKinds(setup, definition_.InterfaceOf(model));
   int channels = 0;
   for (std::size_t i = 0; i < count; ++i) channels += instruments[i].ChannelCount;
-  if (channels > kMostChannels) return 9302;
+  if (channels > kMostChannels) return TextId::TooManyChannels;
   for (std::size_t i = 0; i < count; ++i) {
     for (std::size_t j = i + 1; j < count; ++j) {
-      if (const int message = Conflict(instruments[i], instruments[j]); message != 0) return message;
+      if (const auto message = Conflict(instruments[i], instruments[j])) return message;
     }
   }
-  return 0;
+  return std::nullopt;
 }
 
 bool Session::ApplySetup(const SystemSettings& setup) {

@@ -12,8 +12,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kSequenceFilter = 5301;
-
 SequenceFileForm FormOf(const std::string& path) {
   const auto bytes = ReadWholeFile(path);
   return bytes ? DetectForm(DecodeText(*bytes)).value_or(SequenceFileForm::User) : SequenceFileForm::User;
@@ -28,7 +26,8 @@ void Session::ClearSequence() {
 }
 
 void Session::ShowWriteProblem(const std::string& path, const std::string& error) {
-  ShowMessage(ports_.prompts, catalogue_, 9640, PromptIcon::Exclamation, PromptButtons::Ok, {path, error});
+  ShowMessage(ports_.prompts, catalogue_, TextId::CannotWriteFile, PromptIcon::Exclamation, PromptButtons::Ok,
+              {path, error});
 }
 
 bool Session::WriteUserFile(std::string path) {
@@ -36,8 +35,9 @@ bool Session::WriteUserFile(std::string path) {
   if (!HasSequenceFileEnding(path)) {
     // The file dialog asked about the name that was typed, not about this one.
     path += ".dat";
-    if (FileExists(path) && ShowMessage(ports_.prompts, catalogue_, 9643, PromptIcon::Question,
-                                        PromptButtons::YesNo, {path}) != PromptAnswer::Yes) {
+    if (FileExists(path) &&
+        ShowMessage(ports_.prompts, catalogue_, TextId::OverwriteQuestion, PromptIcon::Question,
+                    PromptButtons::YesNo, {path}) != PromptAnswer::Yes) {
       return false;
     }
   }
@@ -67,13 +67,15 @@ bool Session::SaveToCurrentPath() {
 
 bool Session::SaveToChosenPath() {
   if (state_.RunState == RunState::Running || activity_.Commanding()) return false;
-  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
+  const auto path =
+      ports_.files.ChooseSave(catalogue_.GetResString(TextId::SequenceFilter), state_.CurrentFilePath);
   return path && !path->empty() && WriteUserFile(*path);
 }
 
 bool Session::AskToSave() {
   if (!state_.Modified) return true;
-  switch (ShowMessage(ports_.prompts, catalogue_, 9101, PromptIcon::Question, PromptButtons::YesNoCancel)) {
+  switch (ShowMessage(ports_.prompts, catalogue_, TextId::SaveSequenceQuestion, PromptIcon::Question,
+                      PromptButtons::YesNoCancel)) {
     case PromptAnswer::Yes:
       return SaveToCurrentPath();
     case PromptAnswer::No:
@@ -99,7 +101,7 @@ bool Session::OpenWithDialog() {
   const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   if (!AgreeToGoOn() || !AskToSave()) return false;
-  const auto path = ports_.files.ChooseOpen(catalogue_.GetResString(kSequenceFilter));
+  const auto path = ports_.files.ChooseOpen(catalogue_.GetResString(TextId::SequenceFilter));
   return path && LoadUserFile(*path);
 }
 
@@ -112,7 +114,7 @@ bool Session::OpenFile(const std::string& path) {
 
 bool Session::LoadUserFile(const std::string& path) {
   if (path.empty() || !FileExists(path)) {
-    ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
+    ShowMessage(ports_.prompts, catalogue_, TextId::WrongFileName, PromptIcon::Exclamation);
     return false;
   }
   const SystemSettings before = SettingsOf(state_);

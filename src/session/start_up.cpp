@@ -14,8 +14,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kSiblingTitleText = 20000;
-
 // "file: section SPEC QM2220: key CM_STAR: the wait is no number"
 std::string Describe(const std::string& path, const DefinitionProblem& problem) {
   std::string text = path;
@@ -43,7 +41,8 @@ bool Session::LoadDefinitionOf(AppState& state, ModelDefinition& definition, boo
   }
   loadProblem_ = Describe(state.StdIniPath, problem);
   if (showBadValue && !problem.section.empty()) {
-    ShowMessage(ports_.prompts, catalogue_, 9642, PromptIcon::Exclamation, PromptButtons::Ok, {loadProblem_});
+    ShowMessage(ports_.prompts, catalogue_, TextId::BadModelDefinition, PromptIcon::Exclamation,
+                PromptButtons::Ok, {loadProblem_});
   }
   return false;
 }
@@ -64,7 +63,7 @@ bool Session::SettleModel() {
   // The work file says for itself that its model is gone. Without one the first model takes its place, so
   // that a settings file left over from an older definition does not lock the person out.
   if (FileExists(state_.WorkFilePath) || definition_.Models.empty()) return true;
-  ShowMessage(ports_.prompts, catalogue_, 9004, PromptIcon::Exclamation, PromptButtons::Ok,
+  ShowMessage(ports_.prompts, catalogue_, TextId::UnknownModel, PromptIcon::Exclamation, PromptButtons::Ok,
               {state_.ModelName});
   state_.ModelName = definition_.Models[0];
   state_.ModelIndex = 0;
@@ -102,7 +101,7 @@ void Session::SearchAtStartUp(const StartUpChecks& checks) {
   } else if (found == 1) {
     SelectSerial(Gp().Found().front().SerialNo);
   } else {
-    ShowMessage(ports_.prompts, catalogue_, 9310, PromptIcon::Information);
+    ShowMessage(ports_.prompts, catalogue_, TextId::SelectSerialNumber, PromptIcon::Information);
     if (!checks.selectInstrument || !checks.selectInstrument()) state_.Online = 0;
   }
 }
@@ -141,8 +140,9 @@ StartUpResult Session::StartUp(const StartUpChecks& checks) {
   state_.StartupDone = false;
   if (checks.otherInstance && checks.otherInstance()) return StartUpResult::ActivateOther;
   state_.Connected = false;
-  if (checks.siblingRunning && checks.siblingRunning(MessageCatalogue::GetFixedString(kSiblingTitleText))) {
-    ShowMessage(ports_.prompts, catalogue_, 9401, PromptIcon::Exclamation);
+  if (checks.siblingRunning &&
+      checks.siblingRunning(MessageCatalogue::GetFixedString(FixedText::SiblingTitle))) {
+    ShowMessage(ports_.prompts, catalogue_, TextId::SiblingRunning, PromptIcon::Exclamation);
     return StartUpResult::EndProcess;
   }
   ResetChannelTables(sequence_, state_.Online == 1);
@@ -171,7 +171,8 @@ bool Session::StartUpFromFile(const std::string& path) {
   anyModel_ = false;
   const auto bytes = ReadWholeFile(path);
   if (!bytes) {
-    ShowMessage(ports_.prompts, catalogue_, 9644, PromptIcon::Exclamation, PromptButtons::Ok, {path});
+    ShowMessage(ports_.prompts, catalogue_, TextId::CannotReadFile, PromptIcon::Exclamation,
+                PromptButtons::Ok, {path});
     return false;
   }
   // Without a name only the list of models is loaded; the file's own follows when its name is known.
@@ -193,8 +194,8 @@ bool Session::StartUpFromFile(const std::string& path) {
   if (result.Problem == SequenceFileProblem::NoDefinition) return false;
   if (result.Problem != SequenceFileProblem::None) {
     const bool unknown = result.Problem == SequenceFileProblem::UnknownModel;
-    ShowMessage(ports_.prompts, catalogue_, unknown ? 9004 : 9005, PromptIcon::Exclamation, PromptButtons::Ok,
-                {result.Model});
+    ShowMessage(ports_.prompts, catalogue_, unknown ? TextId::UnknownModel : TextId::MalformedSequenceFile,
+                PromptIcon::Exclamation, PromptButtons::Ok, {result.Model});
     loadProblem_ = path + ": " + (unknown ? "unknown model " + result.Model : result.Detail);
     return false;
   }

@@ -6,18 +6,11 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdFirstEditItem = 7101;
-constexpr int kIdCopyText = 7702;
-constexpr int kIdPasteText = 7703;
-constexpr int kIdDuplicate = 7704;
-constexpr int kIdFillDown = 7705;
-constexpr int kIdImport = 8201;
-constexpr int kIdExport = 8202;
 constexpr int kEditItems = 9;
 
 QString Caption(const SequenceEditor& editor, GridCommand command) {
   const MessageCatalogue& catalogue = editor.Views().Catalogue();
-  const auto text = [&](int id) { return QString::fromStdString(catalogue.GetResString(id)); };
+  const auto text = [&](TextId id) { return QString::fromStdString(catalogue.GetResString(id)); };
   // What was undone can hold any character, so an ampersand would be taken for a mnemonic.
   const auto plain = [](const std::string& caption) {
     return QString::fromStdString(caption).replace(QLatin1Char('&'), QLatin1String("&&"));
@@ -28,15 +21,15 @@ QString Caption(const SequenceEditor& editor, GridCommand command) {
     case GridCommand::Redo:
       return plain(editor.RedoText());
     case GridCommand::CopyText:
-      return text(kIdCopyText);
+      return text(TextId::CopyAsText);
     case GridCommand::PasteText:
-      return text(kIdPasteText);
+      return text(TextId::EditPasteText);
     case GridCommand::DuplicateRows:
-      return text(kIdDuplicate);
+      return text(TextId::EditDuplicateRows);
     case GridCommand::FillDown:
-      return text(kIdFillDown);
+      return text(TextId::EditFillDown);
     default:
-      return text(kIdFirstEditItem + static_cast<int>(command));
+      return text(Next(TextId::MenuCopy, static_cast<int>(command)));
   }
 }
 
@@ -108,7 +101,7 @@ void FillGridMenu(QMenu& menu, const SequenceEditor& editor, const ControlStates
     if (!shortcut.isEmpty()) caption += QLatin1Char('\t') + shortcut;
     menu.addAction(caption, &menu, [run = actions.run, command] { run(command); })->setEnabled(state.Enabled);
   };
-  const auto addFile = [&](int id, const ControlState& state, const std::function<void()>& action) {
+  const auto addFile = [&](TextId id, const ControlState& state, const std::function<void()>& action) {
     if (!state.Visible) return;
     const QString caption = QString::fromStdString(editor.Views().Catalogue().GetResString(id));
     menu.addAction(caption, &menu, action)->setEnabled(state.Enabled);
@@ -130,8 +123,8 @@ void FillGridMenu(QMenu& menu, const SequenceEditor& editor, const ControlStates
   add(GridCommand::DuplicateRows);
   add(GridCommand::FillDown);
   menu.addSeparator();
-  addFile(kIdImport, states.ImportCsv, actions.importCsv);
-  addFile(kIdExport, states.ExportCsv, actions.exportCsv);
+  addFile(TextId::MenuImportCsv, states.ImportCsv, actions.importCsv);
+  addFile(TextId::MenuExportCsv, states.ExportCsv, actions.exportCsv);
 }
 
 }  // namespace corlune

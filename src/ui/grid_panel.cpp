@@ -27,16 +27,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdInsert = 1100;
-constexpr int kIdDelete = 1101;
-constexpr int kIdBranchStepLabel = 1200;
-constexpr int kIdStepNumberLabel = 1201;
-constexpr int kIdAddRow = 7105;
-constexpr int kIdRowUp = 7714;
-constexpr int kIdRowDown = 7715;
-constexpr int kIdWriteProblem = 9640;
-constexpr int kIdReadProblem = 9644;
-
 constexpr int kSpacing = 4;        // pixels between the controls
 constexpr int kRowAddBelow = 550;  // twips from the top of the last step row to CmdRowAdd
 constexpr int kRowAddRows = 12;    // from this number of rows on CmdRowAdd stays where it is
@@ -61,8 +51,10 @@ class GridPanel::Impl {
   void SyncScroll(GridTable* from, int value);
   void ShowSameRows(int tab);
   void LimitWidths();
-  void ShowFileProblem(int id, const std::string& path, const std::string& reason);
-  QString Text(int id) const { return QString::fromStdString(editor_.Views().Catalogue().GetResString(id)); }
+  void ShowFileProblem(TextId id, const std::string& path, const std::string& reason);
+  QString Text(TextId id) const {
+    return QString::fromStdString(editor_.Views().Catalogue().GetResString(id));
+  }
 
   GridPanel& panel_;
   SequenceEditor& editor_;
@@ -157,7 +149,7 @@ QPushButton* GridPanel::Impl::MakeButton(const char* name, const QString& captio
 
 void GridPanel::Impl::BuildSide(QWidget& side) {
   const bool english = editor_.Views().Catalogue().English();
-  QString addRow = Text(kIdAddRow);
+  QString addRow = Text(TextId::MenuAddRow);
   addRow.truncate(addRow.indexOf(QLatin1Char('(')));
   rowAdd_ = MakeButton("CmdRowAdd", QStringLiteral("+"), GridCommand::AddRow);
   rowAdd_->setParent(rowAddStrip_);
@@ -165,21 +157,21 @@ void GridPanel::Impl::BuildSide(QWidget& side) {
   rowAdd_->setAccessibleName(addRow);
   QObject::connect(rowAdd_, &QPushButton::pressed, &panel_, [this] { ColorRowAdd(); });
   QObject::connect(rowAdd_, &QPushButton::released, &panel_, [this] { ColorRowAdd(); });
-  insert_ = MakeButton("CmdInsert", Text(kIdInsert), GridCommand::InsertRow);
-  delete_ = MakeButton("CmdDelete", Text(kIdDelete), GridCommand::DeleteRow);
+  insert_ = MakeButton("CmdInsert", Text(TextId::ButtonInsertRow), GridCommand::InsertRow);
+  delete_ = MakeButton("CmdDelete", Text(TextId::ButtonDeleteRow), GridCommand::DeleteRow);
   up_ = MakeButton("CmdUp", english ? QStringLiteral("Up") : QStringLiteral("△"), GridCommand::RowUp);
   down_ = MakeButton("CmdDown", english ? QStringLiteral("Dn") : QStringLiteral("▽"), GridCommand::RowDown);
-  up_->setToolTip(Text(kIdRowUp));
-  up_->setAccessibleName(Text(kIdRowUp));
-  down_->setToolTip(Text(kIdRowDown));
-  down_->setAccessibleName(Text(kIdRowDown));
+  up_->setToolTip(Text(TextId::EditRowUp));
+  up_->setAccessibleName(Text(TextId::EditRowUp));
+  down_->setToolTip(Text(TextId::EditRowDown));
+  down_->setAccessibleName(Text(TextId::EditRowDown));
 
   branchFrame_ = new QGroupBox;
   branchFrame_->setObjectName(QStringLiteral("FrmBranch"));
-  branchFrame_->setAccessibleName(Text(kIdBranchStepLabel).simplified());
-  auto* branchLabel = new QLabel(Text(kIdBranchStepLabel));
+  branchFrame_->setAccessibleName(Text(TextId::BranchGridTitle).simplified());
+  auto* branchLabel = new QLabel(Text(TextId::BranchGridTitle));
   branchLabel->setObjectName(QStringLiteral("LabBranchStep"));
-  auto* stepLabel = new QLabel(Text(kIdStepNumberLabel));
+  auto* stepLabel = new QLabel(Text(TextId::BranchGridStepNumber));
   stepLabel->setObjectName(QStringLiteral("LabStepNo"));
   for (QLabel* label : {branchLabel, stepLabel}) {
     label->setWordWrap(true);
@@ -259,7 +251,7 @@ void GridPanel::Impl::Refresh() {
   branchFrame_->setVisible(editor_.Views().BranchVisible());
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1], tables_.Branch}) {
     const GridModel& model = table->Model();
-    QString name = model.Area() == GridArea::Branch ? Text(kIdBranchStepLabel).simplified() : QString();
+    QString name = model.Area() == GridArea::Branch ? Text(TextId::BranchGridTitle).simplified() : QString();
     if (model.Area() == GridArea::Sequence) name = tables_.Tabs->tabText(model.Channel());
     if (model.Area() == GridArea::Common) name = model.headerData(0, Qt::Horizontal).toString();
     table->setAccessibleName(name);
@@ -362,7 +354,7 @@ void GridPanel::Impl::ShowMenu(const QPoint& global) {
   menu.exec(global);
 }
 
-void GridPanel::Impl::ShowFileProblem(int id, const std::string& path, const std::string& reason) {
+void GridPanel::Impl::ShowFileProblem(TextId id, const std::string& path, const std::string& reason) {
   ShowMessage(prompts_, editor_.Views().Catalogue(), id, PromptIcon::Exclamation, PromptButtons::Ok,
               {path, reason});
 }
@@ -481,7 +473,7 @@ void GridPanel::ImportCsv(const std::string& path) {
   if (!impl_->control_->Commit()) return;
   const std::optional<std::string> bytes = ReadWholeFile(path);
   if (!bytes) {
-    impl_->ShowFileProblem(kIdReadProblem, path, {});
+    impl_->ShowFileProblem(TextId::CannotReadFile, path, {});
     return;
   }
   impl_->control_->CloseEditors();
@@ -492,7 +484,7 @@ void GridPanel::ExportCsv(const std::string& path) {
   if (!impl_->control_->Commit()) return;
   std::string error;
   if (!ReplaceFile(path, impl_->editor_.ExportCsv(), &error)) {
-    impl_->ShowFileProblem(kIdWriteProblem, path, error);
+    impl_->ShowFileProblem(TextId::CannotWriteFile, path, error);
   }
 }
 

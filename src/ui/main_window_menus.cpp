@@ -18,16 +18,16 @@ namespace {
 // Menus in Menu order: name and number of items. Item n has the caption behind the menu's.
 struct MenuRow {
   const char* name;
-  int captionId;
+  TextId captionId;
   int items;
 };
-constexpr std::array<MenuRow, kMenuCount> kMenus{{{"mnuFile", 7000, 5},
-                                                  {"mnuEdit", 7100, 9},
-                                                  {"mnuView", 7200, 3},
-                                                  {"mnuMode", 7300, 2},
-                                                  {"mnuRun", 7400, 6},
-                                                  {"mnuTools", 7500, 5},
-                                                  {"mnuHelp", 7600, 1}}};
+constexpr std::array<MenuRow, kMenuCount> kMenus{{{"mnuFile", TextId::MenuFile, 5},
+                                                  {"mnuEdit", TextId::MenuEdit, 9},
+                                                  {"mnuView", TextId::MenuView, 3},
+                                                  {"mnuMode", TextId::MenuMode, 2},
+                                                  {"mnuRun", TextId::MenuRun, 6},
+                                                  {"mnuTools", TextId::MenuTool, 5},
+                                                  {"mnuHelp", TextId::MenuHelp, 1}}};
 
 constexpr int kSaveAsItem = 3;
 constexpr int kExitItem = 4;
@@ -60,7 +60,7 @@ void MainWindow::AddItems(Menu menu, const std::function<void(int)>& handler) {
   const MenuRow& row = kMenus[index];
   QMenu* popup = menus_[index];
   for (int i = 0; i < row.items; ++i) {
-    QAction* action = popup->addAction(Caption(row.captionId + 1 + i));
+    QAction* action = popup->addAction(Caption(Next(row.captionId, 1 + i)));
     action->setObjectName(QStringLiteral("%1Item_%2").arg(QString::fromUtf8(row.name)).arg(i));
     connect(action, &QAction::triggered, this, [handler, i] { handler(i); });
     items_[index].push_back(action);
@@ -94,17 +94,17 @@ void MainWindow::BuildMenus() {
 void MainWindow::AddFileExtras() {
   QMenu* file = menus_[static_cast<std::size_t>(Menu::File)];
   QAction* exit = ItemAction(Menu::File, kExitItem);
-  const auto insert = [&](int captionId, const char* name, void (MainWindow::*handler)()) {
+  const auto insert = [&](TextId captionId, const char* name, void (MainWindow::*handler)()) {
     auto* action = new QAction(Caption(captionId), this);
     action->setObjectName(QString::fromUtf8(name));
     connect(action, &QAction::triggered, this, handler);
     file->insertAction(exit, action);
     return action;
   };
-  importCsv_ = insert(8201, "mnuImportCsv", &MainWindow::ImportCsv);
-  exportCsv_ = insert(8202, "mnuExportCsv", &MainWindow::ExportCsv);
+  importCsv_ = insert(TextId::MenuImportCsv, "mnuImportCsv", &MainWindow::ImportCsv);
+  exportCsv_ = insert(TextId::MenuExportCsv, "mnuExportCsv", &MainWindow::ExportCsv);
   file->insertSeparator(exit);
-  recentMenu_ = new QMenu(Caption(8200), this);
+  recentMenu_ = new QMenu(Caption(TextId::MenuRecentFiles), this);
   recentMenu_->setObjectName(QStringLiteral("mnuRecent"));
   file->insertMenu(exit, recentMenu_);
   file->insertSeparator(exit);
@@ -124,7 +124,7 @@ void MainWindow::BuildEditMenu() {
 
 void MainWindow::AddHelpExtras() {
   QMenu* help = menus_[static_cast<std::size_t>(Menu::Help)];
-  commLog_ = help->addAction(Caption(8204), this, &MainWindow::ShowCommLog);
+  commLog_ = help->addAction(Caption(TextId::MenuCommLog), this, &MainWindow::ShowCommLog);
   commLog_->setObjectName(QStringLiteral("mnuCommLog"));
   // The menu is told anew whenever it opens: a log is switched by the model definition.
   connect(help, &QMenu::aboutToShow, this, [this] { commLog_->setVisible(!CommLogPath().empty()); });
@@ -144,8 +144,8 @@ void MainWindow::ShowMenuStates() {
   }
   for (QAction* tool : items_[static_cast<std::size_t>(Menu::Tool)]) {
     tool->setEnabled(false);
-    tool->setToolTip(Caption(8205));
-    tool->setStatusTip(Caption(8205));
+    tool->setToolTip(Caption(TextId::NotInThisVersion));
+    tool->setStatusTip(Caption(TextId::NotInThisVersion));
   }
   runMenu_->ShowStates(states_, session_.State());
   undo_->setText(QString::fromStdString(editor_.UndoText()));

@@ -31,17 +31,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdTitle = 2000;
-constexpr int kIdTotal = 1405;
-constexpr int kIdElapsed = 1406;
-constexpr int kIdDisplayMenu = 8250;
-constexpr int kIdZoomIn = 8251;
-constexpr int kIdZoomOut = 8252;
-constexpr int kIdShowAll = 8253;
-constexpr int kIdAreaSettings = 8254;
-constexpr int kIdGraphs = 8264;
-constexpr int kIdAllOff = 8265;
-
 constexpr int kMargin = 8;  // pixels
 constexpr QSize kNormalSize{960, 660};
 
@@ -58,7 +47,7 @@ class FrmPreview::Impl {
         catalogue(messages),
         handlers(std::move(previewHandlers)) {}
 
-  QString Text(int id) const { return QString::fromStdString(catalogue.GetResString(id)); }
+  QString Text(TextId id) const { return QString::fromStdString(catalogue.GetResString(id)); }
 
   void BuildMenus();
   QWidget* BuildContent();
@@ -97,9 +86,9 @@ void FrmPreview::Impl::BuildMenus() {
       },
       form.menuBar());
   form.menuBar()->addMenu(runMenu);
-  QMenu* display = form.menuBar()->addMenu(Text(kIdDisplayMenu));
+  QMenu* display = form.menuBar()->addMenu(Text(TextId::MenuDisplay));
   display->setObjectName(QStringLiteral("mnuDisplay"));
-  const auto add = [&](int id, const char* name, const QList<QKeySequence>& keys, auto handler) {
+  const auto add = [&](TextId id, const char* name, const QList<QKeySequence>& keys, auto handler) {
     QAction* action = display->addAction(Text(id));
     action->setObjectName(QString::fromUtf8(name));
     action->setShortcuts(keys);
@@ -107,12 +96,16 @@ void FrmPreview::Impl::BuildMenus() {
     return action;
   };
   // "+" is a shifted "=" on many keyboards.
-  add(kIdZoomIn, "mnuZoomIn", {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
+  add(TextId::MenuZoomIn, "mnuZoomIn",
+      {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
       [this] { canvas->ZoomIn(); });
-  add(kIdZoomOut, "mnuZoomOut", {QKeySequence(Qt::CTRL | Qt::Key_Minus)}, [this] { canvas->ZoomOut(); });
-  add(kIdShowAll, "mnuShowAll", {QKeySequence(Qt::CTRL | Qt::Key_0)}, [this] { canvas->ShowAll(); });
+  add(TextId::MenuZoomOut, "mnuZoomOut", {QKeySequence(Qt::CTRL | Qt::Key_Minus)},
+      [this] { canvas->ZoomOut(); });
+  add(TextId::MenuWholeSequence, "mnuShowAll", {QKeySequence(Qt::CTRL | Qt::Key_0)},
+      [this] { canvas->ShowAll(); });
   display->addSeparator();
-  QAction* areas = add(kIdAreaSettings, "mnuAreaSettings", {}, [this](bool on) { settings->setVisible(on); });
+  QAction* areas =
+      add(TextId::MenuAreaSettings, "mnuAreaSettings", {}, [this](bool on) { settings->setVisible(on); });
   areas->setCheckable(true);
   areas->setChecked(true);
 }
@@ -151,7 +144,7 @@ QWidget* FrmPreview::Impl::BuildContent() {
       },
       content);
   canvas->setObjectName(QStringLiteral("PicView"));
-  canvas->setAccessibleName(Text(kIdGraphs));
+  canvas->setAccessibleName(Text(TextId::GraphsName));
   rows->addWidget(buttons);
   rows->addWidget(fields);
   rows->addWidget(settings);
@@ -162,14 +155,14 @@ QWidget* FrmPreview::Impl::BuildContent() {
 void FrmPreview::Impl::BuildStatusBar() {
   QStatusBar* bar = form.statusBar();
   bar->setObjectName(QStringLiteral("StatBar1"));
-  const auto add = [&](const char* name, int captionId) {
+  const auto add = [&](const char* name, TextId captionId) {
     auto* panel = new TimePanel(catalogue, captionId, bar);
     panel->setObjectName(QString::fromUtf8(name));
     bar->addWidget(panel);
     return panel;
   };
-  total = add("PanelTotal", kIdTotal);
-  elapsed = add("PanelElapsed", kIdElapsed);
+  total = add("PanelTotal", TextId::TotalTime);
+  elapsed = add("PanelElapsed", TextId::ElapsedTime);
   warning = new WarningLine(catalogue, bar);
   bar->addWidget(warning, 1);
 }
@@ -180,7 +173,9 @@ void FrmPreview::Impl::Draw() {
   const StepLength length =
       state.OperationMode == OperationMode::Execution ? StepLength::RunTime : StepLength::Entered;
   GraphPicture picture = BuildGraphPicture(sequence, definition, catalogue, {channels, axis, length});
-  if (picture.Note.empty() && picture.Areas.empty()) picture.Note = catalogue.GetResString(kIdAllOff);
+  if (picture.Note.empty() && picture.Areas.empty()) {
+    picture.Note = catalogue.GetResString(TextId::GraphAllAreasOff);
+  }
   canvas->ShowPicture(std::move(picture));
   settings->ShowAreas(definition, AreasInEffect(sequence, definition, channels), axis);
 }
@@ -197,7 +192,7 @@ FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const
     : QMainWindow(parent),
       impl_(std::make_unique<Impl>(*this, state, definition, sequence, catalogue, std::move(handlers))) {
   setObjectName(QStringLiteral("FrmPreview"));
-  setWindowTitle(impl_->Text(kIdTitle));
+  setWindowTitle(impl_->Text(TextId::ViewTitle));
   setContextMenuPolicy(Qt::NoContextMenu);
   impl_->BuildMenus();
   setCentralWidget(impl_->BuildContent());

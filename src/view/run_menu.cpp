@@ -6,7 +6,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdMenu = 7400;  // item n: the caption behind
 constexpr std::size_t kOutputOnItem = 4;
 constexpr std::size_t kOutputOffItem = 5;
 constexpr std::array<const char*, 6> kShortcuts{"F5", "Shift+F5", "F6", "F7", "", ""};
@@ -14,12 +13,12 @@ constexpr std::array<const char*, 6> kShortcuts{"F5", "Shift+F5", "F6", "F7", ""
 }  // namespace
 
 RunMenu::RunMenu(const MessageCatalogue& catalogue, const std::function<void(int)>& chosen, QWidget* parent)
-    : QMenu(QString::fromStdString(catalogue.GetResString(kIdMenu)), parent) {
+    : QMenu(QString::fromStdString(catalogue.GetResString(TextId::MenuRun)), parent) {
   setObjectName(QStringLiteral("mnuRun"));
   setToolTipsVisible(true);
   for (std::size_t i = 0; i < items_.size(); ++i) {
     const int index = static_cast<int>(i);
-    items_[i] = addAction(QString::fromStdString(catalogue.GetResString(kIdMenu + 1 + index)));
+    items_[i] = addAction(QString::fromStdString(catalogue.GetResString(Next(TextId::MenuRun, 1 + index))));
     items_[i]->setObjectName(QStringLiteral("mnuRunItem_%1").arg(i));
     items_[i]->setShortcut(QKeySequence(QString::fromUtf8(kShortcuts[i])));
     connect(items_[i], &QAction::triggered, this, [chosen, index] { chosen(index); });

@@ -97,7 +97,8 @@ TEST_P(ExampleTest, HasItsWaveforms) {
   for (const ArbFileEntry& entry : sequence.Channels.ArbFiles) {
     if (entry.FilePath.empty()) continue;
     const WaveformRead read = ReadArbFile(ResolveWaveformPath(entry.FilePath, state));
-    EXPECT_EQ(read.problem, WaveformProblem::None) << entry.FilePath << ": " << read.reason.text;
+    EXPECT_EQ(read.problem, WaveformProblem::None)
+        << entry.FilePath << ": " << ReasonText(read.reason, MessageCatalogue(10000));
   }
 }
 

@@ -130,7 +130,7 @@ struct WindowRig {
     session->Monitor().Tick();
     Settle();
   }
-  std::string Text(int id) const { return session->Catalogue().GetResString(id); }
+  std::string Text(int id) const { return session->Catalogue().GetResString(TextId{id}); }
   std::vector<std::string> Messages() {
     std::vector<std::string> texts;
     for (const MessageRequest& message : prompts.messages) texts.push_back(message.text);
