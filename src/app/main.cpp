@@ -1,5 +1,4 @@
 // corlune: the window program. Options are described in the user guide.
-#include <CLI/CLI.hpp>
 #include <cstdlib>
 #include <iostream>
 #include <string>
@@ -17,7 +16,6 @@ namespace corlune {
 namespace {
 
 constexpr int kExitFailed = 1;
-constexpr int kExitOptions = 2;
 
 // The toolkit ends a program without a display by a crash; a plain sentence serves better.
 bool HasDisplay() {
@@ -33,16 +31,9 @@ bool HasDisplay() {
 }
 
 int Main(int argc, char** argv) {
-  CLI::App app("Corlune: edits, downloads and runs step sequences", "corlune");
   ProgramOptions options;
-  AddProgramOptions(app, options);
   std::string file;
-  app.add_option("file", file, "Sequence file to open")->type_name("FILE");
-  try {
-    app.parse(argc, argv);
-  } catch (const CLI::ParseError& error) {
-    return app.exit(error, std::cout, std::cerr) == 0 ? 0 : kExitOptions;
-  }
+  if (const auto exitCode = ParseWindowOptions(argc, argv, options, file)) return *exitCode;
   ResolveProgramOptions(options, ProgramFolder());
   if (!HasDisplay()) {
     std::cerr << "corlune: no display; corlune-cli works without one" << std::endl;

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileDialog>
@@ -57,6 +58,20 @@ QMessageBox::StandardButtons BoxButtons(PromptButtons buttons) {
   return QMessageBox::Ok;
 }
 
+QMessageBox::StandardButton BoxButton(PromptAnswer answer) {
+  switch (answer) {
+    case PromptAnswer::Ok:
+      return QMessageBox::Ok;
+    case PromptAnswer::Cancel:
+      return QMessageBox::Cancel;
+    case PromptAnswer::Yes:
+      return QMessageBox::Yes;
+    case PromptAnswer::No:
+      return QMessageBox::No;
+  }
+  return QMessageBox::NoButton;
+}
+
 }  // namespace
 
 QWidget* DialogOwner::Get() const {
@@ -64,7 +79,16 @@ QWidget* DialogOwner::Get() const {
   return window_;
 }
 
+void QtPrompts::StopAsking() {
+  asking_ = false;
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    auto* dialog = qobject_cast<QDialog*>(widget);
+    if (dialog && dialog->isModal()) dialog->reject();
+  }
+}
+
 PromptAnswer QtPrompts::Message(const MessageRequest& request) {
+  if (!asking_) return request.Unanswered();
   // On the heap: its owner may be gone when it is answered.
   QPointer<QMessageBox> box = new QMessageBox(BoxIcon(request.icon), Caption(request.caption),
                                               Text(request.text), BoxButtons(request.buttons), owner_.Get());
@@ -79,29 +103,19 @@ PromptAnswer QtPrompts::Message(const MessageRequest& request) {
       if (auto* button = box->button(word.button)) button->setText(QString::fromUtf8(word.text));
     }
   }
+  box->setEscapeButton(BoxButton(request.Unanswered()));
+  if (request.escape) box->setDefaultButton(BoxButton(*request.escape));
   const int pressed = box->exec();
   delete box;
-  switch (pressed) {
-    case QMessageBox::Ok:
-      return PromptAnswer::Ok;
-    case QMessageBox::Yes:
-      return PromptAnswer::Yes;
-    case QMessageBox::No:
-      return PromptAnswer::No;
-    default:
-      break;
+  for (const PromptAnswer answer :
+       {PromptAnswer::Ok, PromptAnswer::Cancel, PromptAnswer::Yes, PromptAnswer::No}) {
+    if (pressed == BoxButton(answer)) return answer;
   }
-  switch (request.buttons) {
-    case PromptButtons::Ok:
-      return PromptAnswer::Ok;
-    case PromptButtons::YesNo:
-      return PromptAnswer::No;
-    default:
-      return PromptAnswer::Cancel;
-  }
+  return request.Unanswered();
 }
 
 std::optional<std::string> QtPrompts::Input(const InputRequest& request) {
+  if (!asking_) return std::nullopt;
   QPointer<QInputDialog> dialog = new QInputDialog(owner_.Get());
   dialog->setWindowTitle(Caption(request.caption));
   dialog->setLabelText(Text(request.prompt));
@@ -131,6 +145,8 @@ void QtEventPump::SleepUntil(std::uint32_t tick) {
 
 QtTickSource::QtTickSource() {
   timer_.setInterval(100);
+  // The monitor counts its polls from the moment the timer was switched on.
+  timer_.setTimerType(Qt::PreciseTimer);
 }
 
 void QtTickSource::OnTick(std::function<void()> handler) {

@@ -35,10 +35,13 @@ class QtPrompts : public Prompts {
   QtPrompts(const DialogOwner& owner, bool english) : owner_(owner), english_(english) {}
   PromptAnswer Message(const MessageRequest& request) override;
   std::optional<std::string> Input(const InputRequest& request) override;
+  // Nobody is asked any more: what is open and what would come counts as unanswered.
+  void StopAsking();
 
  private:
   const DialogOwner& owner_;
   bool english_;
+  bool asking_ = true;
 };
 
 // Waits inside the event loop; the processor sleeps meanwhile.

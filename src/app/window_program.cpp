@@ -17,6 +17,7 @@ namespace corlune {
 namespace {
 // Where the system has no descriptor to wait for, messages of other starts are looked for this often.
 constexpr int kLookInterval = 500;  // ms
+constexpr int kEndInterval = 50;    // ms between two attempts to end
 }  // namespace
 
 WindowProgram::WindowProgram(const ProgramOptions& options, bool english, std::string file)
@@ -40,6 +41,8 @@ WindowProgram::WindowProgram(const ProgramOptions& options, bool english, std::s
   });
   files_.SetPresentFile([this] { return session_->State().CurrentFilePath; });
   QApplication::setFont(UiFont(session_->State()));
+  ListenToEndRequests();
+  ListenToDesktopSession();
 }
 
 WindowProgram::~WindowProgram() {
@@ -84,13 +87,6 @@ void WindowProgram::ShowWindow() {
   progress_.SetOwner(window_.get());
   // The last window of the start may have been a message: only the main window ends the program.
   QObject::connect(window_.get(), &MainWindow::Closed, qApp, [] { QApplication::exit(0); });
-  QObject::connect(
-      qApp, &QGuiApplication::commitDataRequest, window_.get(),
-      [this](QSessionManager& manager) {
-        if (!window_->EndOfDesktopSession(manager.allowsInteraction())) manager.cancel();
-        manager.release();
-      },
-      Qt::DirectConnection);
   window_->ShowAtPlace();
   ListenToOtherStarts();
   if (!file_.empty()) {
@@ -110,6 +106,42 @@ void WindowProgram::ListenToOtherStarts() {
     QObject::connect(otherStartsTimer_.get(), &QTimer::timeout, window_.get(), [this] { TakeMessages(); });
     otherStartsTimer_->start(kLookInterval);
   }
+}
+
+void WindowProgram::ListenToEndRequests() {
+  if (endRequests_.Fd() >= 0) {
+    endNotifier_ = std::make_unique<QSocketNotifier>(endRequests_.Fd(), QSocketNotifier::Read);
+    QObject::connect(endNotifier_.get(), &QSocketNotifier::activated, &endTimer_, [this] {
+      endNotifier_->setEnabled(false);
+      EndFromOutside();
+    });
+  } else {
+    endTimer_.start(kLookInterval);
+  }
+  QObject::connect(&endTimer_, &QTimer::timeout, &endTimer_, [this] {
+    if (ending_ || endRequests_.Came()) EndFromOutside();
+  });
+}
+
+void WindowProgram::ListenToDesktopSession() {
+  QObject::connect(
+      qApp, &QGuiApplication::commitDataRequest, &endTimer_,
+      [this](QSessionManager& manager) {
+        if (!window_ || !manager.allowsInteraction()) {
+          EndFromOutside();
+        } else if (!window_->EndOfDesktopSession()) {
+          manager.cancel();
+        }
+        manager.release();
+      },
+      Qt::DirectConnection);
+}
+
+void WindowProgram::EndFromOutside() {
+  ending_ = true;
+  prompts_.StopAsking();
+  const bool ended = window_ ? window_->EndFromOutside() : session_->EndFromOutside();
+  if (!ended) endTimer_.start(kEndInterval);
 }
 
 void WindowProgram::TakeMessages() {

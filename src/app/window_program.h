@@ -13,6 +13,7 @@
 #include "core/system_ports.h"
 #include "dialogs/frm_prgrs.h"
 #include "editing/sequence_editor.h"
+#include "platform/end_requests.h"
 #include "platform/single_instance.h"
 #include "session/program_options.h"
 #include "session/session.h"
@@ -39,6 +40,10 @@ class WindowProgram {
   void ShowWindow();
   void ListenToOtherStarts();
   void TakeMessages();
+  void ListenToEndRequests();
+  void ListenToDesktopSession();
+  // Inside whatever handles events just now. Does not return, unless blocks are on their way.
+  void EndFromOutside();
 
   std::string file_;
   SteadyTickClock clock_;
@@ -57,6 +62,10 @@ class WindowProgram {
   std::unique_ptr<MainWindow> window_;
   std::unique_ptr<QSocketNotifier> otherStarts_;
   std::unique_ptr<QTimer> otherStartsTimer_;
+  EndRequests endRequests_;
+  std::unique_ptr<QSocketNotifier> endNotifier_;
+  bool ending_ = false;
+  QTimer endTimer_;  // looks for an end request, or whether it can be carried out now
 };
 
 }  // namespace corlune

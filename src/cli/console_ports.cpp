@@ -41,8 +41,7 @@ PromptAnswer ConsolePrompts::Message(const MessageRequest& request) {
   const bool yesNo = request.buttons == PromptButtons::YesNo || request.buttons == PromptButtons::YesNoCancel;
   if (request.buttons == PromptButtons::Ok) return PromptAnswer::Ok;
   const PromptAnswer yes = yesNo ? PromptAnswer::Yes : PromptAnswer::Ok;
-  PromptAnswer no = PromptAnswer::Cancel;
-  if (request.buttons == PromptButtons::YesNo) no = PromptAnswer::No;
+  const PromptAnswer no = request.Unanswered();
   if (answers_.Yes) return yes;
   if (!person_) return no;
   while (true) {

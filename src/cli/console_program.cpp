@@ -66,12 +66,8 @@ bool ConsoleProgram::Connect(const std::optional<std::string>& serial) {
     case ConnectResult::NotFound:
       Fail(Catalogue().GetResString(TextId::SerialNumberNotFound, {serial.value_or("")}));
       return false;
-    case ConnectResult::OpenFailed: {
-      // The message has been shown; the reason stands in the library's problem.
-      const std::string problem = session_->Gp().LibraryProblem();
-      if (!problem.empty()) Fail(problem);
-      return false;
-    }
+    case ConnectResult::OpenFailed:
+      return false;  // the message has been shown
     case ConnectResult::Offline:
       Fail(Catalogue().GetResString(TextId::StateOffLine));
       return false;

@@ -94,7 +94,7 @@ int PrintTimes(ConsoleProgram& program) {
   for (int step = 0; step < sequence.StepCount; ++step) {
     AppendInteger(lines, sequence.StartStep + step);
     lines += ' ';
-    AppendNumber(lines, sequence.Steps[static_cast<std::size_t>(step)].StepRunTime);
+    AppendNumber(lines, sequence.Step(step).StepRunTime);
     lines += '\n';
   }
   AppendNumber(lines, times.Total);

@@ -47,6 +47,7 @@ bool CheckStatus(std::string_view operation, CommStatus status, bool showDialog,
     request.icon = PromptIcon::Question;
     request.buttons = PromptButtons::YesNo;
     request.caption = "NI_GPIB";
+    request.escape = PromptAnswer::No;
     if (prompts.Message(request) == PromptAnswer::Yes) endProgram.EndNow(1);
   }
   return false;

@@ -68,7 +68,7 @@ CommandLayer::CommandLayer(AppState& state, const ModelDefinition& definition, G
                            TickClock& clock, EventPump& pump)
     : state_(state), definition_(definition), gp_(gp), clock_(clock), pump_(pump) {}
 
-bool CommandLayer::OpenInstrumentInterface(int* failedInstrument) {
+bool CommandLayer::OpenInstrumentInterface(int* failedInstrument, std::string* problem) {
   const std::vector<KindInUse> kinds = KindsInUse(state_);
   openKinds_.clear();
   for (const KindInUse& row : kinds) {
@@ -81,6 +81,7 @@ bool CommandLayer::OpenInstrumentInterface(int* failedInstrument) {
     }
     if (Failed(status)) {
       if (failedInstrument) *failedInstrument = row.firstInstrument;
+      if (problem) *problem = gp_.OwnLibraryProblem();
       if (!openKinds_.empty()) CloseInstrumentInterface();
       state_.CurrentInterface = kinds.front().kind;
       return false;

@@ -30,8 +30,8 @@ class CommandLayer {
   // Opens the kind of instrument 0, then every further kind in use once, and sets the time-out to 3 s.
   // All USBTMC instruments are listed in instrument order; such an instrument's address is its index in
   // that list. Sets CurrentInterface. `failedInstrument` (may be null) gets the 0-based index of the first
-  // instrument whose kind failed to open.
-  [[nodiscard]] bool OpenInstrumentInterface(int* failedInstrument = nullptr);
+  // instrument whose kind failed to open, `problem` (may be null) what its library says, perhaps nothing.
+  [[nodiscard]] bool OpenInstrumentInterface(int* failedInstrument = nullptr, std::string* problem = nullptr);
   // One GP_End for each kind that was opened, nothing for the others; the status of the first.
   CommStatus CloseInstrumentInterface();
 

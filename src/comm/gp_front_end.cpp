@@ -83,9 +83,13 @@ const std::vector<FoundInstrument>& GpFrontEnd::Found() const {
   return search_ ? search_->Found() : kNone;
 }
 
-std::string GpFrontEnd::LibraryProblem() const {
+std::string GpFrontEnd::OwnLibraryProblem() const {
   const GpFamily* backend = Current();
-  std::string problem = backend ? backend->LibraryProblem() : std::string();
+  return backend ? backend->LibraryProblem() : std::string();
+}
+
+std::string GpFrontEnd::LibraryProblem() const {
+  std::string problem = OwnLibraryProblem();
   if (problem.empty() && search_) problem = search_->LibraryProblem();
   return problem;
 }

@@ -54,7 +54,9 @@ class GpFrontEnd {
   // Whatever CurrentInterface is: a search belongs to no instrument.
   int GP_Find_Devices(const std::string& expression);
   const std::vector<FoundInstrument>& Found() const;
-  // Of the current back-end, else of the search.
+  // Of the current back-end.
+  std::string OwnLibraryProblem() const;
+  // The same, else that of the search.
   std::string LibraryProblem() const;
   // Of the current back-end.
   bool ConnectionLost(std::int16_t address) const;

@@ -55,10 +55,10 @@ std::string DataCommand(const std::string& text, std::string_view suffix, bool e
          QuotedText(all.substr(all.size() - 1));
 }
 
-KiGpibMdl::KiGpibMdl(const BackendServices& services, LibraryLoader<Ieee32mTable> loader)
+Ieee32mMdl::Ieee32mMdl(const BackendServices& services, LibraryLoader<Ieee32mTable> loader)
     : GpBackendBase(services), loader_(std::move(loader)) {}
 
-CommStatus KiGpibMdl::Open(const InitOptions& options) {
+CommStatus Ieee32mMdl::Open(const InitOptions& options) {
   open_ = false;
   endOnWrite_ = true;
   problem_.clear();
@@ -75,22 +75,22 @@ CommStatus KiGpibMdl::Open(const InitOptions& options) {
   return Checked("GP_Init", status);
 }
 
-CommStatus KiGpibMdl::Close() {
+CommStatus Ieee32mMdl::Close() {
   return open_ ? Checked("GP_END", GoToLocal()) : CommStatus::Success;
 }
 
-CommStatus KiGpibMdl::Transmit(const std::string& command) {
+CommStatus Ieee32mMdl::Transmit(const std::string& command) {
   if (!open_) return CommStatus::NoBoard;
   std::int32_t status = 0;
   ieee_->Transmit(command.c_str(), -1, &status);
   return Converted(status);
 }
 
-CommStatus KiGpibMdl::GoToLocal() {
+CommStatus Ieee32mMdl::GoToLocal() {
   return Transmit("UNL LISTEN " + std::to_string(Device()) + " GTL");
 }
 
-CommStatus KiGpibMdl::Select(const char* operation, Transfer transfer, std::int16_t address) {
+CommStatus Ieee32mMdl::Select(const char* operation, Transfer transfer, std::int16_t address) {
   if (!open_) return Checked(operation, CommStatus::NoBoard);
   // A serial poll addresses by itself; without an address the bus stays as it was addressed before.
   if (transfer == Transfer::Poll || address == kSameDevice) return CommStatus::Success;
@@ -98,13 +98,13 @@ CommStatus KiGpibMdl::Select(const char* operation, Transfer transfer, std::int1
   return Checked(operation, Transmit("UNT UNL " + parties + std::to_string(address)));
 }
 
-CommStatus KiGpibMdl::Write(const std::string& text) {
+CommStatus Ieee32mMdl::Write(const std::string& text) {
   const std::string command =
       DataCommand(text, kSuffixes[static_cast<std::size_t>(TerminatorCode())], endOnWrite_);
   return command.empty() ? CommStatus::Success : Transmit(command);
 }
 
-CommStatus KiGpibMdl::Read(std::span<char> buffer, Received& received) {
+CommStatus Ieee32mMdl::Read(std::span<char> buffer, Received& received) {
   std::int32_t status = 0;
   std::int32_t count = 0;
   const auto size = static_cast<std::int32_t>(buffer.size());
@@ -116,15 +116,15 @@ CommStatus KiGpibMdl::Read(std::span<char> buffer, Received& received) {
   return Converted(status);
 }
 
-CommStatus KiGpibMdl::InterfaceClear() {
+CommStatus Ieee32mMdl::InterfaceClear() {
   return Transmit("IFC");
 }
 
-CommStatus KiGpibMdl::DeviceClear() {
+CommStatus Ieee32mMdl::DeviceClear() {
   return Transmit("DCL");
 }
 
-CommStatus KiGpibMdl::SerialPoll(std::int16_t& statusByte) {
+CommStatus Ieee32mMdl::SerialPoll(std::int16_t& statusByte) {
   std::uint8_t byte = 0;
   std::int32_t status = 0;
   ieee_->SerialPoll(Device(), &byte, &status);
@@ -132,24 +132,24 @@ CommStatus KiGpibMdl::SerialPoll(std::int16_t& statusByte) {
   return Converted(status);
 }
 
-CommStatus KiGpibMdl::SetTimeOut(std::int16_t code) {
+CommStatus Ieee32mMdl::SetTimeOut(std::int16_t code) {
   return open_ ? Accepted(ieee_->SetTimeout(BoardMilliseconds(code))) : CommStatus::NoBoard;
 }
 
-CommStatus KiGpibMdl::SetTerminator(std::int16_t code) {
+CommStatus Ieee32mMdl::SetTerminator(std::int16_t code) {
   return open_ ? Accepted(ieee_->SetInputEos(TerminatorOf(code).endOfRead)) : CommStatus::NoBoard;
 }
 
-CommStatus KiGpibMdl::SetEndOnWrite(bool on) {
+CommStatus Ieee32mMdl::SetEndOnWrite(bool on) {
   endOnWrite_ = on;
   return CommStatus::Success;
 }
 
-CommStatus KiGpibMdl::SetRemote(bool on) {
+CommStatus Ieee32mMdl::SetRemote(bool on) {
   return on ? Transmit("REN") : GoToLocal();
 }
 
-std::string_view KiGpibMdl::TimeOutLogName(std::int16_t code) const {
+std::string_view Ieee32mMdl::TimeOutLogName(std::int16_t code) const {
   return code >= 1 && code <= 8 ? std::string_view("55ms") : TimeOutName(code);
 }
 

@@ -12,9 +12,9 @@
 
 namespace corlune {
 
-class KiGpibMdl final : public GpBackendBase {
+class Ieee32mMdl final : public GpBackendBase {
  public:
-  KiGpibMdl(const BackendServices& services, LibraryLoader<Ieee32mTable> loader);
+  Ieee32mMdl(const BackendServices& services, LibraryLoader<Ieee32mTable> loader);
 
   std::string LibraryProblem() const override { return problem_; }
 

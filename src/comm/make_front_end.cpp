@@ -24,10 +24,11 @@ std::unique_ptr<GpFrontEnd> MakeGpFrontEnd(AppState& state, const CommOptions& o
     backends[static_cast<std::size_t>(kind)] = std::move(backend);
   };
   place(InterfaceKind::NiGpib, std::make_unique<NiGpibMdl>(services, Ni488Loader(options.gpib, folder)));
-  place(InterfaceKind::KiGpib, std::make_unique<KiGpibMdl>(services, Ieee32mLoader(options.ieee32m, folder)));
+  place(InterfaceKind::KiGpib,
+        std::make_unique<Ieee32mMdl>(services, Ieee32mLoader(options.ieee32m, folder)));
   place(InterfaceKind::Usb488, std::make_unique<Usb488Mdl>(services, Usb488Loader(options.usb488, folder)));
   place(InterfaceKind::UsbTmc, std::move(usbTmc));
-  place(InterfaceKind::Simulated, std::make_unique<DebugMdl>(services, options.simulatedResponses));
+  place(InterfaceKind::Simulated, std::make_unique<SimulatedMdl>(services, options.simulatedResponses));
 
   auto frontEnd =
       std::make_unique<GpFrontEnd>(state, std::move(backends), options.simulated ? nullptr : search);

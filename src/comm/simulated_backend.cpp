@@ -25,10 +25,10 @@ std::string QueryKeys(std::string_view text) {
   return keys;
 }
 
-DebugMdl::DebugMdl(const BackendServices& services, std::string responseFile)
+SimulatedMdl::SimulatedMdl(const BackendServices& services, std::string responseFile)
     : GpBackendBase(services), commandLineFile_(std::move(responseFile)) {}
 
-CommStatus DebugMdl::Open(const InitOptions& options) {
+CommStatus SimulatedMdl::Open(const InitOptions& options) {
   responseFile_ = PathBelow(Services().state.AppFolder, options.ValueAsWritten("INI_FILE"));
   if (responseFile_.empty()) responseFile_ = commandLineFile_;
   replyPrompt_ = options.Has("RESPONSE_DIALOG");
@@ -41,11 +41,11 @@ CommStatus DebugMdl::Open(const InitOptions& options) {
   return CommStatus::Success;
 }
 
-CommStatus DebugMdl::Select(const char* /*operation*/, Transfer /*transfer*/, std::int16_t /*address*/) {
+CommStatus SimulatedMdl::Select(const char* /*operation*/, Transfer /*transfer*/, std::int16_t /*address*/) {
   return CommStatus::Success;
 }
 
-std::string DebugMdl::LookUp(std::string_view keys) const {
+std::string SimulatedMdl::LookUp(std::string_view keys) const {
   if (responseFile_.empty() || keys.empty()) return {};
   const std::string_view key = keys.substr(keys.find_last_of(',') + 1);
   std::string reply = GetIniString(responseFile_, "ADRS" + std::to_string(Device()), key);
@@ -53,13 +53,13 @@ std::string DebugMdl::LookUp(std::string_view keys) const {
   return reply;
 }
 
-CommStatus DebugMdl::Write(const std::string& text) {
+CommStatus SimulatedMdl::Write(const std::string& text) {
   queryKeys_ = QueryKeys(text);
   pendingReply_ = LookUp(queryKeys_);
   return CommStatus::Success;
 }
 
-CommStatus DebugMdl::Read(std::span<char> buffer, Received& received) {
+CommStatus SimulatedMdl::Read(std::span<char> buffer, Received& received) {
   // Taken before the prompt, which lets other exchanges run.
   std::string reply = std::exchange(pendingReply_, {});
   if ((reply.empty() || reply == kBufferOver) && replyPrompt_) {
@@ -72,7 +72,7 @@ CommStatus DebugMdl::Read(std::span<char> buffer, Received& received) {
   return CommStatus::Success;
 }
 
-CommStatus DebugMdl::SerialPoll(std::int16_t& statusByte) {
+CommStatus SimulatedMdl::SerialPoll(std::int16_t& statusByte) {
   std::string text;
   if (replyPrompt_) {
     InputRequest request;
@@ -92,26 +92,26 @@ CommStatus DebugMdl::SerialPoll(std::int16_t& statusByte) {
   return CommStatus::Success;
 }
 
-CommStatus DebugMdl::SetTimeOut(std::int16_t /*code*/) {
+CommStatus SimulatedMdl::SetTimeOut(std::int16_t /*code*/) {
   return CommStatus::Success;
 }
-CommStatus DebugMdl::SetTerminator(std::int16_t /*code*/) {
+CommStatus SimulatedMdl::SetTerminator(std::int16_t /*code*/) {
   return CommStatus::Success;
 }
-CommStatus DebugMdl::SetEndOnWrite(bool /*on*/) {
+CommStatus SimulatedMdl::SetEndOnWrite(bool /*on*/) {
   return CommStatus::Success;
 }
-CommStatus DebugMdl::SetRemote(bool /*on*/) {
+CommStatus SimulatedMdl::SetRemote(bool /*on*/) {
   return CommStatus::Success;
 }
 
-std::string DebugMdl::SerialPollLogText(std::int16_t /*statusByte*/) const {
+std::string SimulatedMdl::SerialPollLogText(std::int16_t /*statusByte*/) const {
   return "Debug Spoll";
 }
 
-CommStatus DebugMdl::GP_Send_AsciiBinary_Data(const std::string& /*header*/,
-                                              std::span<const std::uint8_t> data, std::int16_t address,
-                                              std::int16_t elementFormat, bool /*swapBytes*/) {
+CommStatus SimulatedMdl::GP_Send_AsciiBinary_Data(const std::string& /*header*/,
+                                                  std::span<const std::uint8_t> data, std::int16_t address,
+                                                  std::int16_t elementFormat, bool /*swapBytes*/) {
   LogBlock(RememberDevice(address), data, elementFormat, CommStatus::Success);
   return CommStatus::Success;
 }

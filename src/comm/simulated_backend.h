@@ -14,10 +14,10 @@ namespace corlune {
 
 // The response file is a profile file: one section "ADRS<address>" a device, one key a query; key "spoll"
 // holds the answer of a serial poll.
-class DebugMdl final : public GpBackendBase {
+class SimulatedMdl final : public GpBackendBase {
  public:
   // `responseFile`: used when the options name none; may be empty.
-  DebugMdl(const BackendServices& services, std::string responseFile);
+  SimulatedMdl(const BackendServices& services, std::string responseFile);
 
   CommStatus GP_Send_AsciiBinary_Data(const std::string& header, std::span<const std::uint8_t> data,
                                       std::int16_t address, std::int16_t elementFormat,

@@ -48,7 +48,7 @@ std::string WaveformName(const SequenceData& sequence, int channel) {
 std::optional<Expansion> BranchStepText(const SequenceData& sequence, int step, std::string_view digit) {
   if (digit.empty() || digit[0] < '0' || digit[0] >= '0' + kBranchEntries) return std::nullopt;
   if (step < 0 || step >= MAX_STEPS) return Expansion{"0"};
-  const StepRow& row = sequence.Steps[static_cast<std::size_t>(step)];
+  const StepRow& row = sequence.Step(step);
   return Expansion{std::to_string(row.BranchStep[static_cast<std::size_t>(digit[0] - '0')])};
 }
 

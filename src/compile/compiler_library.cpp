@@ -3,7 +3,6 @@
 #include <utility>
 #include <vector>
 
-#include "core/files.h"
 #include "platform/code_page.h"
 
 namespace corlune {
@@ -64,11 +63,12 @@ CompilerCall LoadedCompiler::CompileSeqData(const std::string& workFile,
     problem_ = workFile + ": not in the code page that " + library_->Path() + " takes";
     return CompilerCall::Missing;
   }
+  const std::string& name = *narrow;
 #else
-  const std::optional<std::string> narrow = EncodeText(workFile);
+  const std::string& name = workFile;  // file names are UTF-8, whatever the code page of the texts in them
 #endif
   problem_.clear();
-  result = compile_(narrow->c_str(), arbs.data(), &record);
+  result = compile_(name.c_str(), arbs.data(), &record);
   return CompilerCall::Done;
 }
 

@@ -185,7 +185,7 @@ void ReadEntry(const IniEntry& entry, int channels, const ModelDefinition& defin
     if (!std::exchange(seen.common, true)) ReadCommonLine(value, sequence.Common);
   } else if (key.starts_with("STEP#") && ReadIndexes(indexText, index.data(), 1) && index[0] < MAX_STEPS) {
     if (!FirstTime(seen.steps, index[0])) return;
-    if (ReadStepLine(value, definition, sequence.Steps[static_cast<std::size_t>(index[0])])) {
+    if (ReadStepLine(value, definition, sequence.Step(index[0]))) {
       received.set(static_cast<std::size_t>(index[0]));
     }
   } else if (key.starts_with("CHAN#") && ReadIndexes(indexText, index.data(), 2) && index[0] < MAX_STEPS &&

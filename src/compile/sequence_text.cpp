@@ -109,7 +109,7 @@ void AppendSequenceText(std::string& out, const SequenceData& sequence, const Mo
   out += "\r\nVERSION=\"1.00\"\r\n[DATA]\r\n";
   AppendCommon(out, sequence.Common);
   for (int slot = 0; slot < MAX_STEPS; ++slot) {
-    AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)], definition);
+    AppendStep(out, slot, sequence.Step(slot), definition);
   }
   for (int channel = 0; channel < channels; ++channel) {
     for (int slot = 0; slot < MAX_STEPS; ++slot) AppendChannel(out, sequence, definition, channel, slot);
@@ -118,7 +118,7 @@ void AppendSequenceText(std::string& out, const SequenceData& sequence, const Mo
 
 void AppendStepLines(std::string& out, const SequenceData& sequence, const ModelDefinition& definition,
                      int slot, int channels) {
-  AppendStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)], definition);
+  AppendStep(out, slot, sequence.Step(slot), definition);
   for (int channel = 0; channel < channels; ++channel)
     AppendChannel(out, sequence, definition, channel, slot);
 }

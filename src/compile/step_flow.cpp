@@ -14,7 +14,7 @@ namespace {
 
 // Stored numbers of the steps that can follow; some may name no step.
 std::vector<StepNumber> Successors(const SequenceData& sequence, int slot) {
-  const StepRow& row = sequence.Steps[static_cast<std::size_t>(slot)];
+  const StepRow& row = sequence.Step(slot);
   std::vector<StepNumber> next;
   const bool endless = row.JumpOn != 0 && row.JumpCountOn == 0;
   if (endless || (row.JumpOn != 0 && row.JumpCount > 0)) next.push_back({row.JumpTo});

@@ -141,9 +141,9 @@ bool WaveformTransfer::QueryArbInfo(ArbFileEntry& entry, int number) {
   return true;
 }
 
-int WaveformTransfer::QueryArbDirectory(ArbEntries& entries) {
+int WaveformTransfer::QueryArbDirectory(ArbEntries& entries, const std::function<bool(int)>& goOn) {
   int answered = 0;
-  while (answered < kArbNumbers) {
+  while (answered < kArbNumbers && goOn(answered)) {
     if (!QueryArbInfo(entries[static_cast<std::size_t>(answered)], answered + 1)) break;
     ++answered;
   }

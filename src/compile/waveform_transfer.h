@@ -67,8 +67,9 @@ class WaveformTransfer {
   // Form, size and presence of what the instrument holds under `number`. False, with the entry unchanged,
   // when the exchange failed or the reply is malformed.
   bool QueryArbInfo(ArbFileEntry& entry, int number);
-  // QueryArbInfo for 1..128 until one fails; the number of entries brought up to date.
-  int QueryArbDirectory(ArbEntries& entries);
+  // QueryArbInfo for 1..128 until one fails, or `goOn`, called before each with the number asked so far,
+  // returns false; the number of entries brought up to date.
+  int QueryArbDirectory(ArbEntries& entries, const std::function<bool(int)>& goOn);
 
   void SetTimeOut(std::int16_t code);
 

@@ -13,8 +13,8 @@ enum class Work : std::size_t {
   Start,       // Start, from the press on: question, outputs, start commands, first step
   Output,      // Output ON or OFF
   ModeChange,  // edit to execution mode with its download, or back
-  Download,    // blocks are being sent
-  Exchange,    // another exchange with an instrument: opening, model check, read-back, waveforms
+  Download,    // blocks are being sent or read
+  Exchange,    // another exchange with an instrument: opening, model check, waveform directory
   File,        // a file command with its questions and dialogs
   Tick,        // the monitor's tick
 };

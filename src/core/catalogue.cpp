@@ -55,11 +55,13 @@ std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& a
 }
 
 PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, TextId id, PromptIcon icon,
-                         PromptButtons buttons, const std::vector<std::string>& arguments) {
+                         PromptButtons buttons, const std::vector<std::string>& arguments,
+                         std::optional<PromptAnswer> escape) {
   MessageRequest request;
   request.text = catalogue.GetResString(id, arguments);
   request.icon = icon;
   request.buttons = buttons;
+  request.escape = escape;
   return prompts.Message(request);
 }
 

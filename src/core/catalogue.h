@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,10 +34,11 @@ class MessageCatalogue {
 // "$" at the end is dropped; a placeholder without an argument gives nothing.
 std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& arguments);
 
-// Shows catalogue message `id`. An empty caption is the application title.
+// Shows catalogue message `id`; `escape` as in MessageRequest.
 PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, TextId id, PromptIcon icon,
                          PromptButtons buttons = PromptButtons::Ok,
-                         const std::vector<std::string>& arguments = {});
+                         const std::vector<std::string>& arguments = {},
+                         std::optional<PromptAnswer> escape = std::nullopt);
 
 inline constexpr const char* kApplicationTitle = "Corlune";
 

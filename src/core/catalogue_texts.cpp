@@ -202,7 +202,7 @@ CatalogueText TextOf(TextId id) {
     case HeadChannelCount: return {"Ch number", "Ch数"};
     case HeadSerial: return {"Serial", "シリアル"};
     // File dialog filters for sequence data files.
-    case SequenceOrTextFilter: return {"Sequence data(*.daf;*.dat) | *.daf;*.dat", "シーケンスデータ (*.dat) | ;*.dat"};
+    case SequenceAndDafFilter: return {"Sequence data(*.daf;*.dat) | *.daf;*.dat", "シーケンスデータ (*.dat) | ;*.dat"};
     case SequenceFilter: return {"Sequence data(*.dat) | *.dat", "シーケンスデータ (*.dat) | *.dat"};
     // About box frmAbout.
     case AboutTitle: return {"Version", "バージョン情報"};
@@ -393,6 +393,18 @@ CatalogueText TextOf(TextId id) {
     case BadModelDefinition: return {"The model definition file has an error.\n$1", "型名定義ファイルに誤りがあります。\n$1"};
     case OverwriteQuestion: return {"The file exists already. Overwrite it?\n$1", "ファイルは既に存在します。上書きしますか？\n$1"};
     case CannotReadFile: return {"The file could not be read.\n$1", "ファイルを読み込めませんでした。\n$1"};
+
+    // Added texts: start-up.
+    case LineCannotBeTaken: return {"$1, line $2, cannot be taken:\n$3", "$1の$2行目が読み込めません：\n$3"};
+    case KeyMissing: return {"$1: $2 is missing.", "$1：$2がありません。"};
+    case PathUnreadable: return {"$1 cannot be read.", "$1を読み込めません。"};
+    case WorkFileSetAside: return {"It is kept as $1. The program starts with a new sequence.", "$1として保管しました。新規シーケンスで起動します。"};
+    case WorkFileNotSetAside: return {"It could not be set aside and stays as it is. The program starts with a new sequence, which is not kept for the next start: save it under a name of its own.", "移動できないため、そのまま残します。新規シーケンスで起動しますが、次回起動用には保存されません。名前を付けて保存してください。"};
+    case SearchingInstruments: return {"Searching for instruments...", "機器を検索しています..."};
+    case ConnectingInstrument: return {"Connecting to the instrument...", "機器に接続しています..."};
+    case CheckingModel: return {"Checking the model of the instrument $1...", "機器$1の型名を確認しています..."};
+    case ReadingArbDirectory: return {"Arbitrary waveforms in the instrument: $1/$2", "機器内の任意波形を確認しています：$1 / $2"};
+    case ButtonWorkOffLine: return {"Cancel and work off-line", "中止してオフラインで使用"};
 
     // Added texts: instrument and download.
     case NoBlocksQuestion: return {"The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"};

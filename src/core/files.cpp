@@ -2,6 +2,8 @@
 
 #include <cstdint>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 
 #include "platform/code_page.h"
 #include "platform/file_access.h"
@@ -74,6 +76,21 @@ std::string JoinPath(std::string_view folder, std::string_view name) {
   std::string path(folder);
   if (kSeparators.find(path.back()) == std::string_view::npos) path += kSeparators[0];
   return path.append(name);
+}
+
+std::optional<std::string> SetAside(const std::string& path) {
+  constexpr int kMostKept = 9999;
+  for (int number = 1; number <= kMostKept; ++number) {
+    const std::string kept = path + ".bad" + std::to_string(number);
+    if (PathExists(kept)) continue;
+    const auto native = [](const std::string& utf8) {
+      return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+    };
+    std::error_code error;
+    std::filesystem::rename(native(path), native(kept), error);
+    return error ? std::nullopt : std::optional(kept);
+  }
+  return std::nullopt;
 }
 
 bool FileExists(const std::string& path) {

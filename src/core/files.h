@@ -20,6 +20,10 @@ std::optional<std::string> ReadWholeFile(const std::string& path);
 // whole, the neighbour is removed, and *error (may be null) says what failed.
 [[nodiscard]] bool ReplaceFile(const std::string& path, std::string_view bytes, std::string* error = nullptr);
 
+// Renames the file, or whatever stands there, to `path` + ".bad1", or the next number that is free. The new
+// path; nullopt when it could not be renamed.
+std::optional<std::string> SetAside(const std::string& path);
+
 // File bytes to text: valid UTF-8 as it is (a byte-order mark dropped), anything else from the system code
 // page.
 std::string DecodeText(std::string_view bytes);

@@ -22,6 +22,16 @@ struct MessageRequest {
   PromptIcon icon = PromptIcon::None;
   PromptButtons buttons = PromptButtons::Ok;
   std::string caption;  // empty: the application title
+  // The answer of Escape and of the box's close button, which is then the default button, too: for a question
+  // of which another answer does what nobody may do by mistake. Absent: Cancel, else No, else OK.
+  std::optional<PromptAnswer> escape = std::nullopt;
+
+  // What counts when nobody answers.
+  PromptAnswer Unanswered() const {
+    if (escape) return *escape;
+    if (buttons == PromptButtons::Ok) return PromptAnswer::Ok;
+    return buttons == PromptButtons::YesNo ? PromptAnswer::No : PromptAnswer::Cancel;
+  }
 };
 
 struct InputRequest {
@@ -34,7 +44,8 @@ struct InputRequest {
 class Prompts {
  public:
   virtual ~Prompts() = default;
-  // Answers only with a button of `request.buttons`; closing the box counts as Cancel, else No, else OK.
+  // Answers only with a button of `request.buttons`; closing the box gives
+  // `request.Unanswered()`.
   virtual PromptAnswer Message(const MessageRequest& request) = 0;
   // nullopt when the input was cancelled.
   virtual std::optional<std::string> Input(const InputRequest& request) = 0;
@@ -81,6 +92,12 @@ class Progress {
   virtual void Begin(const std::string& text, int steps) = 0;
   virtual void Advance() = 0;
   virtual void End() = 0;
+  // Says what the next blocking call is for, in place of what was shown before, until End; `done` of `steps`
+  // (0: not known). A button with the text `cancel` gives up. The default shows nothing.
+  virtual void ShowWait(const std::string& /*text*/, const std::string& /*cancel*/, int /*done*/,
+                        int /*steps*/) {}
+  // The button was pressed since the first ShowWait.
+  virtual bool Cancelled() const { return false; }
 };
 
 // What the run commands and the monitor show in the main window.

@@ -3,20 +3,19 @@
 #include <algorithm>
 
 #include "core/ascii_case.h"
+#include "core/profile_reader.h"
 #include "platform/code_page.h"
 
 namespace corlune {
 namespace {
 
-constexpr std::string_view kBlanks = " \t\v\f\x1A";
-constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
-constexpr std::string_view kLineEnd = "\r\n";
+using profile::HeaderName;
+using profile::IsComment;
+using profile::Line;
+using profile::LineReader;
+using profile::Trim;
 
-std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(kBlanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
+constexpr std::string_view kLineEnd = "\r\n";
 
 bool SameName(std::string_view a, std::string_view b, int codePage) {
   if (a.size() != b.size()) return false;
@@ -26,65 +25,6 @@ bool SameName(std::string_view a, std::string_view b, int codePage) {
     trail = !trail && IsLeadByte(static_cast<unsigned char>(a[i]), codePage);
   }
   return true;
-}
-
-// The first `wanted` that is a character of its own; npos when there is none.
-std::size_t FindCharacter(std::string_view text, char wanted, int codePage) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] == wanted) return i;
-    if (IsLeadByte(static_cast<unsigned char>(text[i]), codePage)) ++i;
-  }
-  return std::string_view::npos;
-}
-
-// One line: where it stands in the file and what it says.
-struct Line {
-  std::size_t begin = 0;
-  std::size_t contentEnd = 0;  // without the line end
-  std::size_t end = 0;         // behind the line end
-  std::string_view text;       // trimmed, up to a NUL
-};
-
-class LineReader {
- public:
-  explicit LineReader(std::string_view file) : file_(file) {
-    if (file.substr(0, kByteOrderMark.size()) == kByteOrderMark) at_ = kByteOrderMark.size();
-  }
-
-  bool Next(Line& line) {
-    if (at_ >= file_.size()) return false;
-    line.begin = at_;
-    line.contentEnd = FindLineEnd();
-    at_ = line.contentEnd;
-    if (at_ < file_.size()) at_ += file_.substr(at_, 2) == kLineEnd ? 2 : 1;
-    line.end = at_;
-    const std::string_view content = file_.substr(line.begin, line.contentEnd - line.begin);
-    line.text = Trim(content.substr(0, content.find('\0')));
-    return true;
-  }
-
- private:
-  // Searching for one character is far faster than for one of two, and a load spends its time here.
-  std::size_t FindLineEnd() {
-    if (nextFeed_ < at_ || nextFeed_ == 0) nextFeed_ = std::min(file_.find('\n', at_), file_.size());
-    return at_ + std::min(file_.substr(at_, nextFeed_ - at_).find('\r'), nextFeed_ - at_);
-  }
-
-  std::string_view file_;
-  std::size_t at_ = 0;
-  std::size_t nextFeed_ = 0;  // the first LF from at_ on
-};
-
-bool IsComment(std::string_view text) {
-  return !text.empty() && text[0] == ';';
-}
-
-// The name of a header line; nullopt for any other line.
-std::optional<std::string_view> HeaderName(std::string_view text, int codePage) {
-  if (text.empty() || text[0] != '[') return std::nullopt;
-  const std::size_t close = FindCharacter(text, ']', codePage);
-  if (close == std::string_view::npos) return std::nullopt;
-  return Trim(text.substr(1, close - 1));
 }
 
 // The key of an entry line: all of it when it has no "=".

@@ -152,7 +152,7 @@ enum class TextId : int {
   HeadSerial = 5206,
 
   // Filters of the file dialogs.
-  SequenceOrTextFilter = 5300,
+  SequenceAndDafFilter = 5300,
   SequenceFilter = 5301,
 
   // About.
@@ -306,6 +306,15 @@ enum class TextId : int {
   // Instruments out of sight.
   MayStillRun = 8290,
   ConnectionLost = 8291,
+
+  // What the start waits for.
+  SearchingInstruments = 8310,
+  ConnectingInstrument = 8311,
+  CheckingModel = 8312,
+  ReadingArbDirectory = 8313,
+  ButtonWorkOffLine = 8314,
+
+  // Lines of a check.
   SeverityError = 8330,
   SeverityWarning = 8331,
 
@@ -415,6 +424,15 @@ enum class TextId : int {
   StoppedAgain = 9751,
   CouldNotStop = 9752,
   CannotWriteOutput = 9753,
+
+  // Messages: files that cannot be taken, set aside at the start.
+  LineCannotBeTaken = 9770,
+  KeyMissing = 9771,
+  PathUnreadable = 9772,
+  WorkFileSetAside = 9773,
+  WorkFileNotSetAside = 9774,
+
+  // Messages: the end of a run.
   DownloadReplyUnreadable = 9780,
 };
 

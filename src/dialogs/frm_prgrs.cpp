@@ -1,9 +1,12 @@
 #include "dialogs/frm_prgrs.h"
 
+#include <algorithm>
+
 #include <QCloseEvent>
 #include <QDialog>
 #include <QLabel>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "core/catalogue.h"
@@ -16,31 +19,58 @@ constexpr int kLeastWidth = 340;  // pixels at 96 dpi: the longest catalogue tex
 
 class FrmPrgrs::Window : public QDialog {
  public:
-  Window(const QString& text, int steps, QWidget* owner)
+  explicit Window(QWidget* owner)
       : QDialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint) {
     setObjectName(QStringLiteral("frmPrgrs"));
     setWindowTitle(QString::fromUtf8(kApplicationTitle));
     setMinimumWidth(kLeastWidth * logicalDpiX() / 96);
     auto* layout = new QVBoxLayout(this);
-    auto* label = new QLabel(text, this);
-    label->setObjectName(QStringLiteral("lblPrgrs"));
-    label->setWordWrap(true);
-    label->setVisible(!text.isEmpty());
-    layout->addWidget(label);
+    label_ = new QLabel(this);
+    label_->setObjectName(QStringLiteral("lblPrgrs"));
+    label_->setWordWrap(true);
+    layout->addWidget(label_);
     bar_ = new QProgressBar(this);
     bar_->setObjectName(QStringLiteral("ProgressBar1"));
-    bar_->setAccessibleName(text);
-    bar_->setRange(0, steps > 0 ? steps : 1);
     layout->addWidget(bar_);
+    cancel_ = new QPushButton(this);
+    cancel_->setObjectName(QStringLiteral("cmdCancel"));
+    cancel_->hide();
+    layout->addWidget(cancel_, 0, Qt::AlignHCenter);
+    connect(cancel_, &QPushButton::clicked, this, [this] { reject(); });
+  }
+  void ShowText(const QString& text) {
+    label_->setText(text);
+    label_->setVisible(!text.isEmpty());
+    bar_->setAccessibleName(text);
+  }
+  void ShowSteps(int done, int steps) {
+    bar_->setRange(0, std::max(steps, 1));
+    bar_->setValue(done);
+  }
+  void OfferCancel(const QString& text) {
+    cancel_->setText(text);
+    cancel_->show();
   }
   void Advance() { bar_->setValue(bar_->value() + 1); }
+  bool Cancelled() const { return cancelled_; }
 
  protected:
-  void closeEvent(QCloseEvent* event) override { event->ignore(); }
-  void reject() override {}  // Escape
+  void closeEvent(QCloseEvent* event) override {
+    event->ignore();
+    reject();
+  }
+  // The button, Escape, closing: the window stays until the call under way has returned.
+  void reject() override {
+    if (cancel_->isHidden()) return;
+    cancelled_ = true;
+    cancel_->setEnabled(false);
+  }
 
  private:
+  QLabel* label_;
   QProgressBar* bar_;
+  QPushButton* cancel_;
+  bool cancelled_ = false;
 };
 
 FrmPrgrs::FrmPrgrs() = default;
@@ -53,12 +83,30 @@ void FrmPrgrs::SetOwner(QWidget* owner) {
   owner_ = owner;
 }
 
-void FrmPrgrs::Begin(const std::string& text, int steps) {
+void FrmPrgrs::Open(const std::string& text) {
   End();
-  window_ = new Window(QString::fromStdString(text), steps, owner_);
+  window_ = new Window(owner_);
+  window_->ShowText(QString::fromStdString(text));
   // The keyboard stays where it is.
-  window_->setAttribute(Qt::WA_ShowWithoutActivating);
+  if (owner_) window_->setAttribute(Qt::WA_ShowWithoutActivating);
+}
+
+void FrmPrgrs::Begin(const std::string& text, int steps) {
+  Open(text);
+  window_->ShowSteps(0, steps);
   window_->show();
+}
+
+void FrmPrgrs::ShowWait(const std::string& text, const std::string& cancel, int done, int steps) {
+  if (!window_) Open(text);
+  window_->ShowText(QString::fromStdString(text));
+  window_->ShowSteps(done, steps);
+  window_->OfferCancel(QString::fromStdString(cancel));
+  window_->show();
+}
+
+bool FrmPrgrs::Cancelled() const {
+  return window_ && window_->Cancelled();
 }
 
 void FrmPrgrs::Advance() {

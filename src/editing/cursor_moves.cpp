@@ -1,6 +1,6 @@
 #include "editing/cursor_moves.h"
 
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 
 namespace corlune {
 

@@ -48,7 +48,7 @@ void OfferList(EditorSpec& spec, const ChoiceList& list, double value) {
 EditorSpec CommonEditor(const GridViews& views, const CellPlace& place) {
   EditorSpec spec;
   const ParamDef& definition = CommonDefinition(views.Definition(), place.Column);
-  const StepRow& row = views.Sequence().Steps[static_cast<std::size_t>(IndexOf(place.Row).value)];
+  const StepRow& row = views.Sequence().Step(IndexOf(place.Row));
   const ChoiceList list = CommonChoices(views.Definition(), place.Column);
   if (!list.Texts.empty()) {
     OfferList(spec, list, CommonValue(row, place.Column));
@@ -95,7 +95,7 @@ EditorSpec ChannelEditor(const GridViews& views, const CellPlace& place) {
 EditorSpec BranchEditor(const GridViews& views, const CellPlace& place) {
   EditorSpec spec;
   if (place.BranchRow < 1 || place.BranchRow >= views.BranchRows() || !views.BranchVisible()) return spec;
-  const StepRow& row = views.Sequence().Steps[static_cast<std::size_t>(IndexOf(place.Row).value)];
+  const StepRow& row = views.Sequence().Step(IndexOf(place.Row));
   const ChoiceList list = BranchChoices(views.Definition());
   if (!list.Texts.empty()) {
     OfferList(spec, list, row.BranchStep[static_cast<std::size_t>(place.BranchRow - 1)]);

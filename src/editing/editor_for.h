@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 
 namespace corlune {
 

@@ -9,7 +9,7 @@ RowColors JumpColorSet(const SequenceData& sequence, const ModelDefinition& defi
   colors.fill(definition.DefaultSequence);
   const int count = std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
   for (int slot = 0; slot < count; ++slot) {
-    const StepRow& step = sequence.Steps[static_cast<std::size_t>(slot)];
+    const StepRow& step = sequence.Step(slot);
     const int target = step.JumpTo - 1;
     if (step.JumpOn == 0 || target < 0 || target >= slot) continue;
     const bool endless = step.JumpCountOn == 0 || step.JumpCount == 0;

@@ -164,7 +164,7 @@ EditOutcome SequenceEditor::Choose(const CellPlace& place, int index) {
   return Perform(TextId::EditCellEntry, [&]() -> std::optional<EditMessage> {
     const int step = IndexOf(place.Row).value;
     const auto entry = static_cast<std::size_t>(index);
-    StepRow& row = sequence_.Steps[static_cast<std::size_t>(step)];
+    StepRow& row = sequence_.Step(step);
     switch (place.Area) {
       case GridArea::Common:
         SetCommonValue(row, place.Column, CommonChoices(definition_, place.Column).Values[entry]);

@@ -16,10 +16,10 @@
 #include "core/app_state.h"
 #include "core/catalogue.h"
 #include "core/ports.h"
-#include "editing/cell_view.h"
 #include "editing/edit_outcome.h"
 #include "editing/editor_for.h"
 #include "editing/grid_place.h"
+#include "editing/grid_views.h"
 #include "editing/undo_history.h"
 #include "editing/value_entry.h"
 

@@ -41,7 +41,7 @@ bool SequenceEditor::Copy() {
   CopyBuffer buffer;
   buffer.Source = *block;
   for (int step = block->FirstRow - 1; step < block->LastRow; ++step) {
-    buffer.Steps.push_back(sequence_.Steps[static_cast<std::size_t>(step)]);
+    buffer.Steps.push_back(sequence_.Step(step));
     buffer.Cells.push_back({CellsOf(sequence_, 0, step), CellsOf(sequence_, 1, step)});
   }
   copied_ = std::move(buffer);
@@ -53,7 +53,7 @@ void SequenceEditor::CopyRowCells(const StepRow& row, const std::array<StepCells
                                   const GridBlock& source, const GridBlock& target, int step) {
   for (int column = source.FirstColumn; column <= source.LastColumn; ++column) {
     if (source.Area == GridArea::Common) {
-      CopyCommonField(definition_, row, sequence_.Steps[static_cast<std::size_t>(step)], column);
+      CopyCommonField(definition_, row, sequence_.Step(step), column);
       continue;
     }
     const ParamCell& from =
@@ -78,8 +78,8 @@ std::optional<EditMessage> SequenceEditor::SettleBlock(const GridBlock& block, c
       }
       continue;
     }
-    const StepRow& now = sequence_.Steps[static_cast<std::size_t>(step)];
-    const StepRow& old = before.Steps[static_cast<std::size_t>(step)];
+    const StepRow& now = sequence_.Step(step);
+    const StepRow& old = before.Step(step);
     for (place.Column = block.FirstColumn; place.Column <= block.LastColumn; ++place.Column) {
       const int column = place.Column;
       const bool same =
@@ -140,7 +140,7 @@ EditOutcome SequenceEditor::Initialize() {
     for (int step = block->FirstRow - 1; step < block->LastRow; ++step) {
       for (int column = block->FirstColumn; column <= block->LastColumn; ++column) {
         if (block->Area == GridArea::Common) {
-          ResetCommonField(sequence_.Steps[static_cast<std::size_t>(step)], definition_, column);
+          ResetCommonField(sequence_.Step(step), definition_, column);
         } else {
           CopyCell(definition_, column - 1, fresh->Cell(block->Channel, 0, column - 1),
                    sequence_.Cell(block->Channel, step, column - 1));
@@ -168,7 +168,7 @@ EditOutcome SequenceEditor::FillDown() {
   if (sourceRow < 1) return {};
   const auto before = std::make_unique<SequenceData>(sequence_);
   return Perform(TextId::EditFillDown, [&] {
-    const StepRow row = sequence_.Steps[static_cast<std::size_t>(sourceRow) - 1];
+    const StepRow row = sequence_.Step(sourceRow - 1);
     const std::array<StepCells, MAX_CHANNELS> cells{CellsOf(sequence_, 0, sourceRow - 1),
                                                     CellsOf(sequence_, 1, sourceRow - 1)};
     for (int step = target.FirstRow - 1; step < target.LastRow; ++step) {

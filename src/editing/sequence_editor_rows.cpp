@@ -39,8 +39,8 @@ void ResetVisible(SequenceData& sequence, int channels, int slot, const ModelDef
 void AdoptUnits(SequenceData& sequence, int channels, int slot, const ModelDefinition& definition) {
   const int other = slot == 0 ? 1 : 0;
   if (other >= sequence.StepCount) return;
-  StepRow& row = sequence.Steps[static_cast<std::size_t>(slot)];
-  const std::int16_t unit = sequence.Steps[static_cast<std::size_t>(other)].TimeUnit;
+  StepRow& row = sequence.Step(slot);
+  const std::int16_t unit = sequence.Step(other).TimeUnit;
   row.StepTime = Converted(TimeColumn(definition), row.StepTime, std::exchange(row.TimeUnit, unit), unit);
   for (int channel = 0; channel < channels; ++channel) {
     for (int param = 0; param < MAX_PARAMS; ++param) {
@@ -66,7 +66,7 @@ bool BranchesTo(const StepRow& row, int number, const BranchAreaDef& branches) {
 void SequenceEditor::OpenSlots(int slot, int count) {
   for (int from = sequence_.StepCount - 1; from >= slot; --from) {
     const int to = from + count;
-    sequence_.Steps[static_cast<std::size_t>(to)] = sequence_.Steps[static_cast<std::size_t>(from)];
+    sequence_.Step(to) = sequence_.Step(from);
     CopyCells(sequence_, views_.ChannelGrids(), from, to);
   }
   sequence_.StepCount = static_cast<std::int16_t>(sequence_.StepCount + count);
@@ -105,7 +105,7 @@ bool SequenceEditor::AskBeforeDelete(int slot) {
   bool branch = false;
   for (int other = 0; other < sequence_.StepCount; ++other) {
     if (other == slot) continue;
-    const StepRow& row = sequence_.Steps[static_cast<std::size_t>(other)];
+    const StepRow& row = sequence_.Step(other);
     jump = jump || (row.JumpOn != 0 && row.JumpTo == number);
     branch = branch || BranchesTo(row, number, definition_.Branches);
   }
@@ -127,7 +127,7 @@ EditOutcome SequenceEditor::DeleteRow() {
   }
   EditOutcome outcome = Perform(TextId::EditDeleteRow, [&]() -> std::optional<EditMessage> {
     for (int slot = row - 1; slot + 1 < MAX_STEPS; ++slot) {
-      sequence_.Steps[static_cast<std::size_t>(slot)] = sequence_.Steps[static_cast<std::size_t>(slot) + 1];
+      sequence_.Step(slot) = sequence_.Step(slot + 1);
       CopyCells(sequence_, views_.ChannelGrids(), slot + 1, slot);
     }
     ResetVisible(sequence_, views_.ChannelGrids(), MAX_STEPS - 1, definition_);
@@ -149,15 +149,14 @@ EditOutcome SequenceEditor::MoveRow(TextId action, int distance) {
   EditOutcome outcome = Perform(action, [&]() -> std::optional<EditMessage> {
     // Jumps keep pointing at the same step.
     for (int slot = 0; slot < sequence_.StepCount; ++slot) {
-      std::int16_t& target = sequence_.Steps[static_cast<std::size_t>(slot)].JumpTo;
+      std::int16_t& target = sequence_.Step(slot).JumpTo;
       if (target == row) {
         target = static_cast<std::int16_t>(other);
       } else if (target == other) {
         target = static_cast<std::int16_t>(row);
       }
     }
-    std::swap(sequence_.Steps[static_cast<std::size_t>(row) - 1],
-              sequence_.Steps[static_cast<std::size_t>(other) - 1]);
+    std::swap(sequence_.Step(row - 1), sequence_.Step(other - 1));
     for (int channel = 0; channel < views_.ChannelGrids(); ++channel) {
       for (int param = 0; param < MAX_PARAMS; ++param) {
         std::swap(sequence_.Cell(channel, row - 1, param), sequence_.Cell(channel, other - 1, param));
@@ -188,7 +187,7 @@ EditOutcome SequenceEditor::DuplicateRows() {
     OpenSlots(block->LastRow, count);
     for (int slot = block->LastRow; slot < block->LastRow + count; ++slot) {
       const int source = slot - count;
-      sequence_.Steps[static_cast<std::size_t>(slot)] = sequence_.Steps[static_cast<std::size_t>(source)];
+      sequence_.Step(slot) = sequence_.Step(source);
       CopyCells(sequence_, views_.ChannelGrids(), source, slot);
     }
     return std::nullopt;

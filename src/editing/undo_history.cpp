@@ -73,7 +73,7 @@ std::optional<UndoEntry> UndoEntry::Between(const SequenceData& before, const Se
 void UndoEntry::Exchange(SequenceData& sequence) {
   std::swap(stepCount_, sequence.StepCount);
   for (StepChange& change : steps_) {
-    StepRow& row = sequence.Steps[static_cast<std::size_t>(change.Slot)];
+    StepRow& row = sequence.Step(change.Slot);
     change.Row.StepRunTime = row.StepRunTime;
     std::swap(change.Row, row);
   }

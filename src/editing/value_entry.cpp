@@ -57,7 +57,7 @@ std::optional<std::int16_t> ChoiceNamed(const ChoiceList& list, std::string_view
 }
 
 StepRow& RowAt(SequenceData& sequence, int step) {
-  return sequence.Steps[static_cast<std::size_t>(step)];
+  return sequence.Step(step);
 }
 
 // The number typed into a common-area text cell, in base units, or why it cannot be stored.
@@ -319,7 +319,7 @@ StepCells CellsOf(const SequenceData& sequence, int channel, int step) {
 }
 
 EntryResult CheckCommonValue(const GridViews& views, const SequenceData& sequence, int step, int column) {
-  const StepRow& row = sequence.Steps[static_cast<std::size_t>(step)];
+  const StepRow& row = sequence.Step(step);
   if (!CommonInUse(views.Definition(), row, column)) return std::nullopt;
   const ValueBounds bounds = CommonBounds(views.Definition(), sequence, column);
   const double value = CommonBaseValue(views.Definition(), row, column);

@@ -8,8 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/text_id.h"
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 
 namespace corlune {
 

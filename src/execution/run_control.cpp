@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "comm/gp_codes.h"
 #include "commands/expand_template.h"
 #include "sequence/channel_tabs.h"
 
@@ -39,7 +40,7 @@ RunControl::RunControl(RunContext run, Measure& measure, RunQueries& queries, Ac
 bool RunControl::AgreeToGoOn() {
   return !run_.state.MayStillRun ||
          ShowMessage(run_.prompts, run_.catalogue, TextId::GoOnQuestion, PromptIcon::Question,
-                     PromptButtons::OkCancel) == PromptAnswer::Ok;
+                     PromptButtons::OkCancel, {}, PromptAnswer::Cancel) == PromptAnswer::Ok;
 }
 
 bool RunControl::SetOperationMode(OperationMode mode) {
@@ -357,6 +358,18 @@ void RunControl::TickEnded() {
     if (state.MayStillRun) RunCommand(Run::Stop);
   } else if (waiting && (state.OperationMode == OperationMode::Execution || state.MayStillRun)) {
     RunCommand(*waiting);
+  }
+}
+
+void RunControl::StopForEnd() {
+  const AppState& state = run_.state;
+  const bool going = state.RunState != RunState::Stopped || activity_.Under(Work::Start);
+  if (!going && !state.MayStillRun) return;
+  if (state.MayStillRun && !run_.commands.Online() && reopen_) reopen_();
+  for (int i = 0; run_.commands.Online() && i < state.InstrumentCount; ++i) {
+    const std::int32_t address = run_.commands.SelectInstrument(i);
+    run_.commands.Gp().GP_Time_Out(kTimeOut300ms);
+    run_.commands.SendCommand(address, run_.commands.Definition().Commands.Stop.Template, 0);
   }
 }
 

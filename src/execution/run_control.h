@@ -52,6 +52,10 @@ class RunControl {
   // Also while a run is going or held.
   bool BusyOrRunning() const { return Busy() || run_.state.RunState != RunState::Stopped; }
 
+  // The program ends at once: stops what runs, is held, is being started or may still run, on every
+  // instrument. Handles no events and waits for nothing but the instruments, 300 ms for each.
+  void StopForEnd();
+
   // The monitor calls this at the end of each tick: carries out what was deferred to it.
   void TickEnded();
   // To be called when something else that exchanged with an instrument has ended: carries out the stop that

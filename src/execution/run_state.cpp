@@ -13,7 +13,7 @@ bool SetRunState(AppState& state, RunState to) {
 const StepRow* CurrentStepRow(const RunContext& run) {
   const int step = run.state.CurrentStep;
   if (step < 0 || step >= run.sequence.StepCount || step >= MAX_STEPS) return nullptr;
-  return &run.sequence.Steps[static_cast<std::size_t>(step)];
+  return &run.sequence.Step(step);
 }
 
 int SendToEach(const RunContext& run, const CommandEntry& entry, int first) {

@@ -54,7 +54,7 @@ double DefaultValue(const ParamDef& definition) {
 }
 
 void ResetStep(SequenceData& sequence, int slot, const ModelDefinition& definition) {
-  sequence.Steps[static_cast<std::size_t>(slot)] = NewStepRow(definition);
+  sequence.Step(slot) = NewStepRow(definition);
   for (int param = 0; param < MAX_PARAMS; ++param) {
     const ParamCell cell = NewCell(definition, param);
     for (int channel = 0; channel < MAX_CHANNELS; ++channel) sequence.Cell(channel, slot, param) = cell;

@@ -138,7 +138,7 @@ void WriteCells(TextWriter& out, const SequenceData& sequence, int channel, int 
 void WriteBranches(TextWriter& out, const SequenceData& sequence, int steps, std::int16_t branchDefault) {
   const std::array<std::int16_t, kBranchEntries> defaults{branchDefault, branchDefault};
   for (int slot = 0; slot < steps; ++slot) {
-    const auto& targets = sequence.Steps[static_cast<std::size_t>(slot)].BranchStep;
+    const auto& targets = sequence.Step(slot).BranchStep;
     if (targets == defaults) continue;
     out.Key("BR_SETVAL#", slot).Integer(targets[0]);
     for (int entry = 1; entry < kBranchEntries; ++entry) {
@@ -155,8 +155,7 @@ void WriteSteps(TextWriter& out, const SequenceData& sequence, int channels, int
   out.Line("CM_EXTCTRL=", sequence.Common.ExtCtrl);
   out.Line("CM_MLTIO=", sequence.Common.MultiIo);
   out.Line("CM_SYNCOUT=", sequence.Common.SyncOut);
-  for (int slot = 0; slot < steps; ++slot)
-    WriteStep(out, slot, sequence.Steps[static_cast<std::size_t>(slot)]);
+  for (int slot = 0; slot < steps; ++slot) WriteStep(out, slot, sequence.Step(slot));
   const int params = std::clamp<int>(definition.Sequence.ParamCount, 0, MAX_PARAMS);
   for (int channel = 0; channel < channels; ++channel) {
     for (int slot = 0; slot < steps; ++slot) WriteCells(out, sequence, channel, slot, params);

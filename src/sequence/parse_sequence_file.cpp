@@ -86,19 +86,19 @@ bool ReadSystemLine(const ProfileLine& line, SystemSettings& settings) {
   return true;
 }
 
-// False when an interface index lies outside the model's list. A name that stands for no kind leaves the
-// instrument's kind as it is.
-bool DeriveInterfaceKinds(SystemSettings& settings, const ModelDefinition& definition) {
+// The instrument whose interface index lies outside the model's list. A name that stands for no kind leaves
+// the instrument's kind as it is.
+std::optional<int> WithoutInterface(SystemSettings& settings, const ModelDefinition& definition) {
   const auto& names = definition.InterfaceOf(settings.ModelIndex).InterfaceNames;
   for (int i = 0; i < settings.InstrumentCount; ++i) {
     InstrumentEntry& instrument = settings.Instruments[static_cast<std::size_t>(i)];
-    if (instrument.Interface < 0) return false;
+    if (instrument.Interface < 0) return i;
     const auto position = static_cast<std::size_t>(instrument.Interface);
     if (names.empty()) continue;  // a model without an interface section
-    if (position >= names.size()) return false;
+    if (position >= names.size()) return i;
     instrument.InterfaceKind = KindOfInterface(names[position]).value_or(instrument.InterfaceKind);
   }
-  return true;
+  return std::nullopt;
 }
 
 bool ReadUserUnit(std::string_view value, UserUnitDef& unit) {
@@ -160,7 +160,7 @@ bool ReadModeLine(const ProfileLine& line, SequenceData& sequence) {
 bool ReadStep(const ProfileLine& line, SequenceData& sequence) {
   const auto slot = KeyIndex(line.Key, 1, MAX_STEPS);
   if (!slot) return false;
-  StepRow& row = sequence.Steps[static_cast<std::size_t>(*slot)];
+  StepRow& row = sequence.Step(*slot);
   return ReadAll(line.Value, row.StepTime, row.TimeUnit, row.AutoHold, row.StopPhaseOn, row.StopPhase,
                  row.EventBranchOn, row.EventBranchStep, row.StateBranchOn, row.StateBranchStep, row.JumpOn,
                  row.JumpTo, row.JumpCountOn, row.JumpCount, row.StepTerm, row.StepCode);
@@ -183,7 +183,7 @@ bool ReadCells(const ProfileLine& line, SequenceData& sequence) {
 bool ReadBranches(const ProfileLine& line, SequenceData& sequence) {
   const auto slot = KeyIndex(line.Key, 1, MAX_STEPS);
   if (!slot) return false;
-  auto& targets = sequence.Steps[static_cast<std::size_t>(*slot)].BranchStep;
+  auto& targets = sequence.Step(*slot).BranchStep;
   return ReadAll(line.Value, targets[0], targets[1], targets[2], targets[3], targets[4]);
 }
 
@@ -223,17 +223,24 @@ bool ReadViewLine(const ProfileLine& line, SequenceData& sequence) {
 
 // Calls `read` for every entry; the result tells the first line it refused.
 template <typename Reader>
-std::optional<std::string> RefusedLine(std::string_view section, Reader read) {
+std::optional<std::string_view> RefusedLine(std::string_view section, Reader read) {
   ProfileLines lines(section);
   ProfileLine line;
   while (lines.Next(line)) {
-    if (!read(line)) return std::string(line.Whole.substr(0, kDetailLength));
+    if (!read(line)) return line.Whole;
   }
   return std::nullopt;
 }
 
-ReadResult Malformed(const SystemSettings& settings, std::string detail) {
-  return {SequenceFileProblem::Malformed, settings.ModelName, std::move(detail)};
+ReadResult Missing(const SystemSettings& settings, std::string what) {
+  return {SequenceFileProblem::Malformed, settings.ModelName, std::move(what), 0};
+}
+
+// `line` is a part of `text`.
+ReadResult Refused(const SystemSettings& settings, std::string_view text, std::string_view line) {
+  const auto number = 1 + std::count(text.data(), line.data(), '\n');
+  return {SequenceFileProblem::Malformed, settings.ModelName, std::string(line.substr(0, kDetailLength)),
+          static_cast<int>(number)};
 }
 
 // Makes `sequence` an empty one but for what a load keeps.
@@ -267,22 +274,27 @@ ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const
                              SequenceData& sequence, SystemSettings& settings) {
   const SectionTable sections = FindSections(text);
   SystemSettings setup = settings;
-  if (!HasEntry(sections.File)) return Malformed(setup, "[FILE]");
-  if (!HasEntry(sections.System)) return Malformed(setup, "[SYSTEM]");
-  if (auto line = RefusedLine(*sections.System, [&](auto& entry) { return ReadSystemLine(entry, setup); })) {
-    return Malformed(setup, *std::move(line));
+  if (!HasEntry(sections.File)) return Missing(setup, "[FILE]");
+  if (!HasEntry(sections.System)) return Missing(setup, "[SYSTEM]");
+  if (const auto line =
+          RefusedLine(*sections.System, [&](auto& entry) { return ReadSystemLine(entry, setup); })) {
+    return Refused(setup, text, *line);
   }
   const std::optional<const ModelDefinition*> found = definitions(setup.ModelName);
-  if (!found) return {SequenceFileProblem::UnknownModel, setup.ModelName, {}};
+  if (!found) return {SequenceFileProblem::UnknownModel, setup.ModelName, {}, 0};
   const ModelDefinition* const definition = *found;
-  if (definition == nullptr) return {SequenceFileProblem::NoDefinition, setup.ModelName, {}};
+  if (definition == nullptr) return {SequenceFileProblem::NoDefinition, setup.ModelName, {}, 0};
   setup.ModelIndex = static_cast<std::int16_t>(definition->IndexOfModel(setup.ModelName));
-  if (!DeriveInterfaceKinds(setup, *definition)) return Malformed(setup, "SS_INTERFACE");
+  if (const auto instrument = WithoutInterface(setup, *definition)) {
+    const std::string key = "SS_INTERFACE" + std::to_string(*instrument);
+    const auto line = RefusedLine(*sections.System, [&](auto& entry) { return entry.Key != key; });
+    return line ? Refused(setup, text, *line) : Missing(setup, key);
+  }
 
   const auto& steps = form == SequenceFileForm::User ? sections.UserSteps : sections.WorkSteps;
-  if (!HasEntry(sections.Common)) return Malformed(setup, "[COMMON]");
-  if (!HasEntry(sections.Mode)) return Malformed(setup, "[MODE]");
-  if (!HasEntry(steps)) return Malformed(setup, form == SequenceFileForm::User ? "[DATA]" : "[FRMEDIT]");
+  if (!HasEntry(sections.Common)) return Missing(setup, "[COMMON]");
+  if (!HasEntry(sections.Mode)) return Missing(setup, "[MODE]");
+  if (!HasEntry(steps)) return Missing(setup, form == SequenceFileForm::User ? "[DATA]" : "[FRMEDIT]");
 
   // The whole sequence is too large for a stack that a caller may share with other things.
   const auto loaded = std::make_unique<SequenceData>(sequence);
@@ -296,13 +308,13 @@ ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const
   if (!refused && sections.View) {
     refused = RefusedLine(*sections.View, [&](auto& entry) { return ReadViewLine(entry, *loaded); });
   }
-  if (refused) return Malformed(setup, *std::move(refused));
+  if (refused) return Refused(setup, text, *refused);
 
   ComputeStartValues(*loaded);
   ComputeRunTimes(*loaded, *definition);
   sequence = std::move(*loaded);
   settings = std::move(setup);
-  return {SequenceFileProblem::None, settings.ModelName, {}};
+  return {SequenceFileProblem::None, settings.ModelName, {}, 0};
 }
 
 }  // namespace corlune

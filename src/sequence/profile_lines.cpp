@@ -1,61 +1,16 @@
 #include "sequence/profile_lines.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
 #include <type_traits>
 
 #include "core/numbers.h"
+#include "core/profile_bytes.h"
 
 namespace corlune {
 
 namespace {
-
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
-std::string_view TrimLeft(std::string_view text) {
-  while (!text.empty() && IsBlank(text.front())) text.remove_prefix(1);
-  return text;
-}
-
-std::string_view TrimRight(std::string_view text) {
-  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
-  return text;
-}
-
-// Length of the line at the beginning of `text`, without its break. Searching for one character is far
-// faster than for one of two; the windows keep that fast where one of the two never comes.
-std::size_t LineLength(std::string_view text) {
-  constexpr std::size_t kWindow = 4096;
-  for (std::size_t begin = 0; begin < text.size(); begin += kWindow) {
-    const std::string_view window = text.substr(begin, kWindow);
-    const std::size_t feed = std::min(window.find('\n'), window.size());
-    const std::size_t end = std::min(window.substr(0, feed).find('\r'), feed);
-    if (end < window.size()) return begin + end;
-  }
-  return text.size();
-}
-
-// Takes one line with its break ("\n", "\r\n" or "\r") off `rest`; the line comes back without it.
-std::string_view TakeLine(std::string_view& rest) {
-  const std::string_view line = rest.substr(0, LineLength(rest));
-  rest.remove_prefix(line.size());
-  const bool both = rest.substr(0, 2) == "\r\n";
-  rest.remove_prefix(std::min<std::size_t>(both ? 2 : 1, rest.size()));
-  return line;
-}
-
-bool IsHeading(std::string_view line, std::string_view& name) {
-  line = TrimLeft(line);
-  if (line.empty() || line.front() != '[') return false;
-  const std::size_t close = line.find(']');
-  if (close == std::string_view::npos) return false;
-  name = TrimRight(TrimLeft(line.substr(1, close - 1)));
-  return true;
-}
 
 template <typename T>
 std::optional<T> SlowNumber(std::string_view item) {
@@ -73,35 +28,44 @@ bool IsUsable(T value) {
 }  // namespace
 
 bool ProfileLines::Next(ProfileLine& line) {
-  while (!rest_.empty()) {
-    const std::string_view text = TrimLeft(TakeLine(rest_));
-    if (text.empty() || text.front() == ';') continue;
-    line.Whole = text;
-    const std::size_t equals = text.find('=');
-    line.Key = TrimRight(text.substr(0, equals));
-    line.RawValue = equals == std::string_view::npos ? text.substr(text.size()) : text.substr(equals + 1);
+  profile::Line at;
+  while (reader_.Next(at)) {
+    if (at.text.empty() || profile::IsComment(at.text)) continue;
+    // Blanks at the end belong to the value.
+    const auto begin = static_cast<std::size_t>(at.text.data() - section_.data());
+    line.Whole = section_.substr(begin, at.contentEnd - begin);
+    const std::size_t equals = line.Whole.find('=');
+    line.Key = profile::Trim(line.Whole.substr(0, equals));
+    line.RawValue = equals == std::string_view::npos ? line.Whole.substr(line.Whole.size())
+                                                     : line.Whole.substr(equals + 1);
     line.Value = line.RawValue.substr(0, line.RawValue.find('='));
     return true;
   }
   return false;
 }
 
+bool ProfileSections::IsHeading(const profile::Line& line) {
+  heading_ = profile::HeaderName(line.text, kUtf8CodePage);
+  bodyBegin_ = line.end;
+  return heading_.has_value();
+}
+
 bool ProfileSections::Next(std::string_view& name, std::string_view& body) {
-  bool found = false;
-  while (!found && !rest_.empty()) found = IsHeading(TakeLine(rest_), name);
-  if (!found) return false;
-  const std::string_view start = rest_;
-  std::string_view probe = rest_;
-  std::string_view nextName;
-  while (!probe.empty()) {
-    const std::string_view before = probe;
-    if (IsHeading(TakeLine(probe), nextName)) {
-      rest_ = before;
-      break;
-    }
-    rest_ = probe;
+  profile::Line line;
+  while (!heading_) {
+    if (!reader_.Next(line)) return false;
+    IsHeading(line);
   }
-  body = start.substr(0, start.size() - rest_.size());
+  name = *heading_;
+  heading_.reset();
+  const std::size_t begin = bodyBegin_;
+  std::size_t end = text_.size();
+  while (reader_.Next(line)) {
+    if (!IsHeading(line)) continue;
+    end = line.begin;
+    break;
+  }
+  body = text_.substr(begin, end - begin);
   return true;
 }
 

@@ -1,10 +1,12 @@
-// Walking through profile text without copying it: sections, entries, comma-separated fields. The same
-// rules as core/profile_file.h, for text that is large and read often; values are views into the text.
+// Walking through profile text without copying it: sections, entries, comma-separated fields. For
+// text that is large and read often; values are views into the text (UTF-8).
 #pragma once
 
 #include <cstdint>
 #include <optional>
 #include <string_view>
+
+#include "core/profile_reader.h"
 
 namespace corlune {
 
@@ -18,23 +20,29 @@ struct ProfileLine {
 // Entries of a section: lines that are neither blank nor a comment.
 class ProfileLines {
  public:
-  explicit ProfileLines(std::string_view section) : rest_(section) {}
+  explicit ProfileLines(std::string_view section) : section_(section), reader_(section) {}
   // False at the end.
   bool Next(ProfileLine& line);
 
  private:
-  std::string_view rest_;
+  std::string_view section_;
+  profile::LineReader reader_;
 };
 
 // Section headings of a text in file order.
 class ProfileSections {
  public:
-  explicit ProfileSections(std::string_view text) : rest_(text) {}
+  explicit ProfileSections(std::string_view text) : text_(text), reader_(text) {}
   // Name as written and the lines up to the next heading. False at the end.
   bool Next(std::string_view& name, std::string_view& body);
 
  private:
-  std::string_view rest_;
+  bool IsHeading(const profile::Line& line);
+
+  std::string_view text_;
+  profile::LineReader reader_;
+  std::optional<std::string_view> heading_;  // found, its section not yet handed out
+  std::size_t bodyBegin_ = 0;                // of that section
 };
 
 // Fields of a value in order. Every reader returns false, and stays where it is, when there is no further

@@ -33,11 +33,11 @@ double StepRunTimeOf(const StepRow& row, double stepTime, double frequency) {
 
 // One pass of the loop that the step in `slot` jumps back over, in ms.
 double LoopTime(const SequenceData& sequence, const ModelDefinition& definition, int slot) {
-  const StepIndex first = IndexOf(StepNumber{sequence.Steps[static_cast<std::size_t>(slot)].JumpTo});
+  const StepIndex first = IndexOf(StepNumber{sequence.Step(slot).JumpTo});
   if (first.value < 0) return 0;
   double time = 0;
   for (int step = first.value; step <= slot; ++step) {
-    time += StepTimeMs(sequence.Steps[static_cast<std::size_t>(step)], definition);
+    time += StepTimeMs(sequence.Step(step), definition);
   }
   return time;
 }
@@ -49,7 +49,7 @@ RunTimes ComputeRunTimes(SequenceData& sequence, const ModelDefinition& definiti
   bool endless = false;
   const int used = std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
   for (int slot = 0; slot < used; ++slot) {
-    StepRow& row = sequence.Steps[static_cast<std::size_t>(slot)];
+    StepRow& row = sequence.Step(slot);
     const double stepTime = StepTimeMs(row, definition);
     total += stepTime;
     const ParamCell& frequency = sequence.Cell(0, slot, kSlotFrequency);

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "core/step_numbering.h"
 #include "modeldef/model_definition.h"
 
 namespace corlune {
@@ -126,6 +127,11 @@ struct SequenceData {
   std::string SequenceName;
   std::int16_t SequenceNumber = 0;  // instrument memory 0..10
 
+  // Slot 0..255; not checked.
+  StepRow& Step(int slot) { return Steps[static_cast<std::size_t>(slot)]; }
+  const StepRow& Step(int slot) const { return Steps[static_cast<std::size_t>(slot)]; }
+  StepRow& Step(StepIndex index) { return Step(index.value); }
+  const StepRow& Step(StepIndex index) const { return Step(index.value); }
   // channel 0..1, step slot 0..255, parameter slot 0..10; not checked.
   ParamCell& Cell(int channel, int step, int param) { return Cells[CellIndex(channel, step, param)]; }
   const ParamCell& Cell(int channel, int step, int param) const {

@@ -61,29 +61,14 @@ bool WriteSeqFile(const std::string& path, SequenceFileForm form, const AppState
   return true;
 }
 
-bool ReadSeqFile(const std::string& path, SequenceFileForm form, const DefinitionFor& definitions,
-                 AppState& state, SequenceData& sequence, Prompts& prompts,
-                 const MessageCatalogue& catalogue) {
-  ReadResult result{SequenceFileProblem::Malformed, {}, {}};
+ReadResult ReadSeqFile(const std::string& path, SequenceFileForm form, const DefinitionFor& definitions,
+                       AppState& state, SequenceData& sequence) {
+  const auto bytes = ReadWholeFile(path);
+  if (!bytes) return {SequenceFileProblem::Malformed, {}, {}, 0};
   SystemSettings settings = SettingsOf(state);
-  if (const auto bytes = ReadWholeFile(path)) {
-    result = ParseSequenceFile(DecodeText(*bytes), form, definitions, sequence, settings);
-  }
-  switch (result.Problem) {
-    case SequenceFileProblem::None:
-      ApplySettings(state, settings);
-      return true;
-    case SequenceFileProblem::UnknownModel:
-      ShowMessage(prompts, catalogue, TextId::UnknownModel, PromptIcon::Exclamation, PromptButtons::Ok,
-                  {result.Model});
-      return false;
-    case SequenceFileProblem::NoDefinition:
-      return false;
-    case SequenceFileProblem::Malformed:
-      ShowMessage(prompts, catalogue, TextId::MalformedSequenceFile, PromptIcon::Exclamation);
-      return false;
-  }
-  return false;
+  ReadResult result = ParseSequenceFile(DecodeText(*bytes), form, definitions, sequence, settings);
+  if (result.Problem == SequenceFileProblem::None) ApplySettings(state, settings);
+  return result;
 }
 
 }  // namespace corlune

@@ -13,8 +13,6 @@
 #include <string_view>
 
 #include "core/app_state.h"
-#include "core/catalogue.h"
-#include "core/ports.h"
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 #include "sequence/system_settings.h"
@@ -44,7 +42,8 @@ enum class SequenceFileProblem {
 struct ReadResult {
   SequenceFileProblem Problem = SequenceFileProblem::None;
   std::string Model;   // the model that the file names, as far as it was read
-  std::string Detail;  // Malformed: the section or line, for a console or log; not translated
+  std::string Detail;  // the line that was refused, or the section that is missing; empty: not readable
+  int Line = 0;        // 1-based; 0: no line of the file is to blame
 };
 
 // The form of a file, told by its step section; nullopt when it has none.
@@ -70,11 +69,10 @@ ReadResult ParseSequenceFile(std::string_view text, SequenceFileForm form, const
                                 const ModelDefinition& definition, SequenceData& sequence,
                                 std::string* error = nullptr);
 
-// Loads the file into `sequence` and the set-up fields of `state`. On a problem shows UnknownModel or
-// MalformedSequenceFile (exclamation; pumps events), leaves both as they were and returns false. Does not
-// touch Modified or CurrentFilePath.
-[[nodiscard]] bool ReadSeqFile(const std::string& path, SequenceFileForm form,
-                               const DefinitionFor& definitions, AppState& state, SequenceData& sequence,
-                               Prompts& prompts, const MessageCatalogue& catalogue);
+// Loads the file into `sequence` and the set-up fields of `state`; on a problem both stay as they were. Shows
+// no message. Does not touch Modified or CurrentFilePath.
+[[nodiscard]] ReadResult ReadSeqFile(const std::string& path, SequenceFileForm form,
+                                     const DefinitionFor& definitions, AppState& state,
+                                     SequenceData& sequence);
 
 }  // namespace corlune

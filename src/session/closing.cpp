@@ -45,4 +45,16 @@ bool Session::RequestClose() {
   return true;
 }
 
+bool Session::EndFromOutside() {
+  end_.Save();
+  if (activity_.Under(Work::Download)) {
+    downloader_->RequestEnd();
+    return false;
+  }
+  control_->StopForEnd();
+  Disconnect();
+  end_.EndNow(0);
+  return true;
+}
+
 }  // namespace corlune

@@ -1,6 +1,7 @@
 // Session: opening, closing and checking the instruments, and the system set-up.
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "modeldef/read_model_definition.h"
 #include "session/session.h"
@@ -10,6 +11,8 @@ namespace corlune {
 namespace {
 
 constexpr int kMostChannels = 20;
+constexpr std::uint32_t kQuietTime = 300;   // ms that a reconnection takes before it shows what it waits for
+constexpr std::uint32_t kTimeToPaint = 50;  // ms until a window that was just opened can be read
 
 bool OnGpib(const InstrumentEntry& entry) {
   return entry.InterfaceKind == InterfaceKind::NiGpib || entry.InterfaceKind == InterfaceKind::KiGpib;
@@ -40,17 +43,44 @@ std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSettings& set
 
 }  // namespace
 
+bool Session::WaitFor(TextId text, const std::vector<std::string>& arguments, int done, int steps) {
+  if (!waitsFrom_ || options_.simulated || !TickReached(ports_.clock.Now(), *waitsFrom_)) return true;
+  ports_.progress.ShowWait(catalogue_.GetResString(text, arguments),
+                           catalogue_.GetResString(TextId::ButtonWorkOffLine), done, steps);
+  if (std::exchange(waitShown_, true)) {
+    ports_.pump.HandlePending();
+  } else {
+    ports_.pump.SleepUntil(ports_.clock.Now() + kTimeToPaint);
+  }
+  return !ports_.progress.Cancelled() || !HideWait();
+}
+
+bool Session::HideWait() {
+  if (!std::exchange(waitShown_, false)) return false;
+  ports_.pump.HandlePending();
+  const bool cancelled = ports_.progress.Cancelled();
+  ports_.progress.End();
+  if (!cancelled) return false;
+  state_.MayStillRun = false;
+  GoOffline();
+  return true;
+}
+
 bool Session::OpenConnection() {
   int failed = 0;
+  std::string problem;
   state_.Online = 1;
   state_.Lost = {};
-  if (commands_->OpenInstrumentInterface(&failed)) {
+  wasOnline_ = false;
+  if (commands_->OpenInstrumentInterface(&failed, &problem)) {
     state_.Connected = true;
     return true;
   }
-  ShowMessage(ports_.prompts, catalogue_, TextId::CommunicationError, PromptIcon::Exclamation,
-              PromptButtons::Ok, {std::to_string(failed + 1)});
   state_.Online = 0;
+  if (HideWait()) return false;
+  std::string text = catalogue_.GetResString(TextId::CommunicationError, {std::to_string(failed + 1)});
+  if (!problem.empty()) text += "\n" + problem;
+  Warn(text);
   return false;
 }
 
@@ -84,6 +114,7 @@ void Session::NoticeLostConnection() {
   }
   if (!oneLeft && Idle()) {
     GoOffline();
+    wasOnline_ = true;
   } else if (state_.Lost != before) {
     ports_.display.ConnectionChanged();
   }
@@ -109,34 +140,39 @@ void Session::ForgetInstrumentMemory() {
 
 bool Session::Reconnect() {
   const WorkGuard guard(activity_, Work::Exchange);
+  // A start has begun to say what it waits for.
+  const auto before = waitsFrom_;
+  if (!before) waitsFrom_ = ports_.clock.Now() + kQuietTime;
   Disconnect();
   ForgetInstrumentMemory();
   state_.OutputOn = false;
-  if (!OpenConnection()) {
-    ports_.display.ConnectionChanged();
-    return false;
-  }
-  if (!CheckModels()) return false;
-  QueryArbDirectory();
+  if (WaitFor(TextId::ConnectingInstrument) && OpenConnection() && CheckModels()) QueryArbDirectory();
+  HideWait();
+  waitsFrom_ = before;
   ports_.display.ConnectionChanged();
-  return true;
+  return state_.Online == 1;
 }
 
 bool Session::CheckModels() {
   const WorkGuard guard(activity_, Work::Exchange);
   const CommandEntry& query = definition_.Commands.Model;
   for (int i = 0; i < state_.InstrumentCount; ++i) {
+    const InterfaceKind kind = state_.Instruments[static_cast<std::size_t>(i)].InterfaceKind;
+    if (kind == InterfaceKind::Simulated) continue;  // its replies are the person's
+    if (!WaitFor(TextId::CheckingModel, {std::to_string(i + 1)})) return false;
     const std::int32_t address = commands_->SelectInstrument(i);
     std::string reply;
     bool answered = !Failed(commands_->SendCommand(address, query.Template, query.Wait));
     answered = answered && !Failed(commands_->ReceiveReply(address, reply)) && !reply.empty();
     if (answered && reply.find(state_.ModelName) != std::string::npos) continue;
+    if (HideWait()) return false;
     const PromptAnswer answer = ShowMessage(
         ports_.prompts, catalogue_, answered ? TextId::WrongInstrumentModel : TextId::InstrumentNotFound,
-        PromptIcon::Question, PromptButtons::YesNo, {std::to_string(i + 1)});
+        PromptIcon::Question, PromptButtons::YesNo, {std::to_string(i + 1)}, PromptAnswer::Yes);
     if (answer != PromptAnswer::Yes) end_.EndNow(1);
     state_.MayStillRun = false;
     GoOffline();
+    wasOnline_ = true;
     return false;
   }
   return true;
@@ -146,7 +182,21 @@ void Session::QueryArbDirectory() {
   if (state_.Online != 1) return;
   const WorkGuard guard(activity_, Work::Exchange);
   commands_->SelectInstrument(0);
-  waveforms_->QueryArbDirectory(sequence_.Channels.ArbFiles);
+  waveforms_->QueryArbDirectory(sequence_.Channels.ArbFiles, [this](int asked) {
+    return WaitFor(TextId::ReadingArbDirectory, {std::to_string(asked + 1), std::to_string(kArbNumbers)},
+                   asked, kArbNumbers);
+  });
+}
+
+bool Session::MayGoOnlineAgain() {
+  if (!wasOnline_) return false;
+  const InstrumentEntry& first = state_.Instruments[0];
+  if (first.InterfaceKind != InterfaceKind::UsbTmc) return true;
+  if (FindInstruments() == 0) return false;
+  const auto& found = Gp().Found();
+  return std::any_of(found.begin(), found.end(), [&](const FoundInstrument& instrument) {
+    return instrument.SerialNo == first.SerialNo;
+  });
 }
 
 bool Session::SetupChangedSince(const SystemSettings& before) const {
@@ -155,6 +205,7 @@ bool Session::SetupChangedSince(const SystemSettings& before) const {
     const InstrumentEntry& old = before.Instruments[i];
     const InstrumentEntry& now = state_.Instruments[i];
     if (old.InterfaceKind != now.InterfaceKind) return true;
+    if (now.InterfaceKind == InterfaceKind::Simulated) continue;  // has no address
     const bool usbTmc = now.InterfaceKind == InterfaceKind::UsbTmc;
     if (usbTmc ? old.SerialNo != now.SerialNo : old.Address != now.Address) return true;
   }

@@ -25,6 +25,30 @@ void Session::ClearSequence() {
   state_.CurrentFilePath.clear();
 }
 
+void Session::Warn(const std::string& text) {
+  MessageRequest request;
+  request.text = text;
+  request.icon = PromptIcon::Exclamation;
+  ports_.prompts.Message(request);
+}
+
+void Session::ShowReadProblem(const std::string& path, const ReadResult& result, const std::string& more) {
+  const bool known = result.Problem != SequenceFileProblem::UnknownModel;
+  std::string text =
+      catalogue_.GetResString(known ? TextId::MalformedSequenceFile : TextId::UnknownModel, {result.Model}) +
+      "\n";
+  if (result.Line > 0) {
+    text += catalogue_.GetResString(TextId::LineCannotBeTaken,
+                                    {path, std::to_string(result.Line), result.Detail});
+  } else if (!result.Detail.empty()) {
+    text += catalogue_.GetResString(TextId::KeyMissing, {path, result.Detail});
+  } else {
+    text += known ? catalogue_.GetResString(TextId::PathUnreadable, {path}) : path;
+  }
+  if (!more.empty()) text += "\n" + more;
+  Warn(text);
+}
+
 void Session::ShowWriteProblem(const std::string& path, const std::string& error) {
   ShowMessage(ports_.prompts, catalogue_, TextId::CannotWriteFile, PromptIcon::Exclamation, PromptButtons::Ok,
               {path, error});
@@ -130,7 +154,9 @@ bool Session::LoadUserFile(const std::string& path) {
     other = std::make_unique<ModelDefinition>(definition_);
     return LoadDefinitionOf(next, *other, true) ? other.get() : nullptr;
   };
-  if (!ReadSeqFile(path, FormOf(path), definitions, state_, sequence_, ports_.prompts, catalogue_)) {
+  const ReadResult result = ReadSeqFile(path, FormOf(path), definitions, state_, sequence_);
+  if (result.Problem != SequenceFileProblem::None) {
+    if (result.Problem != SequenceFileProblem::NoDefinition) ShowReadProblem(path, result, {});
     return false;
   }
   if (other) definition_ = std::move(*other);
@@ -146,6 +172,8 @@ bool Session::LoadUserFile(const std::string& path) {
     } else {
       CheckModels();
     }
+  } else if (MayGoOnlineAgain()) {
+    Reconnect();
   }
   return true;
 }

@@ -1,6 +1,7 @@
 #include "session/program_options.h"
 
 #include <CLI/CLI.hpp>
+#include <iostream>
 
 #include "comm/make_front_end.h"
 #include "core/files.h"
@@ -52,6 +53,19 @@ void AddProgramOptions(CLI::App& app, ProgramOptions& options) {
          "Simulated interface for every instrument; replies from the profile file RESPONSES")
       ->expected(0, 1)
       ->type_name("RESPONSES");
+}
+
+std::optional<int> ParseWindowOptions(int argc, char** argv, ProgramOptions& options, std::string& file) {
+  constexpr int kExitOptions = 2;
+  CLI::App app("Corlune: edits, downloads and runs step sequences", "corlune");
+  AddProgramOptions(app, options);
+  app.add_option("file", file, "Sequence file to open")->type_name("FILE");
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error, std::cout, std::cerr) == 0 ? 0 : kExitOptions;
+  }
+  return std::nullopt;
 }
 
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder) {

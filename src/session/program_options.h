@@ -29,6 +29,10 @@ struct ProgramOptions {
 // Adds the shared options to `app`; `options` is filled by its parse.
 void AddProgramOptions(CLI::App& app, ProgramOptions& options);
 
+// The window program's command line: the shared options and the sequence file to open. The exit code when the
+// program ends here: after the help, which is printed, or after wrong options.
+std::optional<int> ParseWindowOptions(int argc, char** argv, ProgramOptions& options, std::string& file);
+
 // After the parse: --virtual-instrument turns every I/O library that was not named into the virtual
 // instrument's face in `programFolder`, or into none where it has no face.
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder);

@@ -13,8 +13,12 @@ namespace corlune {
 class SavingEndProgram : public EndProgram {
  public:
   SavingEndProgram(EndProgram& end, std::function<void()> save) : end_(end), save_(std::move(save)) {}
+  // What EndNow does first, once.
+  void Save() {
+    if (const auto save = std::exchange(save_, nullptr)) save();
+  }
   void EndNow(int exitCode) override {
-    if (auto save = std::exchange(save_, nullptr)) save();
+    Save();
     ended_ = true;
     end_.EndNow(exitCode);
   }

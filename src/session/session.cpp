@@ -65,7 +65,7 @@ void Session::SelectSerial(const std::string& serialNo) {
 
 bool Session::ReadBack() {
   if (!MayReplaceSequence()) return false;
-  const WorkGuard guard(activity_, Work::Exchange);
+  const WorkGuard guard(activity_, Work::Download);
   ports_.display.ShowWaitCursor(true);
   const bool received =
       ReadBackSequence(*commands_, ports_.prompts, catalogue_, sequence_.SequenceNumber, sequence_);

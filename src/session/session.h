@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "commands/instrument_dialogues.h"
 #include "compile/download.h"
@@ -22,6 +23,7 @@
 #include "execution/queries.h"
 #include "execution/run_control.h"
 #include "execution/run_monitor.h"
+#include "sequence/sequence_file.h"
 #include "sequence/system_settings.h"
 #include "session/saving_end_program.h"
 #include "session/session_ports.h"
@@ -71,6 +73,11 @@ class Session {
   // A close request. Asks about unsaved changes (SaveChangesQuestion), writes Corlune.ini and the work file,
   // closes the connections. False: refused, the program goes on.
   bool RequestClose();
+  // The program is told to end from outside. Writes Corlune.ini and the work file without a question, then
+  // stops a run on every instrument, closes the connections and ends the program. May come inside anything
+  // that handles events and handles none itself; no message may wait for a person any more. False: blocks are
+  // on their way, of which the present one must end first; to be called again soon.
+  bool EndFromOutside();
   // Closes the connections of every kind in use.
   void Disconnect();
 
@@ -148,6 +155,8 @@ class Session {
   bool LoadDefinitionOf(AppState& state, ModelDefinition& definition, bool showBadValue);
   bool SettleModel();
   void SearchAtStartUp(const StartUpChecks& checks);
+  // False after its message: the file was set aside, or must not be replaced.
+  bool ReadWorkFile(bool& mayReplace);
   bool LoadWorkData();
   void SetUpUsbTmc();
   int FindInstruments();
@@ -160,6 +169,13 @@ class Session {
   // connection.cpp
   bool OpenConnection();
   void GoOffline();
+  // Says what the next blocking call is for, while start-up or a reconnection lets it, and pumps events.
+  // False: the person gave up, and the program is off-line.
+  bool WaitFor(TextId text, const std::vector<std::string>& arguments = {}, int done = 0, int steps = 0);
+  // Before a message, and at the end. True as WaitFor's false.
+  bool HideWait();
+  // The set-up was on-line until its instruments did not match or were unplugged; USBTMC: the first is there.
+  bool MayGoOnlineAgain();
   // After a loss: the connection as it was set up. False after message CommunicationError.
   bool Reopen();
   void ForgetInstrumentMemory();
@@ -171,6 +187,10 @@ class Session {
   bool SaveToChosenPath();
   bool WriteUserFile(std::string path);
   bool LoadUserFile(const std::string& path);
+  // A text that is put together from several of the catalogue.
+  void Warn(const std::string& text);
+  // UnknownModel or MalformedSequenceFile with what is wrong in the file and `more` behind it.
+  void ShowReadProblem(const std::string& path, const ReadResult& result, const std::string& more);
   void ShowWriteProblem(const std::string& path, const std::string& error);
   void ClearSequence();
 
@@ -198,7 +218,10 @@ class Session {
   std::unique_ptr<RunMonitor> monitor_;
   std::string loadProblem_;
   bool workDataLoaded_ = false;  // the sequence in memory is the person's, so it may replace the work file
-  bool anyModel_ = false;        // the model is that of the instrument found
+  std::optional<std::uint32_t> waitsFrom_;  // tick from which waits are shown; none: not at all
+  bool waitShown_ = false;
+  bool wasOnline_ = false;  // off-line only because the instruments did not match or were unplugged
+  bool anyModel_ = false;   // the model is that of the instrument found
 };
 
 }  // namespace corlune

@@ -4,6 +4,7 @@
 
 #include "core/files.h"
 #include "modeldef/read_model_definition.h"
+#include "platform/file_access.h"
 #include "sequence/defaults.h"
 #include "sequence/sequence_file.h"
 #include "session/edit_model.h"
@@ -41,6 +42,7 @@ bool Session::LoadDefinitionOf(AppState& state, ModelDefinition& definition, boo
   }
   loadProblem_ = Describe(state.StdIniPath, problem);
   if (showBadValue && !problem.section.empty()) {
+    HideWait();
     ShowMessage(ports_.prompts, catalogue_, TextId::BadModelDefinition, PromptIcon::Exclamation,
                 PromptButtons::Ok, {loadProblem_});
   }
@@ -55,14 +57,12 @@ void Session::ApplySimulated() {
 bool Session::SettleModel() {
   if (!LoadDefinitionOf(state_, definition_, true)) return false;
   const int index = definition_.IndexOfModel(state_.ModelName);
-  SetWorkFilePath();
   if (index >= 0) {
     state_.ModelIndex = static_cast<std::int16_t>(index);
     return true;
   }
-  // The work file says for itself that its model is gone. Without one the first model takes its place, so
-  // that a settings file left over from an older definition does not lock the person out.
-  if (FileExists(state_.WorkFilePath) || definition_.Models.empty()) return true;
+  // The first model takes its place, so that a settings file left over from an older definition does not lock
+  // the person out.
   ShowMessage(ports_.prompts, catalogue_, TextId::UnknownModel, PromptIcon::Exclamation, PromptButtons::Ok,
               {state_.ModelName});
   state_.ModelName = definition_.Models[0];
@@ -94,44 +94,58 @@ int Session::FindInstruments() {
 
 void Session::SearchAtStartUp(const StartUpChecks& checks) {
   SetUpUsbTmc();
-  if (options_.simulated) return;
+  if (options_.simulated || !WaitFor(TextId::SearchingInstruments)) return;
   const int found = FindInstruments();
   if (found == 0) {
     state_.Online = 0;
   } else if (found == 1) {
     SelectSerial(Gp().Found().front().SerialNo);
-  } else {
+  } else if (!HideWait()) {
     ShowMessage(ports_.prompts, catalogue_, TextId::SelectSerialNumber, PromptIcon::Information);
     if (!checks.selectInstrument || !checks.selectInstrument()) state_.Online = 0;
   }
 }
 
+bool Session::ReadWorkFile(bool& mayReplace) {
+  const DefinitionFor definitions =
+      [this](const std::string& model) -> std::optional<const ModelDefinition*> {
+    if (definition_.IndexOfModel(model) < 0) return std::nullopt;
+    if (model == state_.ModelName) return &definition_;
+    AppState next = state_;
+    next.ModelName = model;
+    return LoadDefinitionOf(next, definition_, true) ? &definition_ : nullptr;
+  };
+  const ReadResult result =
+      ReadSeqFile(state_.WorkFilePath, SequenceFileForm::Work, definitions, state_, sequence_);
+  if (result.Problem == SequenceFileProblem::None) {
+    SetWorkFilePath();
+    return true;
+  }
+  HideWait();
+  const auto kept = SetAside(state_.WorkFilePath);
+  mayReplace = kept.has_value();
+  ShowReadProblem(state_.WorkFilePath, result,
+                  kept ? catalogue_.GetResString(TextId::WorkFileSetAside, {*kept})
+                       : catalogue_.GetResString(TextId::WorkFileNotSetAside));
+  return false;
+}
+
 bool Session::LoadWorkData() {
   SetWorkFilePath();
-  if (FileExists(state_.WorkFilePath)) {
-    const DefinitionFor definitions =
-        [this](const std::string& model) -> std::optional<const ModelDefinition*> {
-      if (definition_.IndexOfModel(model) < 0) return std::nullopt;
-      if (model == state_.ModelName) return &definition_;
-      AppState next = state_;
-      next.ModelName = model;
-      return LoadDefinitionOf(next, definition_, true) ? &definition_ : nullptr;
-    };
-    if (!ReadSeqFile(state_.WorkFilePath, SequenceFileForm::Work, definitions, state_, sequence_,
-                     ports_.prompts, catalogue_)) {
-      return false;
-    }
-    SetWorkFilePath();
-  } else {
+  bool mayReplace = true;
+  if (!PathExists(state_.WorkFilePath) || !ReadWorkFile(mayReplace)) {
     if (!LoadDefinitionOf(state_, definition_, true)) return false;
     InitSystemDefaults(state_, definition_, sequence_);
   }
   ApplySimulated();
-  workDataLoaded_ = true;
+  workDataLoaded_ = mayReplace;
   return true;
 }
 
 StartUpResult Session::EndOfStartUp(StartUpResult result) {
+  HideWait();
+  waitsFrom_.reset();
+  state_.StartupDone = result == StartUpResult::Show;
   if (result != StartUpResult::Show) Disconnect();
   return result;
 }
@@ -149,8 +163,9 @@ StartUpResult Session::StartUp(const StartUpChecks& checks) {
   state_.Online = 1;
   if (!ReadEditModel(state_.SysIniPath, state_, ports_.prompts, catalogue_)) UseDefaultModel(state_);
   if (!SettleModel()) return StartUpResult::EndProcess;
+  waitsFrom_ = ports_.clock.Now();
   SearchAtStartUp(checks);
-  if (state_.Online == 1 && !state_.Connected) OpenConnection();
+  if (state_.Online == 1 && !state_.Connected && WaitFor(TextId::ConnectingInstrument)) OpenConnection();
 
   const SystemSettings opened = SettingsOf(state_);
   if (!LoadWorkData() || !LoadDefinitionOf(state_, definition_, true)) {
@@ -162,8 +177,7 @@ StartUpResult Session::StartUp(const StartUpChecks& checks) {
   } else {
     QueryArbDirectory();
   }
-  state_.StartupDone = true;
-  return StartUpResult::Show;
+  return EndOfStartUp(StartUpResult::Show);
 }
 
 bool Session::StartUpFromFile(const std::string& path) {
@@ -196,7 +210,8 @@ bool Session::StartUpFromFile(const std::string& path) {
     const bool unknown = result.Problem == SequenceFileProblem::UnknownModel;
     ShowMessage(ports_.prompts, catalogue_, unknown ? TextId::UnknownModel : TextId::MalformedSequenceFile,
                 PromptIcon::Exclamation, PromptButtons::Ok, {result.Model});
-    loadProblem_ = path + ": " + (unknown ? "unknown model " + result.Model : result.Detail);
+    loadProblem_ = path + ": " + (result.Line > 0 ? "line " + std::to_string(result.Line) + ": " : "") +
+                   (unknown ? "unknown model " + result.Model : result.Detail);
     return false;
   }
   ApplySettings(state_, settings);
@@ -261,7 +276,7 @@ ConnectResult Session::Connect(const std::optional<std::string>& serial) {
     SelectSerial(chosen->SerialNo);
   }
   if (!OpenConnection()) return ConnectResult::OpenFailed;
-  if (!options_.simulated && !CheckModels()) return ConnectResult::Offline;
+  if (!CheckModels()) return ConnectResult::Offline;
   QueryArbDirectory();
   return ConnectResult::Connected;
 }

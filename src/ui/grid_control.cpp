@@ -254,7 +254,7 @@ void GridControl::Apply(const EditOutcome& outcome) {
   emit Changed();
 }
 
-bool GridControl::Commit() {
+bool GridControl::Commit(EntryEnd end) {
   if (committing_) return false;
   if (!editors_.IsOpen()) return true;
   // What an input method still composes belongs to the text.
@@ -267,7 +267,7 @@ bool GridControl::Commit() {
   if (!outcome.Accepted) {
     // The text goes back first: the message box takes the focus, which must not enter it once more.
     editors_.Restore();
-    if (outcome.Message) Show(*outcome.Message);
+    if (outcome.Message && end == EntryEnd::Key) Show(*outcome.Message);
     const QScopedValueRollback<bool> own(showing_, true);
     editors_.Focus();
     return false;

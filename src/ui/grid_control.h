@@ -16,6 +16,7 @@
 #include "ui/cell_editors.h"
 #include "ui/grid_keys.h"
 #include "ui/grid_table.h"
+#include "view/entry_field.h"
 
 class QTabWidget;
 
@@ -37,8 +38,9 @@ class GridControl : public QObject {
 
   void Rebuild();
   void Apply(const EditOutcome& outcome);
-  // Stores what was typed. False: refused, or a message is still open. Pumps events in the message.
-  bool Commit();
+  // Stores what was typed. False: refused, or a message is still open. Pumps events in the message, which
+  // only a key or command shows.
+  bool Commit(EntryEnd end = EntryEnd::Key);
   // Hides the editors without storing.
   void CloseEditors();
   void SetStates(const ControlStates& states);

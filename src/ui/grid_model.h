@@ -6,7 +6,7 @@
 #include <QColor>
 #include <QString>
 
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 #include "view/to_qcolor.h"
 
 namespace corlune {

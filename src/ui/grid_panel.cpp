@@ -380,8 +380,8 @@ void GridPanel::Apply(const EditOutcome& outcome) {
   if (outcome.WholeWindow) impl_->LimitWidths();
 }
 
-bool GridPanel::CommitEntry() {
-  return impl_->control_->Commit();
+bool GridPanel::CommitEntry(EntryEnd end) {
+  return impl_->control_->Commit(end);
 }
 
 void GridPanel::SetBeforeCommand(std::function<bool()> takeEntries) {

@@ -13,6 +13,7 @@
 #include "editing/edit_outcome.h"
 #include "editing/sequence_editor.h"
 #include "ui/twips.h"
+#include "view/entry_field.h"
 
 namespace corlune {
 
@@ -30,9 +31,9 @@ class GridPanel : public QWidget {
   // Repaints what an operation changed, moves the cursor and opens the cell's editor again; shows the
   // outcome's message first when it was refused.
   void Apply(const EditOutcome& outcome);
-  // Stores what is typed in an open cell editor, as Enter would. False: it was refused, after its message,
-  // and the editor keeps the focus. To be called before a command that leaves or saves the sequence.
-  bool CommitEntry();
+  // Stores what is typed in an open cell editor, as that ending does. False: it was refused, and the editor
+  // keeps the focus. To be called before a command that leaves or saves the sequence.
+  bool CommitEntry(EntryEnd end = EntryEnd::Key);
   // Called by every command on the grids before it is carried out; false: an entry was refused, and the
   // command is dropped. Without it, what is typed in the cell is stored.
   void SetBeforeCommand(std::function<bool()> takeEntries);

@@ -200,11 +200,19 @@ void MainWindow::resizeEvent(QResizeEvent* event) {
   AdaptWidths();
 }
 
-bool MainWindow::EndOfDesktopSession(bool mayAsk) {
+bool MainWindow::EndOfDesktopSession() {
   if (closed_) return true;
-  if (!session_.Idle() || QApplication::activeModalWidget()) return false;
-  if (mayAsk) return close();
-  return session_.WriteFile(session_.State().WorkFilePath, false);
+  return session_.Idle() && !QApplication::activeModalWidget() && close();
+}
+
+bool MainWindow::EndFromOutside() {
+  if (!closed_) {
+    grids_->CommitEntry(EntryEnd::Left);
+    fields_->Enter(EntryEnd::Left);
+    if (preview_) preview_->EnterFields(EntryEnd::Left);
+    KeepPlace();
+  }
+  return session_.EndFromOutside();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
@@ -224,6 +232,10 @@ void MainWindow::FinishClosing() {
   timer2_.stop();
   grids_->HideEditors();
   ClosePreview();
+  KeepPlace();
+}
+
+void MainWindow::KeepPlace() const {
   // The frame belongs to the window manager; the place is that of move().
   const bool normal = !isMaximized() && !isFullScreen() && !isMinimized();
   const QRect place = normal ? QRect(pos(), size()) : normalGeometry();

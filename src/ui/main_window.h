@@ -62,9 +62,11 @@ class MainWindow : public QMainWindow {
   void ActivatedByOtherStart(const std::string& path);
   // Opens a sequence file given by name, by drop or as a recent file.
   void OpenPath(const std::string& path);
-  // The desktop session ends. True: saved and closed; false: something is under way or was cancelled. With
-  // `mayAsk` false no question is put; the work file keeps everything.
-  bool EndOfDesktopSession(bool mayAsk);
+  // The desktop session ends, and questions are allowed. True: saved and closed; false: something is under
+  // way, a run is going or held, or the person cancelled.
+  bool EndOfDesktopSession();
+  // Session::EndFromOutside with everything that is typed, as far as it is taken.
+  bool EndFromOutside();
 
   // Called through WindowDisplay.
   void RefreshControls();
@@ -144,6 +146,7 @@ class MainWindow : public QMainWindow {
   void PlaceInitially();
   void AdaptWidths();
   void FinishClosing();
+  void KeepPlace() const;
   std::string Text(TextId id) const { return session_.Catalogue().GetResString(id); }
   QString Caption(TextId id) const { return QString::fromStdString(Text(id)); }
 

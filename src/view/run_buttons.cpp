@@ -2,7 +2,7 @@
 
 #include <QPushButton>
 
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 #include "view/flow_layout.h"
 #include "view/to_qcolor.h"
 

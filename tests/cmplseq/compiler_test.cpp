@@ -1,6 +1,5 @@
 // What the compiler refuses, and what a refusal leaves behind.
 #include <array>
-#include <dlfcn.h>
 #include <functional>
 #include <gtest/gtest.h>
 #include <string>
@@ -300,25 +299,6 @@ TEST(CompileFile, ReplacesTheTextOrLeavesIt) {
   CompileErrorRecord record{1, 1, 1, 1, 1};
   EXPECT_EQ(CompileSequenceFile(folder.File("absent.bin"), NoArbs(), record), CompileResult::FileError);
   EXPECT_EQ(record.Code, 2);
-}
-
-TEST(CompilerLibraryFile, CompilesWhenLoaded) {
-  void* library = dlopen(CMPLSEQ_LIBRARY, RTLD_NOW | RTLD_LOCAL);
-  ASSERT_NE(library, nullptr) << dlerror();
-  const auto compile = reinterpret_cast<CompileSeqDataFunction>(dlsym(library, "CompileSeqData"));
-  ASSERT_NE(compile, nullptr);
-
-  const TempFolder folder;
-  const std::string path = folder.File("sendata.bin");
-  ASSERT_TRUE(ReplaceFile(path, WriteSequenceText(OneStep())));
-  const ArbTable arbs = NoArbs();
-  CompileErrorRecord record{1, 1, 1, 1, 1};
-  EXPECT_EQ(compile(nullptr, arbs.data(), &record), 4);
-  EXPECT_EQ(compile(path.c_str(), arbs.data(), &record), 0);
-  EXPECT_EQ(record.Code, 0);
-  EXPECT_EQ(ReadWholeFile(path).value().substr(0, 4), "QMSQ");
-  EXPECT_EQ(compile(path.c_str(), arbs.data(), &record), 2) << "a compiled file is no sequence text";
-  dlclose(library);
 }
 
 }  // namespace

@@ -33,7 +33,7 @@ constexpr InterfaceKind kTmc = InterfaceKind::UsbTmc;
 
 std::unique_ptr<GpBackendBase> MakeBackend(InterfaceKind kind, CommWorld& world, FakeLibrary& library) {
   if (kind == kNi) return std::make_unique<NiGpibMdl>(world.Services(), library.Ni488());
-  if (kind == kKi) return std::make_unique<KiGpibMdl>(world.Services(), library.Ieee32m());
+  if (kind == kKi) return std::make_unique<Ieee32mMdl>(world.Services(), library.Ieee32m());
   if (kind == kUsb) return std::make_unique<Usb488Mdl>(world.Services(), library.Usb488());
   return std::make_unique<UsbTmcMdl>(world.Services(), library.Visa());
 }
@@ -388,6 +388,56 @@ TEST(UsbTmc, AnEndlessReplyIsGivenUp) {
   EXPECT_EQ(reply, "before");
 }
 
+TEST(UsbTmc, AnUnpluggedInstrumentIsNoted) {
+  CommWorld world;
+  FakeLibrary library;
+  UsbTmcMdl backend(world.Services(), library.Visa());
+  ASSERT_EQ(backend.GP_Init("USBTMC_NAME=USB0::A", true), kOk);
+  library.Answer("viWrite", {.status = VI_ERROR_TMO});
+  backend.GP_Send_Str(0, "*CLS");
+  EXPECT_FALSE(backend.ConnectionLost(0)) << "a time-out";
+  std::string reply;
+  library.Answer("viRead", {.status = VI_ERROR_TMO});
+  backend.GP_Receive_Str(0, reply);
+  EXPECT_FALSE(backend.ConnectionLost(0));
+  // A block begins with an attribute: the loss can show anywhere.
+  library.Answer("viSetAttribute TMO", {.status = VI_ERROR_CONN_LOST});
+  backend.GP_Time_Out(kTimeOut300ms);
+  EXPECT_TRUE(backend.ConnectionLost(0));
+  EXPECT_EQ(backend.LibraryProblem(), "USB0::A was unplugged: status BFFF00A6");
+  EXPECT_FALSE(backend.ConnectionLost(1)) << "another device";
+  backend.GP_End();
+  EXPECT_TRUE(backend.ConnectionLost(0)) << "until it is opened again";
+  ASSERT_EQ(backend.GP_Init("USBTMC_NAME=USB0::A", true), kOk);
+  EXPECT_FALSE(backend.ConnectionLost(0));
+  EXPECT_EQ(backend.LibraryProblem(), "");
+}
+
+TEST(UsbTmc, ASearchThatBreaksOffClosesWhatItOpened) {
+  CommWorld world;
+  FakeLibrary library;
+  library.Answer("viFindRsrc", {.text = "USB0::0x1::0x2::S1::0::INSTR", .value = 3});
+  library.Answer("viFindNext", {.status = VI_ERROR_RSRC_NFOUND});
+  UsbTmcMdl backend(world.Services(), library.Visa());
+  EXPECT_EQ(backend.GP_Find_Devices("X?*INSTR"), 1);
+  EXPECT_THAT(backend.Found(), ElementsAre(FoundInstrument{"USB0::0x1::0x2::S1::0::INSTR", "S1"}));
+  EXPECT_EQ(Joined(library.calls), "viOpenDefaultRM|viFindRsrc X?*INSTR|viFindNext|viClose 2|viClose 1");
+}
+
+TEST(UsbTmc, ASearchKeepsTwentyOne) {
+  CommWorld world;
+  FakeLibrary library;
+  for (int i = 0; i < 30; ++i) library.Answer("viFindNext", {.text = "A::B::C::N::INSTR"});
+  library.Answer("viFindRsrc", {.text = "A::B::C::N::INSTR", .value = 30});
+  UsbTmcMdl backend(world.Services(), library.Visa());
+  EXPECT_EQ(backend.GP_Find_Devices("?*"), 30);
+  EXPECT_EQ(backend.Found().size(), 21U);
+  // A failing search leaves none of them.
+  library.Answer("viOpenDefaultRM", {.status = VI_ERROR_SYSTEM_ERROR});
+  EXPECT_EQ(backend.GP_Find_Devices("?*"), 0);
+  EXPECT_TRUE(backend.Found().empty());
+}
+
 // --- The fatal prompt --------------------------------------------------------------------------------
 
 // Two bits: the prompt names the error, the log the time-out. The value of the option does not matter.
@@ -397,7 +447,7 @@ TEST(FatalPrompt, ShowsErrorBeforeTimeOut) {
   library.Answer("transmit", {.status = 1});     // REN: time-out
   library.Answer("settimeout", {.status = -1});  // error
   for (int i = 0; i < 3; ++i) world.prompts.Answer(PromptAnswer::No);
-  KiGpibMdl backend(world.Services(), library.Ieee32m());
+  Ieee32mMdl backend(world.Services(), library.Ieee32m());
   EXPECT_EQ(backend.GP_Init("LOG_FILE=comm.log,VIEW_ERR_DIALOG=0", true), kTimeOut | kError);
 
   ASSERT_EQ(world.prompts.messages.size(), 3U);
@@ -406,6 +456,7 @@ TEST(FatalPrompt, ShowsErrorBeforeTimeOut) {
   EXPECT_EQ(last.text, "GP_Init\nError\nアプリケーションを終了しますか?");
   EXPECT_EQ(last.caption, "NI_GPIB");
   EXPECT_EQ(last.buttons, PromptButtons::YesNo);
+  EXPECT_EQ(last.escape, PromptAnswer::No);
   EXPECT_EQ(last.icon, PromptIcon::Question);
   EXPECT_FALSE(world.endProgram.ended);
   EXPECT_EQ(world.Log().back(), "GP_INIT Time Out");

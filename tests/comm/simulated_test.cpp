@@ -36,7 +36,7 @@ struct Simulated : ::testing::Test {
   }
 
   CommWorld world;
-  DebugMdl backend{world.Services(), ""};
+  SimulatedMdl backend{world.Services(), ""};
 };
 
 TEST_F(Simulated, RepliesToTheLastQueryOfAMessage) {

@@ -25,16 +25,14 @@ const std::vector<std::string> kWholeDownload{
     "0 < *CLS", "0 spoll 0", "0 < :TRIG:COMP", "0 spoll 128", "0 < :STAT?", "0 > 2"};
 // clang-format on
 
-void PrepareWhole(DownloadRig& rig) {
-  rig.PlayArb(0, 1, 3);
-  rig.GiveFile(3);
-  rig.prompts.Type("Ramp 1");
-}
-
 TEST(Download, WholeExchangeInOrder) {
   DownloadRig rig;
-  PrepareWhole(rig);
+  rig.PlayArb(0, 1, 3);
+  rig.GiveFile(3);
+  rig.prompts.Type("Ramp 1").WhileOpen([&] { EXPECT_FALSE(rig.downloader.DownloadSequence()); });
+  rig.pump.OnEveryCall([&] { EXPECT_FALSE(rig.downloader.DownloadSequence()); });
   ASSERT_TRUE(rig.downloader.DownloadSequence());
+  rig.pump.OnEveryCall({});
   EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
   EXPECT_THAT(rig.events,
               ElementsAre("refresh", "input: " + rig.Text(9208),
@@ -63,21 +61,6 @@ TEST(Download, WholeExchangeInOrder) {
   ASSERT_TRUE(rig.downloader.DownloadSequence());
   EXPECT_EQ(rig.prompts.inputRequests[1].defaultText, "Ramp 1");
   EXPECT_EQ(rig.script.CountOf("0 block :TRACe:DATA"), 0);
-}
-
-TEST(Download, AnErrorNumberEndsIt) {
-  for (const int query : {1, 2}) {
-    DownloadRig rig;
-    rig.prompts.Type("a");
-    rig.script.Reply(":SYST:ERR?", query == 1 ? std::vector<std::string>{"-113,\"Undefined header\""}
-                                              : std::vector<std::string>{"0", "-113,\"Undefined header\""});
-    EXPECT_FALSE(rig.downloader.DownloadSequence());
-    EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::InstrumentError);
-    EXPECT_EQ(rig.downloader.Outcome().ErrorNumber, -113);
-    EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC"), query - 1);
-    EXPECT_EQ(rig.script.CountOf("0 < :TRIG:COMP"), 0);
-    EXPECT_FALSE(rig.activity.Busy());
-  }
 }
 
 TEST(Download, NameQuestion) {
@@ -130,33 +113,6 @@ TEST(Download, InterfacesWithoutBlocksAskFirst) {
     EXPECT_TRUE(agreed.downloader.DownloadSequence());
     EXPECT_EQ(agreed.script.Blocks().size(), 1u);
   }
-}
-
-TEST(Download, ASecondDownloadInsideAWaitIsRefused) {
-  DownloadRig rig;
-  PrepareWhole(rig);
-  int attempts = 0;
-  rig.pump.OnEveryCall([&] {
-    ++attempts;
-    EXPECT_TRUE(rig.downloader.UnderWay());
-    EXPECT_FALSE(rig.downloader.DownloadSequence());
-  });
-  rig.prompts.WhileOpen([&] { EXPECT_FALSE(rig.downloader.DownloadSequence()); });
-  EXPECT_TRUE(rig.downloader.DownloadSequence());
-  EXPECT_GT(attempts, 20);
-  EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
-  EXPECT_EQ(rig.downloader.Outcome().End, DownloadEnd::Done);
-}
-
-TEST(Download, WorksInTheTransferFolderWhenThereIsOne) {
-  DownloadRig rig;
-  const corlune::testing::TempFolder own;
-  rig.state.TransferFolder = own.Path();
-  rig.folder.Write("sendata.bin", "of another program");
-  rig.prompts.Type("x");
-  EXPECT_TRUE(rig.downloader.DownloadSequence());
-  EXPECT_EQ(corlune::testing::TempFolder::Read(own.File("sendata.bin")), rig.compiler.binary);
-  EXPECT_EQ(corlune::testing::TempFolder::Read(rig.folder.File("sendata.bin")), "of another program");
 }
 
 }  // namespace

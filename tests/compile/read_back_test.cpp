@@ -123,18 +123,5 @@ TEST(ReadBackSequence, TakesOverTheStepsThatDifferFromNewOnes) {
   EXPECT_EQ(rig.sequence->StepCount, 7);
 }
 
-TEST(ReadBackSequence, WorksInTheTransferFolderWhenThereIsOne) {
-  ReadRig rig;
-  const corlune::testing::TempFolder own;
-  rig.state.TransferFolder = own.Path();
-  rig.folder.Write("recvdata.bin", "of another program");
-  auto held = std::make_unique<SequenceData>();
-  held->Steps[1].AutoHold = 1;
-  rig.script.FileReply(TextOf(*held, 2));
-  ASSERT_TRUE(ReadBackSequence(rig.commands, rig.prompts, rig.catalogue, 3, *rig.sequence));
-  EXPECT_EQ(rig.sequence->Steps[1].AutoHold, 1);
-  EXPECT_EQ(corlune::testing::TempFolder::Read(rig.folder.File("recvdata.bin")), "of another program");
-}
-
 }  // namespace
 }  // namespace corlune

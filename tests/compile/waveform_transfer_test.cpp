@@ -148,14 +148,14 @@ TEST(WaveformTransfer, DirectoryStopsAtTheFirstFailure) {
     rig.script.Reply(":TRAC:INF? " + std::to_string(number), {"\"x\",1,4096"});
   }
   ArbEntries entries{};
-  EXPECT_EQ(rig.transfer.QueryArbDirectory(entries), 2);
+  EXPECT_EQ(rig.transfer.QueryArbDirectory(entries, [](int asked) { return asked < 9; }), 2);
   EXPECT_EQ(entries[1].InInstrument, 1);
   EXPECT_EQ(entries[3].InInstrument, 0);
   EXPECT_EQ(rig.script.CountOf("0 < :TRAC:INF?"), 3);
 
   TransferRig offline;
   offline.state.Online = 0;
-  EXPECT_EQ(offline.transfer.QueryArbDirectory(entries), 0);
+  EXPECT_EQ(offline.transfer.QueryArbDirectory(entries, [](int) { return true; }), 0);
   EXPECT_THAT(offline.script.Log(), IsEmpty());
 }
 

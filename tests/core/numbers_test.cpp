@@ -153,15 +153,10 @@ TEST(LeadingNumber, StopsAtTheFirstCharacterThatCannotContinue) {
     const char* text;
     double value;
   } kRows[] = {
-      {"-222,\"Data out of range\"", -222},
-      {"  +5\n", 5},
-      {"1.5E3 Hz", 1500},
-      {"2e+", 2},
-      {"- 5", 0},
-      {"", 0},
-      {"inf", 0},
-      {"0x10", 0},
-      {"\r\n7", 7},
+      // clang-format off
+      {"-222,\"Data out of range\"", -222}, {"  +5\n", 5}, {"1.5E3 Hz", 1500}, {"2e+", 2},   {"- 5", 0},
+      {"", 0},                              {"inf", 0},    {"0x10", 0},        {"\r\n7", 7},
+      // clang-format on
   };
   for (const auto& row : kRows) EXPECT_EQ(LeadingNumber(row.text), row.value) << row.text;
 }

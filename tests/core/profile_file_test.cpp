@@ -1,30 +1,15 @@
 #include "core/profile_file.h"
 
-#include <cstdlib>
 #include <gtest/gtest.h>
 
 #include "core/files.h"
+#include "support/environment.h"
 #include "support/temp_folder.h"
 
 namespace corlune {
 namespace {
 
 using testing::TempFolder;
-
-// The system's default language for one test.
-class Locale {
- public:
-  explicit Locale(const char* name) {
-    if (const char* old = std::getenv("LC_ALL")) old_ = old;
-    setenv("LC_ALL", name, 1);
-  }
-  ~Locale() { old_ ? setenv("LC_ALL", old_->c_str(), 1) : unsetenv("LC_ALL"); }
-  Locale(const Locale&) = delete;
-  Locale& operator=(const Locale&) = delete;
-
- private:
-  std::optional<std::string> old_;
-};
 
 TEST(GetIniString, AddsTheCommentRuleToTheProfileRule) {
   const TempFolder folder;
@@ -46,7 +31,8 @@ TEST(GetIniString, AddsTheCommentRuleToTheProfileRule) {
 }
 
 TEST(GetIniString, CutsAtTheBufferInBytesOfTheCodePage) {
-  const Locale japanese("ja_JP.UTF-8");
+  const testing::Environment locale({"LC_ALL"});
+  locale.Set("ja_JP.UTF-8");
   const TempFolder folder;
   const std::string path = folder.Write("a.ini", "[S]\r\nk=\x95\x5C\x95\x5C\r\n");
   // Two bytes a character, three in UTF-8; never half of one.
@@ -90,7 +76,8 @@ TEST(WriteIniString, KeepsEveryOtherByteInTheFilesOwnEncoding) {
        ";\x83\x5C\r\n[E]\r\nm=1\n[F]\r\n"},  // the key as spelt
   };
   for (const auto& row : kRows) {
-    const Locale locale(row.locale);
+    const testing::Environment locale({"LC_ALL"});
+    locale.Set(row.locale);
     const TempFolder folder;
     const std::string path = folder.Write("a.ini", row.before);
     EXPECT_TRUE(WriteIniString(path, "E", "M", row.value));

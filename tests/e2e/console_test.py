@@ -20,6 +20,9 @@ DATA = os.path.abspath(sys.argv[2])
 EXAMPLES = os.path.join(DATA, "examples")
 CONSOLE = os.path.join(PROGRAMS, "corlune-cli")
 DEFINITION = "Corlune_Std.ini"
+# Seconds that the shipped examples take.
+SECONDS = {"arb-burst.dat": 3.9, "cranking.dat": 13.17, "frequency-sweep.dat": 9.5, "phase-shift.dat": 20,
+           "quick-tour.dat": 10, "ramp.dat": 26, "voltage-dip.dat": 30.16}
 
 
 def sequences():
@@ -89,10 +92,12 @@ class Bench(unittest.TestCase):
 
 class Files(Bench):
     def test_every_example_passes_every_command(self):
-        self.assertGreaterEqual(len(sequences()), 5)
+        self.assertEqual(sequences(), sorted(SECONDS))
         for name in sequences():
             with self.subTest(name):
-                self.run_console("check", example(name))
+                # Whole, within the bounds of its waveforms, and these are found and readable.
+                _, err = self.run_console("check", example(name))
+                self.assertEqual(err, "")
                 text, _ = self.run_console("text", example(name))
                 self.run_console("text", example(name), "-o", self.file("text"))
                 self.assertEqual(read(self.file("text")), text)
@@ -105,6 +110,7 @@ class Files(Bench):
 
                 out, _ = self.run_console("times", example(name))
                 lines = out.decode().splitlines()
+                self.assertAlmostEqual(float(lines[-1]), SECONDS[name] * 1000, 6)
                 # Without jumps the total is the sum of the steps.
                 if name == "ramp.dat":
                     self.assertEqual(float(lines[-1]), sum(float(line.split()[1]) for line in lines[:-1]))
@@ -113,8 +119,12 @@ class Files(Bench):
         self.assert_clean("UseStep.txt")
 
     def test_saving_keeps_the_sequence(self):
+        shutil.copytree(EXAMPLES, self.file("examples"))
         for name in sequences():
             with self.subTest(name):
+                beside = self.file("examples/again.dat")
+                self.run_console("save", self.file("examples/" + name), "-o", beside)
+                self.assertEqual(read(beside), read(example(name)))
                 text, _ = self.run_console("text", example(name))
                 user, work = self.file(name), self.file("work.ini")
                 self.run_console("save", example(name), "-o", user)
@@ -196,6 +206,73 @@ class Files(Bench):
                 for line, beginning in zip(lines, says):
                     self.assertTrue(line.startswith(beginning), err)
 
+    def shell(self, command):
+        """Exit code and all output of a shell command in the application folder, in which $cli is the program."""
+        done = subprocess.run(command, shell=True, cwd=self.folder, stdin=subprocess.DEVNULL, check=False,
+                              stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                              env=self.environment(LC_ALL="C", cli=CONSOLE + " --folder ."))
+        return done.returncode, done.stdout.decode()
+
+    def test_what_it_says_and_its_exit_code(self):
+        shutil.copy(example("ramp.dat"), self.folder)
+        shutil.copy(example("quick-tour.dat"), os.path.join(self.folder, "tour.dat"))
+        program = CONSOLE + " --folder odd"
+        for command, code, says in (
+                ("$cli check ramp.dat", 0, "QM2210: steps 7"),
+                ("$cli --lang ja check ramp.dat", 0, "ステップ数 7"),
+                ("$cli times ramp.dat", 0, "\n26000\n"),
+                ("$cli check ramp.dat > /dev/full", 1, "output could not be written"),
+                ("$cli --lang ja wave none.txt -o out", 1, "ファイルが存在しないか"),
+                ("$cli save ramp.dat -o notes && ls", 0, "\nnotes\n"),
+                ("$cli save ramp.dat -o /dev/full", 1, "/dev/full"),
+                ("$cli save ramp.dat -o ''", 2, "the file name is empty"),
+                ("sed -i 's/SERIALNO0=/&S7/' notes && $cli save notes -o n && grep S7 n", 0, "SS_SERIALNO0=S7"),
+                ("sed -i s/INTERFACE0=0/INTERFACE0=1/ n; $cli --virtual-instrument run n", 1,
+                 "NI-488.2: switched off"),
+                ("trap '' XFSZ; ulimit -f 99; $cli --virtual-instrument read 3", 1, "recvdata.bin"),
+                ("trap '' XFSZ; ulimit -f 9; $cli compile ramp.dat", 1, "sendata.bin"),
+                ("mkdir odd; sed '42,334s/CM_STAR=/&x,y,/;335,$s/SC_STARTSTP=1,1/SC_STARTSTP=1,3/' "
+                 f"{DEFINITION} > odd/{DEFINITION}; {program} times tour.dat | head -1", 0, "3 "),
+                (program + " --virtual-instrument read 3", 1, "SPEC QM2210: key CM_STAR"),
+                ("$cli check absent.dat", 1, "The file could not be read. absent.dat"),
+                (f"$cli check {DEFINITION}", 1, "The sequence data file error."),
+                (CONSOLE + " --folder absent check ramp.dat", 1, "Initialization file doesn't exist"),
+                ("$cli --virtual-instrument --visa none devices", 1, "VISA: switched off"),
+                (f"sed 's/MYADRS=0/&,RESPONSE_DIALOG=1/' {DEFINITION} > odd/{DEFINITION}; "
+                 f"{program} --simulated run ramp.dat --name 'q\"t'", 1, "Input value Error!"),
+                (CONSOLE, 2, "a command is needed"),
+                ("$cli check", 2, "file is required")):
+            with self.subTest(command):
+                found, said = self.shell(command)
+                self.assertEqual(found, code, said)
+                self.assertIn(says, said)
+        # What a killed program left goes; a folder that holds anything else stays.
+        for left in ("corlune-cli-killed", "corlune-cli-others/notes"):
+            os.makedirs(os.path.join(self.temporary, left))
+        self.write("temporary/corlune-cli-killed/sendata.bin", b"")
+        self.shell("$cli times ramp.dat")
+        self.assertEqual(os.listdir(self.temporary), ["corlune-cli-others"])
+
+    def test_compiling_touches_nobody_elses_files(self):
+        # The editor may be downloading from the same folder.
+        work, out = os.path.join(self.folder, "sendata.bin"), self.write("out.bin", b"of the last time")
+        with open(work, "wb") as file:
+            file.write(b"of another program")
+        whole = read(example("ramp.dat"))
+        first = b"SE_SETVAL#0#0=0,3,0,0,1,0,0,1000,0,0,0,0,0,0,0,0,0,"
+        self.assertIn(first, whole)
+        # Waveform 99 of step 1; an amplitude of 99 V in step 1.
+        for refused in (first.replace(b"=0,3", b"=0,99"), first[:-2] + b"99,"):
+            _, err = self.run_console("compile", self.write("x.dat", whole.replace(first, refused)), "-o", out, code=1)
+            self.assertIn("The error was detected in the sequence data. Ch:1 Step:1", err)
+            self.assertEqual(read(out), b"of the last time")
+        self.run_console("compile", example("ramp.dat"), "-o", out)
+        self.assertNotIn(b"[DATA]", read(out))
+        self.assertEqual(read(work), b"of another program")
+        self.run_console("compile", example("ramp.dat"))
+        self.assertEqual(read(work), read(out))
+        self.assert_clean("UseStep.txt", "sendata.bin")
+
     def test_devices(self):
         out, _ = self.run_console("--virtual-instrument", "devices",
                                   CORLUNE_VI_INSTRUMENTS="QM2220:A1,QM2210:B2")
@@ -229,9 +306,8 @@ class Files(Bench):
             (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
-            (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, "model name 1.*\\n.*off-line"),
-            # The same question without a person: No, which ends the program at once.
-            (virtual, {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, r"model name 1[^\n]*\n\Z"),
+            # Without a person as with --yes: the other answer would end the program at once.
+            (virtual, {"CORLUNE_VI_FAULTS": "text:TAVRIN,QM2210,1,1@*IDN?"}, "model name 1.*\\n.*off-line"),
         ]
         for arguments, environment, says in cases:
             with self.subTest(arguments=arguments, environment=environment):

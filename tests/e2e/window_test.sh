@@ -114,4 +114,23 @@ is "$code" 0 "exit code after closing"
 is "$(cat "$work/first/Corlune.ini")" "$(printf '[EDIT]\r\nEDIT_MODEL=1,QM2220\r')" "Corlune.ini"
 grep -q '^FI_STEPNUM=[1-9]' "$work/first/Corlune_QM2220.ini" || fail "the work file holds no steps"
 grep -q 'phase-shift.dat' "$work/first/CorluneWindow.ini" || fail "the recent file is not kept"
+
+# Told to end in a run: what was typed is kept, the instrument is stopped, the connection closed.
+new_folder third
+sed -i 's/MYADRS=0"/MYADRS=0,LOG_FILE=comm.log"/' "$work/third/Corlune_Std.ini"
+start_corlune --folder "$work/third" --lang en --virtual-instrument "$work/phase-shift.dat"
+log=$work/third/comm.log
+wait_until 30 "the main window does not open the file" window_named "$main_title.*phase-shift\.dat"
+activate "$(window_named "$main_title")"
+xdotool key --delay 100 6 alt+m Up Return
+wait_until 20 "no question for the name" window_named '^Corlune$'
+xdotool key Return
+wait_until 60 "the sequence is not sent" grep -q 'TRIG:COMP' "$log"
+runs() { xdotool key --delay 200 F5 Return && grep -q 'EXEC STAR' "$log"; }
+wait_until 30 "the sequence does not start" runs
+kill -TERM "$corlune"
+wait_until 20 "the program does not end" has_ended "$corlune"
+wait "$corlune" || fail "exit code after TERM"
+is "$(grep -o '300ms\|EXEC STOP\|GP_END' "$log" | tail -3)" "$(printf '300ms\nEXEC STOP\nGP_END')" "log after TERM"
+grep -q '^ST_SETVAL#0=6,' "$work/third/Corlune_QM2220.ini" || fail "what was typed is lost"
 echo "the window program passed"

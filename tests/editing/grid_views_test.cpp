@@ -95,28 +95,19 @@ TEST(EditorFor, ByColumn) {
     const char* editors;  // t text (T when enabled), l list, and the number of options
   };
   const Row rows[] = {
-      {Common(1, 0), "0"},
-      {Common(1, kGridStepTime), "T0"},
-      {Common(1, kGridAutoHold), "l0"},
-      {Common(1, kGridStopPhase), "t2"},
-      {Common(1, kGridEventBranch), "t2"},
-      {Common(1, kGridStateBranch), "t2"},
-      {Common(1, kGridJumpTo), "T2"},
-      {Common(1, kGridJumpCount), "t2"},
-      {Common(1, kGridStepTerm), "l0"},
-      {Common(1, kGridStepCode), "l0"},
-      {Common(1, 10), "0"},
-      {Common(2, kGridStepTime), "0"},
-      {Channel(0, 1, kColWaveform), "l0"},
-      {Channel(0, 1, testing::kColArb), "0"},
-      {Channel(0, 1, kColFrequency), "T3"},
-      {Channel(1, 1, testing::kColRange), "l0"},
-      {Channel(1, 1, 9), "l0"},
-      {Channel(1, 1, 10), "0"},
-      {Channel(2, 1, kColWaveform), "0"},
-      {testing::Branch(1, 5), "T0"},
-      {testing::Branch(1, 6), "0"},
-      {testing::Branch(2, 1), "0"},
+      // clang-format off
+      {Common(1, 0), "0"},                  {Common(1, kGridStepTime), "T0"},
+      {Common(1, kGridAutoHold), "l0"},     {Common(1, kGridStopPhase), "t2"},
+      {Common(1, kGridEventBranch), "t2"},  {Common(1, kGridStateBranch), "t2"},
+      {Common(1, kGridJumpTo), "T2"},       {Common(1, kGridJumpCount), "t2"},
+      {Common(1, kGridStepTerm), "l0"},     {Common(1, kGridStepCode), "l0"},
+      {Common(1, 10), "0"},                 {Common(2, kGridStepTime), "0"},
+      {Channel(0, 1, kColWaveform), "l0"},  {Channel(0, 1, testing::kColArb), "0"},
+      {Channel(0, 1, kColFrequency), "T3"}, {Channel(1, 1, testing::kColRange), "l0"},
+      {Channel(1, 1, 9), "l0"},             {Channel(1, 1, 10), "0"},
+      {Channel(2, 1, kColWaveform), "0"},   {testing::Branch(1, 5), "T0"},
+      {testing::Branch(1, 6), "0"},         {testing::Branch(2, 1), "0"},
+      // clang-format on
   };
   EditingRig rig(1);
   rig.editor->ChooseOption(Common(1, kGridJumpTo), kSwitchOn);
@@ -130,20 +121,6 @@ TEST(EditorFor, ByColumn) {
   }
   rig.state.OperationMode = OperationMode::Execution;
   EXPECT_TRUE(EditorFor(rig.editor->Views(), Common(1, kGridStepTime)).None());
-}
-
-TEST(EditorFor, CaptionsFollowTheLanguage) {
-  EditingRig rig(1);
-  const auto captions = [&](const MessageCatalogue& catalogue) {
-    const GridViews views(rig.state, rig.definition, *rig.sequence, catalogue);
-    std::string all;
-    for (const EditorOption& option : EditorFor(views, Channel(0, 1, kColFrequency)).Options) {
-      all += option.Caption + " ";
-    }
-    return all;
-  };
-  EXPECT_EQ(captions(MessageCatalogue(10000)), "CONST KEEP SWEEP ");
-  EXPECT_EQ(captions(MessageCatalogue(0)), "一定 保持 スイープ ");
 }
 
 TEST(CursorMoves, CommonArea) {

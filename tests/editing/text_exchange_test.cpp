@@ -22,16 +22,12 @@ TEST(TableText, Quoting) {
     const char* cells;  // "|" between cells, "/" between rows
   };
   const Row rows[] = {
-      {"a,b\r\nc,d\r\n", "a|b/c|d"},
-      {"a,b\nc", "a|b/c"},
-      {"a\rb", "a/b"},
-      {"\"a,b\",\"c\"\"d\"", "a,b|c\"d"},
-      {"\"a\nb\",c", "a\nb|c"},
-      {"a\"b,c", "a\"b|c"},
-      {",,", "||"},
-      {"\n\na\n\n", "a"},
-      {"\xEF\xBB\xBFx", "x"},
+      // clang-format off
+      {"a,b\r\nc,d\r\n", "a|b/c|d"},      {"a,b\nc", "a|b/c"},      {"a\rb", "a/b"},
+      {"\"a,b\",\"c\"\"d\"", "a,b|c\"d"}, {"\"a\nb\",c", "a\nb|c"}, {"a\"b,c", "a\"b|c"},
+      {",,", "||"},                       {"\n\na\n\n", "a"},       {"\xEF\xBB\xBFx", "x"},
       {"", ""},
+      // clang-format on
   };
   for (const Row& row : rows) {
     std::string cells;

@@ -3,6 +3,7 @@
 #include <random>
 
 #include "editing_rig.h"
+#include "sequence/start_values.h"
 
 namespace corlune {
 namespace {
@@ -234,6 +235,9 @@ class Agreeing : public Prompts {
 
 void ExpectInvariants(EditingRig& rig) {
   const SequenceData& sequence = *rig.sequence;
+  const auto computed = std::make_unique<SequenceData>(sequence);
+  ComputeStartValues(*computed);
+  ASSERT_TRUE(computed->Cells == sequence.Cells) << "start values";
   ASSERT_GE(sequence.StepCount, 0);
   ASSERT_LE(sequence.StepCount, rig.definition.Common.MaxSteps);
   for (int row = 1; row <= sequence.StepCount; ++row) {

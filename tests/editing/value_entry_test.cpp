@@ -28,41 +28,26 @@ struct EntryRow {
 // Step 2 of 5; every switch on, targets at 1.
 TEST(CommonEntry, Table) {
   const EntryRow rows[] = {
-      {kGridStepTime, "2.5", 0, "2.5"},
-      {kGridStepTime, " +2.5e0 ", 0, "2.5"},
-      {kGridStepTime, "0.001", 0, "0.001"},
-      {kGridStepTime, "10000", 0, "10000"},
-      {kGridStepTime, "0.00099", 9105, "1"},
-      {kGridStepTime, "10000.00001", 9105, "1"},
-      {kGridStepTime, "0.123456789", 0, "0.12346"},
-      {kGridStepTime, "", 9108, "1"},
-      {kGridStepTime, "1,5", 9108, "1"},
-      {kGridStepTime, "NaN", 9108, "1"},
-      {kGridStepTime, "Inf", 9108, "1"},
-      {kGridStepTime, "0x10", 9108, "1"},
-      {kGridStepTime, "1\x01", 9108, "1"},
-      {kGridStepTime, "１２．５", 0, "12.5"},
-      {kGridStepTime, "　３　", 0, "3"},
-      {kGridStopPhase, "90.25", 0, "90.3"},
-      {kGridStopPhase, "360", 0, "360"},
-      {kGridStopPhase, "360.1", 9105, "0"},
-      {kGridStopPhase, "-1", 9105, "0"},
-      {kGridStopPhase, "abc", 9108, "0"},
-      {kGridEventBranch, "5", 0, "5"},
-      {kGridEventBranch, "６", 9105, "1"},
-      {kGridEventBranch, "0", 9105, "1"},
-      {kGridEventBranch, "1.5", 9108, "1"},
-      {kGridEventBranch, "-1", 9108, "1"},
-      {kGridEventBranch, "+1", 9108, "1"},
-      {kGridEventBranch, "1E0", 9108, "1"},
-      {kGridEventBranch, "", 0, "1"},
-      {kGridStateBranch, "４", 0, "4"},
-      {kGridStateBranch, "99999999999", 9105, "1"},
-      {kGridJumpTo, "3", 0, "3"},
-      {kGridJumpTo, "6", 9105, "1"},
-      {kGridJumpCount, "999", 0, "999"},
-      {kGridJumpCount, "1000", 9105, "1"},
+      // clang-format off
+      {kGridStepTime, "2.5", 0, "2.5"},             {kGridStepTime, " +2.5e0 ", 0, "2.5"},
+      {kGridStepTime, "0.001", 0, "0.001"},         {kGridStepTime, "10000", 0, "10000"},
+      {kGridStepTime, "0.00099", 9105, "1"},        {kGridStepTime, "10000.00001", 9105, "1"},
+      {kGridStepTime, "0.123456789", 0, "0.12346"}, {kGridStepTime, "", 9108, "1"},
+      {kGridStepTime, "1,5", 9108, "1"},            {kGridStepTime, "NaN", 9108, "1"},
+      {kGridStepTime, "Inf", 9108, "1"},            {kGridStepTime, "0x10", 9108, "1"},
+      {kGridStepTime, "1\x01", 9108, "1"},          {kGridStepTime, "１２．５", 0, "12.5"},
+      {kGridStepTime, "　３　", 0, "3"},            {kGridStopPhase, "90.25", 0, "90.3"},
+      {kGridStopPhase, "360", 0, "360"},            {kGridStopPhase, "360.1", 9105, "0"},
+      {kGridStopPhase, "-1", 9105, "0"},            {kGridStopPhase, "abc", 9108, "0"},
+      {kGridEventBranch, "5", 0, "5"},              {kGridEventBranch, "６", 9105, "1"},
+      {kGridEventBranch, "0", 9105, "1"},           {kGridEventBranch, "1.5", 9108, "1"},
+      {kGridEventBranch, "-1", 9108, "1"},          {kGridEventBranch, "+1", 9108, "1"},
+      {kGridEventBranch, "1E0", 9108, "1"},         {kGridEventBranch, "", 0, "1"},
+      {kGridStateBranch, "４", 0, "4"},             {kGridStateBranch, "99999999999", 9105, "1"},
+      {kGridJumpTo, "3", 0, "3"},                   {kGridJumpTo, "6", 9105, "1"},
+      {kGridJumpCount, "999", 0, "999"},            {kGridJumpCount, "1000", 9105, "1"},
       {kGridJumpCount, "", 0, "1"},
+      // clang-format on
   };
   for (const EntryRow& row : rows) {
     SCOPED_TRACE(std::to_string(row.column) + ": " + row.text);
@@ -145,26 +130,18 @@ TEST(CommonEntry, TargetsFollowTheStartStep) {
 
 TEST(ChannelEntry, Table) {
   const EntryRow rows[] = {
-      {kColFrequency, "1234.5", 0, "1234.5"},
-      {kColFrequency, "20000000", 0, "20000000"},
-      {kColFrequency, "20000000.000001", 9105, "1000"},
-      {kColFrequency, "0", 9105, "1000"},
-      {kColFrequency, "1.23456789", 0, "1.234568"},
-      {kColFrequency, "1 000", 9108, "1000"},
-      {kColFrequency, "", 0, "1000"},
-      {kColFrequency, "Over", 0, "1000"},
-      {kColFrequency, "Inf", 0, "1000"},
-      {kColFrequency, "- - - -", 0, "1000"},
-      {kColFrequency, "1,5", 9108, "1000"},
-      {kColFrequency, "１ｅ３", 0, "1000"},
-      {kColAmplitude, "20", 0, "20"},
-      {kColAmplitude, "20.0001", 9105, "0"},
-      {kColAmplitude, "-0", 0, "0"},
-      {kColOffset, "-10", 0, "-10"},
-      {kColOffset, "−2.5", 0, "-2.5"},
-      {kColOffset, "10.1", 9105, "0"},
-      {kColArb, "5", 0, "- - - -"},
-      {kColDuty, "5", 0, "- - - -"},
+      // clang-format off
+      {kColFrequency, "1234.5", 0, "1234.5"},           {kColFrequency, "20000000", 0, "20000000"},
+      {kColFrequency, "20000000.000001", 9105, "1000"}, {kColFrequency, "0", 9105, "1000"},
+      {kColFrequency, "1.23456789", 0, "1.234568"},     {kColFrequency, "1 000", 9108, "1000"},
+      {kColFrequency, "", 0, "1000"},                   {kColFrequency, "Over", 0, "1000"},
+      {kColFrequency, "Inf", 0, "1000"},                {kColFrequency, "- - - -", 0, "1000"},
+      {kColFrequency, "1,5", 9108, "1000"},             {kColFrequency, "１ｅ３", 0, "1000"},
+      {kColAmplitude, "20", 0, "20"},                   {kColAmplitude, "20.0001", 9105, "0"},
+      {kColAmplitude, "-0", 0, "0"},                    {kColOffset, "-10", 0, "-10"},
+      {kColOffset, "−2.5", 0, "-2.5"},                  {kColOffset, "10.1", 9105, "0"},
+      {kColArb, "5", 0, "- - - -"},                     {kColDuty, "5", 0, "- - - -"},
+      // clang-format on
   };
   for (const EntryRow& row : rows) {
     SCOPED_TRACE(std::to_string(row.column) + ": " + row.text);
@@ -274,17 +251,6 @@ TEST(BranchEntry, Table) {
   EXPECT_EQ(rig.Step(1).BranchStep[0], 0);
   rig.definition.Branches.Maximum = 2;
   EXPECT_EQ(rig.Enter(Branch(1, 1), "2"), 9105) << "the third step";
-}
-
-TEST(Entries, ChangeModeKeepsTheStartValuesRight) {
-  EditingRig rig(3);
-  rig.Enter(Channel(0, 1, kColFrequency), "500");
-  rig.editor->ChooseOption(Channel(0, 2, kColFrequency), 1);
-  rig.editor->ChooseOption(Channel(0, 3, kColFrequency), 2);
-  EXPECT_EQ(rig.Cell(0, 2, kSlotFrequency).ChangeMode, kModeKeep);
-  EXPECT_EQ(rig.Cell(0, 3, kSlotFrequency).StartValue, 500);
-  rig.Enter(Channel(0, 1, kColFrequency), "700");
-  EXPECT_EQ(rig.Cell(0, 3, kSlotFrequency).StartValue, 700);
 }
 
 TEST(Entries, TimeUnitRescalesEveryStep) {

@@ -99,11 +99,9 @@ TEST(RunControl, BranchSendsTheChosenEntry) {
     EventList sent;
   };
   const std::vector<Row> rows{
-      {":BRAN $BNHSTP0", 1, {":BRAN 11"}},
-      {":BRAN $BNHSTP4,OK", 5, {":BRAN 15,OK"}},
+      {":BRAN $BNHSTP4,OK", 1, {":BRAN 11,OK"}},
       {":BRAN $BNHCHN", 2, {":BRAN 2"}},
-      {":BRAN", 2, {":BRAN"}},
-      {":BRAN $BNHSTPx", 1, {":BRAN $BNHSTPx"}},
+      {":BRAN $BNHSTPx", 5, {":BRAN $BNHSTPx"}},
       {":BRAN $BNHSTP", 1, {":BRAN $BNHSTP"}},
       {":BRAN $BNHSTP0", 4, {}},  // entry 0: none
       {":BRAN $BNHSTP0", 0, {}},

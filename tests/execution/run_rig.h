@@ -11,9 +11,7 @@
 namespace corlune::testing {
 
 struct RunRig : InstrumentRig {
-  explicit RunRig(Prompts* otherPrompts = nullptr)
-      : run{state, sequence, commands, catalogue, otherPrompts ? *otherPrompts : prompts,
-            timer, display,  view} {
+  RunRig() {
     script.onExchange = [this](const std::string& line) {
       events.push_back(line);
       if (onExchange) onExchange(line);
@@ -60,7 +58,7 @@ struct RunRig : InstrumentRig {
   RecordedTickSource timer{&events};
   RecordedDisplay display{&events};
   RecordedView view{&events};
-  RunContext run;
+  RunContext run{state, sequence, commands, catalogue, prompts, timer, display, view};
   Activity activity;
   Measure measure{run};
   RunQueries queries{run, measure};

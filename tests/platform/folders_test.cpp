@@ -1,12 +1,11 @@
 #include "platform/folders.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <optional>
 #include <unistd.h>
 
 #include "platform/language.h"
+#include "support/environment.h"
 #include "support/temp_folder.h"
 
 namespace corlune {
@@ -51,36 +50,13 @@ TEST(ApplicationFolder, ElseIsTheUsersAndReceivesTheModelDefinition) {
   fs::permissions(program.Path(), fs::perms::owner_all);
 }
 
-// Environment variables that are put back at the end of a test; null unsets one.
-class Environment {
- public:
-  explicit Environment(std::vector<const char*> names) : names_(std::move(names)) {
-    for (const char* name : names_) {
-      const char* value = std::getenv(name);
-      old_.push_back(value != nullptr ? std::optional<std::string>(value) : std::nullopt);
-    }
-  }
-  ~Environment() {
-    for (std::size_t i = 0; i < names_.size(); ++i) Set(i, old_[i] ? old_[i]->c_str() : nullptr);
-  }
-  Environment(const Environment&) = delete;
-  Environment& operator=(const Environment&) = delete;
-  void Set(std::size_t i, const char* value) const {
-    value != nullptr ? setenv(names_[i], value, 1) : unsetenv(names_[i]);
-  }
-
- private:
-  std::vector<const char*> names_;
-  std::vector<std::optional<std::string>> old_;
-};
-
 TEST(UserConfigFolder, FollowsTheEnvironment) {
-  const Environment environment({"XDG_CONFIG_HOME", "HOME"});
-  environment.Set(1, "/home/u");
+  const testing::Environment environment({"XDG_CONFIG_HOME", "HOME"});
+  environment.Set("/home/u", 1);
   for (const auto& [config, folder] : {std::pair<const char*, const char*>{"/x/config", "/x/config"},
                                        {"relative", "/home/u/.config"},
                                        {nullptr, "/home/u/.config"}}) {
-    environment.Set(0, config);
+    environment.Set(config);
     EXPECT_EQ(UserConfigFolder(), folder);
   }
 }
@@ -95,11 +71,11 @@ TEST(Language, FollowsTheLocaleOfMessages) {
       {"C", "ja", "ja", true},    {"", "de_DE", "ja_JP", true},
       {"", "", "ja@x", false},    {"", "", "jam_JM", true},
   };
-  const Environment environment({"LC_ALL", "LC_MESSAGES", "LANG"});
+  const testing::Environment environment({"LC_ALL", "LC_MESSAGES", "LANG"});
   for (const auto& row : kRows) {
-    environment.Set(0, row.all);
-    environment.Set(1, row.messages);
-    environment.Set(2, row.lang);
+    environment.Set(row.all, 0);
+    environment.Set(row.messages, 1);
+    environment.Set(row.lang, 2);
     EXPECT_EQ(CheckLanguage(), row.english) << row.all << "," << row.messages << "," << row.lang;
   }
 }

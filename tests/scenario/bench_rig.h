@@ -33,6 +33,7 @@ class BenchPrompts : public Prompts {
 
   PromptAnswer Message(const MessageRequest& request) override {
     said.push_back(std::string(IconName(request.icon)) + ": " + request.text);
+    escape = request.escape;
     pump_.HandlePending();  // a message box handles events
     if (!answers.empty()) {
       const PromptAnswer answer = answers.front();
@@ -52,6 +53,7 @@ class BenchPrompts : public Prompts {
   std::deque<PromptAnswer> answers;         // before the agreeing ones
   std::optional<std::string> name = "E2E";  // of the sequence
   EventList said;
+  std::optional<PromptAnswer> escape;  // of the last message
 
  private:
   FakePump& pump_;
@@ -95,6 +97,7 @@ struct BenchOptions {
   bool communicationLog = false;  // "comm.log" in the folder
   bool writeSettings = false;     // as the window program does
   std::string responses = {};     // response file: every instrument is simulated
+  bool queriesWait = false;       // 20 ms before the reply is read, so that something can come in between
 };
 
 class BenchRig {
@@ -107,6 +110,10 @@ class BenchRig {
     SetVisaFace(&face);
     std::string definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
     if (options_.communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
+    if (options_.queriesWait) {
+      for (const std::string query : {":CST?,", ":COND?,", ":OUTP2?,"})
+        Replace(definition, query + "0", query + "20");
+    }
     folder.Write("Corlune_Std.ini", definition);
     if (!options_.responses.empty()) folder.Write("responses.ini", options_.responses);
     Restart();
@@ -278,10 +285,10 @@ class BenchRig {
     const LibraryChoice none{true, {}};
     std::array<std::unique_ptr<GpFamily>, 5> backends;
     backends[0] = std::make_unique<NiGpibMdl>(services, Ni488Loader(none, {}));
-    backends[1] = std::make_unique<KiGpibMdl>(services, Ieee32mLoader(none, {}));
+    backends[1] = std::make_unique<Ieee32mMdl>(services, Ieee32mLoader(none, {}));
     backends[2] = std::make_unique<Usb488Mdl>(services, Usb488Loader(none, {}));
     backends[3] = std::move(usbTmc);
-    backends[4] = std::make_unique<DebugMdl>(services, folder.File("responses.ini"));
+    backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
     const bool simulated = !options_.responses.empty();
     auto frontEnd = std::make_unique<GpFrontEnd>(state, std::move(backends), simulated ? nullptr : search);
     if (simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);

@@ -2,6 +2,7 @@
 // sends, what it says, and in which state it is left. Afterwards it must be usable.
 #include "compile/download_outcome_text.h"
 #include "scenario/bench_rig.h"
+#include "scenario/exchange_table.h"
 
 namespace corlune::testing {
 namespace {
@@ -20,12 +21,7 @@ enum class Fate {
   OutputUnknown,   // the sequence is in the instrument; the output counts as off
 };
 
-struct Exchange {
-  const char* line;
-  Fate fate;
-};
-
-const std::vector<Exchange> kDownload{
+const std::vector<Exchange<Fate>> kDownload{
     {"1 < *CLS;:SYST:REM;*ESE 60", Fate::NotSent},
     {"1 < :SOUR1:SEQ:STAT?", Fate::NotSent},
     {"1 > 0", Fate::NotSent},
@@ -61,23 +57,7 @@ constexpr std::size_t kCompiled = 24;
 constexpr std::size_t kOutput = 26;
 
 EventList Lines(std::size_t from = 0, std::size_t to = kDownload.size()) {
-  EventList lines;
-  for (std::size_t i = from; i < to; ++i) lines.emplace_back(kDownload[i].line);
-  return lines;
-}
-EventList Joined(EventList first, const EventList& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
-bool IsWrite(const std::string& line) {
-  return line.find(" < ") != std::string::npos;
-}
-bool IsRead(const std::string& line) {
-  return line.find(" > ") != std::string::npos;
-}
-std::string FailedLine(const std::string& line, const std::string& suffix) {
-  if (IsRead(line)) return "1 > " + suffix;
-  return (line.starts_with("1 poll") ? "1 poll" : line) + suffix;
+  return LinesOf(kDownload, from, to);
 }
 
 // Connected, with two steps, of which one plays an arbitrary waveform, for memory 1.

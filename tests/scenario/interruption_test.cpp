@@ -10,7 +10,7 @@ using ::testing::IsEmpty;
 
 // The whole way: download, start, hold, resume, branch, end.
 struct WholeWay : BenchRig {
-  WholeWay() {
+  WholeWay() : BenchRig("QM2220:QM000001", {.queriesWait = true}) {
     Connect();
     UseSteps({0.6, 60, 0.5});
     SequenceData& sequence = session->Sequence();
@@ -26,11 +26,16 @@ struct WholeWay : BenchRig {
     inDownload = false;
     if (!downloaded) return;
     Press(Run::Start);
-    for (int tick = 0; tick < 80; ++tick) {
+    for (; tick < 80 && session->State().RunState != RunState::Stopped; ++tick) {
       if (tick == 2) Press(Run::Hold);
-      if (tick == 9) Press(Run::Branch);
+      if (tick == 9 || tick == 40) Press(Run::Branch);  // a hold in between drops the first one
       Advance(100);
       if (session->State().RunState == RunState::Held) Press(Run::Start);
+    }
+    // A reply belongs to the query right before it: nothing was sent in between.
+    for (std::size_t i = 1; i < recorder.exchanges.size(); ++i) {
+      const bool reply = recorder.exchanges[i].find(" > ") != std::string::npos;
+      EXPECT_EQ(reply, recorder.exchanges[i - 1].find('?') != std::string::npos) << recorder.exchanges[i];
     }
   }
   void ExpectEnded() {
@@ -39,6 +44,7 @@ struct WholeWay : BenchRig {
     EXPECT_EQ(Instrument().Phase(), RunPhase::Idle);
   }
 
+  int tick = 0;
   bool inDownload = false;
   bool downloaded = false;
 };
@@ -78,6 +84,31 @@ void PlayWith(WholeWay& way, int wait, const std::function<void()>& action) {
   EXPECT_TRUE(reached);
 }
 
+// Every reply comes after 200 ms: start-up says what it waits for, and Cancel ends it off-line, with its
+// window.
+TEST(SlowStart, SaysWhatItWaitsForAndCanBeCancelled) {
+  BenchRig rig("QM2210:QM000001");
+  rig.Faults("late:200");
+  const auto asking = [](int number) {
+    return "Arbitrary waveforms in the instrument: " + std::to_string(number) + "/128";
+  };
+  rig.progress.cancelAt = asking(3);
+  EXPECT_EQ(rig.session->StartUp({}), StartUpResult::Show);
+  EXPECT_EQ(rig.progress.waits, (EventList{"Searching for instruments...", "Connecting to the instrument...",
+                                           asking(1), asking(2), asking(3)}));
+  EXPECT_EQ(rig.TakeSent().back(), "1 < :TRAC:INF? 2");
+  EXPECT_EQ(rig.session->State().Online, 0);
+  EXPECT_FALSE(rig.session->State().Connected);
+  rig.ExpectAtRest(OperationMode::Edit, false);
+  rig.ExpectPrompts({"exclamation: Initialization file doesn't exist"});
+
+  // The set-up dialog connects; what it waits for is shown after 300 ms.
+  rig.progress.waits.clear();
+  rig.progress.cancelAt.clear();
+  ASSERT_TRUE(rig.Reconnect());
+  EXPECT_EQ(rig.progress.waits.size(), 127U);
+}
+
 TEST(InterruptionOnTheWay, TheUndisturbedWayHasEveryKindOfWait) {
   const Undisturbed& record = PlayUndisturbed();
   EXPECT_EQ(record.said, (EventList{"input: Seq2", kAsksOutput, kSaysEnd}));
@@ -114,6 +145,10 @@ TEST(InterruptionOnTheWay, ItIsRefused) {
          // In a tick it is carried out behind it; everywhere else it is ignored.
          if (!way.session->Activity().Under(Work::Tick)) way.Press(Run::OutputOff);
        }},
+      {"run buttons in a download",
+       [](WholeWay& way) {
+         for (int button = 0; button <= 5 && way.inDownload; ++button) way.session->Control().Button(button);
+       }},
   };
   const Undisturbed& record = PlayUndisturbed();
   for (const Attempt& attempt : attempts) {
@@ -128,33 +163,29 @@ TEST(InterruptionOnTheWay, ItIsRefused) {
   }
 }
 
-TEST(InterruptionOnTheWay, RunButtonsDoNothingDuringADownload) {
-  const Undisturbed& record = PlayUndisturbed();
-  for (int wait = 1; wait <= record.downloadWaits; ++wait) {
+TEST(InterruptionOnTheWay, EndingFromOutsideLeavesNothingRunning) {
+  struct ProcessEnd {};  // nothing that is under way comes back
+  int takenOver = 0;
+  for (int wait = 1; wait <= PlayUndisturbed().waits; ++wait) {
     SCOPED_TRACE("wait " + std::to_string(wait));
     WholeWay way;
-    PlayWith(way, wait, [&] {
-      for (int button = 0; button <= 5; ++button) way.session->Control().Button(button);
-    });
-    EXPECT_EQ(way.recorder.exchanges, record.exchanges);
-    way.ExpectPrompts(record.said);
-    way.ExpectEnded();
-  }
-}
-
-TEST(InterruptionOnTheWay, ADownloadAskedToEndBeginsNoOtherPart) {
-  int takenOver = 0;
-  for (int wait = 1; wait <= PlayUndisturbed().downloadWaits; ++wait) {
-    WholeWay way;
-    PlayWith(way, wait, [&] {
+    const bool inDownload = wait <= PlayUndisturbed().downloadWaits;
+    const auto end = [&] {
+      const std::uint32_t before = way.clock.Now();
+      EXPECT_NE(way.session->EndFromOutside(), way.inDownload) << "a block that is being sent ends first";
+      EXPECT_LE(way.clock.Now() - before, 2000U);
+      if (way.end.ended) throw ProcessEnd{};
       way.Forget();
-      way.session->Download().RequestEnd();
-    });
+    };
+    EXPECT_THROW((PlayWith(way, wait, end), end()), ProcessEnd);
+    EXPECT_EQ(way.Instrument().Phase(), RunPhase::Idle);
+    EXPECT_EQ(way.face.OpenObjects(), 0U);
     way.prompts.said.clear();
-    takenOver += way.downloaded ? 1 : 0;
-    if (way.downloaded) continue;
+    takenOver += inDownload && way.downloaded ? 1 : 0;
+    if (!inDownload || way.downloaded) continue;
     EXPECT_EQ(way.session->Download().Outcome().End, DownloadEnd::Cancelled);
-    EXPECT_THAT(way.TakeSent(), ::testing::Each(::testing::Not(::testing::HasSubstr("< :TR")))) << wait;
+    EXPECT_THAT(way.TakeSent(), ::testing::Each(::testing::Not(::testing::HasSubstr("< :TR"))))
+        << "no other part";
   }
   EXPECT_LE(takenOver, 4);  // it was compiling what it had taken over
 }
@@ -167,11 +198,14 @@ TEST(InterruptionOnTheWay, StopInAnyWaitOfTheRunStopsIt) {
     WholeWay way;
     constexpr const char* kStart = "1 < :TRIG1:SEL:EXEC STAR";
     int started = 0;
+    int pressedIn = -1;
     PlayWith(way, wait, [&] {
       started = way.CountSent(kStart);
+      pressedIn = way.tick;
       way.Press(Run::Stop);
     });
     EXPECT_EQ(way.CountSent(kStart), started) << "no start behind a stop";
+    EXPECT_LE(way.tick, pressedIn + 1) << "another tick went by before the stop";
     // A stop in the question leaves the output as it was.
     way.ExpectAtRest(OperationMode::Execution, way.CountSent("1 < :OUTP1 ON;:OUTP2 ON") > 0);
     EXPECT_EQ(way.Instrument().Phase(), RunPhase::Idle);
@@ -187,6 +221,36 @@ TEST(InterruptionOnTheWay, StopInAnyWaitOfTheRunStopsIt) {
     EXPECT_THAT(way.recorder.exchanges.back(), AnyOf("1 > 2", "1 > 1;1"));
   }
   EXPECT_GT(stopped, 4);
+}
+
+// Only the message at the end finds the run stopped, so that it can start anew.
+TEST(InterruptionOnTheWay, AStartIsCarriedOutInTheLastMessageOnly) {
+  const Undisturbed& record = PlayUndisturbed();
+  int starts = 0;
+  for (int wait = record.downloadWaits + 1; wait <= record.waits; ++wait) {
+    SCOPED_TRACE("wait " + std::to_string(wait));
+    WholeWay way;
+    PlayWith(way, wait, [&] { way.Press(Run::Start); });
+    starts += way.CountSent("1 < :TRIG1:SEL:EXEC STAR") - 1;
+    way.prompts.said.clear();
+  }
+  EXPECT_EQ(starts, 1);
+}
+
+// The hold was made at the instrument in the very tick in which the person pressed Stop, or Hold.
+TEST(InterruptionOnTheWay, PressesWhileTheInstrumentHolds) {
+  for (const corlune::Run press : {Run::Stop, Run::Hold}) {
+    WholeWay way;
+    EXPECT_TRUE(way.Download());
+    way.Press(Run::Start);
+    way.prompts.said.clear();
+    way.Instrument().PressHold();
+    way.pump.OnCall(way.pump.Calls() + 3, [&] { way.Press(press); });  // between status query and reply
+    way.Advance(100);
+    EXPECT_EQ(way.session->State().RunState, press == Run::Stop ? RunState::Stopped : RunState::Held);
+    EXPECT_EQ(way.CountSent("1 < :TRIG1:SEL:EXEC STOP"), press == Run::Stop ? 1 : 0) << "a stop is not lost";
+    EXPECT_EQ(way.session->State().PendingRequest, PendingRequest::None) << "a hold has come about";
+  }
 }
 
 TEST(InterruptionOnTheWay, HoldAndBranchInAnyWaitOfTheRun) {

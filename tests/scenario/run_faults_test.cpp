@@ -1,6 +1,7 @@
 // Each exchange of a run fails in turn: start, two polls, hold, resume, branch, stop. The table says what the
 // program does about it. Afterwards it must be usable.
 #include "scenario/bench_rig.h"
+#include "scenario/exchange_table.h"
 
 namespace corlune::testing {
 namespace {
@@ -17,14 +18,9 @@ enum class Fate {
   Discarded,    // nobody needs the answer
 };
 
-struct Exchange {
-  const char* line;
-  Fate fate;
-};
-
 constexpr const char* kStop = "1 < :TRIG1:SEL:EXEC STOP";
 
-const std::vector<Exchange> kRun{
+const std::vector<Exchange<Fate>> kRun{
     {"1 < :OUTP1 ON;:OUTP2 ON", Fate::Output},
     {"1 < :SYST:BUSY?", Fate::Output},
     {"1 > 0", Fate::Output},
@@ -69,19 +65,7 @@ const std::vector<Exchange> kRun{
 };
 
 EventList Lines(std::size_t from = 0, std::size_t to = kRun.size()) {
-  EventList lines;
-  for (std::size_t i = from; i < to; ++i) lines.emplace_back(kRun[i].line);
-  return lines;
-}
-EventList Joined(EventList first, const EventList& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
-bool IsRead(std::size_t n) {
-  return std::string_view(kRun[n].line).starts_with("1 > ");
-}
-std::string FailedLine(std::size_t n, const std::string& suffix) {
-  return (IsRead(n) ? "1 > " : kRun[n].line) + suffix;
+  return LinesOf(kRun, from, to);
 }
 
 // Downloaded; three steps of a minute, the first branches to the third.
@@ -166,7 +150,7 @@ Rest UndisturbedRest(std::size_t n) {
     case Fate::Stop:
       return {{}, {CommunicationError(1, "critical")}, OperationMode::Execution, false, true};
     case Fate::OutputQuery: {
-      const std::size_t step = IsRead(n) ? n + 1 : n + 2;
+      const std::size_t step = IsRead(kRun[n].line) ? n + 1 : n + 2;
       return {Lines(step, step + 2), {message}, OperationMode::Execution, true, true};
     }
     case Fate::StepQuery:
@@ -211,7 +195,8 @@ TEST(RunFaults, EachExchangeFailsWithAnError) {
     rig.Faults("error=" + std::to_string(n + 1) + ":0xBFFF003E");
     rig.Play();
     const Rest rest = RestAfterFailure(n);
-    EXPECT_EQ(rig.recorder.exchanges, Joined(Joined(Lines(0, n), {FailedLine(n, " !error")}), rest.lines));
+    EXPECT_EQ(rig.recorder.exchanges,
+              Joined(Joined(Lines(0, n), {FailedLine(kRun[n].line, " !error")}), rest.lines));
     ExpectEnd(rig, rest);
     rig.Faults("");
     rig.ExpectUsable();
@@ -222,9 +207,9 @@ TEST(RunFaults, EachExchangeFailsWithAnError) {
 TEST(RunFaults, EachExchangeTimesOutOnce) {
   int messages = 0;
   for (std::size_t n = 0; n < kRun.size(); ++n) {
-    if (!IsRead(n)) ++messages;
+    if (!IsRead(kRun[n].line)) ++messages;
     std::vector<std::string> faults{"timeout=" + std::to_string(n + 1)};
-    if (IsRead(n)) {
+    if (IsRead(kRun[n].line)) {
       faults.push_back("late=" + std::to_string(messages) + ":3500");
       faults.push_back("drop=" + std::to_string(messages));
     }
@@ -234,9 +219,9 @@ TEST(RunFaults, EachExchangeTimesOutOnce) {
       rig.Faults(fault);
       rig.Play();
       Rest rest = RestAfterFailure(n);
-      if (IsRepeated(n)) rest = {Joined({"1 clear"}, Lines(IsRead(n) ? n - 1 : n)), {}};
+      if (IsRepeated(n)) rest = {Joined({"1 clear"}, Lines(IsRead(kRun[n].line) ? n - 1 : n)), {}};
       EXPECT_EQ(rig.recorder.exchanges,
-                Joined(Joined(Lines(0, n), {FailedLine(n, " !timeout")}), rest.lines));
+                Joined(Joined(Lines(0, n), {FailedLine(kRun[n].line, " !timeout")}), rest.lines));
       ExpectEnd(rig, rest);
       rig.Faults("");
       rig.ExpectUsable();
@@ -250,13 +235,13 @@ TEST(RunFaults, EachQueryTimesOutTwice) {
     SCOPED_TRACE("exchange " + std::to_string(n + 1) + ": " + kRun[n].line);
     RunBench rig;
     // Between the two lie the clear and, for a reply, the repeated question.
-    const std::size_t again = n + (IsRead(n) ? 3 : 2);
+    const std::size_t again = n + (IsRead(kRun[n].line) ? 3 : 2);
     rig.Faults("timeout=" + std::to_string(n + 1) + ";timeout=" + std::to_string(again + 1));
     rig.Play();
     const Rest rest = RestAfterFailure(n);
-    EventList repeated{FailedLine(n, " !timeout"), "1 clear"};
-    if (IsRead(n)) repeated.emplace_back(kRun[n - 1].line);
-    repeated.push_back(FailedLine(n, " !timeout"));
+    EventList repeated{FailedLine(kRun[n].line, " !timeout"), "1 clear"};
+    if (IsRead(kRun[n].line)) repeated.emplace_back(kRun[n - 1].line);
+    repeated.push_back(FailedLine(kRun[n].line, " !timeout"));
     EXPECT_EQ(rig.recorder.exchanges, Joined(Joined(Lines(0, n), repeated), rest.lines));
     ExpectEnd(rig, rest);
     rig.Faults("");
@@ -284,7 +269,8 @@ TEST(RunFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
       rest.messages.push_back(CommunicationError(1, "critical"));
       rest.outputOn = false;
     }
-    EXPECT_EQ(rig.recorder.exchanges, Joined(Joined(Lines(0, n), {FailedLine(n, " !error")}), rest.lines));
+    EXPECT_EQ(rig.recorder.exchanges,
+              Joined(Joined(Lines(0, n), {FailedLine(kRun[n].line, " !error")}), rest.lines));
     ExpectEnd(rig, rest);
 
     // Still unplugged: going on needs an answer; a download tells so and changes nothing.
@@ -294,6 +280,7 @@ TEST(RunFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
                        ? rig.session->NewSequence()
                        : rig.session->Control().SetOperationMode(OperationMode::Edit));
       EXPECT_EQ(std::exchange(rig.prompts.said, {}), (EventList{kAsksToGoOn}));
+      EXPECT_EQ(rig.prompts.escape, PromptAnswer::Cancel);
     }
     if (rest.mode == OperationMode::Execution) {
       ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));

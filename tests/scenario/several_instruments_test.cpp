@@ -2,6 +2,7 @@
 #include <random>
 
 #include "scenario/bench_rig.h"
+#include "scenario/exchange_table.h"
 
 namespace corlune::testing {
 namespace {
@@ -47,10 +48,6 @@ struct Bench : BenchRig {
     Press(Run::Start);
     ExpectPrompts({kAsksOutput});
   }
-  static EventList Joined(EventList first, const EventList& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
-  }
 
   int count;
 };
@@ -60,9 +57,9 @@ TEST(SeveralInstruments, RunCommandsGoToAllInOrder) {
     SCOPED_TRACE(count);
     Bench rig(count);
     rig.Start();
-    rig.ExpectSent(Bench::Joined(
-        Bench::Joined(rig.ToAll({":OUTP1 ON;:OUTP2 ON", ":SYST:BUSY?"}), rig.ToAll({":TRIG1:SEL:EXEC STAR"})),
-        {"1 < :SOUR1:SEQ:CST?"}));
+    rig.ExpectSent(
+        Joined(Joined(rig.ToAll({":OUTP1 ON;:OUTP2 ON", ":SYST:BUSY?"}), rig.ToAll({":TRIG1:SEL:EXEC STAR"})),
+               {"1 < :SOUR1:SEQ:CST?"}));
     for (int i = 1; i <= count; ++i) EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Running);
 
     rig.Advance(200);
@@ -110,6 +107,13 @@ TEST(SeveralInstruments, StopReachesAll) {
   EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STAR"), 1);
   EXPECT_EQ(rig.CountSent("2 < :TRIG1:SEL:EXEC STAR"), 0);
   EXPECT_THAT(rig.TakeSent(), ::testing::IsSupersetOf(stops));
+
+  // Told to end from outside: all, also behind an unplugged one.
+  rig.Press(Run::Start);
+  rig.Faults("gone=0", 2);
+  rig.Forget();
+  EXPECT_TRUE(rig.session->EndFromOutside());
+  EXPECT_THAT(rig.TakeSent(), ::testing::IsSupersetOf({stops[0], stops[1], stops[3], stops[4]}));
 }
 
 // An output that trips at the first instrument stops the others first, then itself.
@@ -166,15 +170,15 @@ TEST(SeveralInstruments, OneIsUnplugged) {
   const std::string critical = CommunicationError(2, "critical");
   const Case cases[] = {
       {"stop", press(Run::Stop), stops, {critical}},
-      {"hold", press(Run::Hold), Bench::Joined(lines(":TRIG1:SEL:EXEC HOLD", {1, 2}), stops), {critical}},
+      {"hold", press(Run::Hold), Joined(lines(":TRIG1:SEL:EXEC HOLD", {1, 2}), stops), {critical}},
       // The poll behind it finds the output of the first one off.
-      {"output off", press(Run::OutputOff), Bench::Joined(others, lines(kStop, {1})), {critical, critical}},
+      {"output off", press(Run::OutputOff), Joined(others, lines(kStop, {1})), {critical, critical}},
       {"output trip",
        [](Bench& rig) {
          rig.Instrument(1).SetOutput(1, false);
          rig.Advance(200);
        },
-       Bench::Joined(others, lines(kStop, {1})),
+       Joined(others, lines(kStop, {1})),
        {critical}},
       {"end", [](Bench& rig) { rig.RunToEnd(); }, others, {critical}},
   };
@@ -225,15 +229,21 @@ TEST(SeveralInstruments, NoneIsLeft) {
   Bench rig(1);
   rig.Start();
   rig.Faults("gone");
+  const AppState& state = rig.session->State();
+  rig.pump.OnCall(rig.pump.Calls() + 1, [&] {
+    rig.session->NoticeLostConnection();
+    EXPECT_EQ(state.Online, 1) << "not in the middle of the tick";
+  });
   rig.Advance(200);
   rig.prompts.said.clear();
+  rig.session->State().OutputOn = true;
   rig.session->NoticeLostConnection();
-  const AppState& state = rig.session->State();
   EXPECT_EQ(state.Online, 0);
   EXPECT_TRUE(state.MayStillRun);
   rig.ExpectAtRest(OperationMode::Edit, false);
   rig.Press(Run::Stop);
-  rig.ExpectPrompts({CommunicationError(1, "exclamation")});
+  rig.ExpectPrompts({CommunicationError(1, "exclamation") +
+                     "\nUSB0::0X3A1F::0X2220::QM000001::INSTR does not open: status BFFF0011"});
   EXPECT_TRUE(state.MayStillRun);
   EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Running);
   rig.Replug();
@@ -241,6 +251,18 @@ TEST(SeveralInstruments, NoneIsLeft) {
   EXPECT_EQ(state.Online, 1);
   EXPECT_FALSE(state.MayStillRun);
   EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Idle);
+}
+
+// The reason stands beside the message, also of a kind that is not the first.
+TEST(SeveralInstruments, AnInterfaceThatCannotBeOpenedSaysWhy) {
+  BenchRig rig;
+  rig.Connect();
+  SystemSettings setup = SettingsOf(rig.session->State());
+  setup.InstrumentCount = 2;
+  setup.Instruments[1].Interface = 1;  // NI
+  EXPECT_TRUE(rig.session->ApplySetup(setup));
+  rig.ExpectPrompts({CommunicationError(2, "exclamation") + "\nNI-488.2: switched off"});
+  EXPECT_EQ(rig.session->State().Online, 0);
 }
 
 // Whatever is pressed and whatever fails, in whatever wait: a window that shows "stopped" without the warning
@@ -313,6 +335,7 @@ TEST(SeveralInstruments, TheModelCheckNamesTheOneThatDoesNotAnswer) {
     rig.Faults(std::string(c.fault) + "@*IDN?", 1);
     EXPECT_FALSE(rig.Reconnect());
     rig.ExpectPrompts({c.said});
+    EXPECT_EQ(rig.prompts.escape, PromptAnswer::Yes) << "the other answer ends the program";
     EXPECT_EQ(rig.session->State().Online, 0);
     EXPECT_EQ(rig.CountSent("3 < *IDN?"), 0);
     // Off-line, the program can still be used: the run times are shown, nothing is sent.

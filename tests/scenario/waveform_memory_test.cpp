@@ -89,8 +89,9 @@ TEST(WaveformMemory, TheInstrumentTakesTwoAndSaysSo) {
   EXPECT_EQ(rig.Instrument().WaveformPoints(), 2u * 524288u);
   EXPECT_EQ(rig.CountSent("1 < :TRACe:DATA 4,\"Arb4\",#71048584"), 0);
 
-  // One is deleted, the third one takes its place.
+  // Sent again, one takes its own place; one is deleted, the third one takes its place.
   WaveformTransfer& waveforms = rig.session->Waveforms();
+  EXPECT_EQ(waveforms.TransferOne(entries[1], 2), ArbTransfer::Done);
   EXPECT_FALSE(Failed(waveforms.ClearOne(entries[0], 1)));
   EXPECT_EQ(waveforms.TransferOne(entries[2], 3), ArbTransfer::Done);
   ArbFileEntry found;

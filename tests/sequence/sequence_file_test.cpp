@@ -12,7 +12,6 @@
 #include "sequence/start_values.h"
 #include "sequence/waveform_path.h"
 #include "sequence_samples.h"
-#include "support/fake_ports.h"
 #include "support/temp_folder.h"
 
 namespace corlune {
@@ -20,7 +19,6 @@ namespace {
 
 using testing::SampleDefinition;
 using testing::SampleState;
-using testing::ScriptedPrompts;
 using testing::SequenceGenerator;
 using testing::TempFolder;
 using Form = SequenceFileForm;
@@ -345,7 +343,6 @@ TEST_F(SequenceFileTest, TheStepSectionTellsTheFormAndTheCount) {
 
 TEST_F(SequenceFileTest, WritesUnderTheNameGivenAndReadsBack) {
   TempFolder folder;
-  const MessageCatalogue catalogue(10000);
   for (const char* const name : {"a", "b.dat", "波形"}) {
     SCOPED_TRACE(name);
     const std::string path = folder.File(name);
@@ -353,8 +350,8 @@ TEST_F(SequenceFileTest, WritesUnderTheNameGivenAndReadsBack) {
     ASSERT_TRUE(WriteSeqFile(path, Form::User, state, definition, sequence));
     SequenceData back;
     AppState other;
-    ScriptedPrompts prompts;
-    ASSERT_TRUE(ReadSeqFile(path, Form::User, OneDefinition(definition), other, back, prompts, catalogue));
+    ASSERT_EQ(ReadSeqFile(path, Form::User, OneDefinition(definition), other, back).Problem,
+              SequenceFileProblem::None);
     EXPECT_EQ(back.Channels.ArbFiles[5].FilePath, "/waves/波形 é.txt");
     EXPECT_EQ(other.ModelName, "QM2220");
   }

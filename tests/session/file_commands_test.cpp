@@ -116,14 +116,15 @@ TEST(FileCommands, OpenReplacesTheSequenceOrLeavesItAlone) {
   const char* const noName = "Please specify a correct file name.";
   const char* const noModel = "The model name QM9999 is not registered in initialization file?";
   for (const Row& row :
-       {Row{"none.dat", noName}, Row{"", noName}, Row{"broken.dat", "The sequence data file error."},
+       {Row{"none.dat", noName}, Row{"", noName}, Row{"broken.dat", "The sequence data file error.\n"},
         Row{"gone.dat", noModel}, Row{"a.dat", nullptr}, Row{"two.dat", nullptr}}) {
     SCOPED_TRACE(row.file);
     if (row.message) rig.Answer(PromptAnswer::Ok);
     rig.files.open.push_back(*row.file ? rig.folder.File(row.file) : std::string());
     EXPECT_EQ(rig.session->OpenWithDialog(), row.message == nullptr);
-    EXPECT_THAT(rig.Messages(), ElementsAreArray(row.message ? std::vector<std::string>{row.message}
-                                                             : std::vector<std::string>{}));
+    const std::vector<std::string> messages = rig.Messages();
+    ASSERT_EQ(messages.size(), row.message ? 1U : 0U);
+    EXPECT_THAT(row.message ? messages[0] : "", HasSubstr(row.message ? row.message : ""));
     EXPECT_EQ(rig.session->Sequence().StepCount, row.message ? 7 : 2);
     EXPECT_EQ(rig.display.changes.size(), row.message ? 0U : 1U);
     EXPECT_EQ(rig.State().CurrentFilePath, row.message ? "" : rig.folder.File(row.file));
@@ -186,6 +187,15 @@ TEST(FileCommands, AnOnLineLoadChecksOrReconnectsTheInstruments) {
     // Ended at once or not, nothing of the new sequence is lost.
     EXPECT_EQ(rig.end.ended, row.answer == PromptAnswer::No);
     EXPECT_EQ(FileExists(rig.WorkFile()), rig.end.ended);
+    if (row.answer != PromptAnswer::Yes) continue;
+    // The next file finds the instrument again, once it is there and matches.
+    rig.script.Reply("*IDN?", {good});
+    rig.search.bus.clear();
+    for (const int online : {0, 1}) {
+      EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
+      EXPECT_EQ(state.Online, online);
+      rig.search.Attach(kPrefix2210, "1000001");
+    }
   }
 }
 

@@ -78,13 +78,14 @@ class RecordedSessionDisplay : public SessionDisplay {
   int connectionChanges = 0;
 };
 
-class NoCompiler : public CompilerLibrary {
+// Leaves the text as it is: the scripted instrument takes everything.
+class AgreeableCompiler : public CompilerLibrary {
  public:
   CompilerCall CompileSeqData(const std::string&, const std::array<ArbInformation, 128>&, CompileErrorRecord&,
                               std::int32_t&) override {
-    return CompilerCall::Missing;
+    return CompilerCall::Done;
   }
-  std::string Problem() const override { return "no compiler here"; }
+  std::string Problem() const override { return {}; }
 };
 
 inline constexpr const char* kPrefix2210 = "USB0::0x3A1F::0x2210::";
@@ -94,6 +95,7 @@ struct SessionRig {
   SessionRig() {
     folder.Write("Corlune_Std.ini", TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini"));
     EditModel("0,QM2210");
+    options.english = true;
     script.Reply("*IDN?", {"TAVRIN,QM2210,1000001,1.00"});
     script.Reply(":TRAC:INF? 1", {"\"Arb1\",1,4096"});
     Restart();
@@ -101,15 +103,17 @@ struct SessionRig {
 
   // A new process over the same folder.
   void Restart() {
-    session.reset();
     script.ClearLog();
+    OpenSession(runDisplay, view, display);
+  }
+  void OpenSession(RunDisplay& run, ViewDisplay& sequenceView, SessionDisplay& shown) {
+    session.reset();
     options.appFolder = folder.Path();
-    options.english = true;
-    const SessionPorts ports{prompts, clock, pump, timer, progress, runDisplay, view, end, files, display};
+    const SessionPorts ports{prompts, clock, pump, timer, progress, run, sequenceView, end, files, shown};
     session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram& endProgram) {
       sessionEnd = &endProgram;
       return OutsideParts{std::make_unique<GpFrontEnd>(state, ScriptedBackends(script), &search),
-                          std::make_unique<NoCompiler>()};
+                          std::make_unique<AgreeableCompiler>()};
     });
   }
   void EditModel(const std::string& value) const {

@@ -56,16 +56,28 @@ TEST(StartUp, FailureTable) {
       {"no model definition", without("Corlune_Std.ini"), noIni},
       {"bad number in the model definition", badNumber, "section SYSTEM: key SS_CNT"},
       {"model that is gone, without work file", model("5,QM9999"), noModel, true},
-      {"work file of a model that is gone", replaceInWorkFile("SS_MODEL=QM2210", "SS_MODEL=QM9999"), noModel},
-      {"work file without a section", replaceInWorkFile("[MODE]", "[MADE]"), "The sequence data file error."},
+      {"work file of a model that is gone", replaceInWorkFile("SS_MODEL=QM2210", "SS_MODEL=QM9999"), noModel,
+       true},
+      {"work file without a section", replaceInWorkFile("[MODE]", "[MADE]"), "[MODE] is missing.", true},
+      {"work file with a bad interface", replaceInWorkFile("SS_INTERFACE0=0", "SS_INTERFACE0=9"),
+       ", line 7, cannot be taken:\nSS_INTERFACE0=9\nIt is kept as ", true},
+      {"work file with a bad step", replaceInWorkFile("ST_SETVAL#2=7.5", "ST_SETVAL#2=x"), "\nST_SETVAL#2=x",
+       true},
+      {"a folder in its place", [](SessionRig& rig) { std::filesystem::create_directory(rig.WorkFile()); },
+       "Corlune_QM2210.ini cannot be read.\nIt is kept as ", true},
       {"no instrument", [](SessionRig&) {}, "", true},
+  };
+  const auto content = [](const std::string& path) {
+    return FileExists(path) ? TempFolder::Read(path) : std::string();
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     SessionRig rig;
     row.prepare(rig);
+    rig.folder.Write("Corlune_QM2210.ini.bad1", "of another day");
     rig.prompts.messages.clear();
-    const std::string workFile = TempFolder::Read(rig.WorkFile());
+    const bool stood = std::filesystem::exists(rig.WorkFile());
+    const std::string workFile = content(rig.WorkFile());
     if (!row.message.empty()) rig.Answer(PromptAnswer::Ok);
     EXPECT_EQ(rig.Start(), row.shows ? StartUpResult::Show : StartUpResult::EndProcess);
     ASSERT_EQ(rig.prompts.messages.size(), row.message.empty() ? 0U : 1U);
@@ -77,6 +89,14 @@ TEST(StartUp, FailureTable) {
     if (row.shows) {
       EXPECT_EQ(rig.session->State().ModelName, "QM2210");
       EXPECT_EQ(rig.session->State().Online, 0);
+      EXPECT_EQ(rig.session->Sequence().StepCount, 0);
+      if (stood) {
+        EXPECT_THAT(rig.prompts.messages[0].text, HasSubstr(rig.WorkFile() + ".bad2. The program starts"));
+        EXPECT_EQ(TempFolder::Read(rig.WorkFile() + ".bad1"), "of another day");
+        EXPECT_EQ(content(rig.WorkFile() + ".bad2"), workFile);
+        EXPECT_TRUE(rig.session->RequestClose());
+        EXPECT_TRUE(FileExists(rig.WorkFile()));
+      }
     } else {
       // A file that could not be loaded is not replaced when the program ends.
       std::filesystem::remove(rig.folder.File("Corlune.ini"));
@@ -231,6 +251,21 @@ TEST(StartUp, TheConsoleIsToldWhatIsWrongWithAFile) {
   told("The sequence data file error.", "my.dat: ");
   rig.folder.Write("my.dat", "[FILE]\r\nPROGID=C\r\nVERNO=1\r\n[SYSTEM]\r\nSS_MODEL=QM1\r\n");
   told("The model name QM1 is not registered", "unknown model QM1");
+}
+
+// Simulated instruments are neither searched nor checked, and have no address that could change.
+TEST(StartUp, Simulated) {
+  SessionRig rig;
+  rig.options.simulated = true;
+  rig.Restart();
+  rig.script.Reply("*IDN?", {});
+  ASSERT_EQ(rig.Start(), StartUpResult::Show);
+  ASSERT_TRUE(rig.session->WriteFile(rig.folder.File("a.dat"), true));
+  rig.session->State().Instruments[0].Address = 7;
+  EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
+  EXPECT_EQ(rig.session->State().Online, 1);
+  EXPECT_EQ(rig.script.CountOf("[4] init"), 1);
+  EXPECT_THAT(rig.progress.waits, IsEmpty());
 }
 
 // Without a file the instrument tells its model; a serial number names an instrument of any model.

@@ -53,7 +53,10 @@ class ScriptedPrompts : public Prompts {
     return *this;
   }
   // Runs while the next message is open, before it is answered.
-  void WhileOpen(std::function<void()> action) { whileOpen_ = std::move(action); }
+  ScriptedPrompts& WhileOpen(std::function<void()> action) {
+    whileOpen_ = std::move(action);
+    return *this;
+  }
 
   PromptAnswer Message(const MessageRequest& request) override {
     messages.push_back(request);
@@ -139,14 +142,13 @@ class FakePump : public EventPump {
       if (next == timed_.size()) break;
       auto [at, action] = std::move(timed_[next]);
       timed_.erase(timed_.begin() + static_cast<std::ptrdiff_t>(next));
-      if (!TickReached(clock_.Now(), at)) MoveTo(at);
+      if (!TickReached(clock_.Now(), at)) clock_.Set(at);
       action();
     }
-    if (!TickReached(clock_.Now(), tick)) MoveTo(tick);
+    if (!TickReached(clock_.Now(), tick)) clock_.Set(tick);
   }
 
   int Calls() const { return calls_; }
-  std::uint32_t Slept() const { return slept_; }  // total ms
 
  private:
   void Call() {
@@ -157,14 +159,9 @@ class FakePump : public EventPump {
     for (auto it = range.first; it != range.second; ++it) due.push_back(it->second);
     for (auto& action : due) action();
   }
-  void MoveTo(std::uint32_t tick) {
-    slept_ += tick - clock_.Now();
-    clock_.Set(tick);
-  }
 
   FakeClock& clock_;
   int calls_ = 0;
-  std::uint32_t slept_ = 0;
   std::multimap<int, std::function<void()>> actions_;
   std::function<void()> everyCall_;
   std::vector<std::pair<std::uint32_t, std::function<void()>>> timed_;
@@ -192,13 +189,26 @@ class RecordedProgress : public Progress {
     if (events_) events_->push_back("progress " + std::to_string(steps) + ": " + text);
   }
   void Advance() override { ++advances; }
-  void End() override { --depth; }
+  void End() override {
+    --depth;
+    cancelled_ = waiting_ = false;
+  }
+  void ShowWait(const std::string& text, const std::string&, int, int) override {
+    if (!std::exchange(waiting_, true)) ++depth;
+    waits.push_back(text);
+    cancelled_ = text == cancelAt;
+  }
+  bool Cancelled() const override { return cancelled_; }
+  std::vector<std::string> waits;
+  std::string cancelAt;  // the wait in which Cancel is pressed
   int depth = 0;
   int advances = 0;
   std::vector<std::string> texts;
 
  private:
   EventList* events_;
+  bool waiting_ = false;
+  bool cancelled_ = false;
 };
 
 class RecordedDisplay : public RunDisplay {

@@ -40,15 +40,9 @@ struct SentBlock {
 
 class GpScript {
  public:
-  static constexpr std::int16_t kAnyAddress = -2;
-
   // Replies to `command`, in order; the last one repeats. Replaces what was prepared before.
   void Reply(const std::string& command, std::vector<std::string> replies) {
-    ReplyFrom(kAnyAddress, command, std::move(replies));
-  }
-  // The same for one device only; it goes before a reply for any device.
-  void ReplyFrom(std::int16_t address, const std::string& command, std::vector<std::string> replies) {
-    replies_[{address, command}] = {replies.begin(), replies.end()};
+    replies_[command] = {replies.begin(), replies.end()};
   }
   // Answers of the serial poll, in order; the last one repeats. 0 when none were prepared.
   void StatusBytes(std::vector<std::int16_t> bytes) { statusBytes_ = {bytes.begin(), bytes.end()}; }
@@ -57,17 +51,12 @@ class GpScript {
 
   // Exchange number `index` (0-based, counted over every operation) returns `status` and does nothing.
   void FailAt(std::size_t index, CommStatus status) { failAt_[index] = status; }
-  // Every exchange from number `index` on fails, as after the device is unplugged.
-  void FailFrom(std::size_t index, CommStatus status) { failFrom_ = {index, status}; }
   // The next `times` exchanges whose log line begins with `beginning` fail.
   void FailOn(const std::string& beginning, CommStatus status, int times = 1) {
     failOn_.push_back({beginning, status, times});
   }
   // The device is unplugged: every exchange from now on fails, and the back-end knows why.
-  void Unplug() {
-    unplugged_ = true;
-    FailFrom(count_, CommStatus::Error);
-  }
+  void Unplug() { unplugged_ = true; }
   // Called with the log line before each exchange is carried out; may call into the program.
   std::function<void(const std::string&)> onExchange;
 
@@ -116,7 +105,7 @@ class GpScript {
     const std::size_t index = count_++;
     CommStatus status = CommStatus::Success;
     if (const auto at = failAt_.find(index); at != failAt_.end()) status = at->second;
-    if (failFrom_ && index >= failFrom_->first) status = failFrom_->second;
+    if (unplugged_) status = CommStatus::Error;
     for (FailRule& rule : failOn_) {
       if (rule.times > 0 && shown.compare(0, rule.beginning.size(), rule.beginning) == 0) {
         --rule.times;
@@ -131,23 +120,19 @@ class GpScript {
     }
     return status;
   }
-  std::optional<std::string> TakeReply(std::int16_t address, const std::string& command) {
-    for (const std::int16_t key : {address, kAnyAddress}) {
-      const auto found = replies_.find({key, command});
-      if (found == replies_.end() || found->second.empty()) continue;
-      std::string reply = found->second.front();
-      if (found->second.size() > 1) found->second.pop_front();
-      return reply;
-    }
-    return std::nullopt;
+  std::optional<std::string> TakeReply(const std::string& command) {
+    const auto found = replies_.find(command);
+    if (found == replies_.end() || found->second.empty()) return std::nullopt;
+    std::string reply = found->second.front();
+    if (found->second.size() > 1) found->second.pop_front();
+    return reply;
   }
 
-  std::map<std::pair<std::int16_t, std::string>, std::deque<std::string>> replies_;
+  std::map<std::string, std::deque<std::string>> replies_;
   std::map<std::int16_t, std::string> pending_;  // by address: the message whose reply is unread
   std::deque<std::int16_t> statusBytes_;
   std::optional<std::string> fileReply_;
   std::map<std::size_t, CommStatus> failAt_;
-  std::optional<std::pair<std::size_t, CommStatus>> failFrom_;
   std::vector<FailRule> failOn_;
   std::vector<std::string> log_;
   std::vector<SentBlock> blocks_;
@@ -172,7 +157,7 @@ class ScriptedGp : public GpFamily {
   CommStatus GP_Receive_Str(std::int16_t address, std::string& reply) override {
     std::optional<std::string> text;
     if (const auto pending = script_.pending_.find(address); pending != script_.pending_.end()) {
-      text = script_.TakeReply(address, pending->second);
+      text = script_.TakeReply(pending->second);
       script_.pending_.erase(pending);
     }
     CommStatus status = script_.Note(kind_, At(address) + "> " + text.value_or("(none)"));

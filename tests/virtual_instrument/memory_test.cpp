@@ -8,24 +8,16 @@
 namespace corlune::testing {
 namespace {
 
-TEST(SequenceMemory, KeepsWhatIsRecorded) {
+TEST(SequenceMemory, KeepsItsSequenceWhenATransferIsRefused) {
   InstrumentRig rig;
-  const CompiledSequence first = Steps({0.5, 0.25}, 2);
-  const CompiledSequence second = Steps({2});
-  // The number of the transfer does not matter: it always fills the working memory.
-  rig.Tell(":TRAC:SEQ 7,\"First\"," + BlockOf(CompiledBytes(first)));
-  rig.Tell(":TRAC:SEQ:REC 3");
-  rig.Tell(":TRAC:SEQ 0,\"Second\"," + BlockOf(CompiledBytes(second)));
-  EXPECT_EQ(rig.Ask(":TRACe:SEQuence? 3") + "\n", WriteSequenceText(first));
-  EXPECT_EQ(rig.Ask(":TRACe:SEQuence? 0") + "\n", WriteSequenceText(second));
-  EXPECT_EQ(rig.Ask(":TRACe:SEQuence? 7"), "(none)");
-  EXPECT_EQ(rig.Error(), "-256,\"File name not found\"");
-  // A refused transfer leaves the memory as it was.
-  std::string bytes = CompiledBytes(first);
+  std::string bytes = CompiledBytes(Steps({2}));
+  rig.Tell(":TRAC:SEQ 7,\"First\"," + BlockOf(bytes));  // always fills the working memory
+  const std::string held = rig.Ask(":TRACe:SEQuence? 0");
   bytes[bytes.size() / 2] = static_cast<char>(bytes[bytes.size() / 2] ^ 1);
-  rig.Tell(":TRAC:SEQ 0,\"Third\"," + BlockOf(bytes));
+  rig.Tell(":TRAC:SEQ 0,\"Second\"," + BlockOf(bytes));
   EXPECT_EQ(rig.Error(), "-230,\"Data corrupt or stale\"");
-  EXPECT_EQ(rig.Ask(":TRAC:SEQ? 0") + "\n", WriteSequenceText(second));
+  EXPECT_EQ(rig.Ask(":TRAC:SEQ? 0"), held);
+  EXPECT_EQ(held + "\n", WriteSequenceText(Steps({2})));
 }
 
 TEST(Compile, TakesOverWhatTheInstrumentCanRun) {
@@ -55,41 +47,24 @@ TEST(Compile, TakesOverWhatTheInstrumentCanRun) {
     rig.Tell("*CLS;:TRIG:COMP");
     rig.Pass(kCompileMs - 1);
     EXPECT_EQ(rig.instrument.SerialPoll(), 0) << row.name;
-    EXPECT_EQ(rig.instrument.Condition(), 0) << row.name;
     rig.Pass(1);
-    if (row.accepted) {
-      EXPECT_EQ(rig.instrument.SerialPoll(), 0x80) << row.name;
-      EXPECT_EQ(rig.instrument.Condition(), 2) << row.name;
-      EXPECT_EQ(rig.Error(), kNoError) << row.name;
-      rig.Tell("*CLS");
-    } else {
-      EXPECT_EQ(rig.instrument.SerialPoll(), 0x24) << row.name;
-      EXPECT_EQ(rig.instrument.Condition(), 0) << row.name;
-      EXPECT_EQ(rig.Ask("*ESR?"), "16") << row.name;
-      EXPECT_EQ(rig.Error(), "-222,\"Data out of range\"") << row.name;
-    }
-    EXPECT_EQ(rig.instrument.SerialPoll(), 0) << row.name;
+    EXPECT_EQ(rig.instrument.SerialPoll(), row.accepted ? 0x80 : 0x24) << row.name;
+    EXPECT_EQ(rig.instrument.Condition(), row.accepted ? 2 : 0) << row.name;
+    EXPECT_EQ(rig.Error(), row.accepted ? kNoError : "-222,\"Data out of range\"") << row.name;
   }
 }
 
 TEST(WaveformMemory, StoresDescribesAndGivesBack) {
   InstrumentRig rig;
-  const std::string array = WaveformBlock(0, 8192);
   const std::string pairs = WaveformBlock(1, 100);
-  rig.Tell(":TRACe:DATA 1,\"Arb1\"," + BlockOf(array));
   rig.Tell(":TRACe:DATA 128,\"a \"\"b\"\"\"," + BlockOf(pairs));
-  rig.Tell(":TRACe:DATA 2,\"Arb2\",#0" + array);
-  EXPECT_EQ(rig.Error(), kNoError);
-  EXPECT_EQ(rig.Ask(":TRAC:INF? 1;INF? 128;INF? 2;INF? 3"),
-            "\"Arb1\",1,8192;\"a \"\"b\"\"\",0,100;\"Arb2\",1,8192;\"\",0,0");
-  EXPECT_EQ(rig.Ask(":TRAC:DATA? 1"), BlockOf(array));
+  rig.Tell(":TRACe:DATA 2,\"Arb2\",#0" + WaveformBlock(0, 8192));
+  EXPECT_EQ(rig.Ask(":TRAC:INF? 128;INF? 2;INF? 3"), "\"a \"\"b\"\"\",0,100;\"Arb2\",1,8192;\"\",0,0");
   EXPECT_EQ(rig.Ask(":TRAC:DATA? 128"), BlockOf(pairs));
-  rig.Tell(":TRACe:DELete 1");
-  EXPECT_EQ(rig.Ask(":TRAC:INF? 1"), "\"\",0,0");
-  EXPECT_EQ(rig.Ask(":TRAC:DATA? 1"), "(none)");
-  EXPECT_EQ(rig.instrument.WaveformPoints(), 8192U + 100U);
+  rig.Tell(":TRACe:DELete 2");
+  EXPECT_EQ(rig.instrument.WaveformPoints(), 100U);
   rig.Tell(":TRAC:DEL:ALL");
-  EXPECT_EQ(rig.instrument.WaveformPoints(), 0U);
+  EXPECT_EQ(rig.Ask(":TRAC:DATA? 128"), "(none)");
 }
 
 // The last byte of a block belongs to it, also when it looks like the end of a message or of a unit.
@@ -132,24 +107,6 @@ TEST(WaveformMemory, RefusesMalformedBlocks) {
     rig.Tell(":TRAC:DATA 1,\"New\"," + BlockOf(row.block));
     EXPECT_EQ(rig.Error(), row.error) << row.name;
     EXPECT_EQ(rig.Ask(":TRAC:INF? 1"), "\"Old\",1,4096") << row.name;
-  }
-}
-
-TEST(WaveformMemory, HoldsSoManyPointsAChannelAndNoMore) {
-  for (const int channels : {1, 2}) {
-    InstrumentRig rig(channels == 1 ? "QM2210" : "QM2220", channels);
-    const std::string large = BlockOf(WaveformBlock(0, kPointsPerChannel));
-    for (int number = 1; number <= kWaveformNumbers; ++number) {
-      rig.Tell(":TRAC:DATA " + std::to_string(number) + ",\"A\"," + large);
-      EXPECT_EQ(rig.Error(), number <= channels ? kNoError : "-225,\"Out of memory\"") << number;
-      EXPECT_LT(rig.instrument.InputBytes(), std::size_t{1} << 17);
-    }
-    EXPECT_EQ(rig.instrument.WaveformPoints(), kPointsPerChannel * static_cast<std::uint32_t>(channels));
-    // What is replaced or deleted makes room.
-    rig.Tell(":TRAC:DATA 1,\"B\"," + large);
-    EXPECT_EQ(rig.Error(), kNoError);
-    rig.Tell(":TRAC:DEL 1;:TRAC:DATA 128,\"C\"," + large);
-    EXPECT_EQ(rig.Error(), kNoError);
   }
 }
 

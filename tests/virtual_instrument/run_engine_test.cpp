@@ -123,10 +123,7 @@ TEST(RunEngine, Scenarios) {
 TEST(RunEngine, CommandsThatDoNotFitThePhase) {
   InstrumentRig rig;
   rig.Start(Steps({1, 1}));
-  const struct {
-    const char* message;
-    const char* error;
-  } rows[] = {
+  const std::pair<const char*, const char*> rows[] = {
       {":TRIG1:SEL:EXEC STAR", "-284,\"Program currently running\""},
       {":TRIG:COMP", "-284,\"Program currently running\""},
       {":TRIG1:SEL:EXEC RES", "-221,\"Settings conflict\""},
@@ -134,10 +131,10 @@ TEST(RunEngine, CommandsThatDoNotFitThePhase) {
       {":TRIG1:SEL:EXEC BRAN 0", "-222,\"Data out of range\""},
       {":TRIG1:SEL:EXEC BRAN X", "-104,\"Data type error\""},
   };
-  for (const auto& row : rows) {
-    rig.Tell(row.message);
-    EXPECT_EQ(rig.Error(), row.error) << row.message;
-    EXPECT_EQ(rig.instrument.CurrentSlot(), 0) << row.message;
+  for (const auto& [message, error] : rows) {
+    rig.Tell(message);
+    EXPECT_EQ(rig.Error(), error) << message;
+    EXPECT_EQ(rig.instrument.CurrentSlot(), 0) << message;
   }
   rig.Tell(":TRAC:SEQ 0,\"Other\"," + BlockOf(CompiledBytes(Steps({5}))));
   EXPECT_EQ(rig.Error(), "-284,\"Program currently running\"");

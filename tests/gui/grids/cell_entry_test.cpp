@@ -25,12 +25,6 @@ TEST(CellEditor, EachColumnOpensItsEditors) {
       {GridArea::Common, 1, "Text1", "Text1"},
       {GridArea::Common, 2, "Combo1", "Combo1"},
       {GridArea::Common, 3, "Text1 OptModeSet4 OptModeSet5", "OptModeSet4"},
-      {GridArea::Common, 4, "Text1 OptModeSet4 OptModeSet5", "OptModeSet4"},
-      {GridArea::Common, 5, "Text1 OptModeSet4 OptModeSet5", "OptModeSet4"},
-      {GridArea::Common, 6, "Text1 OptModeSet4 OptModeSet5", "OptModeSet4"},
-      {GridArea::Common, 7, "Text1 OptModeSet4 OptModeSet5", "OptModeSet4"},
-      {GridArea::Common, 8, "Combo1", "Combo1"},
-      {GridArea::Common, 9, "Combo1", "Combo1"},
       {GridArea::Sequence, 1, "Combo2", "Combo2"},
       {GridArea::Sequence, 2, "", "MSFlexGrid2_0"},  // a sine wave has no ARB number
       {GridArea::Sequence, 3, "Text2 OptModeSet1 OptModeSet2 OptModeSet3", "Text2"},

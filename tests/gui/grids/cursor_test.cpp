@@ -4,56 +4,41 @@
 namespace corlune::testing {
 namespace {
 
-struct CursorCase {
-  int row, column;
-  Qt::Key key;
-  int expectedRow, expectedColumn;
-};
-
-std::string NameOf(const CursorCase& row) {
-  return "from " + std::to_string(row.row) + "," + std::to_string(row.column) + " by " +
-         QKeySequence(row.key).toString().toStdString();
-}
-
-TEST(CursorKeys, CommonArea) {
+// The rules have their own tests: here every kind of key through every kind of editor.
+TEST(CursorKeys, MoveInTheGrids) {
   GridsRig rig(5);
-  // The rules have their own tests: here every kind of key through every kind of editor.
-  const CursorCase cases[] = {
-      {2, 1, Qt::Key_Return, 3, 1}, {2, 9, Qt::Key_Tab, 3, 1},  {2, 1, Qt::Key_Backtab, 1, 9},
-      {2, 4, Qt::Key_Up, 2, 4},     {2, 9, Qt::Key_Up, 1, 9},   {1, 4, Qt::Key_Left, 1, 4},
-      {2, 8, Qt::Key_Right, 2, 9},  {3, 2, Qt::Key_Down, 4, 2}, {3, 6, Qt::Key_Right, 3, 7},
-      {3, 8, Qt::Key_Return, 4, 8}, {5, 3, Qt::Key_Down, 5, 3},
-  };
-  for (const CursorCase& row : cases) {
-    SCOPED_TRACE(NameOf(row));
-    rig.GoTo(GridArea::Common, row.row, row.column);
-    rig.Press(row.key);
-    EXPECT_EQ(rig.At(), std::to_string(row.expectedRow) + "," + std::to_string(row.expectedColumn));
-    EXPECT_EQ(rig.Common().currentIndex(),
-              rig.Common().model()->index(row.expectedRow - 1, row.expectedColumn));
-  }
-}
-
-TEST(CursorKeys, ChannelGrid) {
-  GridsRig rig(5);
-  const CursorCase cases[] = {
-      {2, 3, Qt::Key_Return, 3, 3},
-      {2, 9, Qt::Key_Tab, 3, 1},
-      {2, 3, Qt::Key_Up, 1, 3},
-      {1, 4, Qt::Key_Left, 1, 3},
-      {2, 1, Qt::Key_Backtab, 1, 9},
+  struct {
+    GridArea area;
+    int channel, row, column;
+    Qt::Key key;
+    const char* at;
+  } const cases[] = {
+      {GridArea::Common, 0, 2, 1, Qt::Key_Return, "3,1"},
+      {GridArea::Common, 0, 2, 9, Qt::Key_Tab, "3,1"},
+      {GridArea::Common, 0, 2, 1, Qt::Key_Backtab, "1,9"},
+      {GridArea::Common, 0, 2, 4, Qt::Key_Up, "2,4"},
+      {GridArea::Common, 0, 2, 9, Qt::Key_Up, "1,9"},
+      {GridArea::Common, 0, 1, 4, Qt::Key_Left, "1,4"},
+      {GridArea::Common, 0, 3, 2, Qt::Key_Down, "4,2"},
+      {GridArea::Common, 0, 3, 6, Qt::Key_Right, "3,7"},
+      {GridArea::Sequence, 0, 2, 9, Qt::Key_Tab, "3,1"},
+      {GridArea::Sequence, 1, 2, 3, Qt::Key_Up, "1,3"},
+      {GridArea::Sequence, 1, 1, 4, Qt::Key_Left, "1,3"},
+      {GridArea::Sequence, 0, 2, 3, Qt::Key_Return, "3,3"},
       // A parameter that the waveform does not have can be passed, though it has no editor.
-      {2, 1, Qt::Key_Right, 2, 2},
-      {2, 2, Qt::Key_Right, 2, 3},
+      {GridArea::Sequence, 0, 2, 1, Qt::Key_Right, "2,2"},
+      {GridArea::Sequence, 0, 2, 2, Qt::Key_Right, "2,3"},
   };
-  for (const int channel : {0, 1}) {
-    for (const CursorCase& row : cases) {
-      SCOPED_TRACE(NameOf(row) + " in channel " + std::to_string(channel));
-      rig.GoTo(GridArea::Sequence, row.row, row.column, channel);
-      rig.Press(row.key);
-      EXPECT_EQ(rig.At(), std::to_string(row.expectedRow) + "," + std::to_string(row.expectedColumn));
-      EXPECT_EQ(rig.editor->Cursor().CurrentChannel, channel);
-    }
+  for (const auto& row : cases) {
+    SCOPED_TRACE(std::to_string(row.row) + "," + std::to_string(row.column) + " by " +
+                 QKeySequence(row.key).toString().toStdString());
+    rig.GoTo(row.area, row.row, row.column, row.channel);
+    rig.Press(row.key);
+    EXPECT_EQ(rig.At(), row.at);
+    EXPECT_EQ(rig.editor->Cursor().CurrentChannel, row.channel);
+    const QModelIndex shown =
+        (row.area == GridArea::Common ? rig.Common() : rig.Channel(row.channel)).currentIndex();
+    EXPECT_EQ(std::to_string(shown.row() + 1) + "," + std::to_string(shown.column()), row.at);
   }
 }
 

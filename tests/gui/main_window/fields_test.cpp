@@ -19,13 +19,10 @@ TEST(WindowFields, EntriesAreCheckedAndTheOldTextComesBack) {
   };
   const std::vector<Row> rows{
       {"TxtSeq", "10", Qt::Key_Return, 0, "", "10"},
-      {"TxtSeq", "0", Qt::Key_Tab, 0, "", "0"},
-      {"TxtSeq", "11", Qt::Key_Return, 9105, "11  Range of Input 0-10", "0"},
-      {"TxtSeq", "-1", Qt::Key_Tab, 9105, "-1  Range of Input 0-10", "0"},
-      {"TxtSeq", "", Qt::Key_Return, 9108, "", "0"},
-      {"TxtSeq", "12", Qt::Key_Escape, 0, "", "0"},
-      {"TxtStrStep", "abc", Qt::Key_Return, 9108, "", "1"},
-      {"TxtStrStep", "0", Qt::Key_Tab, 9105, "0  Range of Input 1-255", "1"},
+      {"TxtSeq", "11", Qt::Key_Tab, 9105, "11  Range of Input 0-10", "10"},
+      {"TxtSeq", "", Qt::Key_Return, 9108, "", "10"},
+      {"TxtSeq", "12", Qt::Key_Escape, 0, "", "10"},
+      {"TxtStrStep", "0", Qt::Key_Return, 9105, "0  Range of Input 1-255", "1"},
       {"TxtStrStep", "5", Qt::Key_Tab, 0, "", "5"},
       {"TxtBranch", "6", Qt::Key_Return, 9105, "6  Range of Input 1-5", "1"},
       {"TxtBranch", "3", Qt::Key_Enter, 0, "", "3"},

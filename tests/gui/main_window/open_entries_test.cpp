@@ -69,8 +69,8 @@ TEST(OpenEntries, OfEitherWindowAreWhatARunUses) {
   rig.Click(rig.Button(0));
   EXPECT_EQ(rig.session->Sequence().SequenceNumber, 7);
   EXPECT_EQ(rig.Field("TxtSeq")->text() + number->text(), "77");
-  rig.StartRun();
   for (const int channel : {3, 4}) {
+    rig.StartRun();
     QWidget* window = channel == 3 ? rig.window.get() : &view;
     const QString shown = QString::number(channel);
     EntryField* branch = type(*window, "TxtBranch", qUtf8Printable(shown));
@@ -89,9 +89,10 @@ TEST(OpenEntries, OfEitherWindowAreWhatARunUses) {
     rig.Click(window->findChild<QPushButton*>("CmdBtn1_5"));
     EXPECT_FALSE(std::exchange(rig.session->State().OutputOn, true));
     rig.Key(Qt::Key_F5, Qt::ShiftModifier);
-    EXPECT_EQ(std::exchange(rig.session->State().PendingRequest, PendingRequest::None), PendingRequest::Stop);
+    EXPECT_EQ(rig.session->State().PendingRequest, PendingRequest::Stop);
     EXPECT_TRUE(branch->hasFocus() && branch->text() == "99");
     rig.Key(Qt::Key_Escape);
+    rig.Tick();
   }
 }
 

@@ -1,7 +1,11 @@
 // Arithmetic of places and widths, the settings file, and the file dialog's filters.
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QDir>
+#include <QLineEdit>
+#include <QTest>
+#include <QTimer>
 
 #include "app/qt_ports.h"
 #include "support/temp_folder.h"
@@ -92,6 +96,44 @@ TEST(FileDialogsFolder, IsThatOfTheFileBeingEdited) {
   EXPECT_TRUE(QDir(dialogs.Folder()).exists()) << "not the list of drives";
   dialogs.SetPresentFile([] { return std::string("/measurements/ramp.dat"); });
   EXPECT_EQ(dialogs.Folder(), QStringLiteral("/measurements"));
+}
+
+TEST(Prompts, AKeyByMistakeDoesNoHarm) {
+  struct Row {
+    PromptButtons buttons;
+    std::optional<PromptAnswer> escape;
+    Qt::Key key;
+    PromptAnswer answer;
+  };
+  const DialogOwner owner;
+  QtPrompts prompts(owner, true);
+  for (const Row& row :
+       {Row{PromptButtons::OkCancel, {}, Qt::Key_Escape, PromptAnswer::Cancel},
+        Row{PromptButtons::OkCancel, {}, Qt::Key_Return, PromptAnswer::Ok},
+        Row{PromptButtons::OkCancel, PromptAnswer::Cancel, Qt::Key_Return, PromptAnswer::Cancel},
+        Row{PromptButtons::YesNoCancel, {}, Qt::Key_Escape, PromptAnswer::Cancel},
+        Row{PromptButtons::YesNo, PromptAnswer::Yes, Qt::Key_Escape, PromptAnswer::Yes},
+        Row{PromptButtons::YesNo, PromptAnswer::No, Qt::Key_Return, PromptAnswer::No}}) {
+    QTimer::singleShot(0, [&] { QTest::keyClick(QApplication::activeModalWidget(), row.key); });
+    EXPECT_EQ(prompts.Message({{}, {}, row.buttons, {}, row.escape}), row.answer);
+  }
+  // The program ends: what is open is given up, and nothing is asked any more.
+  QTimer::singleShot(0, [&] { prompts.StopAsking(); });
+  EXPECT_EQ(prompts.Input({}), std::nullopt);
+  EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::YesNo, {}, PromptAnswer::Yes}), PromptAnswer::Yes);
+}
+
+TEST(FileDialogsSave, AppendsTheSuffix) {
+  const TempFolder folder;
+  const DialogOwner owner;
+  QtFileDialogs dialogs(owner);
+  QTimer::singleShot(0, [] {
+    auto* name = QApplication::activeModalWidget()->findChild<QLineEdit*>("fileNameEdit");
+    QTest::keyClicks(name, "typed");
+    QTest::keyClick(name, Qt::Key_Return);
+  });
+  EXPECT_EQ(dialogs.ChooseSave("Sequence data(*.dat) | *.dat", folder.File("old.dat")),
+            folder.File("typed.dat"));
 }
 
 // Jumps past the end of the wait between two looks.

@@ -87,7 +87,7 @@ TEST(WindowRun, NothingCanBePressedDuringADownload) {
     // Whatever arrives all the same starts nothing.
     rig.window->OpenPath(rig.folder.File("Corlune_Std.ini"));
     EXPECT_FALSE(rig.window->close());
-    EXPECT_FALSE(rig.window->EndOfDesktopSession(true));
+    EXPECT_FALSE(rig.window->EndOfDesktopSession());
     rig.session->Control().Button(0);
   });
   rig.EnterExecution();
@@ -97,6 +97,26 @@ TEST(WindowRun, NothingCanBePressedDuringADownload) {
   EXPECT_EQ(rig.script.CountOf("0 block "), 1);
   EXPECT_EQ(rig.closed, 0);
   EXPECT_EQ(Possible(rig), "01---5 --C");
+}
+
+TEST(WindowRun, EndingFromOutsideKeepsTheWorkThenStopsThenCloses) {
+  WindowRig rig(WindowRig::Bus::OneInstrument);
+  rig.Start();
+  rig.AddSteps(1);
+  rig.EnterExecution();
+  rig.StartRun();
+  EXPECT_FALSE(rig.window->EndOfDesktopSession()) << "a question is allowed: the run comes first";
+  rig.Field("TxtBranch")->setText("3");
+  rig.folder.Write("Corlune.ini", "");
+  rig.script.ClearLog();
+  std::string kept;
+  rig.script.onExchange = [&](const std::string&) {
+    if (kept.empty()) kept = TempFolder::Read(rig.folder.File("Corlune_QM2220.ini"));
+  };
+  EXPECT_TRUE(rig.window->EndFromOutside());
+  EXPECT_THAT(kept, HasSubstr("FI_BRCHCHN=3\r")) << "before the first exchange";
+  EXPECT_THAT(TempFolder::Read(rig.folder.File("Corlune.ini")), HasSubstr("EDIT_MODEL=1,QM2220"));
+  EXPECT_THAT(rig.script.Log(), ElementsAre("timeout 10", "0 < :TRIG1:SEL:EXEC STOP", "end"));
 }
 
 TEST(WindowRun, AFailedDownloadIsNamedInTheStatusBarUntilTheNextCommand) {

@@ -20,22 +20,12 @@
 
 namespace corlune::testing {
 
-// Leaves the text as it is: the scripted instrument takes everything.
-class AgreeableCompiler : public CompilerLibrary {
- public:
-  CompilerCall CompileSeqData(const std::string&, const std::array<ArbInformation, 128>&, CompileErrorRecord&,
-                              std::int32_t&) override {
-    return CompilerCall::Done;
-  }
-  std::string Problem() const override { return {}; }
-};
-
-struct WindowRig {
+struct WindowRig : SessionRig {
   enum class Bus { Empty, OneInstrument };
 
   explicit WindowRig(Bus bus = Bus::Empty, bool english = true) {
     definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
-    folder.Write("Corlune.ini", "[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n");
+    EditModel("1,QM2220");
     options.english = english;
     if (bus == Bus::OneInstrument) search.Attach(kPrefix2220, "1000001");
     script.Reply("*IDN?", {"TAVRIN,QM2220,1000001,1.00"});
@@ -55,14 +45,8 @@ struct WindowRig {
   void Start() {
     window.reset();
     editor.reset();
-    session.reset();
     folder.Write("Corlune_Std.ini", definition);
-    options.appFolder = folder.Path();
-    const SessionPorts ports{prompts, clock, pump, timer, progress, display, display, end, files, display};
-    session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram&) {
-      return OutsideParts{std::make_unique<GpFrontEnd>(state, ScriptedBackends(script), &search),
-                          std::make_unique<AgreeableCompiler>()};
-    });
+    OpenSession(windowDisplay, windowDisplay, windowDisplay);
     editor = std::make_unique<SequenceEditor>(session->State(), session->Definition(), session->Sequence(),
                                               session->Catalogue(), prompts);
     ASSERT_EQ(session->StartUp({}), StartUpResult::Show);
@@ -70,13 +54,13 @@ struct WindowRig {
     settings = std::make_unique<WindowSettings>(folder.Path());
     window = std::make_unique<MainWindow>(
         MainWindowParts{*session, *editor, prompts, files, *settings, "1.2.3", QDate(2018, 9, 5)});
-    display.Attach(window.get());
+    windowDisplay.Attach(window.get());
     QObject::connect(window.get(), &MainWindow::Closed, window.get(), [this] { ++closed; });
     window->ShowAtPlace();
     QApplication::setActiveWindow(window.get());
     Settle();
   }
-  ~WindowRig() { display.Attach(nullptr); }
+  ~WindowRig() { windowDisplay.Attach(nullptr); }
 
   void Settle() const {
     for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
@@ -130,29 +114,10 @@ struct WindowRig {
     session->Monitor().Tick();
     Settle();
   }
-  std::string Text(int id) const { return session->Catalogue().GetResString(TextId{id}); }
-  std::vector<std::string> Messages() {
-    std::vector<std::string> texts;
-    for (const MessageRequest& message : prompts.messages) texts.push_back(message.text);
-    prompts.messages.clear();
-    return texts;
-  }
-
-  TempFolder folder;
+  std::string Text(int id) const { return session->Catalogue().GetResString(id); }
   std::string definition;  // content of the model definition file
-  ScriptedPrompts prompts;
-  FakeClock clock;
-  FakePump pump{clock};
-  RecordedTickSource timer;
-  RecordedProgress progress;
-  RecordedEnd end;
-  ScriptedFiles files;
-  WindowDisplay display;
-  GpScript script;
-  FakeSearch search;
-  SessionOptions options;
+  WindowDisplay windowDisplay;
   std::unique_ptr<WindowSettings> settings;
-  std::unique_ptr<Session> session;
   std::unique_ptr<SequenceEditor> editor;
   std::unique_ptr<MainWindow> window;
   int closed = 0;

@@ -207,18 +207,26 @@ TEST(WindowClose, WritesEverythingForTheNextStart) {
   EXPECT_EQ(QRect(rig.window->pos(), rig.window->size()), place);
 }
 
-TEST(WindowClose, TheEndOfTheDesktopSessionAsksOnlyWhenItMay) {
+TEST(WindowClose, TheEndOfTheDesktopSessionAsks) {
   WindowRig rig;
   rig.Start();
   rig.AddSteps(2);
-  EXPECT_TRUE(rig.window->EndOfDesktopSession(false));
-  EXPECT_THAT(TempFolder::Read(rig.folder.File("Corlune_QM2220.ini")), HasSubstr("FI_STEPNUM=2"));
-  EXPECT_EQ(rig.closed, 0) << "the session may go on after all";
   rig.prompts.Answer(PromptAnswer::Cancel);
-  EXPECT_FALSE(rig.window->EndOfDesktopSession(true));
+  EXPECT_FALSE(rig.window->EndOfDesktopSession());
   rig.prompts.Answer(PromptAnswer::No);
-  EXPECT_TRUE(rig.window->EndOfDesktopSession(true));
+  EXPECT_TRUE(rig.window->EndOfDesktopSession());
   EXPECT_EQ(rig.closed, 1);
+}
+
+TEST(WindowClose, EndingFromOutsideTakesWhatIsTypedWithoutAWord) {
+  for (const auto& [typed, kept] : {std::pair("7", "ST_SETVAL#1=7,"), std::pair("-3", "ST_SETVAL#1=1,")}) {
+    WindowRig rig;
+    rig.Start();
+    rig.AddSteps(2);
+    rig.Type(typed);
+    EXPECT_TRUE(rig.window->EndFromOutside());
+    EXPECT_THAT(TempFolder::Read(rig.folder.File("Corlune_QM2220.ini")), HasSubstr(kept));
+  }
 }
 
 TEST(WindowState, TheReasonForBeingOffLineCanBeRead) {
@@ -251,8 +259,15 @@ TEST(WindowProgress, CannotBeClosedBeforeItsEnd) {
   shown->close();
   EXPECT_TRUE(shown->isVisible());
   progress.Advance();
+  EXPECT_FALSE(progress.Cancelled());
+  // Cancel is offered by waits alone; the window then stays until the wait has ended.
+  progress.ShowWait("Searching", "Cancel", 3, 128);
+  EXPECT_EQ(shown->findChild<QLabel*>("lblPrgrs")->text(), "Searching");
+  EXPECT_FALSE(progress.Cancelled());
+  QTest::mouseClick(shown->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+  EXPECT_TRUE(progress.Cancelled() && shown->isVisible());
   progress.End();
-  EXPECT_FALSE(shown->isVisible());
+  EXPECT_FALSE(shown->isVisible() || progress.Cancelled());
   progress.Advance();
 }
 

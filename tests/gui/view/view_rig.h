@@ -28,9 +28,10 @@ class ViewRig : public GraphRig {
   }
 
   void Load(const std::string& name) {
-    ScriptedPrompts prompts;
-    ASSERT_TRUE(ReadSeqFile(std::string(CORLUNE_DATA "/examples/") + name, SequenceFileForm::User,
-                            OneDefinition(definition), state, sequence, prompts, catalogue));
+    ASSERT_EQ(ReadSeqFile(std::string(CORLUNE_DATA "/examples/") + name, SequenceFileForm::User,
+                          OneDefinition(definition), state, sequence)
+                  .Problem,
+              SequenceFileProblem::None);
   }
 
   FrmPreview& Open(QSize size = {900, 600}) {

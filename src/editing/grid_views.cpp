@@ -1,4 +1,4 @@
-#include "editing/cell_view.h"
+#include "editing/grid_views.h"
 
 #include <algorithm>
 #include <array>
@@ -157,7 +157,7 @@ CellView GridViews::CommonCell(GridRow row, int column) const {
   if (!IsStepRow(row)) return SpareCell(definition_.Common.Background);
   CellView cell = NumberCell(row);
   if (column > 0) {
-    const StepRow& step = sequence_.Steps[static_cast<std::size_t>(IndexOf(row).value)];
+    const StepRow& step = sequence_.Step(IndexOf(row));
     const ParamDef& param = CommonDefinition(definition_, column);
     const bool inUse = CommonInUse(definition_, step, column);
     cell.State = inUse ? CellState::Value : CellState::NotInUse;
@@ -251,8 +251,7 @@ CellView GridViews::BranchCell(GridRow step, int branchRow, int column) const {
     return cell;
   }
   if (!IsStepRow(step)) return cell;
-  const int stored = sequence_.Steps[static_cast<std::size_t>(IndexOf(step).value)]
-                         .BranchStep[static_cast<std::size_t>(branchRow - 1)];
+  const int stored = sequence_.Step(IndexOf(step)).BranchStep[static_cast<std::size_t>(branchRow - 1)];
   const ChoiceList list = BranchChoices(definition_);
   cell.State = CellState::Value;
   cell.Text = list.Texts.empty() ? TargetText(stored, sequence_.StartStep) : ChoiceText(list, stored);
