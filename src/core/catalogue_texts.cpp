@@ -264,8 +264,8 @@ CatalogueText TextOf(TextId id) {
 
     // Added texts: window and menus.
     case MenuRecentFiles: return {"Recent Files(&R)", "最近使ったファイル(&R)"};
-    case MenuImportCsv: return {"Import CSV...(&I)", "CSV読み込み(&I)"};
-    case MenuExportCsv: return {"Export CSV...(&E)", "CSV書き出し(&E)"};
+    case MenuImportCsv: return {"Import CSV...(&M)", "CSV読み込み(&M)"};
+    case MenuExportCsv: return {"Export CSV...(&T)", "CSV書き出し(&T)"};
     case CsvFilter: return {"CSV file(*.csv) | *.csv", "CSVファイル (*.csv) | *.csv"};
     case MenuCommLog: return {"Communication Log(&L)", "通信ログ(&L)"};
     case NotInThisVersion: return {"Not available in this version.", "このバージョンでは使用できません。"};
@@ -303,6 +303,26 @@ CatalogueText TextOf(TextId id) {
     case EditWaveforms: return {"Arbitrary Waveforms", "任意波形"};
     case EditModeSettings: return {"Mode Settings", "モード設定"};
     case EditViewAreas: return {"View Areas", "表示エリア"};
+    // The page of shortcuts.
+    case MenuShortcuts: return {"Shortcuts(&S)", "ショートカットキー(&S)"};
+    case HeadCommand: return {"Command", "コマンド"};
+    case HeadKeys: return {"Keys", "キー"};
+    case KeysOfGrids: return {"Cells of the grids", "表のセル"};
+    case KeyInCells: return {"$1 (in the cells)", "$1（セル内）"};
+    case KeyEnterDown: return {"Enter the value, one row down", "確定して次の行へ"};
+    case KeyEnterNext: return {"Enter the value, next or previous cell", "確定して次／前のセルへ"};
+    case KeyEnterArrow: return {"Enter the value, cell in the direction of the arrow", "確定して矢印方向のセルへ"};
+    case KeyRowEnds: return {"First, last cell of the row", "行の先頭／末尾のセルへ"};
+    case KeyFirstLastRow: return {"First, last row", "先頭／末尾の行へ"};
+    case KeyGridEnds: return {"First, last cell of the grid", "表の先頭／末尾のセルへ"};
+    case KeyPage: return {"One page up, down", "1ページ上／下へ"};
+    case KeyExtendSelection: return {"Extend the selection", "選択範囲を広げる"};
+    case KeyEditText: return {"Edit the text of the cell", "セルの文字を編集"};
+    case KeyBringBack: return {"Bring the text of the cell back", "セルの入力を取り消す"};
+    case KeyOpenList: return {"Open the list of the cell", "セルの一覧を開く"};
+    case KeyNextOption: return {"Next option of the cell", "セルの選択肢を切り換える"};
+    case KeyNextGrid: return {"Next, previous grid", "次／前の表へ"};
+    case KeyLeaveGrids: return {"Leave the grids", "表から出る"};
     case TooManySteps: return {"The sequence cannot hold more than $1 steps.", "シーケンスのステップ数は最大$1です。"};
     case StepMessage: return {"Step $1, $2: $3", "ステップ$1、$2：$3"};
     case LineMessage: return {"Line $1, column $2: $3", "$1行目、列 $2：$3"};

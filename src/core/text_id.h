@@ -227,6 +227,27 @@ enum class TextId : int {
   EditModeSettings = 7726,
   EditViewAreas = 7727,
 
+  // The page of shortcuts.
+  MenuShortcuts = 7780,
+  HeadCommand = 7781,
+  HeadKeys = 7782,
+  KeysOfGrids = 7783,
+  KeyInCells = 7784,
+  KeyEnterDown = 7790,
+  KeyEnterNext = 7791,
+  KeyEnterArrow = 7792,
+  KeyRowEnds = 7793,
+  KeyFirstLastRow = 7794,
+  KeyGridEnds = 7795,
+  KeyPage = 7796,
+  KeyExtendSelection = 7797,
+  KeyEditText = 7798,
+  KeyBringBack = 7799,
+  KeyOpenList = 7800,
+  KeyNextOption = 7801,
+  KeyNextGrid = 7802,
+  KeyLeaveGrids = 7803,
+
   // Execution panel: the buttons in their order, then the fields.
   ButtonChangeMode = 8000,
   ButtonStart = 8001,

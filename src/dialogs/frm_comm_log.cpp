@@ -12,6 +12,7 @@
 #include <QVBoxLayout>
 
 #include "core/files.h"
+#include "editing/window_commands.h"
 
 namespace corlune {
 
@@ -34,8 +35,7 @@ QByteArray TailOf(const std::string& path) {
 FrmCommLog::FrmCommLog(const MessageCatalogue& catalogue, std::string path, QWidget* parent)
     : QDialog(parent), catalogue_(catalogue), path_(std::move(path)), text_(new QPlainTextEdit(this)) {
   setObjectName(QStringLiteral("FrmCommLog"));
-  setWindowTitle(
-      QString::fromStdString(catalogue.GetResString(TextId::MenuCommLog)).remove(QStringLiteral("(&L)")));
+  setWindowTitle(QString::fromStdString(PlainCaption(catalogue.GetResString(TextId::MenuCommLog))));
   resize(640 * logicalDpiX() / 96, 420 * logicalDpiY() / 96);
 
   auto* layout = new QVBoxLayout(this);

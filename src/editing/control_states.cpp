@@ -152,6 +152,8 @@ ControlStates ControlStatesOf(const AppState& state, const Activity& activity,
   states.RowAdd = {now.CanGrow, edit && now.CanGrow};
   states.Insert = {true, edit && now.CanGrow};
   states.Delete = states.Up = states.Down = {true, withSteps};
+  states.Undo = {true, edit && conditions.CanUndo};
+  states.Redo = {true, edit && conditions.CanRedo};
   states.Duplicate = {true, withSteps && now.CanGrow};
   states.FillDown = states.PasteText = {true, withSteps};
   states.ImportCsv = {true, edit};

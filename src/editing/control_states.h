@@ -20,7 +20,7 @@ struct ControlStates {
   std::array<std::array<ControlState, 9>, kMenuCount> MenuItems{};
   std::array<ControlState, kPanelButtonCount> Buttons{};
   ControlState RowAdd, Insert, Delete, Up, Down;  // CmdRowAdd, CmdInsert, ...
-  ControlState Duplicate, FillDown, CopyText, PasteText, ImportCsv, ExportCsv;
+  ControlState Undo, Redo, Duplicate, FillDown, CopyText, PasteText, ImportCsv, ExportCsv;
   ControlState SequenceNumber, StartStep, BranchChannel;  // TxtSeq, TxtStrStep, TxtBranch
   ControlState Read;                                      // CmdRead
   bool EditCells = false;                                 // editors open on a click
@@ -33,6 +33,8 @@ struct ControlStates {
 struct ControlConditions {
   int StepCount = 0;
   bool CopyBufferFilled = false;
+  bool CanUndo = false;
+  bool CanRedo = false;
 };
 
 ControlStates ControlStatesOf(const AppState& state, const Activity& activity,

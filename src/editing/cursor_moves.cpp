@@ -82,4 +82,16 @@ GridPosition MoveBranchCursor(GridPosition from, CursorKey key, int rows) {
   return from;
 }
 
+GridPosition MoveCursor(GridArea area, GridPosition from, CursorKey key, int lastRow, int lastColumn) {
+  switch (area) {
+    case GridArea::Common:
+      return MoveCommonCursor(from, key, lastRow);
+    case GridArea::Sequence:
+      return MoveChannelCursor(from, key, lastRow, lastColumn);
+    case GridArea::Branch:
+      break;
+  }
+  return MoveBranchCursor(from, key, lastRow);
+}
+
 }  // namespace corlune

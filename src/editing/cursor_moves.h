@@ -7,13 +7,10 @@ namespace corlune {
 
 enum class CursorKey { Enter, Tab, Backtab, Up, Down, Left, Right };
 
-struct GridPosition {
-  int Row = 1;
-  int Column = 1;
-  bool operator==(const GridPosition&) const = default;
-};
-
-// MoveGridCursor of the common area. At an edge the position stays.
+// MoveGridCursor in the grid of an area with rows up to `lastRow` and columns up to `lastColumn`. At an edge
+// the position stays.
+GridPosition MoveCursor(GridArea area, GridPosition from, CursorKey key, int lastRow, int lastColumn);
+// The common area.
 GridPosition MoveCommonCursor(GridPosition from, CursorKey key, int stepCount);
 // The same in a channel grid with `parameters` columns behind column 0.
 GridPosition MoveChannelCursor(GridPosition from, CursorKey key, int stepCount, int parameters);

@@ -6,18 +6,13 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QStyleOptionButton>
-#include <QStylePainter>
-#include <QWheelEvent>
 
 #include "ui/grid_model.h"
-#include "view/to_qcolor.h"
 
 namespace corlune {
 
 namespace {
 
-constexpr int kOptionPadding = 4;          // pixels
 constexpr std::size_t kSwitchOptions = 3;  // OptModeSet4 and 5 come after the three of the change modes
 
 std::size_t IndexOfArea(GridArea area) {
@@ -29,93 +24,6 @@ void GiveTo(QWidget& editor, QWidget* viewport) {
 }
 
 }  // namespace
-
-CellCombo::CellCombo(const char* name, QWidget* parent) : QComboBox(parent) {
-  setObjectName(QLatin1String(name));
-  setFocusPolicy(Qt::ClickFocus);
-  setContextMenuPolicy(Qt::NoContextMenu);
-  setMaxVisibleItems(16);
-  hide();
-}
-
-void CellCombo::keyPressEvent(QKeyEvent* event) {
-  const bool plain = (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == Qt::NoModifier;
-  const QString text = event->text();
-  if (plain && !text.isEmpty() && text.at(0).isPrint() && !text.at(0).isSpace()) {
-    Search(text);
-    return;
-  }
-  QComboBox::keyPressEvent(event);
-}
-
-void CellCombo::Search(const QString& typed) {
-  const bool goesOn = sinceKey_.isValid() && !sinceKey_.hasExpired(QApplication::keyboardInputInterval());
-  sinceKey_.start();
-  // The same character again: the next entry that begins with it, unless an entry begins with both.
-  const auto startingWith = [&](const QString& text, int from) {
-    for (int i = 0; i < count(); ++i) {
-      const int index = (from + i) % count();
-      if (itemText(index).startsWith(text, Qt::CaseInsensitive)) return index;
-    }
-    return -1;
-  };
-  if (count() == 0) return;
-  searched_ = goesOn ? searched_ + typed : typed;
-  int found = startingWith(searched_, std::max(currentIndex(), 0));
-  if (found < 0 || (!goesOn && found == currentIndex())) {
-    searched_ = typed;
-    const int next = startingWith(typed, currentIndex() + 1);
-    if (next >= 0) found = next;
-  }
-  if (found < 0 || found == currentIndex()) return;
-  setCurrentIndex(found);
-  if (atOnce_) emit activated(found);
-}
-
-void CellCombo::wheelEvent(QWheelEvent* event) {
-  event->ignore();
-}
-
-CellOption::CellOption(const char* name, QWidget* parent) : QRadioButton(parent) {
-  setObjectName(QLatin1String(name));
-  setFocusPolicy(Qt::ClickFocus);
-  setContextMenuPolicy(Qt::NoContextMenu);
-  setAutoFillBackground(true);
-  hide();
-}
-
-void CellOption::Offer(const EditorOption& option) {
-  QString caption = QString::fromStdString(option.Caption);
-  setText(caption.replace(QLatin1Char('&'), QLatin1String("&&")));
-  const QColor background = ToQColor(option.Background);
-  const QColor text = ToQColor(TextColorOn(option.Background));
-  QPalette colors = QApplication::palette();
-  for (const auto role : {QPalette::Window, QPalette::Button, QPalette::Base}) {
-    colors.setColor(role, background);
-  }
-  for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text}) {
-    colors.setColor(role, text);
-  }
-  setPalette(colors);
-}
-
-void CellOption::paintEvent(QPaintEvent*) {
-  QStylePainter painter(this);
-  QStyleOptionButton option;
-  initStyleOption(&option);
-  option.rect.setLeft(kOptionPadding);
-  painter.drawControl(QStyle::CE_RadioButton, option);
-  painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid));
-  painter.drawRect(rect().adjusted(0, 0, -1, -1));
-}
-
-QSize CellOption::sizeHint() const {
-  return QRadioButton::sizeHint() + QSize(2 * kOptionPadding, 0);
-}
-
-bool CellOption::hitButton(const QPoint& at) const {
-  return rect().contains(at);
-}
 
 CellEditors::CellEditors(const std::array<QWidget*, 3>& viewports, QObject* parent) : QObject(parent) {
   constexpr std::array<const char*, 3> kTexts{"Text1", "Text2", "Text3"};

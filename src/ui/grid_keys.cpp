@@ -1,203 +1,141 @@
 #include "ui/grid_keys.h"
 
+#include <map>
+
 #include <QKeyEvent>
+#include <QKeySequence>
+
+#include "view/command_menu.h"
 
 namespace corlune {
 
 namespace {
 
-constexpr Qt::KeyboardModifiers kControlShift = Qt::ControlModifier | Qt::ShiftModifier;
+using Kind = GridKey::Kind;
 
-GridKey Of(GridKey::Kind kind) {
+constexpr GridKey Of(Kind kind) {
   GridKey key;
   key.kind = kind;
   return key;
 }
 
-GridKey Moving(GridKey::Kind kind, CursorKey cursor) {
+constexpr GridKey Moving(CursorKey cursor, Kind kind = Kind::Move) {
   GridKey key = Of(kind);
   key.cursor = cursor;
   return key;
 }
 
-GridKey Jumping(GridJump jump, bool extend = false) {
-  GridKey key = Of(GridKey::Kind::Jump);
+constexpr GridKey Extending(CursorKey cursor) {
+  return Moving(cursor, Kind::Extend);
+}
+
+constexpr GridKey Jumping(GridJump jump, bool extend = false) {
+  GridKey key = Of(Kind::Jump);
   key.jump = jump;
   key.extend = extend;
   return key;
 }
 
-GridKey Doing(GridCommand command) {
-  GridKey key = Of(GridKey::Kind::Command);
-  key.command = command;
-  return key;
+constexpr GridKey Selecting(GridJump jump) {
+  return Jumping(jump, true);
 }
 
-GridKey Going(GridKey::Kind kind, bool forward) {
+constexpr GridKey Going(Kind kind, bool forward) {
   GridKey key = Of(kind);
   key.forward = forward;
   return key;
 }
 
-std::optional<CursorKey> ArrowOf(int key) {
-  switch (key) {
-    case Qt::Key_Up:
-      return CursorKey::Up;
-    case Qt::Key_Down:
-      return CursorKey::Down;
-    case Qt::Key_Left:
-      return CursorKey::Left;
-    case Qt::Key_Right:
-      return CursorKey::Right;
-    default:
-      return std::nullopt;
-  }
+constexpr CellKeyRow kCellKeys[] = {
+    {"Enter", TextId::KeyEnterDown, Moving(CursorKey::Enter)},
+    {"Tab", TextId::KeyEnterNext, Moving(CursorKey::Tab)},
+    {"Shift+Tab", TextId::KeyEnterNext, Moving(CursorKey::Backtab)},
+    {"Up", TextId::KeyEnterArrow, Moving(CursorKey::Up)},
+    {"Down", TextId::KeyEnterArrow, Moving(CursorKey::Down)},
+    {"Left", TextId::KeyEnterArrow, Moving(CursorKey::Left)},
+    {"Right", TextId::KeyEnterArrow, Moving(CursorKey::Right)},
+    {"Home", TextId::KeyRowEnds, Jumping(GridJump::FirstColumn)},
+    {"Ctrl+Left", TextId::KeyRowEnds, Jumping(GridJump::FirstColumn)},
+    {"End", TextId::KeyRowEnds, Jumping(GridJump::LastColumn)},
+    {"Ctrl+Right", TextId::KeyRowEnds, Jumping(GridJump::LastColumn)},
+    {"Ctrl+Up", TextId::KeyFirstLastRow, Jumping(GridJump::FirstRow)},
+    {"Ctrl+Down", TextId::KeyFirstLastRow, Jumping(GridJump::LastRow)},
+    {"Ctrl+Home", TextId::KeyGridEnds, Jumping(GridJump::FirstCell)},
+    {"Ctrl+End", TextId::KeyGridEnds, Jumping(GridJump::LastCell)},
+    {"PgUp", TextId::KeyPage, Jumping(GridJump::PageUp)},
+    {"PgDown", TextId::KeyPage, Jumping(GridJump::PageDown)},
+    {"Shift+Up", TextId::KeyExtendSelection, Extending(CursorKey::Up)},
+    {"Shift+Down", TextId::KeyExtendSelection, Extending(CursorKey::Down)},
+    {"Shift+Left", TextId::KeyExtendSelection, Extending(CursorKey::Left)},
+    {"Shift+Right", TextId::KeyExtendSelection, Extending(CursorKey::Right)},
+    {"Shift+Home", TextId::KeyExtendSelection, Selecting(GridJump::FirstColumn)},
+    {"Shift+End", TextId::KeyExtendSelection, Selecting(GridJump::LastColumn)},
+    {"Shift+PgUp", TextId::KeyExtendSelection, Selecting(GridJump::PageUp)},
+    {"Shift+PgDown", TextId::KeyExtendSelection, Selecting(GridJump::PageDown)},
+    {"Ctrl+Shift+Up", TextId::KeyExtendSelection, Selecting(GridJump::FirstRow)},
+    {"Ctrl+Shift+Down", TextId::KeyExtendSelection, Selecting(GridJump::LastRow)},
+    {"Ctrl+Shift+Left", TextId::KeyExtendSelection, Selecting(GridJump::FirstColumn)},
+    {"Ctrl+Shift+Right", TextId::KeyExtendSelection, Selecting(GridJump::LastColumn)},
+    {"Ctrl+Shift+Home", TextId::KeyExtendSelection, Selecting(GridJump::FirstCell)},
+    {"Ctrl+Shift+End", TextId::KeyExtendSelection, Selecting(GridJump::LastCell)},
+    {"F2", TextId::KeyEditText, Of(Kind::EditText)},
+    {"Esc", TextId::KeyBringBack, Of(Kind::Restore)},
+    {"F4", TextId::KeyOpenList, Of(Kind::List)},
+    {"Space", TextId::KeyNextOption, Of(Kind::Option)},
+    {"Ctrl+PgDown", TextId::KeyNextGrid, Going(Kind::Grid, true)},
+    {"Ctrl+PgUp", TextId::KeyNextGrid, Going(Kind::Grid, false)},
+    {"Ctrl+Tab", TextId::KeyLeaveGrids, Going(Kind::Leave, true)},
+    {"Ctrl+Shift+Tab", TextId::KeyLeaveGrids, Going(Kind::Leave, false)},
+};
+
+// The spellings of one key: both Enter keys mean the same, and Shift turns Tab into a key of its own.
+int Folded(QKeyCombination keys) {
+  if (keys.key() == Qt::Key_Enter)
+    return QKeyCombination(keys.keyboardModifiers(), Qt::Key_Return).toCombined();
+  if (keys.key() != Qt::Key_Backtab) return keys.toCombined();
+  return QKeyCombination(keys.keyboardModifiers() | Qt::ShiftModifier, Qt::Key_Tab).toCombined();
 }
 
-// Keys that go as far as the row, column or page does.
-std::optional<GridJump> FarKey(int key) {
-  switch (key) {
-    case Qt::Key_Home:
-      return GridJump::FirstColumn;
-    case Qt::Key_End:
-      return GridJump::LastColumn;
-    case Qt::Key_PageUp:
-      return GridJump::PageUp;
-    case Qt::Key_PageDown:
-      return GridJump::PageDown;
-    default:
-      return std::nullopt;
+std::map<int, GridKey> AllKeys() {
+  std::map<int, GridKey> keys;
+  for (const CellKeyRow& row : kCellKeys) {
+    keys.emplace(Folded(QKeySequence(QString::fromUtf8(row.keys))[0]), row.meaning);
   }
-}
-
-// The same keys and the arrows with Ctrl.
-std::optional<GridJump> FarthestKey(int key) {
-  switch (key) {
-    case Qt::Key_Home:
-      return GridJump::FirstCell;
-    case Qt::Key_End:
-      return GridJump::LastCell;
-    case Qt::Key_Up:
-      return GridJump::FirstRow;
-    case Qt::Key_Down:
-      return GridJump::LastRow;
-    case Qt::Key_Left:
-      return GridJump::FirstColumn;
-    case Qt::Key_Right:
-      return GridJump::LastColumn;
-    default:
-      return std::nullopt;
+  for (const CommandRow& row : WindowCommands()) {
+    if (row.menu != MenuPlace::Edit) continue;
+    GridKey meaning = Of(Kind::Command);
+    meaning.command = row.id;
+    for (const QKeySequence& sequence : KeysOf(row)) keys.emplace(Folded(sequence[0]), meaning);
   }
-}
-
-std::optional<GridKey> PlainKey(int key) {
-  if (const auto arrow = ArrowOf(key)) return Moving(GridKey::Kind::Move, *arrow);
-  if (const auto jump = FarKey(key)) return Jumping(*jump);
-  switch (key) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-      return Moving(GridKey::Kind::Move, CursorKey::Enter);
-    case Qt::Key_Tab:
-      return Moving(GridKey::Kind::Move, CursorKey::Tab);
-    case Qt::Key_Delete:
-      return Doing(GridCommand::Initialize);
-    case Qt::Key_F2:
-      return Of(GridKey::Kind::EditText);
-    case Qt::Key_F4:
-      return Of(GridKey::Kind::List);
-    case Qt::Key_Escape:
-      return Of(GridKey::Kind::Restore);
-    case Qt::Key_Space:
-      return Of(GridKey::Kind::Option);
-    default:
-      return std::nullopt;
-  }
-}
-
-std::optional<GridKey> ControlKey(int key) {
-  if (const auto jump = FarthestKey(key)) return Jumping(*jump);
-  switch (key) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-      return Doing(GridCommand::AddRow);
-    case Qt::Key_C:
-      return Doing(GridCommand::Copy);
-    case Qt::Key_V:
-      return Doing(GridCommand::Paste);
-    case Qt::Key_A:
-      return Doing(GridCommand::SelectAll);
-    case Qt::Key_Z:
-      return Doing(GridCommand::Undo);
-    case Qt::Key_Y:
-      return Doing(GridCommand::Redo);
-    case Qt::Key_D:
-      return Doing(GridCommand::FillDown);
-    case Qt::Key_Tab:
-      return Going(GridKey::Kind::Leave, true);
-    case Qt::Key_PageDown:
-      return Going(GridKey::Kind::Grid, true);
-    case Qt::Key_PageUp:
-      return Going(GridKey::Kind::Grid, false);
-    default:
-      return std::nullopt;
-  }
-}
-
-std::optional<GridKey> ControlShiftKey(int key) {
-  if (const auto jump = FarthestKey(key)) return Jumping(*jump, true);
-  switch (key) {
-    case Qt::Key_C:
-      return Doing(GridCommand::CopyText);
-    case Qt::Key_V:
-      return Doing(GridCommand::PasteText);
-    case Qt::Key_Z:
-      return Doing(GridCommand::Redo);
-    case Qt::Key_D:
-      return Doing(GridCommand::DuplicateRows);
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-      return Going(GridKey::Kind::Leave, false);
-    default:
-      return std::nullopt;
-  }
-}
-
-std::optional<GridKey> AltKey(int key) {
-  switch (key) {
-    case Qt::Key_Insert:
-      return Doing(GridCommand::InsertRow);
-    case Qt::Key_Delete:
-      return Doing(GridCommand::DeleteRow);
-    case Qt::Key_Up:
-      return Doing(GridCommand::RowUp);
-    case Qt::Key_Down:
-      return Doing(GridCommand::RowDown);
-    default:
-      return std::nullopt;
-  }
-}
-
-std::optional<GridKey> ShiftKey(int key) {
-  if (const auto arrow = ArrowOf(key)) return Moving(GridKey::Kind::Extend, *arrow);
-  if (const auto jump = FarKey(key)) return Jumping(*jump, true);
-  if (key == Qt::Key_Backtab || key == Qt::Key_Tab) return Moving(GridKey::Kind::Move, CursorKey::Backtab);
-  return std::nullopt;
+  return keys;
 }
 
 }  // namespace
 
-std::optional<GridKey> GridKeyOf(const QKeyEvent& event) {
-  const int key = event.key();
-  // Keys of the number pad mean the same.
-  const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
-  if (modifiers == Qt::NoModifier) {
-    return key == Qt::Key_Backtab ? ShiftKey(key) : PlainKey(key);
+std::span<const CellKeyRow> CellKeyTable() {
+  return kCellKeys;
+}
+
+std::vector<ShortcutLine> CellKeyLines(const MessageCatalogue& catalogue) {
+  std::vector<ShortcutLine> lines;
+  std::optional<TextId> before;
+  for (const CellKeyRow& row : kCellKeys) {
+    if (row.caption == before) {
+      lines.back().keys += std::string("; ") + row.keys;
+    } else {
+      lines.push_back({catalogue.GetResString(row.caption), row.keys});
+    }
+    before = row.caption;
   }
-  if (modifiers == Qt::ControlModifier) return ControlKey(key);
-  if (modifiers == kControlShift) return ControlShiftKey(key);
-  if (modifiers == Qt::AltModifier) return AltKey(key);
-  if (modifiers == Qt::ShiftModifier) return ShiftKey(key);
-  return std::nullopt;
+  return lines;
+}
+
+std::optional<GridKey> GridKeyOf(const QKeyEvent& event) {
+  static const std::map<int, GridKey> kKeys = AllKeys();
+  // Keys of the number pad mean the same.
+  const QKeyCombination pressed(event.modifiers() & ~Qt::KeypadModifier, static_cast<Qt::Key>(event.key()));
+  const auto found = kKeys.find(Folded(pressed));
+  return found == kKeys.end() ? std::nullopt : std::optional(found->second);
 }
 
 }  // namespace corlune

@@ -7,12 +7,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QEvent>
-#include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QSplitter>
@@ -21,7 +16,8 @@
 
 #include "core/files.h"
 #include "ui/grid_control.h"
-#include "ui/grid_menu.h"
+#include "ui/grid_side.h"
+#include "view/command_menu.h"
 
 namespace corlune {
 
@@ -40,10 +36,8 @@ class GridPanel::Impl {
 
   void Build();
   void Connect();
-  void BuildSide(QWidget& side);
-  QPushButton* MakeButton(const char* name, const QString& caption, GridCommand command);
-  void Run(GridCommand command);
-  EditOutcome Perform(GridCommand command);
+  void BuildRowAdd();
+  void Run(Command command);
   void ShowMenu(const QPoint& global);
   void Refresh();
   void PlaceRowAdd();
@@ -66,15 +60,9 @@ class GridPanel::Impl {
   QSplitter* split_ = nullptr;
   QWidget* top_ = nullptr;
   QWidget* rowAddStrip_ = nullptr;
-  QWidget* side_ = nullptr;
+  GridSide* side_ = nullptr;
   std::array<QVBoxLayout*, MAX_CHANNELS> pages_{};
-  QPushButton* rowAdd_ = nullptr;
-  QPushButton* insert_ = nullptr;
-  QPushButton* delete_ = nullptr;
-  QPushButton* up_ = nullptr;
-  QPushButton* down_ = nullptr;
-  QGroupBox* branchFrame_ = nullptr;
-  QLineEdit* stepNumber_ = nullptr;
+  RowButton* rowAdd_ = nullptr;
   ControlStates states_;
   std::function<bool()> beforeCommand_;
   int shownTab_ = 0;
@@ -107,9 +95,9 @@ void GridPanel::Impl::Build() {
   topLayout->setSpacing(kSpacing);
   tables_.Common = new GridTable(commonModel_);
   tables_.Common->setObjectName(QStringLiteral("MSFlexGrid1"));
-  rowAddStrip_ = new QWidget;
-  side_ = new QWidget;
-  BuildSide(*side_);
+  BuildRowAdd();
+  side_ = new GridSide(editor_.Views(), branchModel_, [this](Command command) { Run(command); });
+  tables_.Branch = &side_->Branch();
   topLayout->addWidget(tables_.Common, 1);
   topLayout->addWidget(rowAddStrip_);
   topLayout->addWidget(side_);
@@ -136,86 +124,23 @@ void GridPanel::Impl::Build() {
                    [this](int tab) { ShowSameRows(tab); });
 }
 
-QPushButton* GridPanel::Impl::MakeButton(const char* name, const QString& caption, GridCommand command) {
-  auto* button = new QPushButton(caption);
-  button->setObjectName(QLatin1String(name));
-  // A click leaves the focus in the cell; the keyboard can still reach the button.
-  button->setFocusPolicy(Qt::TabFocus);
-  button->setAutoDefault(false);
-  button->setMinimumWidth(1);
-  QObject::connect(button, &QPushButton::clicked, &panel_, [this, command] { Run(command); });
-  return button;
-}
-
-void GridPanel::Impl::BuildSide(QWidget& side) {
-  const bool english = editor_.Views().Catalogue().English();
-  QString addRow = Text(TextId::MenuAddRow);
-  addRow.truncate(addRow.indexOf(QLatin1Char('(')));
-  rowAdd_ = MakeButton("CmdRowAdd", QStringLiteral("+"), GridCommand::AddRow);
-  rowAdd_->setParent(rowAddStrip_);
+void GridPanel::Impl::BuildRowAdd() {
+  rowAddStrip_ = new QWidget;
+  rowAdd_ = new RowButton(
+      "CmdRowAdd", QStringLiteral("+"), [this] { Run(Command::AddRow); }, rowAddStrip_);
+  const QString addRow =
+      QString::fromStdString(PlainCaption(editor_.Views().Catalogue().GetResString(TextId::MenuAddRow)));
   rowAdd_->setToolTip(addRow);
   rowAdd_->setAccessibleName(addRow);
   QObject::connect(rowAdd_, &QPushButton::pressed, &panel_, [this] { ColorRowAdd(); });
   QObject::connect(rowAdd_, &QPushButton::released, &panel_, [this] { ColorRowAdd(); });
-  insert_ = MakeButton("CmdInsert", Text(TextId::ButtonInsertRow), GridCommand::InsertRow);
-  delete_ = MakeButton("CmdDelete", Text(TextId::ButtonDeleteRow), GridCommand::DeleteRow);
-  up_ = MakeButton("CmdUp", english ? QStringLiteral("Up") : QStringLiteral("△"), GridCommand::RowUp);
-  down_ = MakeButton("CmdDown", english ? QStringLiteral("Dn") : QStringLiteral("▽"), GridCommand::RowDown);
-  up_->setToolTip(Text(TextId::EditRowUp));
-  up_->setAccessibleName(Text(TextId::EditRowUp));
-  down_->setToolTip(Text(TextId::EditRowDown));
-  down_->setAccessibleName(Text(TextId::EditRowDown));
-
-  branchFrame_ = new QGroupBox;
-  branchFrame_->setObjectName(QStringLiteral("FrmBranch"));
-  branchFrame_->setAccessibleName(Text(TextId::BranchGridTitle).simplified());
-  auto* branchLabel = new QLabel(Text(TextId::BranchGridTitle));
-  branchLabel->setObjectName(QStringLiteral("LabBranchStep"));
-  auto* stepLabel = new QLabel(Text(TextId::BranchGridStepNumber));
-  stepLabel->setObjectName(QStringLiteral("LabStepNo"));
-  for (QLabel* label : {branchLabel, stepLabel}) {
-    label->setWordWrap(true);
-    label->setMinimumWidth(1);
-  }
-  stepNumber_ = new QLineEdit;
-  stepNumber_->setObjectName(QStringLiteral("TxtStepNo"));
-  stepNumber_->setReadOnly(true);
-  stepNumber_->setFocusPolicy(Qt::NoFocus);
-  // Three digits; the label needs the rest.
-  stepNumber_->setFixedWidth(stepNumber_->fontMetrics().horizontalAdvance(QStringLiteral("000")) +
-                             3 * kSpacing);
-  stepNumber_->setAccessibleName(stepLabel->text());
-  tables_.Branch = new GridTable(branchModel_);
-  tables_.Branch->setObjectName(QStringLiteral("MSFlexGrid3"));
-  auto* branch = new QVBoxLayout(branchFrame_);
-  branch->setContentsMargins(kSpacing, kSpacing, kSpacing, kSpacing);
-  branch->setSpacing(kSpacing / 2);
-  auto* number = new QHBoxLayout;
-  number->setSpacing(kSpacing / 2);
-  number->addWidget(stepLabel, 1);
-  number->addWidget(stepNumber_);
-  branch->addWidget(branchLabel);
-  branch->addLayout(number);
-  branch->addWidget(tables_.Branch, 1);
-
-  auto* layout = new QVBoxLayout(&side);
-  layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(kSpacing);
-  auto* moves = new QHBoxLayout;
-  moves->addWidget(up_);
-  moves->addWidget(down_);
-  layout->addWidget(insert_);
-  layout->addWidget(delete_);
-  layout->addLayout(moves);
-  layout->addWidget(branchFrame_, 1);
-  layout->addStretch(0);
 }
 
 void GridPanel::Impl::Connect() {
   QObject::connect(control_.get(), &GridControl::Refreshed, &panel_, [this] { Refresh(); });
   QObject::connect(control_.get(), &GridControl::Changed, &panel_, &GridPanel::Changed);
   QObject::connect(control_.get(), &GridControl::CommandRequested, &panel_,
-                   [this](GridCommand command) { Run(command); });
+                   [this](Command command) { Run(command); });
   QObject::connect(control_.get(), &GridControl::MenuRequested, &panel_,
                    [this](const QPoint& at) { ShowMenu(at); });
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1]}) {
@@ -246,9 +171,7 @@ void GridPanel::Impl::ShowSameRows(int tab) {
 }
 
 void GridPanel::Impl::Refresh() {
-  stepNumber_->setText(
-      QString::fromStdString(editor_.Views().BranchStepNumber({editor_.Cursor().CurrentRow})));
-  branchFrame_->setVisible(editor_.Views().BranchVisible());
+  side_->Refresh({editor_.Cursor().CurrentRow});
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1], tables_.Branch}) {
     const GridModel& model = table->Model();
     QString name = model.Area() == GridArea::Branch ? Text(TextId::BranchGridTitle).simplified() : QString();
@@ -289,68 +212,46 @@ void GridPanel::Impl::LimitWidths() {
       std::max(tables_.Common->ContentWidth(), tables_.Common->sizeHint().width()));
 }
 
-void GridPanel::Impl::Run(GridCommand command) {
-  if (!StateOf(command, editor_, states_).Enabled) return;
+void GridPanel::Impl::Run(Command command) {
+  const CommandRow& row = RowOf(command);
+  if (!StateOf(row, states_).Enabled) return;
   if (beforeCommand_ ? !beforeCommand_() : !control_->Commit()) return;
   switch (command) {
-    case GridCommand::Copy:
+    case Command::Copy:
       if (editor_.Copy()) emit panel_.Changed();
       return;
-    case GridCommand::SelectAll:
+    case Command::SelectAll:
       if (editor_.SelectAll()) control_->ShowCursor(false);
       emit panel_.Changed();
       return;
-    case GridCommand::CopyText:
+    case Command::CopyText:
       QApplication::clipboard()->setText(QString::fromStdString(editor_.CopyText()));
+      return;
+    case Command::PasteText:
+      control_->CloseEditors();
+      control_->Apply(editor_.PasteText(QApplication::clipboard()->text().toStdString()));
       return;
     default:
       control_->CloseEditors();
-      control_->Apply(Perform(command));
+      control_->Apply((editor_.*row.edit)());
   }
-}
-
-EditOutcome GridPanel::Impl::Perform(GridCommand command) {
-  switch (command) {
-    case GridCommand::Paste:
-      return editor_.Paste();
-    case GridCommand::Initialize:
-      return editor_.Initialize();
-    case GridCommand::AddRow:
-      return editor_.AddRow();
-    case GridCommand::InsertRow:
-      return editor_.InsertRow();
-    case GridCommand::DeleteRow:
-      return editor_.DeleteRow();
-    case GridCommand::RowUp:
-      return editor_.RowUp();
-    case GridCommand::RowDown:
-      return editor_.RowDown();
-    case GridCommand::Undo:
-      return editor_.Undo();
-    case GridCommand::Redo:
-      return editor_.Redo();
-    case GridCommand::PasteText:
-      return editor_.PasteText(QApplication::clipboard()->text().toStdString());
-    case GridCommand::DuplicateRows:
-      return editor_.DuplicateRows();
-    case GridCommand::FillDown:
-      return editor_.FillDown();
-    case GridCommand::Copy:
-    case GridCommand::SelectAll:
-    case GridCommand::CopyText:
-      break;
-  }
-  return {};
 }
 
 void GridPanel::Impl::ShowMenu(const QPoint& global) {
   if (!control_->Commit()) return;
-  QMenu menu(&panel_);
-  GridMenuActions actions;
-  actions.run = [this](GridCommand command) { Run(command); };
-  actions.importCsv = [this] { emit panel_.ImportRequested(); };
-  actions.exportCsv = [this] { emit panel_.ExportRequested(); };
-  FillGridMenu(menu, editor_, states_, actions);
+  const auto chosen = [this](Command command) {
+    if (RowOf(command).menu == MenuPlace::Edit) {
+      Run(command);
+    } else {
+      emit panel_.WindowCommand(command);
+    }
+  };
+  CommandMenu menu(editor_.Views().Catalogue(), MenuPlace::Edit, chosen, &panel_);
+  menu.addSeparator();
+  menu.Add(RowOf(Command::ImportCsv));
+  menu.Add(RowOf(Command::ExportCsv));
+  menu.ShowStates(states_);
+  menu.ShowUndoNames(editor_);
   menu.exec(global);
 }
 
@@ -398,16 +299,9 @@ void GridPanel::HideEditors() {
 
 void GridPanel::ShowStates(const ControlStates& states) {
   impl_->states_ = states;
-  const auto show = [](QPushButton* button, const ControlState& state) {
-    button->setVisible(state.Visible);
-    button->setEnabled(state.Enabled);
-  };
-  show(impl_->rowAdd_, states.RowAdd);
-  show(impl_->insert_, states.Insert);
-  show(impl_->delete_, states.Delete);
-  show(impl_->up_, states.Up);
-  show(impl_->down_, states.Down);
-  impl_->control_->SetStates(states);
+  impl_->rowAdd_->ShowState(states.RowAdd);
+  impl_->side_->ShowStates(states);
+  impl_->control_->AllowEditing(states.EditCells);
 }
 
 void GridPanel::HighlightRow(GridRow row, bool on) {
@@ -439,34 +333,8 @@ void GridPanel::SetWidths(int commonTwips, int channelTwips, int tabTwips) {
   for (GridTable* table : impl_->tables_.Channels) table->PreferWidth(TwipsToPixels(channelTwips, this));
 }
 
-void GridPanel::EditCommand(int index) {
-  if (index >= 0 && index <= static_cast<int>(GridCommand::RowDown)) {
-    impl_->Run(static_cast<GridCommand>(index));
-  }
-}
-
-void GridPanel::Undo() {
-  impl_->Run(GridCommand::Undo);
-}
-
-void GridPanel::Redo() {
-  impl_->Run(GridCommand::Redo);
-}
-
-void GridPanel::CopyText() {
-  impl_->Run(GridCommand::CopyText);
-}
-
-void GridPanel::PasteText() {
-  impl_->Run(GridCommand::PasteText);
-}
-
-void GridPanel::DuplicateRows() {
-  impl_->Run(GridCommand::DuplicateRows);
-}
-
-void GridPanel::FillDown() {
-  impl_->Run(GridCommand::FillDown);
+void GridPanel::Run(Command command) {
+  impl_->Run(command);
 }
 
 void GridPanel::ImportCsv(const std::string& path) {

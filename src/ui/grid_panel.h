@@ -9,9 +9,9 @@
 #include <QWidget>
 
 #include "core/step_numbering.h"
-#include "editing/control_states.h"
 #include "editing/edit_outcome.h"
 #include "editing/sequence_editor.h"
+#include "editing/window_commands.h"
 #include "ui/twips.h"
 #include "view/entry_field.h"
 
@@ -56,24 +56,16 @@ class GridPanel : public QWidget {
   // Widths in twips, scaled to the screen: the common grid, every channel grid, the tab control.
   void SetWidths(int commonTwips, int channelTwips, int tabTwips);
 
-  // Edit commands, shared by menu, context menu and keys. Copy, Paste, SelectAll, Initialize, AddRow,
-  // InsertRow, DeleteRow, RowUp, RowDown have the indexes 0..8 of the Edit menu.
-  void EditCommand(int index);
-  void Undo();
-  void Redo();
-  void CopyText();
-  void PasteText();
-  void DuplicateRows();
-  void FillDown();
+  // A command of the Edit menu; nothing when its state forbids it.
+  void Run(Command command);
   void ImportCsv(const std::string& path);
   void ExportCsv(const std::string& path);
 
  signals:
   // Something about the sequence, the cursor, undo or the copy buffer changed: refresh titles and menus.
   void Changed();
-  // CSV import or export chosen from the context menu.
-  void ImportRequested();
-  void ExportRequested();
+  // A command of the window was chosen from the context menu.
+  void WindowCommand(corlune::Command command);
 
  protected:
   void resizeEvent(QResizeEvent* event) override;

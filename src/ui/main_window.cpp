@@ -17,7 +17,6 @@
 #include "view/frm_preview.h"
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
-#include "view/run_menu.h"
 #include "view/window_focus.h"
 
 namespace corlune {
@@ -70,8 +69,7 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
   focus_ = std::make_unique<WindowFocus>(*this, *grids_, [this] { grids_->FocusCell(); });
 
   connect(grids_, &GridPanel::Changed, this, &MainWindow::RefreshControls);
-  connect(grids_, &GridPanel::ImportRequested, this, &MainWindow::ImportCsv);
-  connect(grids_, &GridPanel::ExportRequested, this, &MainWindow::ExportCsv);
+  connect(grids_, &GridPanel::WindowCommand, this, &MainWindow::Do);
   timer2_.setObjectName(QStringLiteral("Timer2"));
   timer2_.setInterval(kTimer2Interval);
   timer2_.setSingleShot(true);
@@ -86,8 +84,9 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
 MainWindow::~MainWindow() = default;
 
 void MainWindow::RefreshControls() {
-  states_ = ControlStatesOf(session_.State(), session_.Activity(), session_.Definition(),
-                            {session_.Sequence().StepCount, editor_.CopyBufferFilled()});
+  states_ = ControlStatesOf(
+      session_.State(), session_.Activity(), session_.Definition(),
+      {session_.Sequence().StepCount, editor_.CopyBufferFilled(), editor_.CanUndo(), editor_.CanRedo()});
   focus_->Keep([this] {
     ShowMenuStates();
     runButtons_->ShowStates(states_, session_.State(), session_.Definition());

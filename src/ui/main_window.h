@@ -16,24 +16,23 @@
 #include <QStringList>
 #include <QTimer>
 
-#include "editing/control_states.h"
 #include "editing/sequence_editor.h"
+#include "editing/window_commands.h"
 #include "session/session.h"
 #include "ui/window_settings.h"
 #include "view/entry_field.h"
 
-class QAction;
 class QLabel;
 class QMenu;
 class QPushButton;
 
 namespace corlune {
 
+class CommandMenu;
 class FrmPreview;
 class GridPanel;
 class RunButtons;
 class RunFields;
-class RunMenu;
 class StatBar;
 class WindowFocus;
 
@@ -99,12 +98,8 @@ class MainWindow : public QMainWindow {
  private:
   // main_window_menus.cpp
   void BuildMenus();
-  void BuildEditMenu();
-  void AddFileExtras();
-  void AddHelpExtras();
-  void AddItems(Menu menu, const std::function<void(int)>& handler);
-  QAction* ItemAction(Menu menu, int item) const;
-  void SetShortcuts();
+  void AddRecentMenu();
+  CommandMenu& MenuOf(MenuPlace place) const { return *menus_[static_cast<std::size_t>(place)]; }
   void ShowMenuStates();
   void ShowRecentFiles();
   void RememberRecent();
@@ -125,15 +120,17 @@ class MainWindow : public QMainWindow {
   };
   void Perform(const std::function<void()>& command, Entries entries = Entries::Taken);
   bool CommitEntries();
-  void FileCommand(int index);
-  void ViewCommand(int index);
-  void ModeCommand(int index);
-  void RunItem(int item);
+  void Do(Command command);
+  void FileCommand(Command command);
+  void ViewCommand(Command command);
+  void ChangeMode(OperationMode mode);
+  void RunItem(Run item);
   void RunButton(int index);
   void ReadBack();
   void ImportCsv();
   void ExportCsv();
   void ShowAbout();
+  void ShowShortcuts();
   void ShowCommLog();
   std::string CommLogPath() const;
   std::string ConnectionTip() const;
@@ -158,17 +155,10 @@ class MainWindow : public QMainWindow {
   std::string version_;
   QDate programDate_;
 
-  std::array<QMenu*, kMenuCount> menus_{};
-  std::array<std::vector<QAction*>, kMenuCount> items_{};
-  QAction* undo_ = nullptr;
-  QAction* redo_ = nullptr;
-  QAction* importCsv_ = nullptr;
-  QAction* exportCsv_ = nullptr;
-  QAction* commLog_ = nullptr;
+  std::array<CommandMenu*, kMenuCount> menus_{};
   QMenu* recentMenu_ = nullptr;
   QStringList recentFiles_;
 
-  RunMenu* runMenu_ = nullptr;
   RunButtons* runButtons_ = nullptr;
   RunFields* fields_ = nullptr;
   std::int16_t sequenceNumber_ = 0;  // of the fields

@@ -13,8 +13,10 @@
 #include "compile/download_outcome_text.h"
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_comm_log.h"
+#include "dialogs/frm_shortcuts.h"
 #include "sequence/sequence_file.h"
 #include "ui/form_style.h"
+#include "ui/grid_keys.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
 #include "ui/stat_bar.h"
@@ -68,30 +70,43 @@ bool MainWindow::CommitEntries() {
   return preview_ && preview_->isActiveWindow() ? views() && own() : own() && views();
 }
 
-void MainWindow::FileCommand(int index) {
-  if (index == 4) {
-    close();
-    return;
+void MainWindow::Do(Command command) {
+  switch (command) {
+    case Command::Exit:
+      close();
+      return;
+    case Command::ImportCsv:
+      return ImportCsv();
+    case Command::ExportCsv:
+      return ExportCsv();
+    case Command::EditMode:
+      return ChangeMode(OperationMode::Edit);
+    case Command::ExecutionMode:
+      return ChangeMode(OperationMode::Execution);
+    case Command::About:
+      return ShowAbout();
+    case Command::Shortcuts:
+      return ShowShortcuts();
+    case Command::CommLog:
+      return ShowCommLog();
+    default:
+      break;
   }
+  const CommandRow& row = RowOf(command);
+  if (row.menu == MenuPlace::File) FileCommand(command);
+  if (row.menu == MenuPlace::Edit) grids_->Run(command);
+  if (row.menu == MenuPlace::View) ViewCommand(command);
+  if (row.menu == MenuPlace::Run) RunItem(static_cast<Run>(row.item));
+}
+
+void MainWindow::FileCommand(Command command) {
   Perform([&] {
     grids_->HideEditors();
     bool named = false;
-    switch (index) {
-      case 0:
-        session_.NewSequence();
-        break;
-      case 1:
-        named = session_.OpenWithDialog();
-        break;
-      case 2:
-        named = session_.Save();
-        break;
-      case 3:
-        named = session_.SaveAs();
-        break;
-      default:
-        break;
-    }
+    if (command == Command::New) session_.NewSequence();
+    if (command == Command::Open) named = session_.OpenWithDialog();
+    if (command == Command::Save) named = session_.Save();
+    if (command == Command::SaveAs) named = session_.SaveAs();
     if (named) RememberRecent();
   });
 }
@@ -138,7 +153,7 @@ FrmPreview& MainWindow::NeedPreview() {
   if (!preview_) {
     PreviewHandlers handlers;
     handlers.runButton = [this](int index) { RunButton(index); };
-    handlers.runMenuItem = [this](int item) { RunItem(item); };
+    handlers.command = [this](Command command) { Do(command); };
     handlers.enterSequenceNumber = [this](const std::string& text, EntryEnd end) {
       return EnterSequenceNumber(text, end);
     };
@@ -168,16 +183,16 @@ void MainWindow::ClosePreview() {
   if (preview_) preview_->close();
 }
 
-void MainWindow::ViewCommand(int index) {
+void MainWindow::ViewCommand(Command command) {
   Perform([&] {
-    if (index == 0) {
+    if (command == Command::EditWindow) {
       FormStyleNomal();
       activateWindow();
       return;
     }
     const bool shown = session_.State().SequenceViewShown;
     FrmPreview& preview = NeedPreview();
-    if (index == 2) {
+    if (command == Command::TileVertically) {
       FormStyleAlign();
       // Beside the frame of this window, as far as the screen reaches. Before it is shown, so that the window
       // manager counts its frame in.
@@ -199,32 +214,34 @@ void MainWindow::ViewCommand(int index) {
   });
 }
 
-void MainWindow::ModeCommand(int index) {
-  if (index == static_cast<int>(session_.State().OperationMode)) return;
+void MainWindow::ChangeMode(OperationMode mode) {
+  if (mode == session_.State().OperationMode) return;
   Perform([&] {
     grids_->HideEditors();
     session_.Sequence().SequenceNumber = sequenceNumber_;
-    const bool downloads = index == 1 && session_.Sequence().StepCount > 0 && session_.Idle();
-    const auto mode = index == 1 ? OperationMode::Execution : OperationMode::Edit;
+    const bool downloads =
+        mode == OperationMode::Execution && session_.Sequence().StepCount > 0 && session_.Idle();
     if (!session_.Control().SetOperationMode(mode) && downloads) {
       statBar_->ShowNotice(DownloadOutcomeText(session_.Download().Outcome(), session_.Catalogue()));
     }
   });
 }
 
-void MainWindow::RunItem(int item) {
-  const bool ends = item == static_cast<int>(Run::Stop) || item == static_cast<int>(Run::OutputOff);
-  Perform([&] { session_.Control().MenuItem(item); }, ends ? Entries::Untouched : Entries::Taken);
+void MainWindow::RunItem(Run item) {
+  const bool ends = item == Run::Stop || item == Run::OutputOff;
+  Perform([&] { session_.Control().MenuItem(static_cast<int>(item)); },
+          ends ? Entries::Untouched : Entries::Taken);
 }
 
 void MainWindow::RunButton(int index) {
   if (index == 0) {
-    ModeCommand(session_.State().OperationMode == OperationMode::Edit ? 1 : 0);
+    const bool edit = session_.State().OperationMode == OperationMode::Edit;
+    ChangeMode(edit ? OperationMode::Execution : OperationMode::Edit);
   } else if (index == static_cast<int>(PanelButton::Output)) {
     const bool off = session_.State().OutputOn || session_.State().MayStillRun;
-    RunItem(static_cast<int>(off ? Run::OutputOff : Run::OutputOn));
+    RunItem(off ? Run::OutputOff : Run::OutputOn);
   } else {
-    RunItem(index - 1);  // the others stand as in the menu
+    RunItem(static_cast<Run>(index - 1));  // the others stand as in the menu
   }
 }
 
@@ -267,6 +284,10 @@ void MainWindow::ShowAbout() {
     facts.compilerProblem = session_.Compiler().Problem();
     FrmAbout(session_.Catalogue(), facts, this).exec();
   });
+}
+
+void MainWindow::ShowShortcuts() {
+  Perform([&] { FrmShortcuts(session_.Catalogue(), CellKeyLines(session_.Catalogue()), this).exec(); });
 }
 
 std::string MainWindow::CommLogPath() const {

@@ -14,14 +14,13 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
-#include "editing/control_states.h"
 #include "graph/graph_picture.h"
 #include "sequence/channel_tabs.h"
 #include "view/area_settings.h"
+#include "view/command_menu.h"
 #include "view/graph_canvas.h"
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
-#include "view/run_menu.h"
 #include "view/time_panel.h"
 #include "view/to_qcolor.h"
 #include "view/warning_line.h"
@@ -50,6 +49,7 @@ class FrmPreview::Impl {
   QString Text(TextId id) const { return QString::fromStdString(catalogue.GetResString(id)); }
 
   void BuildMenus();
+  void Do(Command command);
   QWidget* BuildContent();
   void BuildStatusBar();
   void Draw();
@@ -65,7 +65,8 @@ class FrmPreview::Impl {
   const MessageCatalogue& catalogue;
   PreviewHandlers handlers;
 
-  RunMenu* runMenu = nullptr;
+  CommandMenu* runMenu = nullptr;
+  CommandMenu* display = nullptr;
   RunButtons* buttons = nullptr;
   RunFields* fields = nullptr;
   AreaSettings* settings = nullptr;
@@ -79,35 +80,26 @@ class FrmPreview::Impl {
 };
 
 void FrmPreview::Impl::BuildMenus() {
-  runMenu = new RunMenu(
-      catalogue,
-      [this](int item) {
-        if (handlers.runMenuItem) handlers.runMenuItem(item);
+  runMenu = new CommandMenu(
+      catalogue, MenuPlace::Run,
+      [this](Command command) {
+        if (handlers.command) handlers.command(command);
       },
       form.menuBar());
   form.menuBar()->addMenu(runMenu);
-  QMenu* display = form.menuBar()->addMenu(Text(TextId::MenuDisplay));
-  display->setObjectName(QStringLiteral("mnuDisplay"));
-  const auto add = [&](TextId id, const char* name, const QList<QKeySequence>& keys, auto handler) {
-    QAction* action = display->addAction(Text(id));
-    action->setObjectName(QString::fromUtf8(name));
-    action->setShortcuts(keys);
-    connect(action, &QAction::triggered, &form, handler);
-    return action;
-  };
-  // "+" is a shifted "=" on many keyboards.
-  add(TextId::MenuZoomIn, "mnuZoomIn",
-      {QKeySequence(Qt::CTRL | Qt::Key_Plus), QKeySequence(Qt::CTRL | Qt::Key_Equal)},
-      [this] { canvas->ZoomIn(); });
-  add(TextId::MenuZoomOut, "mnuZoomOut", {QKeySequence(Qt::CTRL | Qt::Key_Minus)},
-      [this] { canvas->ZoomOut(); });
-  add(TextId::MenuWholeSequence, "mnuShowAll", {QKeySequence(Qt::CTRL | Qt::Key_0)},
-      [this] { canvas->ShowAll(); });
-  display->addSeparator();
-  QAction* areas =
-      add(TextId::MenuAreaSettings, "mnuAreaSettings", {}, [this](bool on) { settings->setVisible(on); });
+  display = new CommandMenu(
+      catalogue, MenuPlace::Display, [this](Command command) { Do(command); }, form.menuBar());
+  form.menuBar()->addMenu(display);
+  QAction* areas = display->Item(Command::AreaSettings);
   areas->setCheckable(true);
   areas->setChecked(true);
+}
+
+void FrmPreview::Impl::Do(Command command) {
+  if (command == Command::ZoomIn) canvas->ZoomIn();
+  if (command == Command::ZoomOut) canvas->ZoomOut();
+  if (command == Command::WholeSequence) canvas->ShowAll();
+  if (command == Command::AreaSettings) settings->setVisible(display->Item(command)->isChecked());
 }
 
 QWidget* FrmPreview::Impl::BuildContent() {
@@ -258,7 +250,7 @@ void FrmPreview::ShowStates(const ControlStates& states) {
   impl_->focus->Keep([&] {
     impl_->buttons->ShowStates(states, impl_->state, impl_->definition);
     impl_->fields->ShowStates(states);
-    impl_->runMenu->ShowStates(states, impl_->state);
+    impl_->runMenu->ShowStates(states);
   });
   impl_->warning->ShowState(impl_->state);
   PicDisp();

@@ -11,18 +11,17 @@
 
 #include "core/app_state.h"
 #include "core/catalogue.h"
+#include "editing/window_commands.h"
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 #include "view/entry_field.h"
 
 namespace corlune {
 
-struct ControlStates;
-
 // What the view asks of the main window; every press forwards to the same handlers as the main window's.
 struct PreviewHandlers {
   std::function<void(int)> runButton;    // CmdBtn1 index 0..5
-  std::function<void(int)> runMenuItem;  // run menu index 0..5
+  std::function<void(Command)> command;  // of the run menu
   EntryField::Check enterSequenceNumber;
   EntryField::Check enterStartStep;
   EntryField::Check enterBranchChannel;

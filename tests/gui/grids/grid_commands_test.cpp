@@ -109,8 +109,8 @@ TEST(CsvFiles, ExportImportAndTheirProblems) {
   NumberSteps(rig);
   TempFolder folder;
   rig.panel->ExportCsv(folder.File("steps.csv"));
-  rig.panel->EditCommand(2);
-  rig.panel->EditCommand(3);
+  rig.panel->Run(Command::SelectAll);
+  rig.panel->Run(Command::Initialize);
   EXPECT_EQ(Times(rig), "1 1 1");
   rig.panel->ImportCsv(folder.File("steps.csv"));
   EXPECT_EQ(Times(rig), "1 2 3");
@@ -164,7 +164,8 @@ TEST(ContextMenu, OffersTheCommandsAtTheCell) {
   rig.GoTo(GridArea::Common, 1, 1);
   rig.TypeThen("9", Qt::Key_Return);
   int imports = 0;
-  QObject::connect(rig.panel, &GridPanel::ImportRequested, [&] { ++imports; });
+  QObject::connect(rig.panel, &GridPanel::WindowCommand,
+                   [&](Command command) { imports += command == Command::ImportCsv; });
   const QPoint at = grid.visualRect(grid.model()->index(2, 1)).center();
   WithMenu(rig, at, grid, [&](QMenu& menu) {
     for (const char* text : {"Copy(", "Paste(", "Select All", "Initialize", "Undo: Cell Entry", "Redo",

@@ -38,22 +38,24 @@ TEST(GridModels, FollowEveryOperationUpToTheLimit) {
   for (QTableView* grid : {&rig.Common(), &rig.Channel(0), &rig.Channel(1), &rig.Branch()}) {
     testers.push_back(std::make_unique<QAbstractItemModelTester>(grid->model(), Mode::Fatal));
   }
-  const auto run = [&](int command) {
-    rig.panel->EditCommand(command);
+  const auto run = [&](Command command) {
+    rig.panel->Run(command);
     QApplication::processEvents();
   };
-  constexpr int kAdd = 4, kInsert = 5, kDelete = 6, kUp = 7, kDown = 8;
-  run(kAdd);
-  run(kInsert);
-  run(kAdd);
+  using enum Command;
+  run(AddRow);
+  run(InsertRow);
+  run(AddRow);
   rig.GoTo(GridArea::Common, 2, 1);
-  for (const int command : {kUp, kDown, kDown, kInsert, kDelete, kDelete, kDelete, kDelete}) run(command);
+  for (const Command command :
+       {RowUp, RowDown, RowDown, InsertRow, DeleteRow, DeleteRow, DeleteRow, DeleteRow})
+    run(command);
   EXPECT_EQ(rig.sequence.StepCount, 0);
   ExpectShownAsRebuilt(rig);
-  rig.panel->Undo();
-  rig.panel->Undo();
+  rig.panel->Run(Undo);
+  rig.panel->Run(Undo);
   ExpectShownAsRebuilt(rig);
-  while (rig.sequence.StepCount < 255) rig.panel->DuplicateRows();
+  while (rig.sequence.StepCount < 255) rig.panel->Run(DuplicateRows);
   auto& add = rig.Named<QPushButton>("CmdRowAdd");
   EXPECT_TRUE(add.isVisible());
   EXPECT_EQ(add.palette().color(QPalette::Button), QColor(0xED, 0xEF, 0xF2));
@@ -61,15 +63,15 @@ TEST(GridModels, FollowEveryOperationUpToTheLimit) {
   emit add.pressed();
   EXPECT_EQ(add.palette().color(QPalette::Button), QColor(0xD6, 0xE9, 0xFA));
   add.setDown(false);
-  run(kAdd);
+  run(AddRow);
   EXPECT_EQ(rig.sequence.StepCount, MAX_STEPS);
   EXPECT_EQ(rig.Common().model()->rowCount(), MAX_STEPS) << "no spare row at the limit";
   EXPECT_FALSE(rig.Named<QPushButton>("CmdRowAdd").isVisible());
   EXPECT_FALSE(rig.Named<QPushButton>("CmdInsert").isEnabled());
-  run(kAdd);
-  rig.panel->DuplicateRows();
+  run(AddRow);
+  rig.panel->Run(DuplicateRows);
   EXPECT_EQ(rig.sequence.StepCount, MAX_STEPS);
-  run(kDelete);
+  run(DeleteRow);
   EXPECT_TRUE(rig.Named<QPushButton>("CmdRowAdd").isVisible());
   ExpectShownAsRebuilt(rig);
 }

@@ -68,6 +68,8 @@ class GridsRig {
     ControlConditions conditions;
     conditions.StepCount = sequence.StepCount;
     conditions.CopyBufferFilled = editor->CopyBufferFilled();
+    conditions.CanUndo = editor->CanUndo();
+    conditions.CanRedo = editor->CanRedo();
     panel->ShowStates(ControlStatesOf(state, {}, definition, conditions));
   }
 

@@ -145,7 +145,7 @@ TEST(WindowRun, AFailedDownloadIsNamedInTheStatusBarUntilTheNextCommand) {
     EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr(test.notice));
     EXPECT_EQ(rig.window->Status().Notice().isEmpty(), test.notice.empty());
     EXPECT_EQ(Possible(rig), "0----- EFC");
-    rig.window->Grids().EditCommand(4);
+    rig.window->Grids().Run(Command::AddRow);
     rig.prompts.Answer(PromptAnswer::No);
     rig.Key(Qt::Key_N, Qt::ControlModifier);
     EXPECT_TRUE(rig.window->Status().Notice().isEmpty());

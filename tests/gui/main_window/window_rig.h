@@ -66,7 +66,7 @@ struct WindowRig : SessionRig {
     for (int i = 0; i < 5; ++i) QCoreApplication::processEvents();
   }
   void AddSteps(int count) {
-    for (int i = 0; i < count; ++i) window->Grids().EditCommand(4);
+    for (int i = 0; i < count; ++i) window->Grids().Run(Command::AddRow);
     Settle();
   }
   // A saved sequence of one step.

@@ -8,12 +8,17 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QRegularExpression>
 #include <QTableView>
+#include <QTimer>
+#include <QTreeWidget>
 #include <QUrl>
 
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_prgrs.h"
 #include "gui/main_window/window_rig.h"
+#include "ui/grid_keys.h"
+#include "view/frm_preview.h"
 
 namespace corlune::testing {
 namespace {
@@ -48,29 +53,68 @@ TEST(WindowMenus, AreBuiltFromTheModelDefinition) {
   EXPECT_THAT(Shown(rig.window->findChild<QMenu*>("mnuRun")->actions()),
               ElementsAre("Start(&S)", "Stop(&E)", "Output ON(&N)", "Output OFF(&F)"));
   EXPECT_THAT(Shown(rig.window->findChild<QMenu*>("mnuFile")->actions()),
-              ElementsAre("New(&N)", "Open...(&O)", "Save(&S)", "Save As...(&A)", "Import CSV...(&I)",
-                          "Export CSV...(&E)", "Recent Files(&R)", "Exit(&X)"));
+              ElementsAre("New(&N)", "Open...(&O)", "Save(&S)", "Save As...(&A)", "Import CSV...(&M)",
+                          "Export CSV...(&T)", "Recent Files(&R)", "Exit(&X)"));
   EXPECT_FALSE(rig.Button(3)->isVisible());
   EXPECT_FALSE(rig.Field("TxtBranch")->isVisible());
   EXPECT_TRUE(rig.Field("TxtStrStep")->isVisible());
 }
 
-TEST(WindowMenus, EveryKeyBelongsToOneCommand) {
+TEST(WindowMenus, EveryKeyAndMnemonicBelongsToOneCommand) {
+  for (const bool english : {true, false}) {
+    WindowRig rig(WindowRig::Bus::Empty, english);
+    rig.Start();
+    rig.Item("mnuViewItem_1")->trigger();
+    std::map<QString, QStringList> owners;
+    const auto own = [&](const QString& place, const QString& key, const QAction* action) {
+      if (!key.isEmpty()) owners[place + ": " + key].append(action->objectName());
+    };
+    for (const CellKeyRow& row : CellKeyTable()) owners[QStringLiteral("frmMain: ") + row.keys] << row.keys;
+    for (const QWidget* window : std::array<const QWidget*, 2>{rig.window.get(), rig.window->Preview()}) {
+      for (const QAction* action : window->findChildren<QAction*>(QRegularExpression("^mnu"))) {
+        for (const QKeySequence& keys : action->shortcuts())
+          own(window->objectName(), keys.toString(), action);
+      }
+      for (const QAction* title : window->findChild<QMenuBar*>()->actions()) {
+        own(window->objectName(), QKeySequence::mnemonic(title->text()).toString(), title);
+        QList<QAction*> items = title->menu()->actions();
+        // The context menu shows these as well.
+        if (title->menu()->objectName() == "mnuEdit")
+          items << rig.Item("mnuImportCsv") << rig.Item("mnuExportCsv");
+        for (const QAction* item : items)
+          own(window->objectName() + title->text(), QKeySequence::mnemonic(item->text()).toString(), item);
+      }
+    }
+    for (const auto& [key, names] : owners) {
+      // Of these two only the one that changes something is possible.
+      const bool shared = key.endsWith(": F8") || key.endsWith(": F9");
+      EXPECT_EQ(names.size(), shared ? 2 : 1) << key.toStdString() << " " << names.join(", ").toStdString();
+    }
+    for (const char* keys : {"Ctrl+N", "Ctrl+O", "Ctrl+Shift+S", "Ctrl+C", "Ctrl+V", "Ctrl+A", "F1", "F6",
+                             "F7", "F9", "Ctrl+Y", "Ctrl+Enter", "Ctrl+Return", "PgDown"}) {
+      EXPECT_TRUE(owners.contains(QStringLiteral("frmMain: ") + keys)) << keys;
+    }
+  }
+}
+
+TEST(WindowMenus, ThePageOfShortcutsListsEveryCommand) {
   WindowRig rig;
   rig.Start();
-  std::map<QString, QStringList> owners;
-  for (const QAction* action : rig.window->findChildren<QAction*>()) {
-    if (action->shortcutContext() != Qt::WindowShortcut) continue;
-    for (const QKeySequence& keys : action->shortcuts()) owners[keys.toString()].append(action->objectName());
-  }
-  for (const auto& [keys, names] : owners) {
-    EXPECT_EQ(names.size(), 1) << keys.toStdString() << ": " << names.join(", ").toStdString();
-  }
-  for (const char* keys :
-       {"Ctrl+N", "Ctrl+O", "Ctrl+S", "Ctrl+Shift+S", "Ctrl+C", "Ctrl+V", "Ctrl+A", "Ctrl+Q", "F1", "F5",
-        "Shift+F5", "F6", "F7", "F8", "Ctrl+Z", "Ctrl+Y", "Ctrl+Shift+Z"}) {
-    EXPECT_TRUE(owners.contains(QString::fromUtf8(keys))) << keys;
-  }
+  std::map<std::string, std::string> lines;
+  QTimer::singleShot(0, rig.window.get(), [&] {
+    const auto* page = QApplication::activeModalWidget();
+    for (QTreeWidgetItemIterator line(page->findChild<QTreeWidget*>()); *line; ++line) {
+      lines[(*line)->text(0).toStdString()] = (*line)->text(1).toStdString();
+    }
+    QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape);
+  });
+  rig.Key(Qt::Key_F1, Qt::ControlModifier);
+  for (const CommandRow& row : WindowCommands())
+    EXPECT_TRUE(lines.contains(PlainCaption(rig.Text(static_cast<int>(row.caption)))));
+  EXPECT_EQ(lines["Add Row"] + " " + rig.Item("mnuEditItem_4")->shortcut().toString().toStdString(),
+            "Ctrl+Enter Ctrl+Enter");
+  EXPECT_EQ(lines["RowDOWN"] + lines["Fill Down"] + lines["Next, previous grid"],
+            "Alt+DownCtrl+D (in the cells)Ctrl+PgDown, Ctrl+PgUp");
 }
 
 TEST(WindowTitle, NamesTheFileAndMarksChanges) {

@@ -37,7 +37,9 @@ class ViewRig : public GraphRig {
   FrmPreview& Open(QSize size = {900, 600}) {
     PreviewHandlers handlers;
     handlers.runButton = [this](int index) { pressed.push_back("button " + std::to_string(index)); };
-    handlers.runMenuItem = [this](int item) { pressed.push_back("item " + std::to_string(item)); };
+    handlers.command = [this](Command command) {
+      pressed.push_back("item " + std::to_string(RowOf(command).item));
+    };
     const auto field = [this](const char* name) {
       return [this, name](const std::string& text, EntryEnd) {
         pressed.push_back(std::string(name) + " " + text);

@@ -1,0 +1,31 @@
+// GridTables: the tables of the window and what concerns all of them.
+#pragma once
+
+#include <array>
+
+#include "editing/edit_outcome.h"
+#include "editing/grid_place.h"
+#include "ui/grid_table.h"
+
+class QTabWidget;
+
+namespace corlune {
+
+struct GridTables {
+  GridTable* Common = nullptr;
+  std::array<GridTable*, MAX_CHANNELS> Channels{};
+  GridTable* Branch = nullptr;
+  QTabWidget* Tabs = nullptr;  // SSTab1, page i holds Channels[i]
+
+  std::array<GridTable*, MAX_CHANNELS + 2> All() const;
+  // Those with a row for each step.
+  std::array<GridTable*, MAX_CHANNELS + 1> OfSteps() const;
+  GridTable& Of(GridArea area, int channel) const;
+
+  // Shows what an operation changed, with rows of `rowHeight` pixels.
+  void Refresh(const EditOutcome& outcome, int rowHeight) const;
+  // Shows everything anew.
+  void Reset(int rowHeight) const;
+};
+
+}  // namespace corlune
