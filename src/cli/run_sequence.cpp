@@ -103,7 +103,7 @@ int RunConnected(ConsoleProgram& program, const RunKeys& keys, int number) {
   if (!session.Control().SetOperationMode(OperationMode::Execution)) return TellDownloadEnd(program);
   if (keys.Stopped()) return Fail(notStarted);
   if (!session.Control().RunCommand(Run::Start)) {
-    if (keys.Stopped()) return Fail(stopped);
+    if (keys.Stopped()) return Fail(session.Monitor().EndedWell() ? stopped : broken);
     // Back in edit mode: it was started, but does not say where it is.
     return session.State().OperationMode == OperationMode::Edit ? Fail(broken) : kExitFailed;
   }

@@ -272,7 +272,8 @@ bool RunControl::SwitchOutput(bool on) {
 
 void RunControl::PressStop() {
   AppState& state = run_.state;
-  afterTick_.reset();
+  // Takes back what would go on, not what makes safe.
+  if (afterTick_ != Run::OutputOff) afterTick_.reset();
   if (current_) {
     if (*current_ == Run::Stop) return;
     state.PendingRequest = PendingRequest::Stop;
@@ -348,15 +349,16 @@ void RunControl::Button(int index) {
 }
 
 void RunControl::TickEnded() {
-  const std::optional<Run> waiting = std::exchange(afterTick_, std::nullopt);
+  std::optional<Run> waiting = std::exchange(afterTick_, std::nullopt);
   AppState& state = run_.state;
-  if (state.RunState == RunState::Held && state.PendingRequest == PendingRequest::Stop) {
-    state.PendingRequest = PendingRequest::None;
-    RunCommand(Run::Stop);
-  } else if (stopWaits_ && state.RunState == RunState::Stopped) {
+  const bool stops = stopWaits_ && state.RunState != RunState::Running;
+  if (stops) {
     stopWaits_ = false;
-    if (state.MayStillRun) RunCommand(Run::Stop);
-  } else if (waiting && (state.OperationMode == OperationMode::Execution || state.MayStillRun)) {
+    state.PendingRequest = PendingRequest::None;
+    if (state.RunState == RunState::Held || state.MayStillRun) RunCommand(Run::Stop);
+    if (waiting != Run::OutputOff) waiting.reset();
+  }
+  if (waiting && (state.OperationMode == OperationMode::Execution || state.MayStillRun)) {
     RunCommand(*waiting);
   }
 }

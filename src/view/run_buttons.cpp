@@ -26,7 +26,7 @@ bool RunButtonApplies(PanelButton button, const AppState& state) {
     case PanelButton::Start:
       return state.RunState == RunState::Running;
     case PanelButton::Stop:
-      return execution && state.RunState == RunState::Stopped;
+      return execution && state.RunState == RunState::Stopped && !state.MayStillRun;
     case PanelButton::Hold:
       return state.RunState == RunState::Held;
     case PanelButton::Branch:

@@ -246,11 +246,15 @@ TEST(InterruptionOnTheWay, PressesWhileTheInstrumentHolds) {
     way.Press(Run::Start);
     way.prompts.said.clear();
     way.Instrument().PressHold();
-    way.pump.OnCall(way.pump.Calls() + 3, [&] { way.Press(press); });  // between status query and reply
+    way.pump.OnCall(way.pump.Calls() + 3, [&] {  // between status query and reply
+      if (press == Run::Stop) way.Press(Run::OutputOff);
+      way.Press(press);
+    });
     way.Advance(100);
     EXPECT_EQ(way.session->State().RunState, press == Run::Stop ? RunState::Stopped : RunState::Held);
     EXPECT_EQ(way.CountSent("1 < :TRIG1:SEL:EXEC STOP"), press == Run::Stop ? 1 : 0) << "a stop is not lost";
     EXPECT_EQ(way.session->State().PendingRequest, PendingRequest::None) << "a hold has come about";
+    EXPECT_EQ(way.Instrument().Output(1), press != Run::Stop) << "nor is the output switched off before it";
   }
 }
 
