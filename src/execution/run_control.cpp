@@ -221,7 +221,7 @@ bool RunControl::Hold() {
   return true;
 }
 
-std::string RunControl::BranchCommand(int instrument) const {
+std::string RunControl::BranchCommand(int instrument, int branchChannel) const {
   // The template's digit names an entry of the branch table; the person's branch channel takes its place.
   std::string command = run_.commands.Definition().Commands.Branch.Template;
   constexpr std::string_view kBranchStep = "$BNHSTP";
@@ -229,7 +229,7 @@ std::string RunControl::BranchCommand(int instrument) const {
   if (at != std::string::npos && command.compare(at, kBranchStep.size(), kBranchStep) == 0) {
     const std::size_t digit = at + kBranchStep.size();
     if (digit < command.size() && command[digit] >= '0' && command[digit] <= '9') {
-      command[digit] = static_cast<char>('0' + run_.sequence.BranchChannel - 1);
+      command[digit] = static_cast<char>('0' + branchChannel - 1);
     }
   }
   const std::vector<ChannelTab> tabs = ChannelTabs(run_.state);
@@ -245,14 +245,14 @@ std::string RunControl::BranchCommand(int instrument) const {
 bool RunControl::Branch() {
   AppState& state = run_.state;
   const StepRow* row = CurrentStepRow(run_);
-  const int channel = run_.sequence.BranchChannel;
+  const int channel = std::exchange(pressedChannel_, std::nullopt).value_or(run_.sequence.BranchChannel);
   if (state.RunState != RunState::Running || !row || channel < 1 || channel > kBranchEntries) return false;
   const std::int16_t target = row->BranchStep[static_cast<std::size_t>(channel - 1)];
   if (target == 0) return false;
   state.BranchRequested = true;
   state.BranchTarget = target;
   const std::int32_t wait = run_.commands.Definition().Commands.Branch.Wait;
-  const int failed = SendToAll([this](int instrument) { return BranchCommand(instrument); }, wait);
+  const int failed = SendToAll([&](int instrument) { return BranchCommand(instrument, channel); }, wait);
   if (failed >= 0) return FailRun(failed);
   return true;
 }
@@ -297,6 +297,8 @@ void RunControl::PressAtNextTick(PendingRequest request) {
   // Without a running run no tick carries it out; kept, it would strike when the run resumes.
   if (state.RunState != RunState::Running && !activity_.Commanding()) return;
   state.PendingRequest = request;
+  // The field can be changed before the tick.
+  if (request == PendingRequest::Branch) pressedChannel_ = run_.sequence.BranchChannel;
 }
 
 void RunControl::PressAtOnce(Run command) {
