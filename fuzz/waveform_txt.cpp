@@ -22,7 +22,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
                   "an accepted count is a power of two");
     fuzz::Require(read.block.size() == 8 + 2 * static_cast<std::size_t>(read.pointCount), "block length");
   } else {
-    fuzz::Require(read.reason.text != 0 && read.block.size() == 0,
+    fuzz::Require(read.reason.text.has_value() && read.block.size() == 0,
                   "a refused file has a reason and no block");
   }
   return 0;

@@ -25,7 +25,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Require(read.block.size() == 8 + bytesPerPoint * static_cast<std::size_t>(read.pointCount),
                   "block length");
   } else {
-    fuzz::Require(read.reason.text != 0 && read.block.size() == 0,
+    fuzz::Require(read.reason.text.has_value() && read.block.size() == 0,
                   "a refused file has a reason and no block");
   }
   return 0;

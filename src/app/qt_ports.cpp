@@ -10,6 +10,7 @@
 #include <QFileInfo>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -76,6 +77,8 @@ QMessageBox::StandardButton BoxButton(PromptAnswer answer) {
 
 QWidget* DialogOwner::Get() const {
   if (QWidget* modal = QApplication::activeModalWidget()) return modal;
+  // The focus goes back to the owner: the sequence view keeps it when it asked. Progress windows close.
+  if (auto* active = qobject_cast<QMainWindow*>(QApplication::activeWindow())) return active;
   return window_;
 }
 

@@ -18,8 +18,8 @@ class QFileDialog;
 
 namespace corlune {
 
-// What dialogs stand over: the dialog that is open already, else the main window, also while another program
-// has the focus; nothing before there is a window.
+// What dialogs stand over: the dialog that is open already, else the window that is being worked in, else (as
+// while another program has the focus) the main window; nothing before there is a window.
 class DialogOwner {
  public:
   void Set(QWidget* window) { window_ = window; }

@@ -104,12 +104,15 @@ void ConsoleDisplay::RefreshControls() {
   if (state_->RunState == shownState_) return;
   shownState_ = state_->RunState;
   if (shownState_ == RunState::Held) {
-    std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(8003) << std::endl;
+    std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(TextId::ButtonHold)
+              << std::endl;
   }
 }
 
 void ConsoleDisplay::ShowModeLayout(int operationMode) {
-  std::cout << catalogue_->GetResString(operationMode == 1 ? 1403 : 1402) << std::endl;
+  std::cout << catalogue_->GetResString(operationMode == 1 ? TextId::StateExecutionMode
+                                                           : TextId::StateEditMode)
+            << std::endl;
 }
 
 void ConsoleDisplay::HighlightRow(GridRow row, bool on) {
@@ -117,14 +120,14 @@ void ConsoleDisplay::HighlightRow(GridRow row, bool on) {
   // The monitor sets the mark anew at every poll; only a change of the step is worth a line.
   if (row.value == shownRow_) return;
   shownRow_ = row.value;
-  std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(1302) << " "
+  std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(TextId::StepWord) << " "
             << ShownNumber(NumberOf(IndexOf(row)), sequence_->StartStep) << std::endl;
 }
 
 void ConsoleDisplay::ScrollTo(GridRow) {}
 
 void ConsoleDisplay::ShowTotalTime(double milliseconds) {
-  std::cout << TimePanelText(*catalogue_, 1405, milliseconds) << std::endl;
+  std::cout << TimePanelText(*catalogue_, TextId::TotalTime, milliseconds) << std::endl;
 }
 
 void ConsoleDisplay::ShowElapsedTime(std::int32_t milliseconds) {

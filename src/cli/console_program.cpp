@@ -9,10 +9,6 @@
 
 namespace corlune {
 
-namespace {
-constexpr int kNamePrompt = 9208;
-}  // namespace
-
 void ExitProgram::EndNow(int exitCode) {
   loop_.RawKeys(false);
   transferFolder_.Remove();
@@ -33,7 +29,7 @@ ConsoleProgram::ConsoleProgram(const ProgramOptions& options, const ConsoleAnswe
   session_ = std::make_unique<Session>(ports, sessionOptions,
                                        MakeParts(options, sessionOptions.programFolder, prompts_, clock_));
   session_->State().TransferFolder = transferFolder_.Path();
-  prompts_.TakeNameFor(session_->Catalogue().GetResString(kNamePrompt));
+  prompts_.TakeNameFor(session_->Catalogue().GetResString(TextId::SequenceNamePrompt));
   display_.Attach(session_->State(), session_->Sequence(), session_->Catalogue());
   loop_.OnTick([this] { session_->Monitor().Tick(); });
 }
@@ -57,22 +53,23 @@ bool ConsoleProgram::Connect(const std::optional<std::string>& serial) {
       return true;
     case ConnectResult::NoneFound: {
       const std::string problem = session_->Gp().LibraryProblem();
-      Fail(Catalogue().GetResString(9520) + (problem.empty() ? std::string() : "\n" + problem));
+      Fail(Catalogue().GetResString(TextId::NoInstrument) +
+           (problem.empty() ? std::string() : "\n" + problem));
       return false;
     }
     case ConnectResult::SeveralFound: {
       std::string serials;
       for (const FoundInstrument& found : session_->Gp().Found()) serials += " " + found.SerialNo;
-      Fail(Catalogue().GetResString(9521, {serials}));
+      Fail(Catalogue().GetResString(TextId::SeveralInstruments, {serials}));
       return false;
     }
     case ConnectResult::NotFound:
-      Fail(Catalogue().GetResString(9522, {serial.value_or("")}));
+      Fail(Catalogue().GetResString(TextId::SerialNumberNotFound, {serial.value_or("")}));
       return false;
     case ConnectResult::OpenFailed:
       return false;  // the message has been shown
     case ConnectResult::Offline:
-      Fail(Catalogue().GetResString(1400));
+      Fail(Catalogue().GetResString(TextId::StateOffLine));
       return false;
   }
   return false;
@@ -87,7 +84,7 @@ bool ConsoleProgram::Compile(std::string& compiled) {
   }
   auto bytes = ReadWholeFile(file);
   if (!bytes) {
-    Fail(Catalogue().GetResString(9501, {file}));
+    Fail(Catalogue().GetResString(TextId::ConsoleCannotReadFile, {file}));
     return false;
   }
   compiled = *std::move(bytes);

@@ -25,7 +25,7 @@ int Emit(const std::string& text, const std::string& out) {
 std::string WaveformComplaint(const MessageCatalogue& catalogue, const std::string& path,
                               const WaveformRead& read) {
   std::string text = path + ": ";
-  if (const int message = MessageOf(read.problem); message != 0) text += catalogue.GetResString(message);
+  if (const auto message = MessageOf(read.problem)) text += catalogue.GetResString(*message);
   return text + (text.back() == ' ' ? "" : " ") + ReasonText(read.reason, catalogue);
 }
 
@@ -50,8 +50,9 @@ int CheckCommand(ConsoleProgram& program, const std::string& file) {
       if (WaveformOf(sequence, channel, step) == kWaveUser && number != 0) arbs.insert(number);
     }
   }
-  return Emit(catalogue.GetResString(8103, {state.ModelName, std::to_string(sequence.StepCount),
-                                            std::to_string(channels), std::to_string(arbs.size())}) +
+  return Emit(catalogue.GetResString(TextId::SequenceSummary,
+                                     {state.ModelName, std::to_string(sequence.StepCount),
+                                      std::to_string(channels), std::to_string(arbs.size())}) +
                   "\n",
               {});
 }
@@ -72,7 +73,8 @@ int CompileCommand(ConsoleProgram& program, const std::string& file, const std::
   const std::string path =
       out.empty() ? JoinPath(program.GetSession().State().AppFolder, kSendFileName) : out;
   if (WriteOutput(path, compiled) != kExitSuccess) return kExitFailed;
-  std::cout << program.Catalogue().GetResString(8104, {path, std::to_string(compiled.size())}) << std::endl;
+  std::cout << program.Catalogue().GetResString(TextId::FileSize, {path, std::to_string(compiled.size())})
+            << std::endl;
   return kExitSuccess;
 }
 

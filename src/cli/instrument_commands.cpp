@@ -46,7 +46,8 @@ int DevicesCommand(ConsoleProgram& program) {
     problem = session.Gp().LibraryProblem();
   }
   if (found > 0) return kExitSuccess;
-  return Fail(program.Catalogue().GetResString(9520) + (problem.empty() ? std::string() : "\n" + problem));
+  return Fail(program.Catalogue().GetResString(TextId::NoInstrument) +
+              (problem.empty() ? std::string() : "\n" + problem));
 }
 
 }  // namespace corlune

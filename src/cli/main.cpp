@@ -12,7 +12,8 @@ namespace {
 // Output that did not arrive is no success.
 int CheckOutput(const MessageCatalogue& catalogue, int exitCode) {
   std::cout.flush();
-  return std::cout || exitCode != kExitSuccess ? exitCode : Fail(catalogue.GetResString(9753));
+  return std::cout || exitCode != kExitSuccess ? exitCode
+                                               : Fail(catalogue.GetResString(TextId::CannotWriteOutput));
 }
 
 int Main(int argc, char** argv) {

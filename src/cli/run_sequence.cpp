@@ -48,7 +48,7 @@ class RunKeys {
   void Interrupt(int count) {
     if (count == 1 && session_.Download().UnderWay()) {
       // The instrument runs nothing yet; the block under way ends first, then the program does.
-      std::cerr << program_.Catalogue().GetResString(9523) << std::endl;
+      std::cerr << program_.Catalogue().GetResString(TextId::EndsAfterBlock) << std::endl;
     }
     Stop();
   }
@@ -74,8 +74,12 @@ void FollowRun(ConsoleProgram& program) {
 // Messages have said what could be said with a message; the rest is said here.
 int TellDownloadEnd(ConsoleProgram& program) {
   const DownloadOutcome& outcome = program.GetSession().Download().Outcome();
-  if (outcome.End == DownloadEnd::Cancelled) return Fail(program.Catalogue().GetResString(9750));
-  if (outcome.End == DownloadEnd::NoName) return Fail(program.Catalogue().GetResString(9527));
+  if (outcome.End == DownloadEnd::Cancelled) {
+    return Fail(program.Catalogue().GetResString(TextId::TransferEnded));
+  }
+  if (outcome.End == DownloadEnd::NoName) {
+    return Fail(program.Catalogue().GetResString(TextId::NoSequenceName));
+  }
   const std::string text = DownloadOutcomeText(outcome, program.Catalogue());
   return text.empty() ? kExitFailed : Fail(text);
 }
@@ -84,21 +88,22 @@ int TellDownloadEnd(ConsoleProgram& program) {
 int StopWhatMayStillRun(Session& session, int exitCode) {
   if (!session.State().MayStillRun) return exitCode;
   session.Control().RunCommand(Run::Stop);
-  return Fail(session.Catalogue().GetResString(session.State().MayStillRun ? 9752 : 9751));
+  return Fail(session.Catalogue().GetResString(session.State().MayStillRun ? TextId::CouldNotStop
+                                                                           : TextId::StoppedAgain));
 }
 
 int RunConnected(ConsoleProgram& program, const RunKeys& keys, int number) {
   Session& session = program.GetSession();
   session.Sequence().SequenceNumber = static_cast<std::int16_t>(number);
-  const std::string stopped = program.Catalogue().GetResString(9524);
-  const std::string notStarted = program.Catalogue().GetResString(9750);
-  const std::string broken = program.Catalogue().GetResString(9528);
+  const std::string stopped = program.Catalogue().GetResString(TextId::ExecutionStopped);
+  const std::string notStarted = program.Catalogue().GetResString(TextId::TransferEnded);
+  const std::string broken = program.Catalogue().GetResString(TextId::ExecutionEndedBadly);
   program.Loop().HandlePending();
   if (keys.Stopped()) return Fail(notStarted);
   if (!session.Control().SetOperationMode(OperationMode::Execution)) return TellDownloadEnd(program);
   if (keys.Stopped()) return Fail(notStarted);
   if (!session.Control().RunCommand(Run::Start)) {
-    if (keys.Stopped()) return Fail(stopped);
+    if (keys.Stopped()) return Fail(session.Monitor().EndedWell() ? stopped : broken);
     // Back in edit mode: it was started, but does not say where it is.
     return session.State().OperationMode == OperationMode::Edit ? Fail(broken) : kExitFailed;
   }
@@ -112,7 +117,9 @@ int RunConnected(ConsoleProgram& program, const RunKeys& keys, int number) {
 int RunSequenceCommand(ConsoleProgram& program, const RunOptions& options) {
   if (!program.Load(options.file)) return kExitFailed;
   if (options.offline) return PrintTimes(program);
-  if (program.GetSession().Sequence().StepCount == 0) return Fail(program.Catalogue().GetResString(9204));
+  if (program.GetSession().Sequence().StepCount == 0) {
+    return Fail(program.Catalogue().GetResString(TextId::StepNeeded));
+  }
   const RunKeys keys(program);
   if (!program.Connect(options.serial)) return kExitFailed;
   const int exitCode = StopWhatMayStillRun(program.GetSession(), RunConnected(program, keys, options.number));

@@ -98,7 +98,7 @@ bool InstrumentDialogues::WaitCompileDone() {
     break;
   }
   if (QueryErrorNumber() == kErrorSequenceRefused) {
-    ShowMessage(prompts_, catalogue_, 9311, PromptIcon::Critical);
+    ShowMessage(prompts_, catalogue_, TextId::RefusedByInstrument, PromptIcon::Critical);
   }
   return false;
 }

@@ -23,7 +23,7 @@ class InstrumentDialogues {
   // Sequence operation on, a running or held sequence stopped. False when a query or the stop failed.
   [[nodiscard]] bool PrepareSequenceMode();
   // Waits for the instrument's own compilation after ":TRIG:COMP", about 20 s at most, and no longer once it
-  // was unplugged. Shows message 9311 when the instrument refused the sequence (error -222).
+  // was unplugged. Shows message RefusedByInstrument when the instrument refused the sequence (error -222).
   [[nodiscard]] bool WaitCompileDone();
 
  private:

@@ -24,8 +24,6 @@ namespace {
 constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
-constexpr int kMessageIllegal = 9400;
-constexpr int kMessageNoBlocks = 9600;
 
 bool CarriesBlocks(InterfaceKind kind) {
   return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
@@ -36,31 +34,31 @@ bool IsNameText(const std::string& name) {
   return std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"'; });
 }
 
-int CheckMessage(ArbCheck check) {
-  if (check == ArbCheck::ArbMissing) return 9319;
-  return check == ArbCheck::NoArbNumber ? 9209 : 9320;
+TextId CheckMessage(ArbCheck check) {
+  if (check == ArbCheck::ArbMissing) return TextId::SelectedArbMissing;
+  return check == ArbCheck::NoArbNumber ? TextId::ArbNumberZero : TextId::FunctionsTooLarge;
 }
 
 }  // namespace
 
-int CompilerParameterMessage(std::int32_t code) {
+std::optional<TextId> CompilerParameterMessage(std::int32_t code) {
   switch (code) {
     case CMPLSEQ_ERROR_FREQUENCY:
-      return 9314;
+      return TextId::ParameterFrequency;
     case CMPLSEQ_ERROR_LEVEL:
-      return 9315;
+      return TextId::ParameterLevel;
     case CMPLSEQ_ERROR_DUTY:
-      return 9316;
+      return TextId::ParameterDuty;
     case CMPLSEQ_ERROR_ARB_UNREADABLE:
-      return 9318;
+      return TextId::SelectedArbUnreadable;
     case CMPLSEQ_ERROR_ARB_MISSING:
-      return 9319;
+      return TextId::SelectedArbMissing;
     case CMPLSEQ_ERROR_MEMORY_FULL:
-      return 9320;
+      return TextId::FunctionsTooLarge;
     case CMPLSEQ_ERROR_TOO_COMPLEX:
-      return 9321;
+      return TextId::TooComplex;
     default:
-      return 0;
+      return std::nullopt;
   }
 }
 
@@ -108,7 +106,7 @@ bool Downloader::DownloadSequence() {
 // GPIB and USB488 send commands but no blocks; the person may still want to run what the instrument holds.
 bool Downloader::AgreeToInterface() {
   if (CarriesBlocks(state_.Instruments[0].InterfaceKind)) return true;
-  return ShowMessage(ports_.prompts, catalogue_, kMessageNoBlocks, PromptIcon::Question,
+  return ShowMessage(ports_.prompts, catalogue_, TextId::NoBlocksQuestion, PromptIcon::Question,
                      PromptButtons::OkCancel) == PromptAnswer::Ok;
 }
 
@@ -140,10 +138,10 @@ bool Downloader::AskName() {
                                                            : sequence_.SequenceName;
   while (true) {
     const std::optional<std::string> name =
-        ports_.prompts.Input({catalogue_.GetResString(9208), kApplicationTitle, usual});
+        ports_.prompts.Input({catalogue_.GetResString(TextId::SequenceNamePrompt), kApplicationTitle, usual});
     if (!name || name->empty()) return false;
     if (!IsNameText(*name)) {
-      ShowCritical(9108);
+      ShowCritical(TextId::InputError);
     } else if (name->size() <= kLongestName) {
       sequence_.SequenceName = *name;
       return true;
@@ -168,12 +166,12 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
   CompileErrorRecord record{};
   std::int32_t result = 0;
   if (!BuildSequenceText(workFile, sequence_, definition_, state_.ModelName, channels, &outcome_.Detail)) {
-    ShowCritical(kMessageIllegal);
+    ShowCritical(TextId::CompilerDataIllegal);
     return -1;
   }
   if (compiler_.CompileSeqData(workFile, arbs, record, result) != CompilerCall::Done) {
     outcome_.Detail = compiler_.Problem();
-    ShowCritical(kMessageIllegal);
+    ShowCritical(TextId::CompilerDataIllegal);
     return -1;
   }
   if (record.Code != 0) {
@@ -181,17 +179,18 @@ std::int32_t Downloader::CompileSequence(const std::string& workFile) {
     return -1;
   }
   if (!IsGoodCompilerResult(result)) {
-    ports_.prompts.Message(
-        {catalogue_.GetResString(kMessageIllegal), PromptIcon::None, PromptButtons::Ok, "for Debug"});
+    ports_.prompts.Message({catalogue_.GetResString(TextId::CompilerDataIllegal), PromptIcon::None,
+                            PromptButtons::Ok, "for Debug"});
   }
   return 0;
 }
 
 void Downloader::ReportCompileError(const CompileErrorRecord& record) {
-  std::string text = catalogue_.GetResString(CompilerParameterMessage(record.Code));
+  const auto parameter = CompilerParameterMessage(record.Code);
+  std::string text = parameter ? catalogue_.GetResString(*parameter) : std::string();
   if (record.Code < CMPLSEQ_ERROR_MEMORY_FULL) {
     const std::int32_t second = record.Code == CMPLSEQ_ERROR_FREQUENCY ? record.PositionA : record.PositionC;
-    text = catalogue_.GetResString(9313,
+    text = catalogue_.GetResString(TextId::SequenceDataErrorInChannel,
                                    {std::to_string(record.Channel + 1),
                                     std::to_string(record.PositionB) + " , " + std::to_string(second), text});
   }
@@ -213,7 +212,7 @@ void Downloader::MarkUsedArbs() {
       }
     }
   }
-  if (withoutNumber) ShowCritical(9209);
+  if (withoutNumber) ShowCritical(TextId::ArbNumberZero);
 }
 
 DownloadEnd Downloader::SendWaveforms() {
@@ -223,7 +222,7 @@ DownloadEnd Downloader::SendWaveforms() {
   const bool refused = transferEnd_ == ArbTransfer::FileRefused;
   // A file with a wrong extension has just been refused with the same message.
   if (!refused || waveforms_.Problem() != WaveformProblem::BadExtension) {
-    ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
+    ShowMessage(ports_.prompts, catalogue_, TextId::WrongFileName, PromptIcon::Exclamation);
   }
   if (transferEnd_ == ArbTransfer::ReplyUnreadable) return DownloadEnd::ReplyUnreadable;
   if (!refused) return DownloadEnd::NotSent;
@@ -240,7 +239,8 @@ int Downloader::TransferUsedArbs() {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
     if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
     transferEnd_ = waveforms_.SendAndCheck(entry, number, [&](std::int32_t milliseconds) {
-      ShowTimedProgress(milliseconds, catalogue_.GetResString(9305) + "...ARB " + std::to_string(number));
+      ShowTimedProgress(milliseconds, catalogue_.GetResString(TextId::SendingWaveform) + "...ARB " +
+                                          std::to_string(number));
     });
     if (transferEnd_ == ArbTransfer::Done) continue;
     if (transferEnd_ == ArbTransfer::MemoryFull) {
@@ -257,7 +257,7 @@ int Downloader::TransferUsedArbs() {
 DownloadEnd Downloader::SendBlock(const std::string& workFile) {
   const std::optional<std::string> bytes = ReadWholeFile(workFile);
   if (!bytes) {
-    ShowCritical(kMessageIllegal);
+    ShowCritical(TextId::CompilerDataIllegal);
     return DownloadEnd::Refused;
   }
   const std::string header = BlockHeader(
@@ -278,7 +278,7 @@ DownloadEnd Downloader::RecordInMemory() {
 }
 
 DownloadEnd Downloader::WaitAndQueryError(std::int32_t milliseconds) {
-  ShowTimedProgress(milliseconds, catalogue_.GetResString(9304));
+  ShowTimedProgress(milliseconds, catalogue_.GetResString(TextId::SendingSequence));
   const std::optional<std::int32_t> error = dialogues_.QueryErrorNumber();
   if (!error) return DownloadEnd::ReplyUnreadable;
   outcome_.ErrorNumber = *error;
@@ -305,7 +305,7 @@ void Downloader::ShowTimedProgress(std::int32_t milliseconds, const std::string&
   ports_.progress.End();
 }
 
-void Downloader::ShowCritical(int id) {
+void Downloader::ShowCritical(TextId id) {
   ShowMessage(ports_.prompts, catalogue_, id, PromptIcon::Critical);
 }
 

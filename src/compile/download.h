@@ -48,7 +48,7 @@ struct DownloadPorts {
 };
 
 // Catalogue id of the parameter that a compiler error names; 0 for a code without one.
-int CompilerParameterMessage(std::int32_t code);
+std::optional<TextId> CompilerParameterMessage(std::int32_t code);
 // Of the library's call, where its record holds no code.
 bool IsGoodCompilerResult(std::int32_t result);
 
@@ -73,10 +73,11 @@ class Downloader {
   // 0 on success, -1 when the compiler reported an error, else the ARB check code (4096, 4097, 4100, 4104);
   // every failure has been shown.
   [[nodiscard]] std::int32_t CompileSequence(const std::string& workFile);
-  // Sets the use flags of the ARB entries that the steps name; shows 9209 for a USER step with number 0.
+  // Sets the use flags of the ARB entries that the steps name; shows ArbNumberZero for a USER step with
+  // number 0.
   void MarkUsedArbs();
   // Sends the used waveforms that the instrument does not have yet. 0, or the ARB number whose transfer
-  // failed. A full waveform memory (message 9317) ends the transfers but counts as success.
+  // failed. A full waveform memory (message ArbMemoryFull) ends the transfers but counts as success.
   [[nodiscard]] int TransferUsedArbs();
   // Progress window for `milliseconds`, in steps of one second. Pumps events.
   void ShowTimedProgress(std::int32_t milliseconds, const std::string& text);
@@ -93,7 +94,7 @@ class Downloader {
   bool AgreeToInterface();
   bool AskName();
   void ReportCompileError(const CompileErrorRecord& record);
-  void ShowCritical(int id);
+  void ShowCritical(TextId id);
 
   AppState& state_;
   const ModelDefinition& definition_;

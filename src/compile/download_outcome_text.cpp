@@ -12,13 +12,13 @@ std::string DownloadOutcomeText(const DownloadOutcome& outcome, const MessageCat
     case DownloadEnd::Refused:
       return outcome.Detail;
     case DownloadEnd::NotSent:
-      return catalogue.GetResString(9201, {"1"});
+      return catalogue.GetResString(TextId::CommunicationError, {"1"});
     case DownloadEnd::InstrumentError:
-      return catalogue.GetResString(9525, {std::to_string(outcome.ErrorNumber)});
+      return catalogue.GetResString(TextId::DownloadErrorNumber, {std::to_string(outcome.ErrorNumber)});
     case DownloadEnd::ReplyUnreadable:
-      return catalogue.GetResString(9780);
+      return catalogue.GetResString(TextId::DownloadReplyUnreadable);
     case DownloadEnd::NotCompiled:
-      return catalogue.GetResString(9526);
+      return catalogue.GetResString(TextId::DownloadNotTaken);
   }
   return {};
 }

@@ -206,7 +206,7 @@ bool ReceiveIntoFile(CommandLayer& commands, int number, const std::string& path
 }
 
 bool Refuse(Prompts& prompts, const MessageCatalogue& catalogue) {
-  ShowMessage(prompts, catalogue, 9207, PromptIcon::Critical);
+  ShowMessage(prompts, catalogue, TextId::ReadBackError, PromptIcon::Critical);
   return false;
 }
 
@@ -246,7 +246,8 @@ bool ReadBackSequence(CommandLayer& commands, Prompts& prompts, const MessageCat
   // The library that writes the file cannot say why it failed, so room for the longest answer is made first.
   std::string error;
   if (!ReplaceFile(path, std::string(kLongestAnswer, '\0'), &error)) {
-    ShowMessage(prompts, catalogue, 9640, PromptIcon::Exclamation, PromptButtons::Ok, {path, error});
+    ShowMessage(prompts, catalogue, TextId::CannotWriteFile, PromptIcon::Exclamation, PromptButtons::Ok,
+                {path, error});
     return false;
   }
   const bool arrived = ReceiveIntoFile(commands, number, path);

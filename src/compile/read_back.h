@@ -17,9 +17,9 @@ namespace corlune {
 using ReceivedSteps = std::bitset<MAX_STEPS>;
 
 // Reads the whole memory `number` (0..10) of instrument 0 into `sequence`: exchange, text, step count and
-// start values. On failure, also when the answer holds no step, message 9207 (9640 without room for the
-// answer) has been shown and `sequence` is as it was. Pumps events for 5.5 s; the caller keeps edits away
-// meanwhile. Off-line nothing happens and the result is false.
+// start values. On failure, also when the answer holds no step, message ReadBackError (CannotWriteFile
+// without room for the answer) has been shown and `sequence` is as it was. Pumps events for 5.5 s; the caller
+// keeps edits away meanwhile. Off-line nothing happens and the result is false.
 [[nodiscard]] bool ReadBackSequence(CommandLayer& commands, Prompts& prompts,
                                     const MessageCatalogue& catalogue, int number, SequenceData& sequence);
 

@@ -72,8 +72,8 @@ WaveformTransfer::WaveformTransfer(CommandLayer& commands, InstrumentDialogues& 
 ArbTransfer WaveformTransfer::TransferArbFile(ArbFileEntry& entry, int number) {
   ReadArbFile(ResolveWaveformPath(entry.FilePath, commands_.State()), read_);
   if (read_.problem != WaveformProblem::None) {
-    if (const int message = MessageOf(read_.problem)) {
-      ShowMessage(prompts_, catalogue_, message, PromptIcon::Exclamation);
+    if (const auto message = MessageOf(read_.problem)) {
+      ShowMessage(prompts_, catalogue_, *message, PromptIcon::Exclamation);
     }
     return ArbTransfer::FileRefused;
   }
@@ -104,7 +104,7 @@ ArbTransfer WaveformTransfer::SendAndCheck(ArbFileEntry& entry, int number,
   entry.Transferred = wasTransferred;
   entry.InInstrument = wasInInstrument;
   if (!error) return ArbTransfer::ReplyUnreadable;
-  ShowMessage(prompts_, catalogue_, 9317, PromptIcon::Critical);
+  ShowMessage(prompts_, catalogue_, TextId::ArbMemoryFull, PromptIcon::Critical);
   return ArbTransfer::MemoryFull;
 }
 

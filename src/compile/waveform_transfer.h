@@ -46,15 +46,16 @@ class WaveformTransfer {
   WaveformTransfer(CommandLayer& commands, InstrumentDialogues& dialogues, Prompts& prompts,
                    const MessageCatalogue& catalogue);
 
-  // Reads the entry's file and hands its block over as ARB `number` (1..128); messages 9300, 9307, 9308.
-  // The form and size of the file go into the entry, also when the exchange fails.
+  // Reads the entry's file and hands its block over as ARB `number` (1..128); messages ArbCannotAccess,
+  // ArbTooShort, ArbInvalid. The form and size of the file go into the entry, also when the exchange fails.
   [[nodiscard]] ArbTransfer TransferArbFile(ArbFileEntry& entry, int number);
   // Why the last TransferArbFile returned FileRefused, for a place that does not interrupt.
   WaveformProblem Problem() const { return read_.problem; }
   std::string Reason() const { return ReasonText(read_.reason, catalogue_); }
 
   // TransferArbFile, `wait` for the time that the instrument needs (ms), error query; sets Transferred and
-  // InInstrument. Message 9317 when the memory is full. Unless Done the flags are as before the transfer.
+  // InInstrument. Message ArbMemoryFull when the memory is full. Unless Done the flags are as before the
+  // transfer.
   [[nodiscard]] ArbTransfer SendAndCheck(ArbFileEntry& entry, int number,
                                          const std::function<void(std::int32_t)>& wait);
   // The same with the long time-out. Pumps events while it waits.

@@ -1,39 +1,35 @@
 #include "core/catalogue.h"
 
-#include <algorithm>
+#include <cassert>
 
 #include "core/catalogue_texts.h"
 
 namespace corlune {
-namespace {
-
-constexpr int kEnglishOffset = 10000;
-
-}  // namespace
-
-std::string MessageCatalogue::GetResString(int id) const {
-  const auto rows = CatalogueTexts();
-  const auto row = std::lower_bound(rows.begin(), rows.end(), id,
-                                    [](const CatalogueText& text, int wanted) { return text.id < wanted; });
-  if (row == rows.end() || row->id != id) return {};
-  return English() ? row->english : row->japanese;
+TextId Next(TextId base, int offset) {
+  const auto next = static_cast<TextId>(static_cast<int>(base) + offset);
+  assert(*TextOf(next).english != '\0');
+  return next;
 }
 
-std::string MessageCatalogue::GetResString(int id, const std::vector<std::string>& arguments) const {
+std::string MessageCatalogue::GetResString(TextId id) const {
+  const CatalogueText text = TextOf(id);
+  return English() ? text.english : text.japanese;
+}
+
+std::string MessageCatalogue::GetResString(TextId id, const std::vector<std::string>& arguments) const {
   return ReplaceArgs(GetResString(id), arguments);
 }
 
-std::string MessageCatalogue::GetFixedString(int id) {
+std::string MessageCatalogue::GetFixedString(FixedText id) {
   switch (id) {
-    case 20000:
-      return "Tavrin Plindor for QM2210/20";  // window title of the sibling editor
-    case 21000:
+    case FixedText::SiblingTitle:
+      return "Tavrin Plindor for QM2210/20";
+    case FixedText::OneChannelModel:
       return "QM2210";
-    case 21001:
+    case FixedText::TwoChannelModel:
       return "QM2220";
-    default:
-      return {};
   }
+  return {};
 }
 
 std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& arguments) {
@@ -58,7 +54,7 @@ std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& a
   return result;
 }
 
-PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, int id, PromptIcon icon,
+PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, TextId id, PromptIcon icon,
                          PromptButtons buttons, const std::vector<std::string>& arguments,
                          std::optional<PromptAnswer> escape) {
   MessageRequest request;

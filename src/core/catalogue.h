@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/ports.h"
+#include "core/text_id.h"
 
 namespace corlune {
 
@@ -17,12 +18,11 @@ class MessageCatalogue {
   // `langOffset`: 10000 for English, 0 for Japanese.
   explicit MessageCatalogue(std::int32_t langOffset) : langOffset_(langOffset) {}
 
-  // Text of `id` in the chosen language, UTF-8; line breaks are "\n". Empty for an id without an entry.
-  std::string GetResString(int id) const;
+  // Text of `id` in the chosen language, UTF-8; line breaks are "\n". Empty for a number that is no id.
+  std::string GetResString(TextId id) const;
   // GetResString with its placeholders filled.
-  std::string GetResString(int id, const std::vector<std::string>& arguments) const;
-  // Text of an id that exists only once (20000, 21000, 21001).
-  static std::string GetFixedString(int id);
+  std::string GetResString(TextId id, const std::vector<std::string>& arguments) const;
+  static std::string GetFixedString(FixedText id);
 
   bool English() const { return langOffset_ != 0; }
 
@@ -35,7 +35,7 @@ class MessageCatalogue {
 std::string ReplaceArgs(std::string_view text, const std::vector<std::string>& arguments);
 
 // Shows catalogue message `id`; `escape` as in MessageRequest.
-PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, int id, PromptIcon icon,
+PromptAnswer ShowMessage(Prompts& prompts, const MessageCatalogue& catalogue, TextId id, PromptIcon icon,
                          PromptButtons buttons = PromptButtons::Ok,
                          const std::vector<std::string>& arguments = {},
                          std::optional<PromptAnswer> escape = std::nullopt);

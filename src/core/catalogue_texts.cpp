@@ -1,458 +1,437 @@
 #include "core/catalogue_texts.h"
 
-#include <algorithm>
-#include <array>
-
 namespace corlune {
-namespace {
 
-// One row a text: {id, English, Japanese}. A row may stand anywhere; the order of the ids is restored below.
-// The given texts come first; added texts follow, grouped by the room that shows them, with free ids:
-// captions 7700-7899 and 8100-8399, messages 9500-9799.
+// One line a text: English, Japanese. A line may stand anywhere. The given texts come first; added texts
+// follow, grouped by the room that shows them. Without a default, so that the compiler finds a name that has
+// no text.
 //
 // Wide on purpose: both languages of a text stand side by side.
-// clang-format off
-constexpr CatalogueText kRows[] = {
+CatalogueText TextOf(TextId id) {
+  using enum TextId;
+  // clang-format off
+  switch (id) {
     // Messages
-    {9000, "Initialization file doesn't exist", "初期INIファイルが存在しません。"},
-    {9001, "The model name is not specified. Please set it on the system setting screen.", "型名が指定されていません。システム設定画面で設定してください。"},
-    {9002, "Cannot find the instrument $1. It starts in off-line mode?", "機器$1が接続されていません。オフラインで起動しますか？"},
-    {9003, "The model name $1 is not correct. It starts in off-line mode?", "機器$1の型名が違っています。オフラインで起動しますか？"},
-    {9004, "The model name $1 is not registered in initialization file?", "型名 「$1」 は初期INIファイルに登録されていません。"},
-    {9005, "The sequence data file error.", "シーケンスデータファイルが異常です。"},
-    {9100, "Save changes in the sequence data?", "シーケンスデータの変更を保存しますか？"},
-    {9101, "Save the sequence data under the edit?", "編集中のシーケンスデータを保存しますか？"},
-    {9102, "The specified jump destination is deleted. Is it OK?", "指定したジャンプ先を削除します。よろしいですか？"},
-    {9103, "The specified branch destination is deleted. Is it OK?", "指定したブランチ先を削除します。よろしいですか？"},
-    {9104, "The branch step number specified in the step $1 doesn't exist.", "ステップ$1で指定したブランチステップ番号が存在しません。"},
-    {9105, "Input value Error!  Input value $1  Range of Input $2-$3", "入力値が異常です。入力値$1 入力範囲$2-$3"},
-    {9106, "The form of copy origin and copy destination is different.", "コピー元とコピー先の形式が違います。"},
-    {9107, "The waveform of all steps is changed to $1. Is it OK?", "全ステップの波形を$1に変更します。よろしいですか？"},
-    {9108, "Input value Error!", "入力値が異常です。"},
-    {9109, "The sine wave, the square wave and the arbitrary wave exist together.", "正弦波、方形波と任意波が混在しています。"},
-    {9110, "Input value Error! Sum of Amplitude and Offset is limited", "入力値が異常です。振幅＋オフセットの値が最大出力レベルを超えています。"},
-    {9200, "Output switch truns to 'on' and sequence will start. Is it OK?", "出力をONにしてシーケンス実行開始します。よろしいですか？"},
-    {9201, "The communication error to the instrument $1 occurred.", "機器$1への通信エラーが発生しました。"},
-    {9202, "The sequence execution was ended.", "シーケンス実行が終了しました。"},
-    {9203, "The output of the instrument $1 was turned off. The sequence execution is discontinued.", "機器$1の出力がOFFになりました。シーケンス実行を中止します。"},
-    {9204, "One or more than one steps are necessary for the sequence execution.", "シーケンス実行には１つ以上のステップが必要です。"},
-    {9205, "Please set the terminal in the final step to 'End'.", "最終ステップの終端は「終了」に設定してください。"},
-    {9206, "The error was detected in the data of step $1. The transmission of the sequence data is discontinued. ", "ステップ$1のデータに異常がありました。\nシーケンスデータの転送を中止します。"},
-    {9207, "The error was detected while receiving data. ", "シーケンスデータ読み込み中にエラーが発生しました。"},
-    {9208, "Please input the sequence name within the normal-width 20 characters. ", "シーケンス名を半角20文字以内で入力してください。"},
-    {9209, "There is a step which specified the ARB No. 0. Please specify in 1-128.", "任意波形番号０を指定したステップがあります。1～128の範囲で指定してください。"},
-    {9300, "Cannot access arbitrary waveform data. Please specify a correct file name.", "任意波データが読み込めません。正しいファイル名を指定してください。"},
-    {9301, "The address overlaps.", "アドレスが重複しています。"},
-    {9302, "The total number of channels exceeds the upper bound.", "チャネル数の合計が上限を超えています。"},
-    {9303, "The setting of the step is invalid. The preview cannot be done.", "ステップの設定が無効です。プレビューはできません。"},
-    {9304, "Transmitting the sequence data.", "シーケンスデータ転送中"},
-    {9305, "Transmitting the arbitrary wave data..", "任意波データ転送中"},
-    {9306, "Please specify a correct file name.", "正しいファイル名を指定してください。シーケンスデータの転送を中止します。"},
-    {9307, "The arbitrary wave data size is insufficient.", "任意波データサイズが不足です。"},
-    {9308, "The arbitrary wave data is invalid.", "任意波データが不正です。"},
-    {9309, "The Serial No. overlaps.", "シリアル番号が重複しています。"},
-    {9310, "Please select the serial number of the device that setups it. ", "設定を行う機器のシリアル番号を選択してください。"},
-    {9311, "The error was detected by the compilation with the device.", "本体側のシーケンスデータのチェックでエラーです。"},
-    {9312, "The error was detected in the sequence data. Step:$2 Parameter:$3.", "シーケンスデータにエラーがあります。\nステップ：$2、パラメタ：$3を確認してください。"},
-    {9313, "The error was detected in the sequence data. Ch:$1 Step:$2 Parameter:$3.", "シーケンスデータにエラーがあります。\nCh：$1、ステップ：$2、パラメタ：$3を確認してください。"},
-    {9314, "Function,Frequency", "波形、周波数"},
-    {9315, "Amplitude,Offset", "振幅、オフセット"},
-    {9316, "Function,Frequency,Duty", "波形、周波数、デューティ"},
-    {9317, "The total size of ARB data exceeds the upper bound. Transfer cannot be done.", "任意波形データの合計サイズが上限を超えるため転送できません。"},
-    {9318, "Selected ARB loading failed", "任意波ファイルの読出しエラーです。"},
-    {9319, "Selected ARB is missing", "ファイルにない任意波を指定しています。"},
-    {9320, "Too many or too large Functions used", "シーケンスで使用する波形が多すぎ（大きすぎ）ます。"},
-    {9321, "Too complex to check", "複雑すぎてチェックできませんでした。"},
-    {9400, "The sequence data to DLL is illegal.", "DLLへのシーケンスデータが不正です！"},
-    {9401, "Tavrin Plindor is running. Please restart after terminating it.", "任意波形作成ソフトウエアが起動しています。\n任意波形作成ソフトウエアを終了してから再度起動してください。"},
+    case NoInitializationFile: return {"Initialization file doesn't exist", "初期INIファイルが存在しません。"};
+    case NoModelName: return {"The model name is not specified. Please set it on the system setting screen.", "型名が指定されていません。システム設定画面で設定してください。"};
+    case InstrumentNotFound: return {"Cannot find the instrument $1. It starts in off-line mode?", "機器$1が接続されていません。オフラインで起動しますか？"};
+    case WrongInstrumentModel: return {"The model name $1 is not correct. It starts in off-line mode?", "機器$1の型名が違っています。オフラインで起動しますか？"};
+    case UnknownModel: return {"The model name $1 is not registered in initialization file?", "型名 「$1」 は初期INIファイルに登録されていません。"};
+    case MalformedSequenceFile: return {"The sequence data file error.", "シーケンスデータファイルが異常です。"};
+    case SaveChangesQuestion: return {"Save changes in the sequence data?", "シーケンスデータの変更を保存しますか？"};
+    case SaveSequenceQuestion: return {"Save the sequence data under the edit?", "編集中のシーケンスデータを保存しますか？"};
+    case JumpTargetDeletedQuestion: return {"The specified jump destination is deleted. Is it OK?", "指定したジャンプ先を削除します。よろしいですか？"};
+    case BranchTargetDeletedQuestion: return {"The specified branch destination is deleted. Is it OK?", "指定したブランチ先を削除します。よろしいですか？"};
+    case BranchStepMissing: return {"The branch step number specified in the step $1 doesn't exist.", "ステップ$1で指定したブランチステップ番号が存在しません。"};
+    case ValueOutOfRange: return {"Input value Error!  Input value $1  Range of Input $2-$3", "入力値が異常です。入力値$1 入力範囲$2-$3"};
+    case CopyFormsDiffer: return {"The form of copy origin and copy destination is different.", "コピー元とコピー先の形式が違います。"};
+    case WaveformOfAllStepsQuestion: return {"The waveform of all steps is changed to $1. Is it OK?", "全ステップの波形を$1に変更します。よろしいですか？"};
+    case InputError: return {"Input value Error!", "入力値が異常です。"};
+    case WaveformsMixed: return {"The sine wave, the square wave and the arbitrary wave exist together.", "正弦波、方形波と任意波が混在しています。"};
+    case PeakTooHigh: return {"Input value Error! Sum of Amplitude and Offset is limited", "入力値が異常です。振幅＋オフセットの値が最大出力レベルを超えています。"};
+    case StartWithOutputQuestion: return {"Output switch truns to 'on' and sequence will start. Is it OK?", "出力をONにしてシーケンス実行開始します。よろしいですか？"};
+    case CommunicationError: return {"The communication error to the instrument $1 occurred.", "機器$1への通信エラーが発生しました。"};
+    case ExecutionEnded: return {"The sequence execution was ended.", "シーケンス実行が終了しました。"};
+    case OutputTurnedOff: return {"The output of the instrument $1 was turned off. The sequence execution is discontinued.", "機器$1の出力がOFFになりました。シーケンス実行を中止します。"};
+    case StepNeeded: return {"One or more than one steps are necessary for the sequence execution.", "シーケンス実行には１つ以上のステップが必要です。"};
+    case LastStepMustEnd: return {"Please set the terminal in the final step to 'End'.", "最終ステップの終端は「終了」に設定してください。"};
+    case StepDataError: return {"The error was detected in the data of step $1. The transmission of the sequence data is discontinued. ", "ステップ$1のデータに異常がありました。\nシーケンスデータの転送を中止します。"};
+    case ReadBackError: return {"The error was detected while receiving data. ", "シーケンスデータ読み込み中にエラーが発生しました。"};
+    case SequenceNamePrompt: return {"Please input the sequence name within the normal-width 20 characters. ", "シーケンス名を半角20文字以内で入力してください。"};
+    case ArbNumberZero: return {"There is a step which specified the ARB No. 0. Please specify in 1-128.", "任意波形番号０を指定したステップがあります。1～128の範囲で指定してください。"};
+    case ArbCannotAccess: return {"Cannot access arbitrary waveform data. Please specify a correct file name.", "任意波データが読み込めません。正しいファイル名を指定してください。"};
+    case SameAddress: return {"The address overlaps.", "アドレスが重複しています。"};
+    case TooManyChannels: return {"The total number of channels exceeds the upper bound.", "チャネル数の合計が上限を超えています。"};
+    case NoPreview: return {"The setting of the step is invalid. The preview cannot be done.", "ステップの設定が無効です。プレビューはできません。"};
+    case SendingSequence: return {"Transmitting the sequence data.", "シーケンスデータ転送中"};
+    case SendingWaveform: return {"Transmitting the arbitrary wave data..", "任意波データ転送中"};
+    case WrongFileName: return {"Please specify a correct file name.", "正しいファイル名を指定してください。シーケンスデータの転送を中止します。"};
+    case ArbTooShort: return {"The arbitrary wave data size is insufficient.", "任意波データサイズが不足です。"};
+    case ArbInvalid: return {"The arbitrary wave data is invalid.", "任意波データが不正です。"};
+    case SameSerialNumber: return {"The Serial No. overlaps.", "シリアル番号が重複しています。"};
+    case SelectSerialNumber: return {"Please select the serial number of the device that setups it. ", "設定を行う機器のシリアル番号を選択してください。"};
+    case RefusedByInstrument: return {"The error was detected by the compilation with the device.", "本体側のシーケンスデータのチェックでエラーです。"};
+    case SequenceDataError: return {"The error was detected in the sequence data. Step:$2 Parameter:$3.", "シーケンスデータにエラーがあります。\nステップ：$2、パラメタ：$3を確認してください。"};
+    case SequenceDataErrorInChannel: return {"The error was detected in the sequence data. Ch:$1 Step:$2 Parameter:$3.", "シーケンスデータにエラーがあります。\nCh：$1、ステップ：$2、パラメタ：$3を確認してください。"};
+    case ParameterFrequency: return {"Function,Frequency", "波形、周波数"};
+    case ParameterLevel: return {"Amplitude,Offset", "振幅、オフセット"};
+    case ParameterDuty: return {"Function,Frequency,Duty", "波形、周波数、デューティ"};
+    case ArbMemoryFull: return {"The total size of ARB data exceeds the upper bound. Transfer cannot be done.", "任意波形データの合計サイズが上限を超えるため転送できません。"};
+    case SelectedArbUnreadable: return {"Selected ARB loading failed", "任意波ファイルの読出しエラーです。"};
+    case SelectedArbMissing: return {"Selected ARB is missing", "ファイルにない任意波を指定しています。"};
+    case FunctionsTooLarge: return {"Too many or too large Functions used", "シーケンスで使用する波形が多すぎ（大きすぎ）ます。"};
+    case TooComplex: return {"Too complex to check", "複雑すぎてチェックできませんでした。"};
+    case CompilerDataIllegal: return {"The sequence data to DLL is illegal.", "DLLへのシーケンスデータが不正です！"};
+    case SiblingRunning: return {"Tavrin Plindor is running. Please restart after terminating it.", "任意波形作成ソフトウエアが起動しています。\n任意波形作成ソフトウエアを終了してから再度起動してください。"};
     // Main window title.
-    {1000, "Tavrin Corlune for QM2210/20", "Tavrin Corlune for QM2210/20"},
+    case MainWindowTitle: return {"Tavrin Corlune for QM2210/20", "Tavrin Corlune for QM2210/20"};
     // Sequence area (MSFlexGrid2) headings and the row buttons of the main window.
-    {1100, "Insert Row", "行挿入"},
-    {1101, "Delete Row", "行削除"},
-    {1102, "Step", "ステップ"},
-    {1103, "Step\nTime", "Time"},
-    {1104, "Auto\nHold", "Auto\nHold"},
-    {1105, "Stop\nPhs[deg]", "Stop\nPhs[deg]"},
-    {1106, "Event\nBranch", "Event\nBranch"},
-    {1107, "State\nBranch", "State\nBranch"},
-    {1108, "Jump\nTo", "JumpTo"},
-    {1109, "Jump\nCount", "Jump\nCount"},
-    {1110, "Step\nTerm", "Step\nTerm"},
-    {1111, "Step\nCode", "Step\nCode"},
+    case ButtonInsertRow: return {"Insert Row", "行挿入"};
+    case ButtonDeleteRow: return {"Delete Row", "行削除"};
+    case HeadStep: return {"Step", "ステップ"};
+    case HeadStepTime: return {"Step\nTime", "Time"};
+    case HeadAutoHold: return {"Auto\nHold", "Auto\nHold"};
+    case HeadStopPhase: return {"Stop\nPhs[deg]", "Stop\nPhs[deg]"};
+    case HeadEventBranch: return {"Event\nBranch", "Event\nBranch"};
+    case HeadStateBranch: return {"State\nBranch", "State\nBranch"};
+    case HeadJumpTo: return {"Jump\nTo", "JumpTo"};
+    case HeadJumpCount: return {"Jump\nCount", "Jump\nCount"};
+    case HeadStepTerm: return {"Step\nTerm", "Step\nTerm"};
+    case HeadStepCode: return {"Step\nCode", "Step\nCode"};
     // Branch area (MSFlexGrid3) headings and the value words of the common area.
-    {1200, "Branch\nStep", "ブランチステップ"},
-    {1201, "Step Number", "ステップ番号"},
-    {1202, "Branch Channel", "ブランチ\nチャネル"},
-    {1203, "Step", "ステップ"},
-    {1210, "CONST", "一定"},
-    {1211, "SWEEP", "スイープ"},
-    {1212, "KEEP", "保持"},
-    {1213, "Disable", "無効"},
-    {1214, "Enable", "有効"},
+    case BranchGridTitle: return {"Branch\nStep", "ブランチステップ"};
+    case BranchGridStepNumber: return {"Step Number", "ステップ番号"};
+    case HeadBranchChannel: return {"Branch Channel", "ブランチ\nチャネル"};
+    case HeadBranchStep: return {"Step", "ステップ"};
+    case ModeConst: return {"CONST", "一定"};
+    case ModeSweep: return {"SWEEP", "スイープ"};
+    case ModeKeep: return {"KEEP", "保持"};
+    case CellDisable: return {"Disable", "無効"};
+    case CellEnable: return {"Enable", "有効"};
     // Heading rows above the per-instrument, per-channel columns.
-    {1300, "Device", "機器"},
-    {1301, "Ch", "Ch"},
-    {1302, "Step", "ステップ"},
+    case DeviceTab: return {"Device", "機器"};
+    case ChannelTab: return {"Ch", "Ch"};
+    case StepWord: return {"Step", "ステップ"};
     // Status bar texts.
-    {1400, "off-line mode", "オフライン"},
-    {1401, "on-line mode", "オンライン"},
-    {1402, "Edit mode", "編集モード"},
-    {1403, "Execution mode", "実行モード"},
-    {1404, "Device1", "機器１"},
-    {1405, "Total time", "合計時間"},
-    {1406, "Elapsed time", "経過時間"},
+    case StateOffLine: return {"off-line mode", "オフライン"};
+    case StateOnLine: return {"on-line mode", "オンライン"};
+    case StateEditMode: return {"Edit mode", "編集モード"};
+    case StateExecutionMode: return {"Execution mode", "実行モード"};
+    case StateDevice: return {"Device1", "機器１"};
+    case TotalTime: return {"Total time", "合計時間"};
+    case ElapsedTime: return {"Elapsed time", "経過時間"};
     // Sequence view window FrmPreview.
-    {2000, "Sequence View", "シーケンスビュー"},
-    {2100, "Area1", "エリア１"},
-    {2101, "Area2", "エリア２"},
-    {2102, "Area3", "エリア３"},
-    {2103, "Area4", "エリア４"},
-    {2104, "Area5", "エリア５"},
-    {2105, "None", "なし"},
-    {2106, "Device", "機器"},
-    {2107, "Ch", "Ｃｈ"},
-    {2200, "Display Setting", "表示設定："},
-    {2201, "Y-Axis scale", "縦軸スケール："},
-    {2202, "Display content", "表示内容："},
-    {2203, "Object", "対象："},
+    case ViewTitle: return {"Sequence View", "シーケンスビュー"};
+    case ViewArea1: return {"Area1", "エリア１"};
+    case ViewArea2: return {"Area2", "エリア２"};
+    case ViewArea3: return {"Area3", "エリア３"};
+    case ViewArea4: return {"Area4", "エリア４"};
+    case ViewArea5: return {"Area5", "エリア５"};
+    case ViewNone: return {"None", "なし"};
+    case ViewDevice: return {"Device", "機器"};
+    case ViewChannel: return {"Ch", "Ｃｈ"};
+    case ViewDisplaySetting: return {"Display Setting", "表示設定："};
+    case ViewYAxisScale: return {"Y-Axis scale", "縦軸スケール："};
+    case ViewDisplayContent: return {"Display content", "表示内容："};
+    case ViewObject: return {"Object", "対象："};
     // Arbitrary waveform dialog FrmArbFile and its memory-clear panel.
-    {3000, "Arbitrary waveform", "任意波形"},
-    {3001, "ARB File", "ARB File"},
-    {3002, "Specify File", "File指定"},
-    {3100, "Clear", "クリア"},
-    {3200, "Clear All", "一括クリア"},
-    {3201, "Update", "更新"},
-    {3202, "Waveform trans", "波形転送"},
-    {3203, "Transfer", "転送"},
-    {3300, "Clear", "データクリア"},
-    {3301, "Close", "Close"},
-    {3302, "Plindor binary file(*.wdb)|*.wdb|text file(*.txt)|*.txt", "Plindorﾊﾞｲﾅﾘﾌｧｲﾙ(*.wdb)|*.wdb|ﾃｷｽﾄﾌｧｲﾙ(*.txt)|*.txt"},
-    {3303, "Cancel", "キャンセル"},
-    {3400, "Clear arbitrary waveform memory", "任意波形メモリクリア"},
-    {3401, "Device selection", "機器選択"},
-    {3402, "Arbitrary waveform number", "任意波形番号"},
-    {3410, "Clear", "クリア"},
-    {3411, "Cancel", "キャンセル"},
+    case ArbTitle: return {"Arbitrary waveform", "任意波形"};
+    case ArbFile: return {"ARB File", "ARB File"};
+    case ArbSpecifyFile: return {"Specify File", "File指定"};
+    case ArbClearRow: return {"Clear", "クリア"};
+    case ArbClearAll: return {"Clear All", "一括クリア"};
+    case ButtonUpdate: return {"Update", "更新"};
+    case ArbTransferFrame: return {"Waveform trans", "波形転送"};
+    case ArbTransfer: return {"Transfer", "転送"};
+    case ArbClearMemory: return {"Clear", "データクリア"};
+    case ButtonClose: return {"Close", "Close"};
+    case ArbFileFilter: return {"Plindor binary file(*.wdb)|*.wdb|text file(*.txt)|*.txt", "Plindorﾊﾞｲﾅﾘﾌｧｲﾙ(*.wdb)|*.wdb|ﾃｷｽﾄﾌｧｲﾙ(*.txt)|*.txt"};
+    case ArbCancel: return {"Cancel", "キャンセル"};
+    case ArbMemoryTitle: return {"Clear arbitrary waveform memory", "任意波形メモリクリア"};
+    case ArbMemoryDevice: return {"Device selection", "機器選択"};
+    case ArbMemoryNumber: return {"Arbitrary waveform number", "任意波形番号"};
+    case ArbMemoryClear: return {"Clear", "クリア"};
+    case ArbMemoryCancel: return {"Cancel", "キャンセル"};
     // Mode setting dialog frmModeSet.
-    {4000, "Set mode", "モード設定"},
-    {4001, "Ddevice selection", "設定先"},
-    {4002, "Setting", "設定"},
-    {4100, "All Device", "全機器"},
-    {4101, "Device", "機器"},
-    {4102, "All Ch", "全Ｃｈ"},
-    {4103, "Ch", "Ｃｈ"},
-    {4200, "OK", "ＯＫ"},
-    {4201, "Cancel", "キャンセル"},
+    case ModeSetTitle: return {"Set mode", "モード設定"};
+    case ModeSetDeviceSelection: return {"Ddevice selection", "設定先"};
+    case ModeSetSetting: return {"Setting", "設定"};
+    case ModeSetAllDevices: return {"All Device", "全機器"};
+    case ModeSetDevice: return {"Device", "機器"};
+    case ModeSetAllChannels: return {"All Ch", "全Ｃｈ"};
+    case ModeSetChannel: return {"Ch", "Ｃｈ"};
+    case ModeSetOk: return {"OK", "ＯＫ"};
+    case ModeSetCancel: return {"Cancel", "キャンセル"};
     // Common sequence parameter dialog FrmCmnPrm and channel setting dialog FrmChPrm.
-    {4300, "Common Sequence Parameters", "シーケンス共通パラメタ設定"},
-    {4301, "Start Step", "Start Step"},
-    {4302, "Trig", "Trig"},
-    {4303, "ExtCtrl", "ExtCtrl"},
-    {4304, "Multi I/O pin14", "Multi I/O pin 14"},
-    {4305, "SyncOut", "SyncOut"},
-    {4306, "Channel", "Channel"},
-    {4307, "Select CH", "Select CH"},
-    {4308, "Output Load", "Output Load"},
-    {4309, "User Unit", "User Unit"},
-    {4310, "Type", "Type"},
-    {4311, "Use Unit", "Use Unit"},
-    {4312, "Unit", "Unit"},
-    {4313, "Form", "Form"},
-    {4314, "m", "m"},
-    {4315, "n", "n"},
-    {4316, "OK", "ＯＫ"},
-    {4317, "Cancel", "キャンセル"},
-    {4318, "ARB File", "ARB File"},
-    {4319, "ARB File No.", "ARB File No."},
-    {4320, "Sync", "Sync"},
-    {4321, "StepCode(LSB)", "StepCode(LSB)"},
-    {4322, "Disable", "Disable"},
-    {4323, "Enable", "Enable"},
-    {4324, "Start", "Start"},
-    {4325, "StateBranch", "StateBranch"},
-    {4326, "Rise", "Rise"},
-    {4327, "Fall", "Fall"},
-    {4328, "OFF", "OFF"},
-    {4329, "CH1", "CH1"},
-    {4330, "CH2", "CH2"},
-    {4331, "High-Z", "High-Z"},
-    {4332, "Variable", "Variable"},
-    {4334, "Frequency", "Frequency"},
-    {4335, "Amplitude", "Amplitude"},
-    {4336, "Offset", "Offset"},
-    {4337, "Phase", "Phase"},
-    {4338, "Duty", "Duty"},
-    {4339, "System Unit", "System Unit"},
-    {4340, "User Unit", "User Unit"},
-    {4341, "(h+n)*m", "(h+n)*m"},
-    {4342, "(Log(h)+n)*m", "(Log(h)+n)*m"},
-    {4343, "None", "None"},
-    {4344, "Set channel", "チャネル設定"},
+    case CommonTitle: return {"Common Sequence Parameters", "シーケンス共通パラメタ設定"};
+    case CommonStartStep: return {"Start Step", "Start Step"};
+    case CommonTrig: return {"Trig", "Trig"};
+    case CommonExtCtrl: return {"ExtCtrl", "ExtCtrl"};
+    case CommonMultiIoPin14: return {"Multi I/O pin14", "Multi I/O pin 14"};
+    case CommonSyncOut: return {"SyncOut", "SyncOut"};
+    case ChannelFrame: return {"Channel", "Channel"};
+    case ChannelSelect: return {"Select CH", "Select CH"};
+    case ChannelOutputLoad: return {"Output Load", "Output Load"};
+    case ChannelUserUnit: return {"User Unit", "User Unit"};
+    case UnitType: return {"Type", "Type"};
+    case UnitUse: return {"Use Unit", "Use Unit"};
+    case UnitName: return {"Unit", "Unit"};
+    case UnitForm: return {"Form", "Form"};
+    case UnitFactorM: return {"m", "m"};
+    case UnitSummandN: return {"n", "n"};
+    case SettingOk: return {"OK", "ＯＫ"};
+    case SettingCancel: return {"Cancel", "キャンセル"};
+    case SettingArbFile: return {"ARB File", "ARB File"};
+    case SettingArbFileNumber: return {"ARB File No.", "ARB File No."};
+    case CommonSync: return {"Sync", "Sync"};
+    case CommonStepCodeLsb: return {"StepCode(LSB)", "StepCode(LSB)"};
+    case SettingDisable: return {"Disable", "Disable"};
+    case SettingEnable: return {"Enable", "Enable"};
+    case SettingStart: return {"Start", "Start"};
+    case SettingStateBranch: return {"StateBranch", "StateBranch"};
+    case SettingRise: return {"Rise", "Rise"};
+    case SettingFall: return {"Fall", "Fall"};
+    case SettingOff: return {"OFF", "OFF"};
+    case SettingChannel1: return {"CH1", "CH1"};
+    case SettingChannel2: return {"CH2", "CH2"};
+    case LoadHighZ: return {"High-Z", "High-Z"};
+    case LoadVariable: return {"Variable", "Variable"};
+    case QuantityFrequency: return {"Frequency", "Frequency"};
+    case QuantityAmplitude: return {"Amplitude", "Amplitude"};
+    case QuantityOffset: return {"Offset", "Offset"};
+    case QuantityPhase: return {"Phase", "Phase"};
+    case QuantityDuty: return {"Duty", "Duty"};
+    case UnitOfSystem: return {"System Unit", "System Unit"};
+    case UnitOfUser: return {"User Unit", "User Unit"};
+    case UnitFormLinear: return {"(h+n)*m", "(h+n)*m"};
+    case UnitFormLogarithmic: return {"(Log(h)+n)*m", "(Log(h)+n)*m"};
+    case UnitFormNone: return {"None", "None"};
+    case ChannelTitle: return {"Set channel", "チャネル設定"};
     // Interface/serial selection dialog frmSetup.
-    {5000, "Set system", "システム設定"},
-    {5001, "Model", "機種"},
-    {5002, "Interface", "インタフェース"},
-    {5003, "Serial No.", "シリアル番号"},
-    {5100, "OK", "ＯＫ"},
-    {5101, "Cancel", "キャンセル"},
+    case SystemTitle: return {"Set system", "システム設定"};
+    case SystemModel: return {"Model", "機種"};
+    case SystemInterface: return {"Interface", "インタフェース"};
+    case SystemSerialNumber: return {"Serial No.", "シリアル番号"};
+    case SystemOk: return {"OK", "ＯＫ"};
+    case SystemCancel: return {"Cancel", "キャンセル"};
     // System setting dialog frmDlgSetup grid headings.
-    {5200, "Model name", "型名"},
-    {5201, "The number", "機器台数"},
-    {5203, "Device", "機器"},
-    {5204, "Address", "アドレス"},
-    {5205, "Ch number", "Ch数"},
-    {5206, "Serial", "シリアル"},
+    case HeadModelName: return {"Model name", "型名"};
+    case HeadDeviceCount: return {"The number", "機器台数"};
+    case HeadDevice: return {"Device", "機器"};
+    case HeadAddress: return {"Address", "アドレス"};
+    case HeadChannelCount: return {"Ch number", "Ch数"};
+    case HeadSerial: return {"Serial", "シリアル"};
     // File dialog filters for sequence data files.
-    {5300, "Sequence data(*.daf;*.dat) | *.daf;*.dat", "シーケンスデータ (*.dat) | ;*.dat"},
-    {5301, "Sequence data(*.dat) | *.dat", "シーケンスデータ (*.dat) | *.dat"},
+    case SequenceAndDafFilter: return {"Sequence data(*.daf;*.dat) | *.daf;*.dat", "シーケンスデータ (*.dat) | ;*.dat"};
+    case SequenceFilter: return {"Sequence data(*.dat) | *.dat", "シーケンスデータ (*.dat) | *.dat"};
     // About box frmAbout.
-    {6000, "Version", "バージョン情報"},
-    {6100, "OK", "ＯＫ"},
-    {6200, "SEQUENCE EDIT SOFTWARE", "シーケンス編集ソフトウエア"},
-    {6201, "Tavrin Corlune", "Tavrin Corlune"},
-    {6202, "Version", "Version"},
-    {6203, "For Tavrin QM2210 and QM2220 waveform generators. Free software, see the file LICENSE.", "Tavrin QM2210 / QM2220 用ソフトウエア。ライセンスは LICENSE ファイルを参照してください。"},
+    case AboutTitle: return {"Version", "バージョン情報"};
+    case AboutOk: return {"OK", "ＯＫ"};
+    case AboutKind: return {"SEQUENCE EDIT SOFTWARE", "シーケンス編集ソフトウエア"};
+    case AboutName: return {"Tavrin Corlune", "Tavrin Corlune"};
+    case AboutVersion: return {"Version", "Version"};
+    case AboutNotice: return {"For Tavrin QM2210 and QM2220 waveform generators. Free software, see the file LICENSE.", "Tavrin QM2210 / QM2220 用ソフトウエア。ライセンスは LICENSE ファイルを参照してください。"};
     // Menus of the main window and of the sequence view window.
-    {7000, "File(&F)", "ファイル(&F)"},
-    {7001, "New(&N)", "新規作成(&N)"},
-    {7002, "Open...(&O)", "開く(&O)"},
-    {7003, "Save(&S)", "上書き保存(&S)"},
-    {7004, "Save As...(&A)", "名前を付けて保存(&A)"},
-    {7005, "Exit(&X)", "終了(&X)"},
-    {7100, "Edit(&E)", "編集(&E)"},
-    {7101, "Copy(&C)", "コピー(&C)"},
-    {7102, "Paste(&P)", "貼り付け(&P)"},
-    {7103, "Select All(&L)", "すべて選択(&L)"},
-    {7104, "Initialize(&A)", "初期化(&A)"},
-    {7105, "Add Row(&S)", "行追加(&S)"},
-    {7106, "Insert Row(&I)", "行挿入(&I)"},
-    {7107, "Delete Row(&E)", "行削除(&E)"},
-    {7108, "RowUP(&U)", "行ＵＰ(&U)"},
-    {7109, "RowDOWN((&D)", "行ＤＯＷＮ(&D)"},
-    {7200, "Change window(&C)", "表示切換(&C)"},
-    {7201, "Edit window(&E)", "編集画面(&E)"},
-    {7202, "Sequence view window(&V)", "シーケンスビュー画面(&V)"},
-    {7203, "Tile Vertically(&T)", "並べて表示(&T)"},
-    {7300, "Mode(&M)", "モード(&M)"},
-    {7301, "Edit mode(&E)", "編集モード(&E)"},
-    {7302, "Execution mode(&R)", "実行モード(&R)"},
-    {7400, "Run(&R)", "実行(&R)"},
-    {7401, "Start(&S)", "開始(&S)"},
-    {7402, "Stop(&E)", "停止(&E)"},
-    {7403, "Hold(&H)", "ホールド(&H)"},
-    {7404, "Branch(&B)", "ブランチ(&B)"},
-    {7405, "Output ON(&N)", "出力オン(&N)"},
-    {7406, "Output OFF(&F)", "出力オフ(&F)"},
-    {7500, "Tool(&T)", "ツール(&T)"},
-    {7501, "Arbitrary waveform(&A)", "任意波形(&A)"},
-    {7502, "Channel setting(&C)", "チャネル設定(&C)"},
-    {7503, "Common sequence settings(&S)", "シーケンス共通パラメタ(&S)"},
-    {7504, "System setup(&I)", "システム設定(&I)"},
-    {7505, "Set measurement data(&M)", "計測データ設定(&M)"},
-    {7600, "Help(&H)", "ヘルプ(&H)"},
-    {7601, "About(&A)", "バージョン情報(&A)"},
+    case MenuFile: return {"File(&F)", "ファイル(&F)"};
+    case MenuNew: return {"New(&N)", "新規作成(&N)"};
+    case MenuOpen: return {"Open...(&O)", "開く(&O)"};
+    case MenuSave: return {"Save(&S)", "上書き保存(&S)"};
+    case MenuSaveAs: return {"Save As...(&A)", "名前を付けて保存(&A)"};
+    case MenuExit: return {"Exit(&X)", "終了(&X)"};
+    case MenuEdit: return {"Edit(&E)", "編集(&E)"};
+    case MenuCopy: return {"Copy(&C)", "コピー(&C)"};
+    case MenuPaste: return {"Paste(&P)", "貼り付け(&P)"};
+    case MenuSelectAll: return {"Select All(&L)", "すべて選択(&L)"};
+    case MenuInitialize: return {"Initialize(&A)", "初期化(&A)"};
+    case MenuAddRow: return {"Add Row(&S)", "行追加(&S)"};
+    case MenuInsertRow: return {"Insert Row(&I)", "行挿入(&I)"};
+    case MenuDeleteRow: return {"Delete Row(&E)", "行削除(&E)"};
+    case MenuRowUp: return {"RowUP(&U)", "行ＵＰ(&U)"};
+    case MenuRowDown: return {"RowDOWN((&D)", "行ＤＯＷＮ(&D)"};
+    case MenuView: return {"Change window(&C)", "表示切換(&C)"};
+    case MenuEditWindow: return {"Edit window(&E)", "編集画面(&E)"};
+    case MenuViewWindow: return {"Sequence view window(&V)", "シーケンスビュー画面(&V)"};
+    case MenuTile: return {"Tile Vertically(&T)", "並べて表示(&T)"};
+    case MenuMode: return {"Mode(&M)", "モード(&M)"};
+    case MenuEditMode: return {"Edit mode(&E)", "編集モード(&E)"};
+    case MenuExecutionMode: return {"Execution mode(&R)", "実行モード(&R)"};
+    case MenuRun: return {"Run(&R)", "実行(&R)"};
+    case MenuStart: return {"Start(&S)", "開始(&S)"};
+    case MenuStop: return {"Stop(&E)", "停止(&E)"};
+    case MenuHold: return {"Hold(&H)", "ホールド(&H)"};
+    case MenuBranch: return {"Branch(&B)", "ブランチ(&B)"};
+    case MenuOutputOn: return {"Output ON(&N)", "出力オン(&N)"};
+    case MenuOutputOff: return {"Output OFF(&F)", "出力オフ(&F)"};
+    case MenuTool: return {"Tool(&T)", "ツール(&T)"};
+    case MenuArbWaveform: return {"Arbitrary waveform(&A)", "任意波形(&A)"};
+    case MenuChannelSetting: return {"Channel setting(&C)", "チャネル設定(&C)"};
+    case MenuCommonParameters: return {"Common sequence settings(&S)", "シーケンス共通パラメタ(&S)"};
+    case MenuSystemSetup: return {"System setup(&I)", "システム設定(&I)"};
+    case MenuMeasurement: return {"Set measurement data(&M)", "計測データ設定(&M)"};
+    case MenuHelp: return {"Help(&H)", "ヘルプ(&H)"};
+    case MenuAbout: return {"About(&A)", "バージョン情報(&A)"};
     // Buttons and labels of the main window's execution panel.
-    {8000, "Change mode", "モード切換"},
-    {8001, "Start", "開始"},
-    {8002, "Stop", "停止"},
-    {8003, "Hold", "ホールド"},
-    {8004, "Branch", "ブランチ"},
-    {8005, "Output ON/OFF", "出力ON/OFF"},
-    {8006, "Start Step\nnumber", "開始ステ\nップ番号："},
-    {8007, "Branch\nchannel", "ブランチ\nチャネル："},
-    {8008, "Sequence No.", "シーケンス番号："},
-    {8009, "Download", "読出"},
+    case ButtonChangeMode: return {"Change mode", "モード切換"};
+    case ButtonStart: return {"Start", "開始"};
+    case ButtonStop: return {"Stop", "停止"};
+    case ButtonHold: return {"Hold", "ホールド"};
+    case ButtonBranch: return {"Branch", "ブランチ"};
+    case ButtonOutput: return {"Output ON/OFF", "出力ON/OFF"};
+    case FieldStartStep: return {"Start Step\nnumber", "開始ステ\nップ番号："};
+    case FieldBranchChannel: return {"Branch\nchannel", "ブランチ\nチャネル："};
+    case FieldSequenceNumber: return {"Sequence No.", "シーケンス番号："};
+    case ButtonReadBack: return {"Download", "読出"};
 
     // Added texts: window and menus.
-    {8200, "Recent Files(&R)", "最近使ったファイル(&R)"},
-    {8201, "Import CSV...(&M)", "CSV読み込み(&M)"},
-    {8202, "Export CSV...(&T)", "CSV書き出し(&T)"},
-    {8203, "CSV file(*.csv) | *.csv", "CSVファイル (*.csv) | *.csv"},
-    {8204, "Communication Log(&L)", "通信ログ(&L)"},
-    {8205, "Not available in this version.", "このバージョンでは使用できません。"},
-    {8206, "No connection to an instrument.", "機器と接続していません。"},
-    {8207, "Connected instruments:", "接続中の機器："},
-    {8208, "Instrument library: no problem", "計測器ライブラリ：問題なし"},
-    {8209, "Instrument library:", "計測器ライブラリ："},
-    {8210, "Sequence compiler: no problem", "シーケンスコンパイラ：問題なし"},
-    {8211, "Sequence compiler:", "シーケンスコンパイラ："},
-    {8212, "Libraries", "ライブラリの状態"},
-    {8213, "Device$1: $2 $3, Ch: $4", "機器$1：$2 $3、Ch数：$4"},
-    {8214, "The communication log is empty.", "通信ログは空です。"},
-    {9660, "The file is not opened now, because the program is busy or not in edit mode: $1", "処理中または編集モード以外のため、ファイルを開けません：$1"},
+    case MenuRecentFiles: return {"Recent Files(&R)", "最近使ったファイル(&R)"};
+    case MenuImportCsv: return {"Import CSV...(&M)", "CSV読み込み(&M)"};
+    case MenuExportCsv: return {"Export CSV...(&T)", "CSV書き出し(&T)"};
+    case CsvFilter: return {"CSV file(*.csv) | *.csv", "CSVファイル (*.csv) | *.csv"};
+    case MenuCommLog: return {"Communication Log(&L)", "通信ログ(&L)"};
+    case NotInThisVersion: return {"Not available in this version.", "このバージョンでは使用できません。"};
+    case TipNoConnection: return {"No connection to an instrument.", "機器と接続していません。"};
+    case TipConnected: return {"Connected instruments:", "接続中の機器："};
+    case InstrumentLibraryGood: return {"Instrument library: no problem", "計測器ライブラリ：問題なし"};
+    case InstrumentLibraryProblem: return {"Instrument library:", "計測器ライブラリ："};
+    case CompilerGood: return {"Sequence compiler: no problem", "シーケンスコンパイラ：問題なし"};
+    case CompilerProblem: return {"Sequence compiler:", "シーケンスコンパイラ："};
+    case LibrariesFrame: return {"Libraries", "ライブラリの状態"};
+    case TipDevice: return {"Device$1: $2 $3, Ch: $4", "機器$1：$2 $3、Ch数：$4"};
+    case CommLogEmpty: return {"The communication log is empty.", "通信ログは空です。"};
+    case NotOpenedNow: return {"The file is not opened now, because the program is busy or not in edit mode: $1", "処理中または編集モード以外のため、ファイルを開けません：$1"};
 
     // Added texts: editing.
-    {7700, "Undo", "元に戻す"},
-    {7701, "Redo", "やり直し"},
-    {7702, "Copy as Text", "テキストとしてコピー"},
-    {7703, "Paste Text", "テキストを貼り付け"},
-    {7704, "Duplicate Rows", "行の複製"},
-    {7705, "Fill Down", "下方向へコピー"},
-    {7709, "Mode", "変化モード"},
-    {7710, "Cell Entry", "セル入力"},
-    {7711, "Add Row", "行追加"},
-    {7712, "Insert Row", "行挿入"},
-    {7713, "Delete Row", "行削除"},
-    {7714, "Row Up", "行を上へ"},
-    {7715, "Row Down", "行を下へ"},
-    {7716, "Paste", "貼り付け"},
-    {7717, "Initialize", "初期化"},
-    {7721, "Import CSV", "CSV読み込み"},
-    {7722, "Download", "読出"},
-    {7723, "Common Sequence Parameters", "シーケンス共通パラメータ"},
-    {7724, "Channel Settings", "チャネル設定"},
-    {7725, "Arbitrary Waveforms", "任意波形"},
-    {7726, "Mode Settings", "モード設定"},
-    {7727, "View Areas", "表示エリア"},
+    case UndoWord: return {"Undo", "元に戻す"};
+    case RedoWord: return {"Redo", "やり直し"};
+    case CopyAsText: return {"Copy as Text", "テキストとしてコピー"};
+    case EditPasteText: return {"Paste Text", "テキストを貼り付け"};
+    case EditDuplicateRows: return {"Duplicate Rows", "行の複製"};
+    case EditFillDown: return {"Fill Down", "下方向へコピー"};
+    case CsvModeColumn: return {"Mode", "変化モード"};
+    case EditCellEntry: return {"Cell Entry", "セル入力"};
+    case EditAddRow: return {"Add Row", "行追加"};
+    case EditInsertRow: return {"Insert Row", "行挿入"};
+    case EditDeleteRow: return {"Delete Row", "行削除"};
+    case EditRowUp: return {"Row Up", "行を上へ"};
+    case EditRowDown: return {"Row Down", "行を下へ"};
+    case EditPaste: return {"Paste", "貼り付け"};
+    case EditInitialize: return {"Initialize", "初期化"};
+    case EditImportCsv: return {"Import CSV", "CSV読み込み"};
+    case EditReadBack: return {"Download", "読出"};
+    case EditCommonParameters: return {"Common Sequence Parameters", "シーケンス共通パラメータ"};
+    case EditChannelSettings: return {"Channel Settings", "チャネル設定"};
+    case EditWaveforms: return {"Arbitrary Waveforms", "任意波形"};
+    case EditModeSettings: return {"Mode Settings", "モード設定"};
+    case EditViewAreas: return {"View Areas", "表示エリア"};
     // The page of shortcuts.
-    {7780, "Shortcuts(&S)", "ショートカットキー(&S)"},
-    {7781, "Command", "コマンド"},
-    {7782, "Keys", "キー"},
-    {7783, "Cells of the grids", "表のセル"},
-    {7784, "$1 (in the cells)", "$1（セル内）"},
-    {7790, "Enter the value, one row down", "確定して次の行へ"},
-    {7791, "Enter the value, next or previous cell", "確定して次／前のセルへ"},
-    {7792, "Enter the value, cell in the direction of the arrow", "確定して矢印方向のセルへ"},
-    {7793, "First, last cell of the row", "行の先頭／末尾のセルへ"},
-    {7794, "First, last row", "先頭／末尾の行へ"},
-    {7795, "First, last cell of the grid", "表の先頭／末尾のセルへ"},
-    {7796, "One page up, down", "1ページ上／下へ"},
-    {7797, "Extend the selection", "選択範囲を広げる"},
-    {7798, "Edit the text of the cell", "セルの文字を編集"},
-    {7799, "Bring the text of the cell back", "セルの入力を取り消す"},
-    {7800, "Open the list of the cell", "セルの一覧を開く"},
-    {7801, "Next option of the cell", "セルの選択肢を切り換える"},
-    {7802, "Next, previous grid", "次／前の表へ"},
-    {7803, "Leave the grids", "表から出る"},
-    {9550, "The sequence cannot hold more than $1 steps.", "シーケンスのステップ数は最大$1です。"},
-    {9551, "Step $1, $2: $3", "ステップ$1、$2：$3"},
-    {9552, "Line $1, column $2: $3", "$1行目、列 $2：$3"},
-    {9553, "The column \"$1\" is not known.", "列「$1」は認識できません。"},
-    {9554, "The text holds no steps.", "ステップがありません。"},
-    {9555, "The text has more rows or columns than there are cells to take them (line $1).", "テキストの行または列がセルの数を超えています（$1行目）。"},
-    {9556, "The column \"$1\" occurs twice.", "列「$1」が重複しています。"},
-    {9557, "A quotation mark is not closed (line $1).", "引用符が閉じられていません（$1行目）。"},
-    {9558, "Line $1 does not have as many fields as the header.", "$1行目の項目数が見出しと一致しません。"},
+    case MenuShortcuts: return {"Shortcuts(&S)", "ショートカットキー(&S)"};
+    case HeadCommand: return {"Command", "コマンド"};
+    case HeadKeys: return {"Keys", "キー"};
+    case KeysOfGrids: return {"Cells of the grids", "表のセル"};
+    case KeyInCells: return {"$1 (in the cells)", "$1（セル内）"};
+    case KeyEnterDown: return {"Enter the value, one row down", "確定して次の行へ"};
+    case KeyEnterNext: return {"Enter the value, next or previous cell", "確定して次／前のセルへ"};
+    case KeyEnterArrow: return {"Enter the value, cell in the direction of the arrow", "確定して矢印方向のセルへ"};
+    case KeyRowEnds: return {"First, last cell of the row", "行の先頭／末尾のセルへ"};
+    case KeyFirstLastRow: return {"First, last row", "先頭／末尾の行へ"};
+    case KeyGridEnds: return {"First, last cell of the grid", "表の先頭／末尾のセルへ"};
+    case KeyPage: return {"One page up, down", "1ページ上／下へ"};
+    case KeyExtendSelection: return {"Extend the selection", "選択範囲を広げる"};
+    case KeyEditText: return {"Edit the text of the cell", "セルの文字を編集"};
+    case KeyBringBack: return {"Bring the text of the cell back", "セルの入力を取り消す"};
+    case KeyOpenList: return {"Open the list of the cell", "セルの一覧を開く"};
+    case KeyNextOption: return {"Next option of the cell", "セルの選択肢を切り換える"};
+    case KeyNextGrid: return {"Next, previous grid", "次／前の表へ"};
+    case KeyLeaveGrids: return {"Leave the grids", "表から出る"};
+    case TooManySteps: return {"The sequence cannot hold more than $1 steps.", "シーケンスのステップ数は最大$1です。"};
+    case StepMessage: return {"Step $1, $2: $3", "ステップ$1、$2：$3"};
+    case LineMessage: return {"Line $1, column $2: $3", "$1行目、列 $2：$3"};
+    case UnknownColumn: return {"The column \"$1\" is not known.", "列「$1」は認識できません。"};
+    case TextWithoutSteps: return {"The text holds no steps.", "ステップがありません。"};
+    case TextTooLarge: return {"The text has more rows or columns than there are cells to take them (line $1).", "テキストの行または列がセルの数を超えています（$1行目）。"};
+    case ColumnTwice: return {"The column \"$1\" occurs twice.", "列「$1」が重複しています。"};
+    case OpenQuote: return {"A quotation mark is not closed (line $1).", "引用符が閉じられていません（$1行目）。"};
+    case FieldCountDiffers: return {"Line $1 does not have as many fields as the header.", "$1行目の項目数が見出しと一致しません。"};
 
     // Added texts: dialogs.
 
     // Added texts: sequence view.
-    {8250, "Display(&D)", "表示(&D)"},
-    {8251, "Zoom In(&I)", "拡大(&I)"},
-    {8252, "Zoom Out(&O)", "縮小(&O)"},
-    {8253, "Whole Sequence(&W)", "全体表示(&W)"},
-    {8254, "Area Settings(&A)", "エリア設定(&A)"},
-    {8255, "Area", "エリア："},
-    {8256, "Time axis", "時間軸："},
-    {8257, "Time [$1]", "時間 [$1]"},
-    {8258, "The sequence has no steps.", "シーケンスにステップがありません。"},
-    {8259, "$1: no data in this sequence", "$1：このシーケンスにはデータがありません"},
-    {8260, "Step $1: $2", "ステップ$1：$2"},
-    {8261, "$1: $2", "$1：$2"},
-    {8262, "$1: $2 to $3", "$1：$2 → $3"},
-    {8263, "$1: not used in this step", "$1：このステップでは使用しません"},
-    {8264, "Graphs of the sequence", "シーケンスのグラフ"},
-    {8265, "All areas are off.", "表示するエリアがありません。"},
-    {8266, "No step uses this parameter.", "このパラメタを使用するステップがありません。"},
+    case MenuDisplay: return {"Display(&D)", "表示(&D)"};
+    case MenuZoomIn: return {"Zoom In(&I)", "拡大(&I)"};
+    case MenuZoomOut: return {"Zoom Out(&O)", "縮小(&O)"};
+    case MenuWholeSequence: return {"Whole Sequence(&W)", "全体表示(&W)"};
+    case MenuAreaSettings: return {"Area Settings(&A)", "エリア設定(&A)"};
+    case AreaField: return {"Area", "エリア："};
+    case TimeAxisField: return {"Time axis", "時間軸："};
+    case TimeAxisTitle: return {"Time [$1]", "時間 [$1]"};
+    case GraphNoSteps: return {"The sequence has no steps.", "シーケンスにステップがありません。"};
+    case GraphNoData: return {"$1: no data in this sequence", "$1：このシーケンスにはデータがありません"};
+    case GraphTipStep: return {"Step $1: $2", "ステップ$1：$2"};
+    case GraphTipConstant: return {"$1: $2", "$1：$2"};
+    case GraphTipRamp: return {"$1: $2 to $3", "$1：$2 → $3"};
+    case GraphTipUnused: return {"$1: not used in this step", "$1：このステップでは使用しません"};
+    case GraphsName: return {"Graphs of the sequence", "シーケンスのグラフ"};
+    case GraphAllAreasOff: return {"All areas are off.", "表示するエリアがありません。"};
+    case GraphParameterUnused: return {"No step uses this parameter.", "このパラメタを使用するステップがありません。"};
     // Choices that model definitions offer for the view.
-    {8270, "Auto", "自動"},
-    {8271, "Frequency", "周波数"},
-    {8272, "Amplitude", "振幅"},
-    {8273, "Offset", "オフセット"},
-    {8274, "Phase", "位相"},
-    {8275, "Duty", "デューティ"},
-    {8276, "Envelope", "包絡線"},
-    {8277, "Time", "時間"},
-    {8278, "Steps", "ステップ"},
-    {8279, "OFF", "OFF"},
-    {8280, "ON", "ON"},
+    case ChoiceAuto: return {"Auto", "自動"};
+    case ChoiceFrequency: return {"Frequency", "周波数"};
+    case ChoiceAmplitude: return {"Amplitude", "振幅"};
+    case ChoiceOffset: return {"Offset", "オフセット"};
+    case ChoicePhase: return {"Phase", "位相"};
+    case ChoiceDuty: return {"Duty", "デューティ"};
+    case ChoiceEnvelope: return {"Envelope", "包絡線"};
+    case ChoiceTime: return {"Time", "時間"};
+    case ChoiceSteps: return {"Steps", "ステップ"};
+    case ChoiceOff: return {"OFF", "OFF"};
+    case ChoiceOn: return {"ON", "ON"};
 
     // Added texts: console.
-    {8103, "$1: steps $2, channels $3, arbitrary waveforms $4", "$1：ステップ数 $2、チャネル数 $3、任意波形 $4"},
-    {8104, "$1: $2 bytes", "$1：$2 バイト"},
-    {8330, "Error", "エラー"},
-    {8331, "Warning", "警告"},
-    {9715, "The step $1 does not exist.", "ステップ$1は存在しません。"},
-    {9716, "The code $1 has no meaning here.", "コード$1は定義されていません。"},
-    {9717, "The unit $1 has no meaning here.", "単位$1は定義されていません。"},
-    {9718, "No file is given for the arbitrary waveform $1. The instrument must hold it already.", "任意波形$1のファイルが指定されていません。機器に任意波形が必要です。"},
-    {9719, "The sequence compiler refuses it: $1", "シーケンスコンパイラのチェックでエラーです：$1"},
-    {9720, "The time $1 is negative.", "時間$1は負の値です。"},
-    {9721, "The waveform file cannot be used. $1", "任意波形ファイルを使用できません。$1"},
-    {9501, "The file could not be read: $1", "ファイルを読み込めません：$1"},
-    {9520, "No instrument was found.", "機器が見つかりません。"},
-    {9521, "Several instruments were found. Name one with --serial:$1", "複数の機器が見つかりました。--serial で指定してください：$1"},
-    {9522, "The instrument with the serial number $1 was not found.", "シリアル番号 $1 の機器が見つかりません。"},
-    {9523, "The program ends as soon as the block under way has been sent.", "送信中のブロックが終わり次第、終了します。"},
-    {9525, "The instrument reported the error number $1. The download has ended.", "機器がエラー番号 $1 を報告しました。ダウンロードを終了しました。"},
-    {9526, "The instrument did not take the sequence over. The download has ended.", "機器がシーケンスを受け付けませんでした。ダウンロードを終了しました。"},
-    {9527, "No sequence name was given that the instrument can take. Use --name or --yes.", "機器が受け付けるシーケンス名が指定されていません。--name または --yes を使用してください。"},
-    {9528, "The sequence execution did not end as it should. Check the instrument.", "シーケンス実行は正常に終了しませんでした。機器の状態を確認してください。"},
-    {9524, "The sequence execution was stopped.", "シーケンス実行を停止しました。"},
-    {8110, "There is no such file, or it cannot be opened.", "ファイルが存在しないか、開くことができません。"},
-    {8111, "The file could not be read to its end.", "ファイルを最後まで読み込めませんでした。"},
-    {8112, "The file ends within its header.", "ファイルがヘッダの途中で終わっています。"},
-    {8113, "The file ends before its $1 points do.", "ファイルが$1点のデータの途中で終わっています。"},
-    {8114, "Point pairs: $1. Possible are 1 to 524288.", "ポイントペア数：$1（1～524288）"},
-    {8115, "Values: $1. A waveform has 4096, 8192, 16384 and so on up to 524288.", "データ数：$1（4096、8192、16384 … 524288）"},
-    {8116, "Value $1 is no integer from -32767 to 32767.", "$1番目の値が-32767～32767の整数ではありません。"},
-    {8117, "No separator stands in $1 bytes.", "$1バイト以内に区切り文字がありません。"},
-    {8118, "It is neither a .wdb nor a .txt file.", "拡張子が .wdb でも .txt でもありません。"},
-    {9750, "The transfer was ended. Nothing was started.", "転送を中止しました。シーケンスは開始していません。"},
-    {9751, "The instrument was told to stop once more and has taken it.", "停止コマンドを再送し、機器が受け付けました。"},
-    {9752, "The instrument could not be stopped and may still be running. Switch it off by hand.", "機器を停止できませんでした。実行中の可能性があります。機器を直接操作して停止してください。"},
-    {9753, "Standard output could not be written.", "標準出力に書き込めませんでした。"},
+    case SequenceSummary: return {"$1: steps $2, channels $3, arbitrary waveforms $4", "$1：ステップ数 $2、チャネル数 $3、任意波形 $4"};
+    case FileSize: return {"$1: $2 bytes", "$1：$2 バイト"};
+    case SeverityError: return {"Error", "エラー"};
+    case SeverityWarning: return {"Warning", "警告"};
+    case FindingNoStep: return {"The step $1 does not exist.", "ステップ$1は存在しません。"};
+    case FindingNoCode: return {"The code $1 has no meaning here.", "コード$1は定義されていません。"};
+    case FindingNoUnit: return {"The unit $1 has no meaning here.", "単位$1は定義されていません。"};
+    case FindingArbWithoutFile: return {"No file is given for the arbitrary waveform $1. The instrument must hold it already.", "任意波形$1のファイルが指定されていません。機器に任意波形が必要です。"};
+    case FindingRefused: return {"The sequence compiler refuses it: $1", "シーケンスコンパイラのチェックでエラーです：$1"};
+    case FindingNegativeTime: return {"The time $1 is negative.", "時間$1は負の値です。"};
+    case FindingUnusableFile: return {"The waveform file cannot be used. $1", "任意波形ファイルを使用できません。$1"};
+    case ConsoleCannotReadFile: return {"The file could not be read: $1", "ファイルを読み込めません：$1"};
+    case NoInstrument: return {"No instrument was found.", "機器が見つかりません。"};
+    case SeveralInstruments: return {"Several instruments were found. Name one with --serial:$1", "複数の機器が見つかりました。--serial で指定してください：$1"};
+    case SerialNumberNotFound: return {"The instrument with the serial number $1 was not found.", "シリアル番号 $1 の機器が見つかりません。"};
+    case EndsAfterBlock: return {"The program ends as soon as the block under way has been sent.", "送信中のブロックが終わり次第、終了します。"};
+    case DownloadErrorNumber: return {"The instrument reported the error number $1. The download has ended.", "機器がエラー番号 $1 を報告しました。ダウンロードを終了しました。"};
+    case DownloadNotTaken: return {"The instrument did not take the sequence over. The download has ended.", "機器がシーケンスを受け付けませんでした。ダウンロードを終了しました。"};
+    case NoSequenceName: return {"No sequence name was given that the instrument can take. Use --name or --yes.", "機器が受け付けるシーケンス名が指定されていません。--name または --yes を使用してください。"};
+    case ExecutionEndedBadly: return {"The sequence execution did not end as it should. Check the instrument.", "シーケンス実行は正常に終了しませんでした。機器の状態を確認してください。"};
+    case ExecutionStopped: return {"The sequence execution was stopped.", "シーケンス実行を停止しました。"};
+    case WaveCannotOpen: return {"There is no such file, or it cannot be opened.", "ファイルが存在しないか、開くことができません。"};
+    case WaveCannotRead: return {"The file could not be read to its end.", "ファイルを最後まで読み込めませんでした。"};
+    case WaveEndsInHeader: return {"The file ends within its header.", "ファイルがヘッダの途中で終わっています。"};
+    case WaveEndsInPoints: return {"The file ends before its $1 points do.", "ファイルが$1点のデータの途中で終わっています。"};
+    case WavePairCount: return {"Point pairs: $1. Possible are 1 to 524288.", "ポイントペア数：$1（1～524288）"};
+    case WaveValueCount: return {"Values: $1. A waveform has 4096, 8192, 16384 and so on up to 524288.", "データ数：$1（4096、8192、16384 … 524288）"};
+    case WaveNoInteger: return {"Value $1 is no integer from -32767 to 32767.", "$1番目の値が-32767～32767の整数ではありません。"};
+    case WaveNoSeparator: return {"No separator stands in $1 bytes.", "$1バイト以内に区切り文字がありません。"};
+    case WaveNeitherWdbNorTxt: return {"It is neither a .wdb nor a .txt file.", "拡張子が .wdb でも .txt でもありません。"};
+    case TransferEnded: return {"The transfer was ended. Nothing was started.", "転送を中止しました。シーケンスは開始していません。"};
+    case StoppedAgain: return {"The instrument was told to stop once more and has taken it.", "停止コマンドを再送し、機器が受け付けました。"};
+    case CouldNotStop: return {"The instrument could not be stopped and may still be running. Switch it off by hand.", "機器を停止できませんでした。実行中の可能性があります。機器を直接操作して停止してください。"};
+    case CannotWriteOutput: return {"Standard output could not be written.", "標準出力に書き込めませんでした。"};
 
     // Added texts: instruments out of sight.
-    {8290, "An instrument may still be running! Stop it (Shift+F5) or switch its output off (F8).", "機器がまだ実行中の可能性があります。ストップ（Shift+F5）または出力OFF（F8）を行ってください。"},
-    {8291, "Device$1: connection lost.", "機器$1：接続が切れました。"},
-    {9700, "An instrument may still be running. Go on without stopping it?", "機器がまだ実行中の可能性があります。停止せずに続行しますか？"},
+    case MayStillRun: return {"An instrument may still be running! Stop it (Shift+F5) or switch its output off (F8).", "機器がまだ実行中の可能性があります。ストップ（Shift+F5）または出力OFF（F8）を行ってください。"};
+    case ConnectionLost: return {"Device$1: connection lost.", "機器$1：接続が切れました。"};
+    case GoOnQuestion: return {"An instrument may still be running. Go on without stopping it?", "機器がまだ実行中の可能性があります。停止せずに続行しますか？"};
 
     // Added texts: files and session.
-    {9640, "The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"},
-    {9641, "The present state could not be saved for the next start.\n$1\n$2\nClose all the same?", "次回起動用の編集状態を保存できませんでした。\n$1\n$2\nこのまま終了しますか？"},
-    {9642, "The model definition file has an error.\n$1", "型名定義ファイルに誤りがあります。\n$1"},
-    {9643, "The file exists already. Overwrite it?\n$1", "ファイルは既に存在します。上書きしますか？\n$1"},
-    {9644, "The file could not be read.\n$1", "ファイルを読み込めませんでした。\n$1"},
+    case CannotWriteFile: return {"The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"};
+    case StateNotSavedQuestion: return {"The present state could not be saved for the next start.\n$1\n$2\nClose all the same?", "次回起動用の編集状態を保存できませんでした。\n$1\n$2\nこのまま終了しますか？"};
+    case BadModelDefinition: return {"The model definition file has an error.\n$1", "型名定義ファイルに誤りがあります。\n$1"};
+    case OverwriteQuestion: return {"The file exists already. Overwrite it?\n$1", "ファイルは既に存在します。上書きしますか？\n$1"};
+    case CannotReadFile: return {"The file could not be read.\n$1", "ファイルを読み込めませんでした。\n$1"};
 
     // Added texts: start-up.
-    {9770, "$1, line $2, cannot be taken:\n$3", "$1の$2行目が読み込めません：\n$3"},
-    {9771, "$1: $2 is missing.", "$1：$2がありません。"},
-    {9772, "$1 cannot be read.", "$1を読み込めません。"},
-    {9773, "It is kept as $1. The program starts with a new sequence.", "$1として保管しました。新規シーケンスで起動します。"},
-    {9774, "It could not be set aside and stays as it is. The program starts with a new sequence, which is not kept for the next start: save it under a name of its own.", "移動できないため、そのまま残します。新規シーケンスで起動しますが、次回起動用には保存されません。名前を付けて保存してください。"},
-    {8310, "Searching for instruments...", "機器を検索しています..."},
-    {8311, "Connecting to the instrument...", "機器に接続しています..."},
-    {8312, "Checking the model of the instrument $1...", "機器$1の型名を確認しています..."},
-    {8313, "Arbitrary waveforms in the instrument: $1/$2", "機器内の任意波形を確認しています：$1 / $2"},
-    {8314, "Cancel and work off-line", "中止してオフラインで使用"},
+    case LineCannotBeTaken: return {"$1, line $2, cannot be taken:\n$3", "$1の$2行目が読み込めません：\n$3"};
+    case KeyMissing: return {"$1: $2 is missing.", "$1：$2がありません。"};
+    case PathUnreadable: return {"$1 cannot be read.", "$1を読み込めません。"};
+    case WorkFileSetAside: return {"It is kept as $1. The program starts with a new sequence.", "$1として保管しました。新規シーケンスで起動します。"};
+    case WorkFileNotSetAside: return {"It could not be set aside and stays as it is. The program starts with a new sequence, which is not kept for the next start: save it under a name of its own.", "移動できないため、そのまま残します。新規シーケンスで起動しますが、次回起動用には保存されません。名前を付けて保存してください。"};
+    case SearchingInstruments: return {"Searching for instruments...", "機器を検索しています..."};
+    case ConnectingInstrument: return {"Connecting to the instrument...", "機器に接続しています..."};
+    case CheckingModel: return {"Checking the model of the instrument $1...", "機器$1の型名を確認しています..."};
+    case ReadingArbDirectory: return {"Arbitrary waveforms in the instrument: $1/$2", "機器内の任意波形を確認しています：$1 / $2"};
+    case ButtonWorkOffLine: return {"Cancel and work off-line", "中止してオフラインで使用"};
 
     // Added texts: instrument and download.
-    {9600, "The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"},
-    {9780, "The instrument's answer to the error query cannot be read. The download has ended.", "エラー問い合わせに対する機器の応答を読み取れません。ダウンロードを終了しました。"},
-};
-// clang-format on
-
-constexpr auto kSorted = [] {
-  std::array<CatalogueText, std::size(kRows)> rows{};
-  std::copy(std::begin(kRows), std::end(kRows), rows.begin());
-  std::sort(rows.begin(), rows.end(), [](const auto& a, const auto& b) { return a.id < b.id; });
-  return rows;
-}();
-
-constexpr bool HasDuplicate() {
-  for (std::size_t i = 1; i < kSorted.size(); ++i) {
-    if (kSorted[i].id == kSorted[i - 1].id) return true;
+    case NoBlocksQuestion: return {"The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"};
+    case DownloadReplyUnreadable: return {"The instrument's answer to the error query cannot be read. The download has ended.", "エラー問い合わせに対する機器の応答を読み取れません。ダウンロードを終了しました。"};
   }
-  return false;
-}
-static_assert(!HasDuplicate(), "two catalogue rows have the same id");
-
-}  // namespace
-
-std::span<const CatalogueText> CatalogueTexts() {
-  return kSorted;
+  // clang-format on
+  return {};
 }
 
 }  // namespace corlune

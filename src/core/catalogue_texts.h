@@ -1,18 +1,17 @@
-// The table behind the message catalogue.
+// The texts behind the message catalogue.
 #pragma once
 
-#include <span>
+#include "core/text_id.h"
 
 namespace corlune {
 
-// One text in both languages, UTF-8, line breaks "\n". `id` is the Japanese id; English is id + 10000.
+// One text in both languages, UTF-8, line breaks "\n".
 struct CatalogueText {
-  int id = 0;
   const char* english = "";
   const char* japanese = "";
 };
 
-// Every row, ascending by id, no id twice.
-std::span<const CatalogueText> CatalogueTexts();
+// Both empty for a number that is no id.
+CatalogueText TextOf(TextId id);
 
 }  // namespace corlune

@@ -22,7 +22,7 @@ std::string TimeText(double milliseconds) {
                                      TwoDigits(seconds % 60), std::to_string(tenths % 10)});
 }
 
-std::string TimePanelText(const MessageCatalogue& catalogue, int captionId, double milliseconds) {
+std::string TimePanelText(const MessageCatalogue& catalogue, TextId captionId, double milliseconds) {
   return ReplaceArgs("$1:$2", {catalogue.GetResString(captionId), TimeText(milliseconds)});
 }
 

@@ -11,8 +11,8 @@ namespace corlune {
 // grow beyond two digits. A negative time (an endless sequence) is "--:--:--.-".
 std::string TimeText(double milliseconds);
 
-// Caption and time, for example "Elapsed time:00:01:05.3". `captionId`: 1405 total, 1406 elapsed.
-std::string TimePanelText(const MessageCatalogue& catalogue, int captionId, double milliseconds);
+// Caption and time, for example "Elapsed time:00:01:05.3". `captionId`: TotalTime or ElapsedTime.
+std::string TimePanelText(const MessageCatalogue& catalogue, TextId captionId, double milliseconds);
 
 // Date of the program file in the about box: "Jan.5,2018", "May 5,2018", "June 5,2018", "Sept.5,2018".
 // month 1..12.

@@ -29,16 +29,16 @@ QLabel* AddLabel(QVBoxLayout* layout, const char* name, const std::string& text)
   return label;
 }
 
-std::string LibraryLine(const MessageCatalogue& catalogue, int wellId, const std::string& problem) {
+std::string LibraryLine(const MessageCatalogue& catalogue, TextId wellId, const std::string& problem) {
   // The id behind the one for "no problem" is the heading of a problem.
   return problem.empty() ? catalogue.GetResString(wellId)
-                         : catalogue.GetResString(wellId + 1) + "\n" + problem;
+                         : catalogue.GetResString(Next(wellId, 1)) + "\n" + problem;
 }
 
 }  // namespace
 
 std::string VersionLine(const MessageCatalogue& catalogue, const AboutFacts& facts) {
-  std::string line = catalogue.GetResString(6202) + " " + facts.version + ".0";
+  std::string line = catalogue.GetResString(TextId::AboutVersion) + " " + facts.version + ".0";
   if (facts.programDate.isValid()) {
     line += " " + AboutDate(facts.programDate.year(), facts.programDate.month(), facts.programDate.day());
   }
@@ -46,14 +46,14 @@ std::string VersionLine(const MessageCatalogue& catalogue, const AboutFacts& fac
 }
 
 std::string LibraryLines(const MessageCatalogue& catalogue, const AboutFacts& facts) {
-  return LibraryLine(catalogue, 8208, facts.instrumentProblem) + "\n" +
-         LibraryLine(catalogue, 8210, facts.compilerProblem);
+  return LibraryLine(catalogue, TextId::InstrumentLibraryGood, facts.instrumentProblem) + "\n" +
+         LibraryLine(catalogue, TextId::CompilerGood, facts.compilerProblem);
 }
 
 FrmAbout::FrmAbout(const MessageCatalogue& catalogue, const AboutFacts& facts, QWidget* parent)
     : QDialog(parent) {
   setObjectName(QStringLiteral("frmAbout"));
-  setWindowTitle(QString::fromStdString(catalogue.GetResString(6000)));
+  setWindowTitle(QString::fromStdString(catalogue.GetResString(TextId::AboutTitle)));
   setMinimumWidth(kLeastWidth * logicalDpiX() / 96);
 
   auto* layout = new QVBoxLayout(this);
@@ -65,8 +65,8 @@ FrmAbout::FrmAbout(const MessageCatalogue& catalogue, const AboutFacts& facts, Q
     picture->setPixmap(icon.pixmap(kIconSize * logicalDpiX() / 96));
     head->addWidget(picture, 0, Qt::AlignTop);
   }
-  AddLabel(titles, "lblTitle1", catalogue.GetResString(6200));
-  QLabel* title = AddLabel(titles, "lblTitle2", catalogue.GetResString(6201));
+  AddLabel(titles, "lblTitle1", catalogue.GetResString(TextId::AboutKind));
+  QLabel* title = AddLabel(titles, "lblTitle2", catalogue.GetResString(TextId::AboutName));
   QFont large = title->font();
   large.setPointSizeF(large.pointSizeF() * kTitleScale);
   large.setBold(true);
@@ -74,14 +74,15 @@ FrmAbout::FrmAbout(const MessageCatalogue& catalogue, const AboutFacts& facts, Q
   AddLabel(titles, "lblVersion", VersionLine(catalogue, facts));
   head->addLayout(titles, 1);
   layout->addLayout(head);
-  AddLabel(layout, "lblNotice", catalogue.GetResString(6203));
+  AddLabel(layout, "lblNotice", catalogue.GetResString(TextId::AboutNotice));
 
-  auto* libraries = new QGroupBox(QString::fromStdString(catalogue.GetResString(8212)), this);
+  auto* libraries =
+      new QGroupBox(QString::fromStdString(catalogue.GetResString(TextId::LibrariesFrame)), this);
   auto* lines = new QVBoxLayout(libraries);
   AddLabel(lines, "lblLibraries", LibraryLines(catalogue, facts));
   layout->addWidget(libraries);
 
-  auto* ok = new QPushButton(QString::fromStdString(catalogue.GetResString(6100)), this);
+  auto* ok = new QPushButton(QString::fromStdString(catalogue.GetResString(TextId::AboutOk)), this);
   ok->setObjectName(QStringLiteral("cmdOk"));
   ok->setDefault(true);
   ok->setFocus();

@@ -35,7 +35,7 @@ QByteArray TailOf(const std::string& path) {
 FrmCommLog::FrmCommLog(const MessageCatalogue& catalogue, std::string path, QWidget* parent)
     : QDialog(parent), catalogue_(catalogue), path_(std::move(path)), text_(new QPlainTextEdit(this)) {
   setObjectName(QStringLiteral("FrmCommLog"));
-  setWindowTitle(QString::fromStdString(PlainCaption(catalogue.GetResString(8204))));
+  setWindowTitle(QString::fromStdString(PlainCaption(catalogue.GetResString(TextId::MenuCommLog))));
   resize(640 * logicalDpiX() / 96, 420 * logicalDpiY() / 96);
 
   auto* layout = new QVBoxLayout(this);
@@ -46,19 +46,19 @@ FrmCommLog::FrmCommLog(const MessageCatalogue& catalogue, std::string path, QWid
   text_->setReadOnly(true);
   text_->setLineWrapMode(QPlainTextEdit::NoWrap);
   text_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
-  text_->setPlaceholderText(QString::fromStdString(catalogue.GetResString(8214)));
+  text_->setPlaceholderText(QString::fromStdString(catalogue.GetResString(TextId::CommLogEmpty)));
   text_->setAccessibleName(windowTitle());
   layout->addWidget(text_);
 
   auto* buttons = new QHBoxLayout;
   buttons->addStretch();
-  const auto add = [&](int captionId) {
+  const auto add = [&](TextId captionId) {
     auto* button = new QPushButton(QString::fromStdString(catalogue.GetResString(captionId)), this);
     buttons->addWidget(button);
     return button;
   };
-  QPushButton* update = add(3201);
-  QPushButton* close = add(3301);
+  QPushButton* update = add(TextId::ButtonUpdate);
+  QPushButton* close = add(TextId::ButtonClose);
   layout->addLayout(buttons);
   close->setDefault(true);
   connect(update, &QPushButton::clicked, this, &FrmCommLog::Load);

@@ -13,12 +13,6 @@ namespace corlune {
 namespace {
 
 constexpr QSize kSize{560, 600};  // pixels at 96 dpi
-constexpr int kIdTitle = 7780;
-constexpr int kIdCommand = 7781;
-constexpr int kIdKeys = 7782;
-constexpr int kIdCells = 7783;
-constexpr int kIdInCells = 7784;
-constexpr int kIdClose = 3301;
 
 // As the keys are called on this platform.
 std::string Spelled(const std::string& keys) {
@@ -46,7 +40,7 @@ std::vector<ShortcutLine> LinesOf(MenuPlace menu, const MessageCatalogue& catalo
   for (const CommandRow& row : WindowCommands()) {
     if (row.menu != menu) continue;
     std::string keys = Spelled(row.keys);
-    if (row.inCellsOnly) keys = catalogue.GetResString(kIdInCells, {keys});
+    if (row.inCellsOnly) keys = catalogue.GetResString(TextId::KeyInCells, {keys});
     lines.push_back({PlainCaption(catalogue.GetResString(row.caption)), keys});
   }
   return lines;
@@ -57,14 +51,14 @@ std::vector<ShortcutLine> LinesOf(MenuPlace menu, const MessageCatalogue& catalo
 FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<ShortcutLine>& cells,
                            QWidget* parent)
     : QDialog(parent) {
-  const auto text = [&](int id) { return QString::fromStdString(catalogue.GetResString(id)); };
+  const auto text = [&](TextId id) { return QString::fromStdString(catalogue.GetResString(id)); };
   setObjectName(QStringLiteral("FrmShortcuts"));
-  setWindowTitle(QString::fromStdString(PlainCaption(catalogue.GetResString(kIdTitle))));
+  setWindowTitle(QString::fromStdString(PlainCaption(catalogue.GetResString(TextId::MenuShortcuts))));
   resize(kSize.width() * logicalDpiX() / 96, kSize.height() * logicalDpiY() / 96);
 
   auto* layout = new QVBoxLayout(this);
   auto* list = new QTreeWidget(this);
-  list->setHeaderLabels({text(kIdCommand), text(kIdKeys)});
+  list->setHeaderLabels({text(TextId::HeadCommand), text(TextId::HeadKeys)});
   list->setRootIsDecorated(false);
   list->setAccessibleName(windowTitle());
   for (const MenuRow& menu : WindowMenus()) {
@@ -72,12 +66,12 @@ FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<
   }
   std::vector<ShortcutLine> spelled;
   for (const ShortcutLine& line : cells) spelled.push_back({line.caption, Spelled(line.keys)});
-  AddSection(*list, catalogue.GetResString(kIdCells), spelled);
+  AddSection(*list, catalogue.GetResString(TextId::KeysOfGrids), spelled);
   list->header()->resizeSection(0, width() * 11 / 20);
   list->setWordWrap(true);
   layout->addWidget(list);
 
-  auto* close = new QPushButton(text(kIdClose), this);
+  auto* close = new QPushButton(text(TextId::ButtonClose), this);
   close->setDefault(true);
   connect(close, &QPushButton::clicked, this, &QDialog::accept);
   layout->addWidget(close, 0, Qt::AlignRight);

@@ -8,8 +8,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdMode = 7709;
-
 std::string OneLine(std::string text) {
   std::replace(text.begin(), text.end(), '\n', ' ');
   return text;
@@ -45,7 +43,7 @@ std::vector<CsvColumn> CsvColumns(const GridViews& views) {
   for (int column = 1; column < kCommonColumns; ++column) {
     columns.push_back({Content::Value, GridArea::Common, 0, column, 0, CommonHeaderOf(views, column)});
   }
-  const std::string modeWord = views.Catalogue().GetResString(kIdMode);
+  const std::string modeWord = views.Catalogue().GetResString(TextId::CsvModeColumn);
   for (int channel = 0; channel < views.ChannelGrids(); ++channel) {
     for (int column = 1; column < views.ChannelColumns(); ++column) {
       columns.push_back({Content::Value, GridArea::Sequence, channel, column, 0,

@@ -6,12 +6,13 @@
 #include <utility>
 
 #include "core/ports.h"
+#include "core/text_id.h"
 
 namespace corlune {
 
 // Shown with an OK button under the application title.
 struct EditMessage {
-  int Id = 0;        // catalogue id
+  TextId Id{};
   std::string Text;  // filled in, in the chosen language
   PromptIcon Icon = PromptIcon::Exclamation;
   bool operator==(const EditMessage&) const = default;

@@ -10,14 +10,10 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdConst = 1210;
-constexpr int kIdSweep = 1211;
-constexpr int kIdKeep = 1212;
-
 // The catalogue's word for a mode that the definition names in English.
 std::string ModeCaption(const std::string& name, const MessageCatalogue& catalogue) {
   const MessageCatalogue english(10000);
-  for (const int id : {kIdConst, kIdSweep, kIdKeep}) {
+  for (const TextId id : {TextId::ModeConst, TextId::ModeSweep, TextId::ModeKeep}) {
     if (name == english.GetResString(id)) return catalogue.GetResString(id);
   }
   return name;

@@ -15,12 +15,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdStep = 1102;  // header of column 0, the common columns follow
-constexpr int kIdBranchChannel = 1202;
-constexpr int kIdBranchStep = 1203;
-constexpr int kIdDeviceTab = 1300;
-constexpr int kIdChannelTab = 1301;
-
 // Twips. A column without an own width takes one that fits its header.
 constexpr std::array<int, kCommonColumns> kCommonWidths{720, 1000, 670, 800, 720, 720, 710, 710, 950, 1050};
 constexpr int kNamedColumnWidth = 750;
@@ -115,7 +109,7 @@ int GridViews::ChannelGrids() const {
 
 std::string GridViews::TabCaption(int tab) const {
   const bool channels = definition_.InterfaceOf(state_.ModelIndex).ChannelSelectable;
-  return catalogue_.GetResString(channels ? kIdChannelTab : kIdDeviceTab) + std::to_string(tab + 1);
+  return catalogue_.GetResString(channels ? TextId::ChannelTab : TextId::DeviceTab) + std::to_string(tab + 1);
 }
 
 int GridViews::CommonColumnWidth(int column) const {
@@ -131,11 +125,11 @@ std::string GridViews::CommonHeader(int column) const {
     const ParamDef& param = CommonDefinition(definition_, column);
     if (param.ModeKind == 2 && !param.Name.empty()) return param.Name;
     if (column == kGridStepTime && param.UnitKind == 2) {
-      return catalogue_.GetResString(kIdStep + column) + "[" +
+      return catalogue_.GetResString(Next(TextId::HeadStep, column)) + "[" +
              UnitName(param, ShownTimeUnit(definition_, sequence_)) + "]";
     }
   }
-  return catalogue_.GetResString(kIdStep + column);
+  return catalogue_.GetResString(Next(TextId::HeadStep, column));
 }
 
 CellView GridViews::SpareCell(Color background) const {
@@ -190,7 +184,7 @@ int GridViews::ChannelColumnWidth(int channel, int column) const {
 }
 
 std::string GridViews::ChannelHeader(int channel, int column) const {
-  if (column == 0) return catalogue_.GetResString(kIdStep);
+  if (column == 0) return catalogue_.GetResString(TextId::HeadStep);
   const int param = column - 1;
   const ParamDef& definition = ChannelColumn(definition_, param);
   const std::string unit = UserUnits(sequence_, definition_).UnitText(channel, param);
@@ -240,7 +234,7 @@ int GridViews::BranchColumnWidth(int column) {
 }
 
 std::string GridViews::BranchHeader(int column) const {
-  return catalogue_.GetResString(column == 0 ? kIdBranchChannel : kIdBranchStep);
+  return catalogue_.GetResString(column == 0 ? TextId::HeadBranchChannel : TextId::HeadBranchStep);
 }
 
 std::string GridViews::BranchStepNumber(GridRow step) const {

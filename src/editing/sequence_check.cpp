@@ -22,25 +22,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdRange = 9105;
-constexpr int kIdPeak = 9110;
-constexpr int kIdNoSteps = 9204;
-constexpr int kIdNoArbNumber = 9209;
-constexpr int kIdArbMissing = 9319;
-constexpr int kIdTooLarge = 9320;
-constexpr int kIdCompilerFails = 9400;
-constexpr int kIdStepLine = 9551;
-constexpr int kIdNoStep = 9715;
-constexpr int kIdNoCode = 9716;
-constexpr int kIdNoUnit = 9717;
-constexpr int kIdArbWithoutFile = 9718;
-constexpr int kIdRefused = 9719;
-constexpr int kIdNegativeTime = 9720;
-constexpr int kIdUnusable = 9721;
-constexpr int kIdError = 8330;
-constexpr int kIdWarning = 8331;
-constexpr int kIdCommonStart = 4301;  // the other common parameters follow
-
 constexpr auto kWarning = FindingSeverity::Warning;
 constexpr auto kError = FindingSeverity::Error;
 constexpr std::array<int, 5> kTextValues{kSlotFrequency, kSlotAmplitude, kSlotOffset, kSlotPhase, kSlotDuty};
@@ -80,7 +61,7 @@ class SequenceCheck {
         flow_(WalkSteps(parts.Sequence, channels_)) {}
 
   std::vector<SequenceFinding> Run() {
-    if (sequence_.StepCount == 0) Add(kError, kIdNoSteps);
+    if (sequence_.StepCount == 0) Add(kError, TextId::StepNeeded);
     CheckCommonParameters();
     // All slots are sent, so what cannot be written at all counts in unused ones too.
     for (int step = 0; step < MAX_STEPS; ++step) {
@@ -118,11 +99,11 @@ class SequenceCheck {
     std::replace(name.begin(), name.end(), '\n', ' ');
     return name;
   }
-  SequenceFinding& Add(FindingSeverity severity, int id, const std::vector<std::string>& arguments = {}) {
+  SequenceFinding& Add(FindingSeverity severity, TextId id, const std::vector<std::string>& arguments = {}) {
     return findings_.emplace_back(
         SequenceFinding{id, severity, {}, {}, parts_.Catalogue.GetResString(id, arguments)});
   }
-  void Add(FindingSeverity severity, const CellPlace& place, int id,
+  void Add(FindingSeverity severity, const CellPlace& place, TextId id,
            const std::vector<std::string>& arguments = {}) {
     SequenceFinding& finding = Add(severity, id, arguments);
     finding.Place = place;
@@ -132,7 +113,7 @@ class SequenceCheck {
     if (refusal) Add(kWarning, place, refusal->Id, refusal->Arguments);
   }
   // A value that the sequence text has no form for.
-  void Unwritable(const CellPlace& place, int id, const std::string& value) {
+  void Unwritable(const CellPlace& place, TextId id, const std::string& value) {
     Add(kError, place, id, {value});
     unwritable_ = true;
   }
@@ -159,14 +140,15 @@ class SequenceCheck {
       if (values[i] < kLeast[i] || values[i] > kMost[i]) {
         // Only the start step and the trigger have no form in the text then.
         unwritable_ = unwritable_ || i < 2;
-        Add(i < 2 ? kError : kWarning, kIdRange,
+        Add(i < 2 ? kError : kWarning, TextId::ValueOutOfRange,
             {value, std::to_string(kLeast[i]), std::to_string(kMost[i])});
       } else if (start && values[i] > sequence_.StepCount && sequence_.StepCount > 0) {
-        Add(kWarning, kIdNoStep, {value});
+        Add(kWarning, TextId::FindingNoStep, {value});
       } else {
         continue;
       }
-      findings_.back().Where = parts_.Catalogue.GetResString(kIdCommonStart + static_cast<int>(i));
+      findings_.back().Where =
+          parts_.Catalogue.GetResString(Next(TextId::CommonStartStep, static_cast<int>(i)));
     }
   }
 
@@ -176,15 +158,15 @@ class SequenceCheck {
       const CellPlace place = CommonPlace(step, column);
       const double value = CommonValue(row, column);
       if (column == kGridStepTime && value < 0) {
-        Unwritable(place, kIdNegativeTime, NumberText(value));
+        Unwritable(place, TextId::FindingNegativeTime, NumberText(value));
       } else if (IsTargetColumn(column) && (value < 0 || value > MAX_STEPS)) {
-        Unwritable(place, kIdNoStep, Shown(static_cast<int>(value)));
+        Unwritable(place, TextId::FindingNoStep, Shown(static_cast<int>(value)));
       } else if (Used(step)) {
         CheckCommonValueOf(row, step, place);
       }
     }
     if (Used(step) && (row.TimeUnit < 0 || row.TimeUnit >= kUnits)) {
-      Add(kWarning, CommonPlace(step, kGridStepTime), kIdNoUnit, {std::to_string(row.TimeUnit)});
+      Add(kWarning, CommonPlace(step, kGridStepTime), TextId::FindingNoUnit, {std::to_string(row.TimeUnit)});
     }
   }
   void CheckCommonValueOf(const StepRow& row, int step, const CellPlace& place) {
@@ -192,7 +174,7 @@ class SequenceCheck {
     const ChoiceList list = CommonChoices(definition_, place.Column);
     const auto value = static_cast<std::int16_t>(list.Texts.empty() ? 0 : CommonValue(row, place.Column));
     if (!list.Texts.empty()) {
-      if (list.IndexOf(value) < 0) Add(kWarning, place, kIdNoCode, {std::to_string(value)});
+      if (list.IndexOf(value) < 0) Add(kWarning, place, TextId::FindingNoCode, {std::to_string(value)});
     } else if (IsTargetColumn(place.Column)) {
       CheckTarget(place, static_cast<int>(CommonValue(row, place.Column)));
     } else {
@@ -200,7 +182,9 @@ class SequenceCheck {
     }
   }
   void CheckTarget(const CellPlace& place, int target) {
-    if (target < 1 || target > sequence_.StepCount) Add(kWarning, place, kIdNoStep, {Shown(target)});
+    if (target < 1 || target > sequence_.StepCount) {
+      Add(kWarning, place, TextId::FindingNoStep, {Shown(target)});
+    }
   }
 
   void CheckCells(int channel, int step) {
@@ -209,12 +193,16 @@ class SequenceCheck {
     const double waveform = cell(kSlotWaveform).Value;
     const int code = WaveformOf(sequence_, channel, step);
     const bool known = waveform == code && code >= kWaveSine && code <= kWaveUser;
-    if (!known) Unwritable(place(kSlotWaveform), kIdNoCode, NumberText(waveform));
+    if (!known) Unwritable(place(kSlotWaveform), TextId::FindingNoCode, NumberText(waveform));
     const double range = cell(kSlotPolarityRange).Value;
-    if (ToInt32(range).value_or(-1) < 0) Unwritable(place(kSlotPolarityRange), kIdNoCode, NumberText(range));
+    if (ToInt32(range).value_or(-1) < 0) {
+      Unwritable(place(kSlotPolarityRange), TextId::FindingNoCode, NumberText(range));
+    }
     for (const int slot : kTextValues) {
       const int mode = cell(slot).ChangeMode;
-      if (mode < 0 || mode >= kChangeModes) Unwritable(place(slot), kIdNoCode, std::to_string(mode));
+      if (mode < 0 || mode >= kChangeModes) {
+        Unwritable(place(slot), TextId::FindingNoCode, std::to_string(mode));
+      }
     }
     if (!Used(step) || !known) return;
     for (int slot = 0; slot < ChannelParams(definition_); ++slot) {
@@ -223,7 +211,7 @@ class SequenceCheck {
     const CellPlace level = place(code == kWaveDc ? kSlotOffset : kSlotAmplitude);
     if (ChannelInUse(definition_, sequence_, channel, step, kSlotOffset) &&
         !PeakFits(definition_, sequence_, channel, step) && FindingAt(level) == nullptr) {
-      Add(kWarning, level, kIdPeak);
+      Add(kWarning, level, TextId::PeakTooHigh);
     }
   }
   void CheckCell(int channel, int step, int slot) {
@@ -231,14 +219,14 @@ class SequenceCheck {
     const CellPlace place = ChannelPlace(channel, step, slot);
     const ChoiceList list = ChannelChoices(definition_, slot);
     if (slot == kSlotArbNumber && ArbNumberOf(cell) == 0) {
-      Add(flow_.Reachable[Index(step)] ? kError : kWarning, place, kIdNoArbNumber);
+      Add(flow_.Reachable[Index(step)] ? kError : kWarning, place, TextId::ArbNumberZero);
     } else if (list.Texts.empty()) {
       Add(place, CheckChannelValue(views_, sequence_, channel, step, slot));
     } else if (cell.Value >= 0 && list.IndexOf(ToInt16(cell.Value).value_or(-1)) < 0) {
-      Add(kWarning, place, kIdNoCode, {NumberText(cell.Value)});
+      Add(kWarning, place, TextId::FindingNoCode, {NumberText(cell.Value)});
     }
     if (ChannelColumn(definition_, slot).UnitKind != 0 && (cell.UnitIndex < 0 || cell.UnitIndex >= kUnits)) {
-      Add(kWarning, place, kIdNoUnit, {std::to_string(cell.UnitIndex)});
+      Add(kWarning, place, TextId::FindingNoUnit, {std::to_string(cell.UnitIndex)});
     }
   }
 
@@ -248,7 +236,7 @@ class SequenceCheck {
       const CellPlace place{GridArea::Branch, 0, RowOf(StepIndex{step}), 1, row};
       const std::int16_t target = sequence_.Steps[Index(step)].BranchStep[Index(row - 1)];
       if (!list.Texts.empty()) {
-        if (list.IndexOf(target) < 0) Add(kWarning, place, kIdNoCode, {std::to_string(target)});
+        if (list.IndexOf(target) < 0) Add(kWarning, place, TextId::FindingNoCode, {std::to_string(target)});
       } else if (target != 0) {
         CheckTarget(place, target);
       }
@@ -272,17 +260,17 @@ class SequenceCheck {
     if (entry.FilePath.empty()) {
       if (entry.InInstrument != 0) return;
       const bool missing = parts_.State.Online != 0 && flow_.Reachable[Index(step)];
-      Add(missing ? kError : kWarning, place, missing ? kIdArbMissing : kIdArbWithoutFile,
-          {std::to_string(number)});
+      Add(missing ? kError : kWarning, place,
+          missing ? TextId::SelectedArbMissing : TextId::FindingArbWithoutFile, {std::to_string(number)});
       return;
     }
     const std::string path = ResolveWaveformPath(entry.FilePath, parts_.State);
     const WaveformRead read = ReadArbFile(path);
     if (read.problem == WaveformProblem::None) return;
     std::string reason = path + ":";
-    if (const int id = MessageOf(read.problem); id != 0) reason += " " + parts_.Catalogue.GetResString(id);
+    if (const auto id = MessageOf(read.problem)) reason += " " + parts_.Catalogue.GetResString(*id);
     reason += " " + ReasonText(read.reason, parts_.Catalogue);
-    Add(kError, place, kIdUnusable, {reason});
+    Add(kError, place, TextId::FindingUnusableFile, {reason});
   }
 
   // False when it leaves the compiler nothing to find. Missing waveforms have been found before.
@@ -292,7 +280,9 @@ class SequenceCheck {
       if (parts_.State.Online == 0 && entry.FilePath.empty()) entry.InInstrument = 1;
     }
     const ArbCheck check = CheckArbResources(flow_, channels_, entries_, WaveformFolder(parts_.State));
-    if (check == ArbCheck::MemoryFull || check == ArbCheck::TooManyWaveforms) Add(kError, kIdTooLarge);
+    if (check == ArbCheck::MemoryFull || check == ArbCheck::TooManyWaveforms) {
+      Add(kError, TextId::FunctionsTooLarge);
+    }
     return check == ArbCheck::Passed;
   }
 
@@ -307,21 +297,21 @@ class SequenceCheck {
             CompilerCall::Done;
     if (!called) {
       if (problem.empty()) problem = parts_.Compiler.Problem();
-      Add(kError, kIdCompilerFails).Text += " " + problem;
+      Add(kError, TextId::CompilerDataIllegal).Text += " " + problem;
     } else if (record.Code != 0) {
       AddRefusal(record);
     } else if (!IsGoodCompilerResult(result)) {
-      Add(kWarning, kIdCompilerFails);  // shown at a download, which goes on
+      Add(kWarning, TextId::CompilerDataIllegal);  // shown at a download, which goes on
     }
   }
   void AddRefusal(const CompileErrorRecord& record) {
-    const int parameter = CompilerParameterMessage(record.Code);
-    const std::string text = parts_.Catalogue.GetResString(parameter != 0 ? parameter : kIdCompilerFails);
+    const TextId id = CompilerParameterMessage(record.Code).value_or(TextId::CompilerDataIllegal);
+    const std::string text = parts_.Catalogue.GetResString(id);
     const int slot = RefusedSlot(record);
     const bool placed = record.PositionB >= 1 && record.PositionB <= MAX_STEPS && slot >= 0 &&
                         record.Channel >= 0 && record.Channel < channels_;
     if (!placed) {
-      Add(kError, kIdRefused, {text});
+      Add(kError, TextId::FindingRefused, {text});
       return;
     }
     const CellPlace place = ChannelPlace(record.Channel, record.PositionB - 1, slot);
@@ -330,7 +320,7 @@ class SequenceCheck {
     if (same != nullptr) {
       same->Severity = kError;
     } else {
-      Add(kError, place, kIdRefused, {text});
+      Add(kError, place, TextId::FindingRefused, {text});
     }
   }
 
@@ -352,10 +342,12 @@ std::vector<SequenceFinding> CheckSequenceData(const CheckedParts& parts) {
 }
 
 std::string FindingLine(const SequenceFinding& finding, const MessageCatalogue& catalogue, int startStep) {
-  std::string line = catalogue.GetResString(finding.Severity == kError ? kIdError : kIdWarning) + ": ";
+  std::string line =
+      catalogue.GetResString(finding.Severity == kError ? TextId::SeverityError : TextId::SeverityWarning) +
+      ": ";
   if (finding.Place) {
     const std::string step = std::to_string(startStep + IndexOf(finding.Place->Row).value);
-    line += catalogue.GetResString(kIdStepLine, {step, finding.Where, finding.Text});
+    line += catalogue.GetResString(TextId::StepMessage, {step, finding.Where, finding.Text});
   } else {
     line += (finding.Where.empty() ? std::string() : finding.Where + ": ") + finding.Text;
   }

@@ -22,7 +22,7 @@ enum class FindingSeverity {
 };
 
 struct SequenceFinding {
-  int Id = 0;  // catalogue id of the reason
+  TextId Id{};  // of the reason
   FindingSeverity Severity = FindingSeverity::Warning;
   std::optional<CellPlace> Place;  // cell of the grids; none: the sequence as a whole
   std::string Where;               // column or field by name; may be empty

@@ -12,11 +12,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kRangeError = 9105;
-constexpr int kInputError = 9108;
-constexpr int kIdCellMessage = 9551;
-constexpr int kIdUndo = 7700;
-constexpr int kIdRedo = 7701;
 constexpr int kMaxSequenceNumber = 10;
 
 }  // namespace
@@ -34,7 +29,7 @@ bool SequenceEditor::Editable() const {
   return state_.OperationMode == OperationMode::Edit && state_.RunState == RunState::Stopped;
 }
 
-EditMessage SequenceEditor::Message(int id, const std::vector<std::string>& arguments) const {
+EditMessage SequenceEditor::Message(TextId id, const std::vector<std::string>& arguments) const {
   return {id, catalogue_.GetResString(id, arguments), PromptIcon::Exclamation};
 }
 
@@ -48,7 +43,7 @@ std::string SequenceEditor::ColumnName(const CellPlace& place) const {
 
 EditMessage SequenceEditor::CellMessage(const EntryRefusal& refusal, const CellPlace& place) const {
   const std::string step = std::to_string(sequence_.StartStep + IndexOf(place.Row).value);
-  EditMessage message = Message(kIdCellMessage, {step, ColumnName(place), Message(refusal).Text});
+  EditMessage message = Message(TextId::StepMessage, {step, ColumnName(place), Message(refusal).Text});
   message.Id = refusal.Id;
   return message;
 }
@@ -69,7 +64,7 @@ EditOutcome SequenceEditor::Finish(const std::optional<UndoSpan>& span) {
   return outcome;
 }
 
-EditOutcome SequenceEditor::Perform(EditAction action, const Change& change) {
+EditOutcome SequenceEditor::Perform(TextId action, const Change& change) {
   if (!Editable()) {
     EditOutcome nothing;
     nothing.Accepted = false;
@@ -78,14 +73,14 @@ EditOutcome SequenceEditor::Perform(EditAction action, const Change& change) {
   return RecordEntry(action, change);
 }
 
-EditOutcome SequenceEditor::Record(EditAction action, const std::function<void()>& change) {
+EditOutcome SequenceEditor::Record(TextId action, const std::function<void()>& change) {
   return RecordEntry(action, [&change]() -> std::optional<EditMessage> {
     change();
     return std::nullopt;
   });
 }
 
-EditOutcome SequenceEditor::RecordEntry(EditAction action, const Change& change) {
+EditOutcome SequenceEditor::RecordEntry(TextId action, const Change& change) {
   history_.Synchronise(state_.Modified);
   const auto before = std::make_unique<SequenceData>(sequence_);
   if (const std::optional<EditMessage> refusal = change()) {
@@ -94,7 +89,7 @@ EditOutcome SequenceEditor::RecordEntry(EditAction action, const Change& change)
   }
   if (sequence_.Cells != before->Cells) ComputeStartValues(sequence_);
   const std::optional<UndoSpan> span =
-      history_.Record(catalogue_.GetResString(static_cast<int>(action)), cursor_, *before, sequence_);
+      history_.Record(catalogue_.GetResString(action), cursor_, *before, sequence_);
   if (span) state_.Modified = true;
   return Finish(span);
 }
@@ -128,12 +123,12 @@ EditOutcome SequenceEditor::Redo() {
 }
 
 std::string SequenceEditor::UndoText() const {
-  const std::string word = catalogue_.GetResString(kIdUndo);
+  const std::string word = catalogue_.GetResString(TextId::UndoWord);
   return CanUndo() ? word + ": " + history_.UndoCaption() : word;
 }
 
 std::string SequenceEditor::RedoText() const {
-  const std::string word = catalogue_.GetResString(kIdRedo);
+  const std::string word = catalogue_.GetResString(TextId::RedoWord);
   return CanRedo() ? word + ": " + history_.RedoCaption() : word;
 }
 
@@ -143,7 +138,7 @@ bool SequenceEditor::IsEditableCell(const CellPlace& place) const {
 
 EditOutcome SequenceEditor::EnterText(const CellPlace& place, std::string_view text) {
   if (!IsEditableCell(place)) return {};
-  return Perform(EditAction::CellEntry, [&]() -> std::optional<EditMessage> {
+  return Perform(TextId::EditCellEntry, [&]() -> std::optional<EditMessage> {
     const int step = IndexOf(place.Row).value;
     EntryResult result;
     switch (place.Area) {
@@ -166,7 +161,7 @@ EditOutcome SequenceEditor::EnterText(const CellPlace& place, std::string_view t
 EditOutcome SequenceEditor::Choose(const CellPlace& place, int index) {
   const EditorSpec editor = EditorFor(views_, place);
   if (!editor.List || index < 0 || index >= static_cast<int>(editor.Choices.size())) return {};
-  return Perform(EditAction::CellEntry, [&]() -> std::optional<EditMessage> {
+  return Perform(TextId::EditCellEntry, [&]() -> std::optional<EditMessage> {
     const int step = IndexOf(place.Row).value;
     const auto entry = static_cast<std::size_t>(index);
     StepRow& row = sequence_.Step(step);
@@ -198,7 +193,7 @@ EditOutcome SequenceEditor::Choose(const CellPlace& place, int index) {
 EditOutcome SequenceEditor::ChooseOption(const CellPlace& place, int index) {
   const EditorSpec editor = EditorFor(views_, place);
   if (index < 0 || index >= static_cast<int>(editor.Options.size())) return {};
-  return Perform(EditAction::CellEntry, [&]() -> std::optional<EditMessage> {
+  return Perform(TextId::EditCellEntry, [&]() -> std::optional<EditMessage> {
     const int step = IndexOf(place.Row).value;
     if (place.Area == GridArea::Common) {
       SwitchCommonValue(views_, sequence_, step, place.Column, index == kSwitchOn);
@@ -214,7 +209,7 @@ EditOutcome SequenceEditor::ChooseOption(const CellPlace& place, int index) {
 EditOutcome SequenceEditor::ChooseUnit(const CellPlace& place, int index) {
   const EditorSpec editor = EditorFor(views_, place);
   if (index < 0 || index >= static_cast<int>(editor.Units.size())) return {};
-  return Perform(EditAction::CellEntry, [&]() -> std::optional<EditMessage> {
+  return Perform(TextId::EditCellEntry, [&]() -> std::optional<EditMessage> {
     if (place.Area == GridArea::Common) {
       ChangeTimeUnit(definition_, sequence_, index);
     } else {
@@ -228,10 +223,11 @@ EditOutcome SequenceEditor::EnterField(std::string_view text, const SelectorSpec
                                        std::int16_t& field) {
   const std::string plain = PlainEntry(text);
   const std::optional<double> number = ParseNumber(plain);
-  if (!number || *number != std::nearbyint(*number)) return EditOutcome::Refused(Message(kInputError));
+  if (!number || *number != std::nearbyint(*number)) return EditOutcome::Refused(Message(TextId::InputError));
   if (*number < range.Minimum || *number > range.Maximum) {
-    return EditOutcome::Refused(Message(
-        kRangeError, {plain.substr(0, 40), std::to_string(range.Minimum), std::to_string(range.Maximum)}));
+    return EditOutcome::Refused(
+        Message(TextId::ValueOutOfRange,
+                {plain.substr(0, 40), std::to_string(range.Minimum), std::to_string(range.Maximum)}));
   }
   EditOutcome outcome;
   const auto value = static_cast<std::int16_t>(*number);

@@ -25,28 +25,6 @@
 
 namespace corlune {
 
-// What an undo entry is called; the values are caption ids of the catalogue.
-enum class EditAction : int {
-  CellEntry = 7710,
-  AddRow = 7711,
-  InsertRow = 7712,
-  DeleteRow = 7713,
-  RowUp = 7714,
-  RowDown = 7715,
-  Paste = 7716,
-  Initialize = 7717,
-  DuplicateRows = 7704,
-  FillDown = 7705,
-  PasteText = 7703,
-  ImportCsv = 7721,
-  ReadBack = 7722,
-  CommonParameters = 7723,
-  ChannelSettings = 7724,
-  Waveforms = 7725,
-  ModeSettings = 7726,
-  ViewAreas = 7727,
-};
-
 class SequenceEditor {
  public:
   // The referred objects must outlive this one.
@@ -99,9 +77,9 @@ class SequenceEditor {
   std::string UndoText() const;  // "Undo: Paste"; without an entry only the first word
   std::string RedoText() const;
   const UndoHistory& History() const { return history_; }
-  // Runs `change`, which may alter the sequence in any way (a dialog's OK, a read-back), as one entry. Sets
-  // the modified flag when something changed.
-  EditOutcome Record(EditAction action, const std::function<void()>& change);
+  // Runs `change`, which may alter the sequence in any way (a dialog's OK, a read-back), as one entry
+  // called `action`. Sets the modified flag when something changed.
+  EditOutcome Record(TextId action, const std::function<void()>& change);
   // After New and Open: forgets history and copy buffer, puts the cursor on the first cell, recolours.
   void Restart();
 
@@ -121,10 +99,10 @@ class SequenceEditor {
   using Change = std::function<std::optional<EditMessage>()>;
 
   // Runs `change` as one entry; a message refuses it and puts the sequence back. Perform: while editable.
-  EditOutcome Perform(EditAction action, const Change& change);
-  EditOutcome RecordEntry(EditAction action, const Change& change);
+  EditOutcome Perform(TextId action, const Change& change);
+  EditOutcome RecordEntry(TextId action, const Change& change);
   EditOutcome Finish(const std::optional<UndoSpan>& span);
-  EditMessage Message(int id, const std::vector<std::string>& arguments = {}) const;
+  EditMessage Message(TextId id, const std::vector<std::string>& arguments = {}) const;
   EditMessage Message(const EntryRefusal& refusal) const { return Message(refusal.Id, refusal.Arguments); }
   // The refusal with the step and column it concerns.
   EditMessage CellMessage(const EntryRefusal& refusal, const CellPlace& place) const;
@@ -133,7 +111,7 @@ class SequenceEditor {
   EditOutcome EnterField(std::string_view text, const SelectorSpec& range, std::int16_t& field);
 
   void OpenSlots(int slot, int count);
-  EditOutcome MoveRow(EditAction action, int distance);
+  EditOutcome MoveRow(TextId action, int distance);
   bool AskBeforeDelete(int slot);
   // The selection without header, spare row and column 0; nullopt when nothing is left.
   std::optional<GridBlock> Selection() const;

@@ -12,8 +12,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdFormDiffers = 9106;
-
 // Takes everything over but the unit, which is that of the column.
 void CopyCell(const ModelDefinition& definition, int param, const ParamCell& from, ParamCell& to) {
   const std::int16_t unit = to.UnitIndex;
@@ -106,14 +104,14 @@ EditOutcome SequenceEditor::Paste() {
       selected->LastColumn == source.LastColumn &&
       (selected->FirstRow == source.FirstRow || source.Rows() == 1 || selected->Rows() == source.Rows());
   if (!fits) {
-    EditMessage message = Message(kIdFormDiffers);
+    EditMessage message = Message(TextId::CopyFormsDiffer);
     message.Icon = PromptIcon::None;
     return EditOutcome::Refused(std::move(message));
   }
   GridBlock target = *selected;
   if (source.Rows() != 1) target.LastRow = target.FirstRow + std::min(target.Rows(), source.Rows()) - 1;
   const auto before = std::make_unique<SequenceData>(sequence_);
-  return Perform(EditAction::Paste, [&] {
+  return Perform(TextId::EditPaste, [&] {
     for (int row = target.FirstRow; row <= target.LastRow; ++row) {
       const auto from = static_cast<std::size_t>(source.Rows() == 1 ? 0 : row - target.FirstRow);
       CopyRowCells(copied_->Steps[from], copied_->Cells[from], source, target, row - 1);
@@ -136,7 +134,7 @@ EditOutcome SequenceEditor::Initialize() {
   const std::optional<GridBlock> block = Selection();
   if (!block) return {};
   const auto before = std::make_unique<SequenceData>(sequence_);
-  return Perform(EditAction::Initialize, [&]() -> std::optional<EditMessage> {
+  return Perform(TextId::EditInitialize, [&]() -> std::optional<EditMessage> {
     const auto fresh = std::make_unique<SequenceData>();
     ResetStep(*fresh, 0, definition_);
     for (int step = block->FirstRow - 1; step < block->LastRow; ++step) {
@@ -169,7 +167,7 @@ EditOutcome SequenceEditor::FillDown() {
   target.FirstRow = sourceRow + 1;
   if (sourceRow < 1) return {};
   const auto before = std::make_unique<SequenceData>(sequence_);
-  return Perform(EditAction::FillDown, [&] {
+  return Perform(TextId::EditFillDown, [&] {
     const StepRow row = sequence_.Step(sourceRow - 1);
     const std::array<StepCells, MAX_CHANNELS> cells{CellsOf(sequence_, 0, sourceRow - 1),
                                                     CellsOf(sequence_, 1, sourceRow - 1)};

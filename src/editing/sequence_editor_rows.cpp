@@ -12,10 +12,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdJumpTargetDeleted = 9102;
-constexpr int kIdBranchTargetDeleted = 9103;
-constexpr int kIdTooManySteps = 9550;
-
 void CopyCells(SequenceData& sequence, int channels, int from, int to) {
   for (int channel = 0; channel < channels; ++channel) {
     for (int param = 0; param < MAX_PARAMS; ++param) {
@@ -78,7 +74,7 @@ void SequenceEditor::OpenSlots(int slot, int count) {
 
 EditOutcome SequenceEditor::AddRow() {
   if (sequence_.StepCount >= views_.MaxSteps()) return {};
-  EditOutcome outcome = Perform(EditAction::AddRow, [&]() -> std::optional<EditMessage> {
+  EditOutcome outcome = Perform(TextId::EditAddRow, [&]() -> std::optional<EditMessage> {
     const int slot = sequence_.StepCount++;
     ResetStep(sequence_, slot, definition_);
     AdoptUnits(sequence_, views_.ChannelGrids(), slot, definition_);
@@ -93,7 +89,7 @@ EditOutcome SequenceEditor::InsertRow() {
   if (sequence_.StepCount >= views_.MaxSteps()) return {};
   if (sequence_.StepCount == 0) return AddRow();
   const int slot = std::clamp<int>(cursor_.CurrentRow, 1, sequence_.StepCount) - 1;
-  EditOutcome outcome = Perform(EditAction::InsertRow, [&]() -> std::optional<EditMessage> {
+  EditOutcome outcome = Perform(TextId::EditInsertRow, [&]() -> std::optional<EditMessage> {
     OpenSlots(slot, 1);
     ResetVisible(sequence_, views_.ChannelGrids(), slot, definition_);
     AdoptUnits(sequence_, views_.ChannelGrids(), slot, definition_);
@@ -113,12 +109,12 @@ bool SequenceEditor::AskBeforeDelete(int slot) {
     jump = jump || (row.JumpOn != 0 && row.JumpTo == number);
     branch = branch || BranchesTo(row, number, definition_.Branches);
   }
-  const auto agreed = [&](int id) {
+  const auto agreed = [&](TextId id) {
     return ShowMessage(prompts_, catalogue_, id, PromptIcon::Question, PromptButtons::OkCancel) ==
            PromptAnswer::Ok;
   };
-  if (jump && !agreed(kIdJumpTargetDeleted)) return false;
-  return !branch || agreed(kIdBranchTargetDeleted);
+  if (jump && !agreed(TextId::JumpTargetDeletedQuestion)) return false;
+  return !branch || agreed(TextId::BranchTargetDeletedQuestion);
 }
 
 EditOutcome SequenceEditor::DeleteRow() {
@@ -129,7 +125,7 @@ EditOutcome SequenceEditor::DeleteRow() {
     cancelled.Accepted = false;
     return cancelled;
   }
-  EditOutcome outcome = Perform(EditAction::DeleteRow, [&]() -> std::optional<EditMessage> {
+  EditOutcome outcome = Perform(TextId::EditDeleteRow, [&]() -> std::optional<EditMessage> {
     for (int slot = row - 1; slot + 1 < MAX_STEPS; ++slot) {
       sequence_.Step(slot) = sequence_.Step(slot + 1);
       CopyCells(sequence_, views_.ChannelGrids(), slot + 1, slot);
@@ -146,7 +142,7 @@ EditOutcome SequenceEditor::DeleteRow() {
   return outcome;
 }
 
-EditOutcome SequenceEditor::MoveRow(EditAction action, int distance) {
+EditOutcome SequenceEditor::MoveRow(TextId action, int distance) {
   const int row = cursor_.CurrentRow;
   const int other = row + distance;
   if (row < 1 || row > sequence_.StepCount || other < 1 || other > sequence_.StepCount) return {};
@@ -173,11 +169,11 @@ EditOutcome SequenceEditor::MoveRow(EditAction action, int distance) {
 }
 
 EditOutcome SequenceEditor::RowUp() {
-  return MoveRow(EditAction::RowUp, -1);
+  return MoveRow(TextId::EditRowUp, -1);
 }
 
 EditOutcome SequenceEditor::RowDown() {
-  return MoveRow(EditAction::RowDown, 1);
+  return MoveRow(TextId::EditRowDown, 1);
 }
 
 EditOutcome SequenceEditor::DuplicateRows() {
@@ -185,9 +181,9 @@ EditOutcome SequenceEditor::DuplicateRows() {
   if (!block) return {};
   const int count = block->Rows();
   if (sequence_.StepCount + count > views_.MaxSteps()) {
-    return EditOutcome::Refused(Message(kIdTooManySteps, {std::to_string(views_.MaxSteps())}));
+    return EditOutcome::Refused(Message(TextId::TooManySteps, {std::to_string(views_.MaxSteps())}));
   }
-  EditOutcome outcome = Perform(EditAction::DuplicateRows, [&]() -> std::optional<EditMessage> {
+  EditOutcome outcome = Perform(TextId::EditDuplicateRows, [&]() -> std::optional<EditMessage> {
     OpenSlots(block->LastRow, count);
     for (int slot = block->LastRow; slot < block->LastRow + count; ++slot) {
       const int source = slot - count;

@@ -15,15 +15,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kInputError = 9108;
-constexpr int kIdTooManySteps = 9550;
-constexpr int kIdLineMessage = 9552;
-constexpr int kIdUnknownColumn = 9553;
-constexpr int kIdNoSteps = 9554;
-constexpr int kIdTextTooLarge = 9555;
-constexpr int kIdColumnTwice = 9556;
-constexpr int kIdOpenQuote = 9557;
-constexpr int kIdFieldCount = 9558;
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 constexpr std::size_t kLongestName = 40;  // characters of a foreign header that a message repeats
 
@@ -43,7 +34,7 @@ EntryResult StoreMode(const GridViews& views, SequenceData& sequence, const CsvC
     sequence.Cell(column.Channel, step, param).ChangeMode = modes[i];
     return std::nullopt;
   }
-  return EntryRefusal{kInputError, {}};
+  return EntryRefusal{TextId::InputError, {}};
 }
 
 EntryResult StoreCsvCell(const GridViews& views, SequenceData& sequence, const CsvColumn& column, int step,
@@ -130,7 +121,7 @@ EditOutcome SequenceEditor::PasteText(std::string_view text) {
   const ParsedTable table = ParseTable(text, separator, limits, BlankLines::Rows);
   if (table.Problem != TableProblem::None) {
     return EditOutcome::Refused(
-        Message(table.Problem == TableProblem::OpenQuote ? kIdOpenQuote : kIdTextTooLarge,
+        Message(table.Problem == TableProblem::OpenQuote ? TextId::OpenQuote : TextId::TextTooLarge,
                 {std::to_string(table.Line)}));
   }
   if (table.Rows.empty()) return {};
@@ -141,7 +132,7 @@ EditOutcome SequenceEditor::PasteText(std::string_view text) {
   if (!single) target.LastRow = target.FirstRow + static_cast<int>(table.Rows.size()) - 1;
   target.LastColumn = lastColumn;
   const auto before = std::make_unique<SequenceData>(sequence_);
-  return Perform(EditAction::PasteText, [&]() -> std::optional<EditMessage> {
+  return Perform(TextId::EditPasteText, [&]() -> std::optional<EditMessage> {
     for (int row = target.FirstRow; row <= target.LastRow; ++row) {
       const auto& cells =
           single ? repeated : table.Rows[static_cast<std::size_t>(row - target.FirstRow)].Cells;
@@ -174,15 +165,19 @@ EditOutcome SequenceEditor::ImportCsv(std::string_view text) {
   const std::vector<CsvColumn> columns = CsvColumns(views_);
   const auto maxSteps = static_cast<std::size_t>(views_.MaxSteps());
   const ParsedTable table = ParseTable(text, ',', {maxSteps + 1, columns.size()});
-  const auto refuse = [&](int id, const std::vector<std::string>& arguments) {
+  const auto refuse = [&](TextId id, const std::vector<std::string>& arguments) {
     return EditOutcome::Refused(Message(id, arguments));
   };
-  if (table.Problem == TableProblem::OpenQuote) return refuse(kIdOpenQuote, {std::to_string(table.Line)});
-  if (table.Problem == TableProblem::TooLarge && table.Rows.size() > maxSteps) {
-    return refuse(kIdTooManySteps, {std::to_string(maxSteps)});
+  if (table.Problem == TableProblem::OpenQuote) {
+    return refuse(TextId::OpenQuote, {std::to_string(table.Line)});
   }
-  if (table.Problem == TableProblem::TooLarge) return refuse(kIdFieldCount, {std::to_string(table.Line)});
-  if (table.Rows.size() < 2) return refuse(kIdNoSteps, {});
+  if (table.Problem == TableProblem::TooLarge && table.Rows.size() > maxSteps) {
+    return refuse(TextId::TooManySteps, {std::to_string(maxSteps)});
+  }
+  if (table.Problem == TableProblem::TooLarge) {
+    return refuse(TextId::FieldCountDiffers, {std::to_string(table.Line)});
+  }
+  if (table.Rows.size() < 2) return refuse(TextId::TextWithoutSteps, {});
 
   std::vector<MappedColumn> mapped;
   for (std::size_t field = 0; field < table.Rows[0].Cells.size(); ++field) {
@@ -190,26 +185,28 @@ EditOutcome SequenceEditor::ImportCsv(std::string_view text) {
     const auto found = std::find_if(columns.begin(), columns.end(), [&](const CsvColumn& column) {
       return EqualIgnoringCase(PlainEntry(column.Header), header);
     });
-    if (found == columns.end()) return refuse(kIdUnknownColumn, {header.substr(0, kLongestName)});
+    if (found == columns.end()) return refuse(TextId::UnknownColumn, {header.substr(0, kLongestName)});
     const bool twice = std::any_of(mapped.begin(), mapped.end(), [&](const MappedColumn& other) {
       return other.Target.Header == found->Header;
     });
-    if (twice) return refuse(kIdColumnTwice, {header});
+    if (twice) return refuse(TextId::ColumnTwice, {header});
     mapped.push_back({field, *found});
   }
   std::stable_sort(mapped.begin(), mapped.end(), [](const MappedColumn& a, const MappedColumn& b) {
     return StoringOrder(a.Target) < StoringOrder(b.Target);
   });
   for (const TableRow& row : table.Rows) {
-    if (row.Cells.size() != mapped.size()) return refuse(kIdFieldCount, {std::to_string(row.Line)});
+    if (row.Cells.size() != mapped.size()) {
+      return refuse(TextId::FieldCountDiffers, {std::to_string(row.Line)});
+    }
   }
 
   const auto lineMessage = [&](std::size_t line, const std::string& column, const EntryRefusal& refusal) {
-    EditMessage message = Message(kIdLineMessage, {std::to_string(line), column, Message(refusal).Text});
+    EditMessage message = Message(TextId::LineMessage, {std::to_string(line), column, Message(refusal).Text});
     message.Id = refusal.Id;
     return message;
   };
-  return Perform(EditAction::ImportCsv, [&]() -> std::optional<EditMessage> {
+  return Perform(TextId::EditImportCsv, [&]() -> std::optional<EditMessage> {
     const int oldCount = sequence_.StepCount;
     const int count = static_cast<int>(table.Rows.size()) - 1;
     sequence_.StepCount = static_cast<std::int16_t>(count);

@@ -14,9 +14,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kRangeError = 9105;
-constexpr int kInputError = 9108;
-constexpr int kPeakError = 9110;
 constexpr std::size_t kLongestArgument = 40;  // characters of a typed text that a message repeats
 constexpr double kLargestInteger = 32767;
 
@@ -26,7 +23,7 @@ constexpr const char* kPhaseFormat = "#0.#";
 constexpr const char* kIntegerFormat = "0";
 
 EntryRefusal InputError() {
-  return {kInputError, {}};
+  return {TextId::InputError, {}};
 }
 
 std::string Shortened(const std::string& text) {
@@ -37,7 +34,7 @@ std::string Shortened(const std::string& text) {
 }
 
 EntryRefusal RangeError(const std::string& text, const std::string& minimum, const std::string& maximum) {
-  return {kRangeError, {Shortened(text), minimum, maximum}};
+  return {TextId::ValueOutOfRange, {Shortened(text), minimum, maximum}};
 }
 
 bool AllDigits(std::string_view text) {
@@ -247,7 +244,7 @@ EntryResult StoreChannelText(const GridViews& views, SequenceData& sequence, int
   if (mode == EntryMode::Typed && peakParam && PeakMatters(views, sequence, channel, step) &&
       !PeakFits(views.Definition(), sequence, channel, step)) {
     cell = old;
-    return EntryRefusal{kPeakError, {}};
+    return EntryRefusal{TextId::PeakTooHigh, {}};
   }
   return std::nullopt;
 }
@@ -376,12 +373,14 @@ EntryResult SettleChannelStep(const GridViews& views, SequenceData& sequence, in
       PeakFits(definition, sequence, channel, step)) {
     return std::nullopt;
   }
-  if (seenBefore(kSlotAmplitude) || changed(kSlotAmplitude)) return refuse(kSlotAmplitude, {kPeakError, {}});
+  if (seenBefore(kSlotAmplitude) || changed(kSlotAmplitude)) {
+    return refuse(kSlotAmplitude, {TextId::PeakTooHigh, {}});
+  }
   const double room = kPeakLimit - std::abs(valueOf(kSlotOffset));
   SetBaseValue(definition, kSlotAmplitude, std::max(0.0, 2 * room),
                sequence.Cell(channel, step, kSlotAmplitude));
   if (PeakFits(definition, sequence, channel, step)) return std::nullopt;
-  return refuse(kSlotOffset, {kPeakError, {}});
+  return refuse(kSlotOffset, {TextId::PeakTooHigh, {}});
 }
 
 }  // namespace corlune

@@ -13,7 +13,7 @@
 namespace corlune {
 
 struct EntryRefusal {
-  int Id = 0;  // catalogue id: 9105, 9108, 9110 or one of this room
+  TextId Id{};  // ValueOutOfRange, InputError, PeakTooHigh or one of this room
   std::vector<std::string> Arguments;
 };
 using EntryResult = std::optional<EntryRefusal>;  // nullopt: accepted

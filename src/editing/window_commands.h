@@ -66,12 +66,12 @@ enum class MenuPlace { File, Edit, View, Mode, Run, Tool, Help, Display };
 struct MenuRow {
   MenuPlace place;
   const char* name;  // object name
-  int caption;       // catalogue id
+  TextId caption;
 };
 
 struct CommandRow {
   Command id;
-  int caption;     // catalogue id
+  TextId caption;
   MenuPlace menu;  // in the order of the table
   int group;       // a separator stands between two groups of a menu
   int item;  // entry of ControlStates::MenuItems; below 0: one that the model definition does not switch

@@ -71,8 +71,8 @@ void RunQueries::StopAllForOutputOff(int instrument) {
     run_.state.OutputOn = false;
     ShowCommunicationError(run_, failed, PromptIcon::Critical);
   } else {
-    ShowMessage(run_.prompts, run_.catalogue, 9203, PromptIcon::Information, PromptButtons::Ok,
-                {std::to_string(instrument + 1)});
+    ShowMessage(run_.prompts, run_.catalogue, TextId::OutputTurnedOff, PromptIcon::Information,
+                PromptButtons::Ok, {std::to_string(instrument + 1)});
   }
   measure_.MeasureEnd();
   RefreshBoth(run_);

@@ -15,7 +15,7 @@ inline constexpr int kStepQueryFailed = -2;  // StepQuery: communication failure
 inline constexpr int kNoStep = -1;           // StepQuery: the instrument runs no step
 
 enum class OutputCheck {
-  WhileRunning,  // an output found off while the run is going was switched off: all stop, message 9203
+  WhileRunning,  // an output found off while the run is going was switched off: all stop, OutputTurnedOff
   AfterEnd,      // the run is over anyway: an output found off is only reported back
 };
 
@@ -23,11 +23,11 @@ class RunQueries {
  public:
   RunQueries(RunContext run, Measure& measure) : run_(run), measure_(measure) {}
 
-  // `instrument`: 0-based. 1 on, 0 off (also a reply that is no number), kQueryFailed after message 9201,
-  // with the monitor stopped. Off-line 1 without traffic.
+  // `instrument`: 0-based. 1 on, 0 off (also a reply that is no number), kQueryFailed after message
+  // CommunicationError, with the monitor stopped. Off-line 1 without traffic.
   int OutputQuery(int instrument, OutputCheck check = OutputCheck::WhileRunning);
   // 2 asks for a stop, 4 running, 8 held; 0 for a reply that is no number and off-line; kQueryFailed after
-  // message 9201, in edit mode with the monitor stopped.
+  // message CommunicationError, in edit mode with the monitor stopped.
   int StatusQuery(int instrument);
   // The step's slot index, kNoStep, another number as the instrument sends it, or kStepQueryFailed, in edit
   // mode with the monitor stopped. Off-line: the current step of a run, else 0.

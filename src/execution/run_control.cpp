@@ -13,7 +13,6 @@ namespace {
 
 constexpr const char* kResumeCommand = ":TRIG1:SEL:EXEC RES";
 constexpr std::int32_t kResumeWait = 400;  // ms
-constexpr int kGoOnQuestion = 9700;
 
 Work WorkOf(Run command) {
   switch (command) {
@@ -40,7 +39,7 @@ RunControl::RunControl(RunContext run, Measure& measure, RunQueries& queries, Ac
 
 bool RunControl::AgreeToGoOn() {
   return !run_.state.MayStillRun ||
-         ShowMessage(run_.prompts, run_.catalogue, kGoOnQuestion, PromptIcon::Question,
+         ShowMessage(run_.prompts, run_.catalogue, TextId::GoOnQuestion, PromptIcon::Question,
                      PromptButtons::OkCancel, {}, PromptAnswer::Cancel) == PromptAnswer::Ok;
 }
 
@@ -61,7 +60,7 @@ bool RunControl::ChangeMode(OperationMode mode) {
   if (!AgreeToGoOn()) return false;
   if (mode == OperationMode::Execution) {
     if (run_.sequence.StepCount == 0) {
-      ShowMessage(run_.prompts, run_.catalogue, 9204, PromptIcon::Information);
+      ShowMessage(run_.prompts, run_.catalogue, TextId::StepNeeded, PromptIcon::Information);
       return false;
     }
     run_.commands.SelectInstrument(0);
@@ -141,8 +140,8 @@ bool RunControl::FailRun(int instrument) {
 }
 
 bool RunControl::SwitchOutputsForStart() {
-  if (ShowMessage(run_.prompts, run_.catalogue, 9200, PromptIcon::Information, PromptButtons::OkCancel) !=
-          PromptAnswer::Ok ||
+  if (ShowMessage(run_.prompts, run_.catalogue, TextId::StartWithOutputQuestion, PromptIcon::Information,
+                  PromptButtons::OkCancel) != PromptAnswer::Ok ||
       stopWaits_) {
     return false;
   }
@@ -222,7 +221,7 @@ bool RunControl::Hold() {
   return true;
 }
 
-std::string RunControl::BranchCommand(int instrument) const {
+std::string RunControl::BranchCommand(int instrument, int branchChannel) const {
   // The template's digit names an entry of the branch table; the person's branch channel takes its place.
   std::string command = run_.commands.Definition().Commands.Branch.Template;
   constexpr std::string_view kBranchStep = "$BNHSTP";
@@ -230,7 +229,7 @@ std::string RunControl::BranchCommand(int instrument) const {
   if (at != std::string::npos && command.compare(at, kBranchStep.size(), kBranchStep) == 0) {
     const std::size_t digit = at + kBranchStep.size();
     if (digit < command.size() && command[digit] >= '0' && command[digit] <= '9') {
-      command[digit] = static_cast<char>('0' + run_.sequence.BranchChannel - 1);
+      command[digit] = static_cast<char>('0' + branchChannel - 1);
     }
   }
   const std::vector<ChannelTab> tabs = ChannelTabs(run_.state);
@@ -246,14 +245,14 @@ std::string RunControl::BranchCommand(int instrument) const {
 bool RunControl::Branch() {
   AppState& state = run_.state;
   const StepRow* row = CurrentStepRow(run_);
-  const int channel = run_.sequence.BranchChannel;
+  const int channel = std::exchange(pressedChannel_, std::nullopt).value_or(run_.sequence.BranchChannel);
   if (state.RunState != RunState::Running || !row || channel < 1 || channel > kBranchEntries) return false;
   const std::int16_t target = row->BranchStep[static_cast<std::size_t>(channel - 1)];
   if (target == 0) return false;
   state.BranchRequested = true;
   state.BranchTarget = target;
   const std::int32_t wait = run_.commands.Definition().Commands.Branch.Wait;
-  const int failed = SendToAll([this](int instrument) { return BranchCommand(instrument); }, wait);
+  const int failed = SendToAll([&](int instrument) { return BranchCommand(instrument, channel); }, wait);
   if (failed >= 0) return FailRun(failed);
   return true;
 }
@@ -273,7 +272,8 @@ bool RunControl::SwitchOutput(bool on) {
 
 void RunControl::PressStop() {
   AppState& state = run_.state;
-  afterTick_.reset();
+  // Takes back what would go on, not what makes safe.
+  if (afterTick_ != Run::OutputOff) afterTick_.reset();
   if (current_) {
     if (*current_ == Run::Stop) return;
     state.PendingRequest = PendingRequest::Stop;
@@ -297,6 +297,8 @@ void RunControl::PressAtNextTick(PendingRequest request) {
   // Without a running run no tick carries it out; kept, it would strike when the run resumes.
   if (state.RunState != RunState::Running && !activity_.Commanding()) return;
   state.PendingRequest = request;
+  // The field can be changed before the tick.
+  if (request == PendingRequest::Branch) pressedChannel_ = run_.sequence.BranchChannel;
 }
 
 void RunControl::PressAtOnce(Run command) {
@@ -349,15 +351,16 @@ void RunControl::Button(int index) {
 }
 
 void RunControl::TickEnded() {
-  const std::optional<Run> waiting = std::exchange(afterTick_, std::nullopt);
+  std::optional<Run> waiting = std::exchange(afterTick_, std::nullopt);
   AppState& state = run_.state;
-  if (state.RunState == RunState::Held && state.PendingRequest == PendingRequest::Stop) {
-    state.PendingRequest = PendingRequest::None;
-    RunCommand(Run::Stop);
-  } else if (stopWaits_ && state.RunState == RunState::Stopped) {
+  const bool stops = stopWaits_ && state.RunState != RunState::Running;
+  if (stops) {
     stopWaits_ = false;
-    if (state.MayStillRun) RunCommand(Run::Stop);
-  } else if (waiting && (state.OperationMode == OperationMode::Execution || state.MayStillRun)) {
+    state.PendingRequest = PendingRequest::None;
+    if (state.RunState == RunState::Held || state.MayStillRun) RunCommand(Run::Stop);
+    if (waiting != Run::OutputOff) waiting.reset();
+  }
+  if (waiting && (state.OperationMode == OperationMode::Execution || state.MayStillRun)) {
     RunCommand(*waiting);
   }
 }

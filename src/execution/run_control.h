@@ -22,8 +22,8 @@ class RunControl {
   RunControl(RunContext run, Measure& measure, RunQueries& queries, Activity& activity,
              std::function<bool()> download, std::function<bool()> reopen = {});
 
-  // Execution: needs a step (else message 9204) and a successful download. Refused while anything is under
-  // way and while a run is going or held. True when the mode was entered. Asks AgreeToGoOn first.
+  // Execution: needs a step (else message StepNeeded) and a successful download. Refused while anything is
+  // under way and while a run is going or held. True when the mode was entered. Asks AgreeToGoOn first.
   bool SetOperationMode(OperationMode mode);
 
   // Carries out a command at once, on every instrument. False when it was refused (another command under
@@ -33,14 +33,15 @@ class RunControl {
   // state.
   bool RunCommand(Run command);
 
-  // While AppState::MayStillRun: asks whether to go on without a stop (9700). True when there is nothing to
-  // ask, or the person agreed.
+  // While AppState::MayStillRun: asks whether to go on without a stop (GoOnQuestion). True when there is
+  // nothing to ask, or the person agreed.
   bool AgreeToGoOn();
 
   // A press on run menu item 0..5 (Run's order).
   //   Stop: held, at once; running, at the monitor's next tick; during a command, when that command ends, and
   //   a Start sends no start command any more. While MayStillRun at once, or behind what is under way.
-  //   Hold, Branch: at the monitor's next tick; ignored unless running, and behind a waiting stop.
+  //   Hold, Branch: at the monitor's next tick, Branch with the channel of the press; ignored unless running,
+  //   and behind a waiting stop.
   //   Start, Output: at once; during a tick, at its end; during a command, ignored.
   // Start and Output need execution mode; Output OFF does not while MayStillRun.
   void MenuItem(int item);
@@ -78,7 +79,7 @@ class RunControl {
   int SendToAll(const std::function<std::string(int)>& command, std::int32_t wait);
   bool FailRun(int instrument);
   void SayFailure(int instrument);
-  std::string BranchCommand(int instrument) const;
+  std::string BranchCommand(int instrument, int branchChannel) const;
 
   RunContext run_;
   Measure& measure_;
@@ -91,6 +92,7 @@ class RunControl {
   // when a failed query ended it, the stop is sent all the same.
   bool stopWaits_ = false;
   std::optional<Run> afterTick_;
+  std::optional<std::int16_t> pressedChannel_;  // the branch channel when Branch was pressed
 };
 
 }  // namespace corlune

@@ -96,7 +96,7 @@ RunMonitor::Next RunMonitor::AfterLastStep() {
   measure_.MarkEndedWell();
   measure_.MeasureEnd();
   RefreshBoth(run_);
-  ShowMessage(run_.prompts, run_.catalogue, 9202, PromptIcon::Information);
+  ShowMessage(run_.prompts, run_.catalogue, TextId::ExecutionEnded, PromptIcon::Information);
   return Next::EndOfTick;
 }
 
@@ -105,7 +105,7 @@ RunMonitor::Next RunMonitor::BeyondLastStep() {
   const StepRow* last = CurrentStepRow(run_);
   const bool tellEnd = last && last->StepTerm == kTermWithMessage;
   if (control_.RunCommand(Run::Stop) && tellEnd) {
-    ShowMessage(run_.prompts, run_.catalogue, 9202, PromptIcon::Information);
+    ShowMessage(run_.prompts, run_.catalogue, TextId::ExecutionEnded, PromptIcon::Information);
   } else {
     measure_.MarkEndedBadly();
   }

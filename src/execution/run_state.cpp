@@ -26,7 +26,8 @@ int SendToEach(const RunContext& run, const CommandEntry& entry, int first) {
 }
 
 void ShowCommunicationError(const RunContext& run, int index, PromptIcon icon) {
-  ShowMessage(run.prompts, run.catalogue, 9201, icon, PromptButtons::Ok, {std::to_string(index + 1)});
+  ShowMessage(run.prompts, run.catalogue, TextId::CommunicationError, icon, PromptButtons::Ok,
+              {std::to_string(index + 1)});
 }
 
 void RefreshBoth(const RunContext& run) {

@@ -40,7 +40,7 @@ const StepRow* CurrentStepRow(const RunContext& run);
 // failed, -1 when none did. Pumps events.
 int SendToEach(const RunContext& run, const CommandEntry& entry, int first = 0);
 
-// Message 9201 for instrument `index` (0-based). Pumps events.
+// Message CommunicationError for instrument `index` (0-based). Pumps events.
 void ShowCommunicationError(const RunContext& run, int index, PromptIcon icon);
 
 // RefreshControls of both windows.

@@ -12,18 +12,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdArea1 = 2100;
-constexpr int kIdAxisTitle = 8257;
-constexpr int kIdNoSteps = 8258;
-constexpr int kIdNoData = 8259;
-constexpr int kIdTipStep = 8260;
-constexpr int kIdTipConstant = 8261;
-constexpr int kIdTipRamp = 8262;
-constexpr int kIdTipUnused = 8263;
-constexpr int kIdNotUsed = 8266;
-constexpr int kIdEnvelope = 8276;
-constexpr int kFirstChoice = 8270;
-constexpr int kLastChoice = 8280;
 constexpr double kMsPerSecond = 1000;
 
 std::string UnitOf(const SequenceData& sequence, const ModelDefinition& definition, int channel, int slot) {
@@ -55,22 +43,22 @@ void AddTexts(const SequenceData& sequence, const ModelDefinition& definition,
   const std::string target = ListText(definition.ViewSelections[kAreaTarget], area.Target);
   const std::string content =
       ChoiceText(catalogue, ListText(definition.ViewSelections[kAreaContent], area.Content));
-  picture.Title = catalogue.GetResString(kIdArea1 + area.Number);
+  picture.Title = catalogue.GetResString(Next(TextId::ViewArea1, area.Number));
   for (const std::string& part : {target, content}) {
     if (!part.empty()) picture.Title += "  " + part;
   }
   if (picture.Graph.Curves.empty()) {
-    picture.Note = catalogue.GetResString(kIdNoData, {target.empty() ? picture.Title : target});
+    picture.Note = catalogue.GetResString(TextId::GraphNoData, {target.empty() ? picture.Title : target});
     return;
   }
   const auto empty = [](const GraphCurve& curve) { return curve.Points.empty(); };
   const auto& curves = picture.Graph.Curves;
   if (picture.Graph.Envelope.empty() && std::all_of(curves.begin(), curves.end(), empty)) {
-    picture.Note = catalogue.GetResString(kIdNotUsed);
+    picture.Note = catalogue.GetResString(TextId::GraphParameterUnused);
     return;
   }
   if (!picture.Graph.Envelope.empty()) {
-    picture.Legends.push_back(InBrackets(catalogue.GetResString(kIdEnvelope),
+    picture.Legends.push_back(InBrackets(catalogue.GetResString(TextId::ChoiceEnvelope),
                                          UnitOf(sequence, definition, area.Channel, kSlotOffset)));
   }
   bool lists = true;
@@ -93,7 +81,9 @@ std::string ValueText(const SequenceData& sequence, const ModelDefinition& defin
 
 std::string ChoiceText(const MessageCatalogue& catalogue, const std::string& choice) {
   const MessageCatalogue english(10000);
-  for (int id = kFirstChoice; id <= kLastChoice; ++id) {
+  constexpr int kChoices = static_cast<int>(TextId::ChoiceOn) - static_cast<int>(TextId::ChoiceAuto) + 1;
+  for (int i = 0; i < kChoices; ++i) {
+    const TextId id = Next(TextId::ChoiceAuto, i);
     if (english.GetResString(id) == choice) return catalogue.GetResString(id);
   }
   return choice;
@@ -109,9 +99,9 @@ GraphPicture BuildGraphPicture(const SequenceData& sequence, const ModelDefiniti
   GraphPicture picture;
   picture.Axis = wish.Axis;
   picture.Spans = StepSpans(sequence, definition, wish.Axis, wish.Length);
-  picture.AxisTitle = catalogue.GetResString(kIdAxisTitle, {StepTimeUnit(definition)});
+  picture.AxisTitle = catalogue.GetResString(TextId::TimeAxisTitle, {StepTimeUnit(definition)});
   if (picture.Spans.empty()) {
-    picture.Note = catalogue.GetResString(kIdNoSteps);
+    picture.Note = catalogue.GetResString(TextId::GraphNoSteps);
     return picture;
   }
   for (std::size_t i = 0; i < picture.Spans.size(); ++i) {
@@ -142,14 +132,14 @@ std::string GraphTip(const SequenceData& sequence, const ModelDefinition& defini
   const StepSpan& span = picture.Spans[index];
   const std::string time =
       WithUnit(NumberText((span.EndTime - span.StartTime) / kMsPerSecond), StepTimeUnit(definition));
-  std::string tip = catalogue.GetResString(kIdTipStep, {picture.StepLabels[index], time});
+  std::string tip = catalogue.GetResString(TextId::GraphTipStep, {picture.StepLabels[index], time});
   const GraphArea& drawn = picture.Areas[area].Graph.Area;
   if (drawn.Channel < 0) return tip;
   for (const int slot : ContentSlots(definition, drawn.Content)) {
     const std::string& name = ChannelColumn(definition, slot).Name;
     tip += '\n';
     if (!ChannelInUse(definition, sequence, drawn.Channel, step, slot)) {
-      tip += catalogue.GetResString(kIdTipUnused, {name});
+      tip += catalogue.GetResString(TextId::GraphTipUnused, {name});
       continue;
     }
     const StepValue stored = StoredValue(definition, slot, sequence.Cell(drawn.Channel, step, slot));
@@ -158,9 +148,10 @@ std::string GraphTip(const SequenceData& sequence, const ModelDefinition& defini
       return ValueText(sequence, definition, drawn.Channel, step, slot, value);
     };
     if (stored.From == stored.To) {
-      tip += catalogue.GetResString(kIdTipConstant, {name, WithUnit(text(stored.To), unit)});
+      tip += catalogue.GetResString(TextId::GraphTipConstant, {name, WithUnit(text(stored.To), unit)});
     } else {
-      tip += catalogue.GetResString(kIdTipRamp, {name, text(stored.From), WithUnit(text(stored.To), unit)});
+      tip += catalogue.GetResString(TextId::GraphTipRamp,
+                                    {name, text(stored.From), WithUnit(text(stored.To), unit)});
     }
   }
   return tip;

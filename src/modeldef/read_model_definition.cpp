@@ -178,11 +178,10 @@ DefinitionLoad ReadModelDefinition(const std::string& path, const std::string& m
 
 bool ReadModelDefinition(AppState& state, ModelDefinition& definition, Prompts& prompts,
                          const MessageCatalogue& catalogue, DefinitionProblem* problem) {
-  constexpr int kFileMissingMessage = 9000;
   const DefinitionLoad result =
       ReadModelDefinition(state.StdIniPath, state.ModelName, !state.UseEnglish, definition, problem);
   if (result == DefinitionLoad::FileMissing) {
-    ShowMessage(prompts, catalogue, kFileMissingMessage, PromptIcon::Exclamation);
+    ShowMessage(prompts, catalogue, TextId::NoInitializationFile, PromptIcon::Exclamation);
   }
   if (result != DefinitionLoad::Ok) return false;
   state.ProgId = definition.ProgId;

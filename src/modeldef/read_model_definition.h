@@ -36,7 +36,7 @@ enum class DefinitionLoad {
                                                  DefinitionProblem* problem = nullptr);
 
 // The same for the file, model and language of `state`, whose ProgId and VerNo it sets on success. Shows
-// message 9000 (which pumps events) when the file is missing; a bad value shows nothing.
+// message NoInitializationFile (which pumps events) when the file is missing; a bad value shows nothing.
 [[nodiscard]] bool ReadModelDefinition(AppState& state, ModelDefinition& definition, Prompts& prompts,
                                        const MessageCatalogue& catalogue,
                                        DefinitionProblem* problem = nullptr);

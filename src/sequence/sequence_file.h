@@ -34,8 +34,8 @@ DefinitionFor OneDefinition(const ModelDefinition& definition);
 
 enum class SequenceFileProblem {
   None,
-  Malformed,     // message 9005: not readable, a section missing, a value that is none, a bad index
-  UnknownModel,  // message 9004
+  Malformed,     // MalformedSequenceFile: not readable, a section missing, a value that is none, a bad index
+  UnknownModel,  // UnknownModel
   NoDefinition,  // the model is known, its definition cannot be loaded; already told
 };
 

@@ -14,8 +14,6 @@ namespace {
 
 constexpr std::array<int, kUserUnitQuantities> kQuantitySlots{kSlotFrequency, kSlotAmplitude, kSlotOffset,
                                                               kSlotPhase, kSlotDuty};
-constexpr int kInputError = 9108;
-constexpr int kRangeError = 9105;
 constexpr std::int32_t kHighImpedance = 0;
 constexpr std::int32_t kVariableLoad = 1;
 constexpr std::int32_t kLogarithmic = 1;
@@ -34,7 +32,7 @@ bool IsFlag(std::int32_t value) {
   return value == 0 || value == 1;
 }
 
-FieldCheck Refused(int message) {
+FieldCheck Refused(TextId message) {
   return {message, {}, 0};
 }
 
@@ -174,26 +172,26 @@ bool IsUnitText(std::string_view text) {
 FieldCheck CheckLoadValue(std::string_view text) {
   const bool digits =
       !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-  if (!digits) return Refused(kInputError);
+  if (!digits) return Refused(TextId::InputError);
   const auto value = ParseNumber(text);
   if (!value || *value < kMinLoad || *value > kMaxLoad) {
-    return {kRangeError, {std::string(text), NumberText(kMinLoad), NumberText(kMaxLoad)}, 0};
+    return {TextId::ValueOutOfRange, {std::string(text), NumberText(kMinLoad), NumberText(kMaxLoad)}, 0};
   }
-  return {0, {}, *value};
+  return {std::nullopt, {}, *value};
 }
 
 FieldCheck CheckUnitText(std::string_view text) {
-  return IsUnitText(text) ? FieldCheck{} : Refused(kInputError);
+  return IsUnitText(text) ? FieldCheck{} : Refused(TextId::InputError);
 }
 
 FieldCheck CheckFactor(std::string_view text) {
   const auto value = ParseNumber(text);
-  return value && *value != 0 ? FieldCheck{0, {}, *value} : Refused(kInputError);
+  return value && *value != 0 ? FieldCheck{std::nullopt, {}, *value} : Refused(TextId::InputError);
 }
 
 FieldCheck CheckSummand(std::string_view text) {
   const auto value = ParseNumber(text);
-  return value ? FieldCheck{0, {}, *value} : Refused(kInputError);
+  return value ? FieldCheck{std::nullopt, {}, *value} : Refused(TextId::InputError);
 }
 
 }  // namespace corlune

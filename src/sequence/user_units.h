@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/text_id.h"
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 
@@ -69,9 +70,9 @@ void NormalizeChannelSettings(ChannelSettings& settings);
 // Characters 32..126 without the double quote and the comma, at most four.
 bool IsUnitText(std::string_view text);
 
-// Judgement of one typed field: the message to show (0: accepted) with its arguments, and the value.
+// Judgement of one typed field: the message to show (nullopt: accepted) with its arguments, and the value.
 struct FieldCheck {
-  int Message = 0;  // 9105 with Arguments, or 9108
+  std::optional<TextId> Message;  // ValueOutOfRange with Arguments, or InputError
   std::vector<std::string> Arguments;
   double Value = 0;
 };

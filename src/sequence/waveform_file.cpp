@@ -37,24 +37,14 @@ constexpr std::size_t kTextPiece = 262144;
 
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
-// Catalogue ids of the reasons.
-constexpr int kCannotOpen = 8110;
-constexpr int kCannotRead = 8111;  // also a file that becomes shorter meanwhile
-constexpr int kEndsInHeader = 8112;
-constexpr int kEndsInPoints = 8113;
-constexpr int kPairCount = 8114;
-constexpr int kValueCount = 8115;
-constexpr int kNoInteger = 8116;
-constexpr int kNoSeparator = 8117;
-constexpr int kNoWaveformFile = 8118;
-
-void Fail(WaveformRead& read, WaveformProblem problem, int text, std::string number = {}) {
+void Fail(WaveformRead& read, WaveformProblem problem, TextId text, std::string number = {}) {
   read.problem = problem;
   read.reason = {text, std::move(number)};
 }
 
+// Also a file that becomes shorter meanwhile.
 void FailReading(WaveformRead& read) {
-  Fail(read, WaveformProblem::CannotAccess, kCannotRead);
+  Fail(read, WaveformProblem::CannotAccess, TextId::WaveCannotRead);
 }
 
 std::uint32_t LittleEndian32(const std::uint8_t* bytes) {
@@ -93,7 +83,8 @@ void ReadEditorArray(RegularFile& file, WaveformRead& read) {
     const auto got = file.ReadAt(kArrayOffset + static_cast<std::int64_t>(done), points + done, kArrayPiece);
     if (!got) return FailReading(read);
     if (*got < kArrayPiece) {
-      return Fail(read, WaveformProblem::Insufficient, kEndsInPoints, std::to_string(kMaxWaveformPoints));
+      return Fail(read, WaveformProblem::Insufficient, TextId::WaveEndsInPoints,
+                  std::to_string(kMaxWaveformPoints));
     }
     SwapPoints(points + done, kArrayPiece);
   }
@@ -110,13 +101,13 @@ void LayPairs(const std::uint8_t* from, std::size_t pairs, std::uint8_t* to) {
 }
 
 void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read) {
-  if (count == 0) return Fail(read, WaveformProblem::BadCount, kPairCount, "0");
+  if (count == 0) return Fail(read, WaveformProblem::BadCount, TextId::WavePairCount, "0");
   const std::int64_t needed = kPairsOffset + static_cast<std::int64_t>(kFilePairBytes) * count;
   if (file.Size() < needed) {
-    return Fail(read, WaveformProblem::Insufficient, kEndsInPoints, std::to_string(count));
+    return Fail(read, WaveformProblem::Insufficient, TextId::WaveEndsInPoints, std::to_string(count));
   }
   if (count > static_cast<std::uint32_t>(kMaxWaveformPoints)) {
-    return Fail(read, WaveformProblem::BadCount, kPairCount, std::to_string(count));
+    return Fail(read, WaveformProblem::BadCount, TextId::WavePairCount, std::to_string(count));
   }
   std::uint8_t* const block = read.block.Prepare(kBlockHead + kBlockPairBytes * count);
   std::array<std::uint8_t, kPairPiece> piece;
@@ -127,7 +118,7 @@ void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read)
     const auto got = file.ReadAt(offset, piece.data(), pairs * kFilePairBytes);
     if (!got) return FailReading(read);
     if (*got < pairs * kFilePairBytes) {
-      return Fail(read, WaveformProblem::Insufficient, kCannotRead);
+      return Fail(read, WaveformProblem::Insufficient, TextId::WaveCannotRead);
     }
     LayPairs(piece.data(), pairs, block + kBlockHead + kBlockPairBytes * done);
   }
@@ -138,7 +129,7 @@ void ReadEditorFile(RegularFile& file, WaveformRead& read) {
   std::array<std::uint8_t, kHeadBytes> head{};
   const auto got = file.ReadAt(kFormOffset, head.data(), head.size());
   if (!got) return FailReading(read);
-  if (*got < head.size()) return Fail(read, WaveformProblem::Insufficient, kEndsInHeader);
+  if (*got < head.size()) return Fail(read, WaveformProblem::Insufficient, TextId::WaveEndsInHeader);
   const int form = head[0] | head[1] << 8;
   if (form == kFormPairs) {
     ReadEditorPairs(file, LittleEndian32(head.data() + kPairCountInHead), read);
@@ -152,14 +143,14 @@ void CheckTextCount(const TextWaveform& values, bool shortened, WaveformRead& re
   const bool taken = count >= kMinWaveformPoints && count <= kMaxWaveformPoints &&
                      std::has_single_bit(static_cast<std::uint32_t>(count));
   if (shortened) {
-    return Fail(read, WaveformProblem::Insufficient, kCannotRead);
+    return Fail(read, WaveformProblem::Insufficient, TextId::WaveCannotRead);
   }
   if (!taken) {
     const std::string number = values.Full() ? "> 524288" : std::to_string(count);
-    return Fail(read, WaveformProblem::BadCount, kValueCount, number);
+    return Fail(read, WaveformProblem::BadCount, TextId::WaveValueCount, number);
   }
   if (values.FirstInvalid() != 0) {
-    return Fail(read, WaveformProblem::Invalid, kNoInteger, std::to_string(values.FirstInvalid()));
+    return Fail(read, WaveformProblem::Invalid, TextId::WaveNoInteger, std::to_string(values.FirstInvalid()));
   }
 }
 
@@ -185,7 +176,7 @@ void ReadTextFile(RegularFile& file, WaveformRead& read) {
     }
     const std::size_t complete = text.find_last_of(",\r\n") + 1;
     if (complete == 0) {
-      return Fail(read, WaveformProblem::Invalid, kNoSeparator, std::to_string(kTextPiece));
+      return Fail(read, WaveformProblem::Invalid, TextId::WaveNoSeparator, std::to_string(kTextPiece));
     }
     values.Take(text.substr(0, complete));
     held = text.size() - complete;
@@ -197,25 +188,25 @@ void ReadTextFile(RegularFile& file, WaveformRead& read) {
 
 }  // namespace
 
-int MessageOf(WaveformProblem problem) {
+std::optional<TextId> MessageOf(WaveformProblem problem) {
   switch (problem) {
     case WaveformProblem::CannotAccess:
-      return 9300;
+      return TextId::ArbCannotAccess;
     case WaveformProblem::BadExtension:
-      return 9306;
+      return TextId::WrongFileName;
     case WaveformProblem::Insufficient:
-      return 9307;
+      return TextId::ArbTooShort;
     case WaveformProblem::Invalid:
-      return 9308;
+      return TextId::ArbInvalid;
     case WaveformProblem::None:
     case WaveformProblem::BadCount:
       break;
   }
-  return 0;
+  return std::nullopt;
 }
 
 std::string ReasonText(const WaveformReason& reason, const MessageCatalogue& catalogue) {
-  return catalogue.GetResString(reason.text, {reason.number});
+  return reason.text ? catalogue.GetResString(*reason.text, {reason.number}) : std::string();
 }
 
 std::uint8_t* WaveformBlock::Prepare(std::size_t size) {
@@ -236,10 +227,10 @@ void ReadArbFile(const std::string& path, WaveformRead& read) {
   read.pointCount = 0;
   read.block.SetSize(0);
   RegularFile file(path);
-  if (!file.IsOpen()) return Fail(read, WaveformProblem::CannotAccess, kCannotOpen);
+  if (!file.IsOpen()) return Fail(read, WaveformProblem::CannotAccess, TextId::WaveCannotOpen);
   if (EndsWithIgnoringCase(path, "txt")) return ReadTextFile(file, read);
   if (EndsWithIgnoringCase(path, "wdb")) return ReadEditorFile(file, read);
-  Fail(read, WaveformProblem::BadExtension, kNoWaveformFile);
+  Fail(read, WaveformProblem::BadExtension, TextId::WaveNeitherWdbNorTxt);
 }
 
 WaveformRead ReadArbFile(const std::string& path) {

@@ -16,15 +16,15 @@ inline constexpr std::int32_t kMaxWaveformPoints = 524288;
 
 enum class WaveformProblem {
   None,
-  CannotAccess,  // 9300: no path, no such file, a folder or pipe, not readable
-  BadExtension,  // 9306: neither ".wdb" nor ".txt"
-  Insufficient,  // 9307: the file ends before the data do
-  Invalid,       // 9308: a value that is no integer from -32767 to 32767
+  CannotAccess,  // ArbCannotAccess: no path, no such file, a folder or pipe, not readable
+  BadExtension,  // WrongFileName: neither ".wdb" nor ".txt"
+  Insufficient,  // ArbTooShort: the file ends before the data do
+  Invalid,       // ArbInvalid: a value that is no integer from -32767 to 32767
   BadCount,      // no message: the number of values is not one that the instrument takes
 };
 
-// Catalogue message of a problem; 0 when it has none.
-int MessageOf(WaveformProblem problem);
+// Message of a problem; nullopt when it has none.
+std::optional<TextId> MessageOf(WaveformProblem problem);
 
 // Bytes whose memory is kept from use to use and never filled with zeros first.
 class WaveformBlock {
@@ -47,8 +47,8 @@ class WaveformBlock {
 
 // Why a file was refused, more exactly than its message says: one clause for a console or a dialog's row.
 struct WaveformReason {
-  int text = 0;        // catalogue id; 0 without a problem
-  std::string number;  // what stands in its place $1
+  std::optional<TextId> text;  // nullopt without a problem
+  std::string number;          // what stands in its place $1
 };
 std::string ReasonText(const WaveformReason& reason, const MessageCatalogue& catalogue);
 

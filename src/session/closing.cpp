@@ -19,12 +19,13 @@ void Session::KeepForNextStart() {
 
 bool Session::OfferToSaveBeforeClosing() {
   if (!state_.Modified) return true;
-  const PromptAnswer answer =
-      ShowMessage(ports_.prompts, catalogue_, 9100, PromptIcon::Question, PromptButtons::YesNoCancel);
+  const PromptAnswer answer = ShowMessage(ports_.prompts, catalogue_, TextId::SaveChangesQuestion,
+                                          PromptIcon::Question, PromptButtons::YesNoCancel);
   if (answer == PromptAnswer::No) return true;
   if (answer != PromptAnswer::Yes) return false;
   // Without a name the sequence is kept in the work file alone.
-  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(5301), state_.CurrentFilePath);
+  const auto path =
+      ports_.files.ChooseSave(catalogue_.GetResString(TextId::SequenceFilter), state_.CurrentFilePath);
   return !path || path->empty() || WriteUserFile(*path);
 }
 
@@ -36,8 +37,8 @@ bool Session::RequestClose() {
   if (!OfferToSaveBeforeClosing()) return false;
   std::string error;
   if (!WriteWorkFile(&error) &&
-      ShowMessage(ports_.prompts, catalogue_, 9641, PromptIcon::Exclamation, PromptButtons::OkCancel,
-                  {state_.WorkFilePath, error}) != PromptAnswer::Ok) {
+      ShowMessage(ports_.prompts, catalogue_, TextId::StateNotSavedQuestion, PromptIcon::Exclamation,
+                  PromptButtons::OkCancel, {state_.WorkFilePath, error}) != PromptAnswer::Ok) {
     return false;
   }
   Disconnect();

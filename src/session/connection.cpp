@@ -18,14 +18,16 @@ bool OnGpib(const InstrumentEntry& entry) {
   return entry.InterfaceKind == InterfaceKind::NiGpib || entry.InterfaceKind == InterfaceKind::KiGpib;
 }
 
-// The message that forbids the two instruments beside each other, 0 for none.
-int Conflict(const InstrumentEntry& a, const InstrumentEntry& b) {
+// The message that forbids the two instruments beside each other, nullopt for none.
+std::optional<TextId> Conflict(const InstrumentEntry& a, const InstrumentEntry& b) {
   if (a.InterfaceKind == InterfaceKind::UsbTmc && b.InterfaceKind == InterfaceKind::UsbTmc) {
-    return a.SerialNo == b.SerialNo ? 9309 : 0;
+    if (a.SerialNo == b.SerialNo) return TextId::SameSerialNumber;
+    return std::nullopt;
   }
   const bool bothUsb = a.InterfaceKind == InterfaceKind::Usb488 && b.InterfaceKind == InterfaceKind::Usb488;
-  if (bothUsb || (OnGpib(a) && OnGpib(b))) return a.Address == b.Address ? 9301 : 0;
-  return 0;
+  const bool byAddress = bothUsb || (OnGpib(a) && OnGpib(b));
+  if (byAddress && a.Address == b.Address) return TextId::SameAddress;
+  return std::nullopt;
 }
 
 std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSettings& setup,
@@ -41,10 +43,10 @@ std::array<InstrumentEntry, kMaxInstruments> WithKinds(const SystemSettings& set
 
 }  // namespace
 
-bool Session::WaitFor(int text, const std::vector<std::string>& arguments, int done, int steps) {
+bool Session::WaitFor(TextId text, const std::vector<std::string>& arguments, int done, int steps) {
   if (!waitsFrom_ || options_.simulated || !TickReached(ports_.clock.Now(), *waitsFrom_)) return true;
-  ports_.progress.ShowWait(catalogue_.GetResString(text, arguments), catalogue_.GetResString(8314), done,
-                           steps);
+  ports_.progress.ShowWait(catalogue_.GetResString(text, arguments),
+                           catalogue_.GetResString(TextId::ButtonWorkOffLine), done, steps);
   if (std::exchange(waitShown_, true)) {
     ports_.pump.HandlePending();
   } else {
@@ -76,7 +78,7 @@ bool Session::OpenConnection() {
   }
   state_.Online = 0;
   if (HideWait()) return false;
-  std::string text = catalogue_.GetResString(9201, {std::to_string(failed + 1)});
+  std::string text = catalogue_.GetResString(TextId::CommunicationError, {std::to_string(failed + 1)});
   if (!problem.empty()) text += "\n" + problem;
   Warn(text);
   return false;
@@ -144,7 +146,7 @@ bool Session::Reconnect() {
   Disconnect();
   ForgetInstrumentMemory();
   state_.OutputOn = false;
-  if (WaitFor(8311) && OpenConnection() && CheckModels()) QueryArbDirectory();
+  if (WaitFor(TextId::ConnectingInstrument) && OpenConnection() && CheckModels()) QueryArbDirectory();
   HideWait();
   waitsFrom_ = before;
   ports_.display.ConnectionChanged();
@@ -157,16 +159,16 @@ bool Session::CheckModels() {
   for (int i = 0; i < state_.InstrumentCount; ++i) {
     const InterfaceKind kind = state_.Instruments[static_cast<std::size_t>(i)].InterfaceKind;
     if (kind == InterfaceKind::Simulated) continue;  // its replies are the person's
-    if (!WaitFor(8312, {std::to_string(i + 1)})) return false;
+    if (!WaitFor(TextId::CheckingModel, {std::to_string(i + 1)})) return false;
     const std::int32_t address = commands_->SelectInstrument(i);
     std::string reply;
     bool answered = !Failed(commands_->SendCommand(address, query.Template, query.Wait));
     answered = answered && !Failed(commands_->ReceiveReply(address, reply)) && !reply.empty();
     if (answered && reply.find(state_.ModelName) != std::string::npos) continue;
     if (HideWait()) return false;
-    const PromptAnswer answer =
-        ShowMessage(ports_.prompts, catalogue_, answered ? 9003 : 9002, PromptIcon::Question,
-                    PromptButtons::YesNo, {std::to_string(i + 1)}, PromptAnswer::Yes);
+    const PromptAnswer answer = ShowMessage(
+        ports_.prompts, catalogue_, answered ? TextId::WrongInstrumentModel : TextId::InstrumentNotFound,
+        PromptIcon::Question, PromptButtons::YesNo, {std::to_string(i + 1)}, PromptAnswer::Yes);
     if (answer != PromptAnswer::Yes) end_.EndNow(1);
     state_.MayStillRun = false;
     GoOffline();
@@ -181,7 +183,8 @@ void Session::QueryArbDirectory() {
   const WorkGuard guard(activity_, Work::Exchange);
   commands_->SelectInstrument(0);
   waveforms_->QueryArbDirectory(sequence_.Channels.ArbFiles, [this](int asked) {
-    return WaitFor(8313, {std::to_string(asked + 1), std::to_string(kArbNumbers)}, asked, kArbNumbers);
+    return WaitFor(TextId::ReadingArbDirectory, {std::to_string(asked + 1), std::to_string(kArbNumbers)},
+                   asked, kArbNumbers);
   });
 }
 
@@ -209,19 +212,19 @@ bool Session::SetupChangedSince(const SystemSettings& before) const {
   return false;
 }
 
-int Session::CheckSetup(const SystemSettings& setup) const {
+std::optional<TextId> Session::CheckSetup(const SystemSettings& setup) const {
   const auto count = static_cast<std::size_t>(std::clamp<int>(setup.InstrumentCount, 1, kMaxInstruments));
   const int model = definition_.IndexOfModel(setup.ModelName);
   const auto instruments = WithKinds(setup, definition_.InterfaceOf(model));
   int channels = 0;
   for (std::size_t i = 0; i < count; ++i) channels += instruments[i].ChannelCount;
-  if (channels > kMostChannels) return 9302;
+  if (channels > kMostChannels) return TextId::TooManyChannels;
   for (std::size_t i = 0; i < count; ++i) {
     for (std::size_t j = i + 1; j < count; ++j) {
-      if (const int message = Conflict(instruments[i], instruments[j]); message != 0) return message;
+      if (const auto message = Conflict(instruments[i], instruments[j])) return message;
     }
   }
-  return 0;
+  return std::nullopt;
 }
 
 bool Session::ApplySetup(const SystemSettings& setup) {

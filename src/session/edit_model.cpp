@@ -8,7 +8,6 @@ namespace corlune {
 namespace {
 constexpr const char* kSection = "EDIT";
 constexpr const char* kKey = "EDIT_MODEL";
-constexpr int kDefaultModelText = 21000;
 }  // namespace
 
 bool ReadEditModelQuietly(const std::string& sysIniPath, AppState& state) {
@@ -23,12 +22,12 @@ bool ReadEditModelQuietly(const std::string& sysIniPath, AppState& state) {
 bool ReadEditModel(const std::string& sysIniPath, AppState& state, Prompts& prompts,
                    const MessageCatalogue& catalogue) {
   if (ReadEditModelQuietly(sysIniPath, state)) return true;
-  ShowMessage(prompts, catalogue, 9000, PromptIcon::Exclamation);
+  ShowMessage(prompts, catalogue, TextId::NoInitializationFile, PromptIcon::Exclamation);
   return false;
 }
 
 void UseDefaultModel(AppState& state) {
-  state.ModelName = MessageCatalogue::GetFixedString(kDefaultModelText);
+  state.ModelName = MessageCatalogue::GetFixedString(FixedText::OneChannelModel);
   state.ModelIndex = 0;
 }
 

@@ -10,8 +10,8 @@
 
 namespace corlune {
 
-// Sets ModelIndex and ModelName. False, and no change, after message 9000 when file, section or key is
-// missing or the value names no model.
+// Sets ModelIndex and ModelName. False, and no change, after message NoInitializationFile when file, section
+// or key is missing or the value names no model.
 bool ReadEditModel(const std::string& sysIniPath, AppState& state, Prompts& prompts,
                    const MessageCatalogue& catalogue);
 // The same without a message.

@@ -12,8 +12,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kSequenceFilter = 5301;
-
 SequenceFileForm FormOf(const std::string& path) {
   const auto bytes = ReadWholeFile(path);
   return bytes ? DetectForm(DecodeText(*bytes)).value_or(SequenceFileForm::User) : SequenceFileForm::User;
@@ -36,20 +34,24 @@ void Session::Warn(const std::string& text) {
 
 void Session::ShowReadProblem(const std::string& path, const ReadResult& result, const std::string& more) {
   const bool known = result.Problem != SequenceFileProblem::UnknownModel;
-  std::string text = catalogue_.GetResString(known ? 9005 : 9004, {result.Model}) + "\n";
+  std::string text =
+      catalogue_.GetResString(known ? TextId::MalformedSequenceFile : TextId::UnknownModel, {result.Model}) +
+      "\n";
   if (result.Line > 0) {
-    text += catalogue_.GetResString(9770, {path, std::to_string(result.Line), result.Detail});
+    text += catalogue_.GetResString(TextId::LineCannotBeTaken,
+                                    {path, std::to_string(result.Line), result.Detail});
   } else if (!result.Detail.empty()) {
-    text += catalogue_.GetResString(9771, {path, result.Detail});
+    text += catalogue_.GetResString(TextId::KeyMissing, {path, result.Detail});
   } else {
-    text += known ? catalogue_.GetResString(9772, {path}) : path;
+    text += known ? catalogue_.GetResString(TextId::PathUnreadable, {path}) : path;
   }
   if (!more.empty()) text += "\n" + more;
   Warn(text);
 }
 
 void Session::ShowWriteProblem(const std::string& path, const std::string& error) {
-  ShowMessage(ports_.prompts, catalogue_, 9640, PromptIcon::Exclamation, PromptButtons::Ok, {path, error});
+  ShowMessage(ports_.prompts, catalogue_, TextId::CannotWriteFile, PromptIcon::Exclamation, PromptButtons::Ok,
+              {path, error});
 }
 
 bool Session::WriteUserFile(std::string path) {
@@ -57,8 +59,9 @@ bool Session::WriteUserFile(std::string path) {
   if (!HasSequenceFileEnding(path)) {
     // The file dialog asked about the name that was typed, not about this one.
     path += ".dat";
-    if (FileExists(path) && ShowMessage(ports_.prompts, catalogue_, 9643, PromptIcon::Question,
-                                        PromptButtons::YesNo, {path}) != PromptAnswer::Yes) {
+    if (FileExists(path) &&
+        ShowMessage(ports_.prompts, catalogue_, TextId::OverwriteQuestion, PromptIcon::Question,
+                    PromptButtons::YesNo, {path}) != PromptAnswer::Yes) {
       return false;
     }
   }
@@ -88,13 +91,15 @@ bool Session::SaveToCurrentPath() {
 
 bool Session::SaveToChosenPath() {
   if (state_.RunState == RunState::Running || activity_.Commanding()) return false;
-  const auto path = ports_.files.ChooseSave(catalogue_.GetResString(kSequenceFilter), state_.CurrentFilePath);
+  const auto path =
+      ports_.files.ChooseSave(catalogue_.GetResString(TextId::SequenceFilter), state_.CurrentFilePath);
   return path && !path->empty() && WriteUserFile(*path);
 }
 
 bool Session::AskToSave() {
   if (!state_.Modified) return true;
-  switch (ShowMessage(ports_.prompts, catalogue_, 9101, PromptIcon::Question, PromptButtons::YesNoCancel)) {
+  switch (ShowMessage(ports_.prompts, catalogue_, TextId::SaveSequenceQuestion, PromptIcon::Question,
+                      PromptButtons::YesNoCancel)) {
     case PromptAnswer::Yes:
       return SaveToCurrentPath();
     case PromptAnswer::No:
@@ -120,7 +125,7 @@ bool Session::OpenWithDialog() {
   const WorkGuard guard(activity_, Work::File);
   ports_.display.HideEditors();
   if (!AgreeToGoOn() || !AskToSave()) return false;
-  const auto path = ports_.files.ChooseOpen(catalogue_.GetResString(kSequenceFilter));
+  const auto path = ports_.files.ChooseOpen(catalogue_.GetResString(TextId::SequenceFilter));
   return path && LoadUserFile(*path);
 }
 
@@ -133,7 +138,7 @@ bool Session::OpenFile(const std::string& path) {
 
 bool Session::LoadUserFile(const std::string& path) {
   if (path.empty() || !FileExists(path)) {
-    ShowMessage(ports_.prompts, catalogue_, 9306, PromptIcon::Exclamation);
+    ShowMessage(ports_.prompts, catalogue_, TextId::WrongFileName, PromptIcon::Exclamation);
     return false;
   }
   const SystemSettings before = SettingsOf(state_);

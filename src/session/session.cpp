@@ -12,7 +12,6 @@ namespace corlune {
 namespace {
 
 constexpr std::int32_t kEnglishOffset = 10000;
-constexpr int kTitleText = 1000;
 
 std::int32_t LanguageOffset(const SessionOptions& options) {
   return options.english.value_or(CheckLanguage()) ? kEnglishOffset : 0;
@@ -53,7 +52,7 @@ Session::Session(const SessionPorts& ports, SessionOptions options, const MakeOu
 Session::~Session() = default;
 
 std::string Session::Caption() const {
-  return catalogue_.GetResString(kTitleText) + "  " + state_.CurrentFilePath;
+  return catalogue_.GetResString(TextId::MainWindowTitle) + "  " + state_.CurrentFilePath;
 }
 
 void Session::SetWorkFilePath() {

@@ -18,6 +18,7 @@
 #include "commands/instrument_dialogues.h"
 #include "compile/download.h"
 #include "compile/waveform_transfer.h"
+#include "core/text_id.h"
 #include "execution/measure.h"
 #include "execution/queries.h"
 #include "execution/run_control.h"
@@ -66,11 +67,11 @@ class Session {
   bool StartUpWithoutFile();
   // Finds the USBTMC instrument (serial number `serial`, or the only one; after StartUpWithoutFile the first
   // one of any model), opens all kinds in use, checks the models and queries the waveform directory. Shows
-  // 9201 when opening fails and the questions of CheckModels; the other results show nothing.
+  // CommunicationError when opening fails and the questions of CheckModels; the other results show nothing.
   ConnectResult Connect(const std::optional<std::string>& serial);
 
-  // A close request. Asks about unsaved changes (9100), writes Corlune.ini and the work file, closes the
-  // connections. False: refused, the program goes on.
+  // A close request. Asks about unsaved changes (SaveChangesQuestion), writes Corlune.ini and the work file,
+  // closes the connections. False: refused, the program goes on.
   bool RequestClose();
   // The program is told to end from outside. Writes Corlune.ini and the work file without a question, then
   // stops a run on every instrument, closes the connections and ends the program. May come inside anything
@@ -93,12 +94,11 @@ class Session {
   bool WriteFile(const std::string& path, bool userForm);
 
   // --- instrument -----------------------------------------------------------------------------------
-  // Reads the sequence in memory SequenceNumber back (message 9207 on failure, sequence unchanged).
+  // Reads the sequence in memory SequenceNumber back (message ReadBackError on failure, sequence unchanged).
   bool ReadBack();
   // Of a set-up count the model name, not its index, and each interface, not its kind.
-  // 0, or the message that refuses the set-up: 9302 too many channels, 9301 same address, 9309 same serial
-  // number.
-  int CheckSetup(const SystemSettings& setup) const;
+  // The message that refuses the set-up (TooManyChannels, SameAddress, SameSerialNumber); nullopt for none.
+  std::optional<TextId> CheckSetup(const SystemSettings& setup) const;
   // The set-up dialog's OK, after CheckSetup: model change with its save question and an empty sequence, new
   // set-up, reconnect, model check. False when nothing was changed: the person cancelled the save question,
   // or the model's definition could not be loaded.
@@ -107,8 +107,8 @@ class Session {
   void SelectSerial(const std::string& serialNo);
   // Closes and opens everything, checks the models, queries the waveform directory.
   bool Reconnect();
-  // 9002/9003 for the first instrument that does not answer, or not with ModelName: Yes goes off-line, No
-  // ends the program. True when every instrument answered rightly.
+  // InstrumentNotFound/WrongInstrumentModel for the first instrument that does not answer, or not with
+  // ModelName: Yes goes off-line, No ends the program. True when every instrument answered rightly.
   bool CheckModels();
   void QueryArbDirectory();
   // To be called after commands and ticks: carries out a stop that was pressed meanwhile, marks the
@@ -171,12 +171,12 @@ class Session {
   void GoOffline();
   // Says what the next blocking call is for, while start-up or a reconnection lets it, and pumps events.
   // False: the person gave up, and the program is off-line.
-  bool WaitFor(int text, const std::vector<std::string>& arguments = {}, int done = 0, int steps = 0);
+  bool WaitFor(TextId text, const std::vector<std::string>& arguments = {}, int done = 0, int steps = 0);
   // Before a message, and at the end. True as WaitFor's false.
   bool HideWait();
   // The set-up was on-line until its instruments did not match or were unplugged; USBTMC: the first is there.
   bool MayGoOnlineAgain();
-  // After a loss: the connection as it was set up. False after message 9201.
+  // After a loss: the connection as it was set up. False after message CommunicationError.
   bool Reopen();
   void ForgetInstrumentMemory();
   bool SetupChangedSince(const SystemSettings& before) const;
@@ -189,7 +189,7 @@ class Session {
   bool LoadUserFile(const std::string& path);
   // A text that is put together from several of the catalogue.
   void Warn(const std::string& text);
-  // 9004 or 9005 with what is wrong in the file and `more` behind it.
+  // UnknownModel or MalformedSequenceFile with what is wrong in the file and `more` behind it.
   void ShowReadProblem(const std::string& path, const ReadResult& result, const std::string& more);
   void ShowWriteProblem(const std::string& path, const std::string& error);
   void ClearSequence();

@@ -15,8 +15,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kSiblingTitleText = 20000;
-
 // "file: section SPEC QM2220: key CM_STAR: the wait is no number"
 std::string Describe(const std::string& path, const DefinitionProblem& problem) {
   std::string text = path;
@@ -45,7 +43,8 @@ bool Session::LoadDefinitionOf(AppState& state, ModelDefinition& definition, boo
   loadProblem_ = Describe(state.StdIniPath, problem);
   if (showBadValue && !problem.section.empty()) {
     HideWait();
-    ShowMessage(ports_.prompts, catalogue_, 9642, PromptIcon::Exclamation, PromptButtons::Ok, {loadProblem_});
+    ShowMessage(ports_.prompts, catalogue_, TextId::BadModelDefinition, PromptIcon::Exclamation,
+                PromptButtons::Ok, {loadProblem_});
   }
   return false;
 }
@@ -64,7 +63,7 @@ bool Session::SettleModel() {
   }
   // The first model takes its place, so that a settings file left over from an older definition does not lock
   // the person out.
-  ShowMessage(ports_.prompts, catalogue_, 9004, PromptIcon::Exclamation, PromptButtons::Ok,
+  ShowMessage(ports_.prompts, catalogue_, TextId::UnknownModel, PromptIcon::Exclamation, PromptButtons::Ok,
               {state_.ModelName});
   state_.ModelName = definition_.Models[0];
   state_.ModelIndex = 0;
@@ -95,14 +94,14 @@ int Session::FindInstruments() {
 
 void Session::SearchAtStartUp(const StartUpChecks& checks) {
   SetUpUsbTmc();
-  if (options_.simulated || !WaitFor(8310)) return;
+  if (options_.simulated || !WaitFor(TextId::SearchingInstruments)) return;
   const int found = FindInstruments();
   if (found == 0) {
     state_.Online = 0;
   } else if (found == 1) {
     SelectSerial(Gp().Found().front().SerialNo);
   } else if (!HideWait()) {
-    ShowMessage(ports_.prompts, catalogue_, 9310, PromptIcon::Information);
+    ShowMessage(ports_.prompts, catalogue_, TextId::SelectSerialNumber, PromptIcon::Information);
     if (!checks.selectInstrument || !checks.selectInstrument()) state_.Online = 0;
   }
 }
@@ -126,7 +125,8 @@ bool Session::ReadWorkFile(bool& mayReplace) {
   const auto kept = SetAside(state_.WorkFilePath);
   mayReplace = kept.has_value();
   ShowReadProblem(state_.WorkFilePath, result,
-                  kept ? catalogue_.GetResString(9773, {*kept}) : catalogue_.GetResString(9774));
+                  kept ? catalogue_.GetResString(TextId::WorkFileSetAside, {*kept})
+                       : catalogue_.GetResString(TextId::WorkFileNotSetAside));
   return false;
 }
 
@@ -154,8 +154,9 @@ StartUpResult Session::StartUp(const StartUpChecks& checks) {
   state_.StartupDone = false;
   if (checks.otherInstance && checks.otherInstance()) return StartUpResult::ActivateOther;
   state_.Connected = false;
-  if (checks.siblingRunning && checks.siblingRunning(MessageCatalogue::GetFixedString(kSiblingTitleText))) {
-    ShowMessage(ports_.prompts, catalogue_, 9401, PromptIcon::Exclamation);
+  if (checks.siblingRunning &&
+      checks.siblingRunning(MessageCatalogue::GetFixedString(FixedText::SiblingTitle))) {
+    ShowMessage(ports_.prompts, catalogue_, TextId::SiblingRunning, PromptIcon::Exclamation);
     return StartUpResult::EndProcess;
   }
   ResetChannelTables(sequence_, state_.Online == 1);
@@ -164,7 +165,7 @@ StartUpResult Session::StartUp(const StartUpChecks& checks) {
   if (!SettleModel()) return StartUpResult::EndProcess;
   waitsFrom_ = ports_.clock.Now();
   SearchAtStartUp(checks);
-  if (state_.Online == 1 && !state_.Connected && WaitFor(8311)) OpenConnection();
+  if (state_.Online == 1 && !state_.Connected && WaitFor(TextId::ConnectingInstrument)) OpenConnection();
 
   const SystemSettings opened = SettingsOf(state_);
   if (!LoadWorkData() || !LoadDefinitionOf(state_, definition_, true)) {
@@ -184,7 +185,8 @@ bool Session::StartUpFromFile(const std::string& path) {
   anyModel_ = false;
   const auto bytes = ReadWholeFile(path);
   if (!bytes) {
-    ShowMessage(ports_.prompts, catalogue_, 9644, PromptIcon::Exclamation, PromptButtons::Ok, {path});
+    ShowMessage(ports_.prompts, catalogue_, TextId::CannotReadFile, PromptIcon::Exclamation,
+                PromptButtons::Ok, {path});
     return false;
   }
   // Without a name only the list of models is loaded; the file's own follows when its name is known.
@@ -206,8 +208,8 @@ bool Session::StartUpFromFile(const std::string& path) {
   if (result.Problem == SequenceFileProblem::NoDefinition) return false;
   if (result.Problem != SequenceFileProblem::None) {
     const bool unknown = result.Problem == SequenceFileProblem::UnknownModel;
-    ShowMessage(ports_.prompts, catalogue_, unknown ? 9004 : 9005, PromptIcon::Exclamation, PromptButtons::Ok,
-                {result.Model});
+    ShowMessage(ports_.prompts, catalogue_, unknown ? TextId::UnknownModel : TextId::MalformedSequenceFile,
+                PromptIcon::Exclamation, PromptButtons::Ok, {result.Model});
     loadProblem_ = path + ": " + (result.Line > 0 ? "line " + std::to_string(result.Line) + ": " : "") +
                    (unknown ? "unknown model " + result.Model : result.Detail);
     return false;

@@ -11,8 +11,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kTwoChannelModelText = 21001;
-
 // The first interface; where an instrument was found on another one, that one.
 void ChooseInterface(AppState& state, const ModelInterfaceSpec& model) {
   InstrumentEntry& instrument = state.Instruments[0];
@@ -32,7 +30,7 @@ void ChooseInterface(AppState& state, const ModelInterfaceSpec& model) {
 }  // namespace
 
 std::int16_t ChannelsOfModel(const AppState& state) {
-  return state.ModelName == MessageCatalogue::GetFixedString(kTwoChannelModelText) ? 2 : 1;
+  return state.ModelName == MessageCatalogue::GetFixedString(FixedText::TwoChannelModel) ? 2 : 1;
 }
 
 void InitSystemDefaults(AppState& state, const ModelDefinition& definition, SequenceData& sequence) {

@@ -39,7 +39,7 @@ struct GridKey {
 // What the keys do in a cell beside the commands of the Edit menu.
 struct CellKeyRow {
   const char* keys;  // in portable spelling
-  int caption;       // catalogue id; rows with the same one stand in one line of the page of shortcuts
+  TextId caption;    // rows with the same one stand in one line of the page of shortcuts
   GridKey meaning;
 };
 std::span<const CellKeyRow> CellKeyTable();

@@ -23,11 +23,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdBranchStepLabel = 1200;
-constexpr int kIdAddRow = 7105;
-constexpr int kIdWriteProblem = 9640;
-constexpr int kIdReadProblem = 9644;
-
 constexpr int kSpacing = 4;        // pixels between the controls
 constexpr int kRowAddBelow = 550;  // twips from the top of the last step row to CmdRowAdd
 constexpr int kRowAddRows = 12;    // from this number of rows on CmdRowAdd stays where it is
@@ -50,8 +45,10 @@ class GridPanel::Impl {
   void SyncScroll(GridTable* from, int value);
   void ShowSameRows(int tab);
   void LimitWidths();
-  void ShowFileProblem(int id, const std::string& path, const std::string& reason);
-  QString Text(int id) const { return QString::fromStdString(editor_.Views().Catalogue().GetResString(id)); }
+  void ShowFileProblem(TextId id, const std::string& path, const std::string& reason);
+  QString Text(TextId id) const {
+    return QString::fromStdString(editor_.Views().Catalogue().GetResString(id));
+  }
 
   GridPanel& panel_;
   SequenceEditor& editor_;
@@ -132,7 +129,7 @@ void GridPanel::Impl::BuildRowAdd() {
   rowAdd_ = new RowButton(
       "CmdRowAdd", QStringLiteral("+"), [this] { Run(Command::AddRow); }, rowAddStrip_);
   const QString addRow =
-      QString::fromStdString(PlainCaption(editor_.Views().Catalogue().GetResString(kIdAddRow)));
+      QString::fromStdString(PlainCaption(editor_.Views().Catalogue().GetResString(TextId::MenuAddRow)));
   rowAdd_->setToolTip(addRow);
   rowAdd_->setAccessibleName(addRow);
   QObject::connect(rowAdd_, &QPushButton::pressed, &panel_, [this] { ColorRowAdd(); });
@@ -177,7 +174,7 @@ void GridPanel::Impl::Refresh() {
   side_->Refresh({editor_.Cursor().CurrentRow});
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1], tables_.Branch}) {
     const GridModel& model = table->Model();
-    QString name = model.Area() == GridArea::Branch ? Text(kIdBranchStepLabel).simplified() : QString();
+    QString name = model.Area() == GridArea::Branch ? Text(TextId::BranchGridTitle).simplified() : QString();
     if (model.Area() == GridArea::Sequence) name = tables_.Tabs->tabText(model.Channel());
     if (model.Area() == GridArea::Common) name = model.headerData(0, Qt::Horizontal).toString();
     table->setAccessibleName(name);
@@ -258,7 +255,7 @@ void GridPanel::Impl::ShowMenu(const QPoint& global) {
   menu.exec(global);
 }
 
-void GridPanel::Impl::ShowFileProblem(int id, const std::string& path, const std::string& reason) {
+void GridPanel::Impl::ShowFileProblem(TextId id, const std::string& path, const std::string& reason) {
   ShowMessage(prompts_, editor_.Views().Catalogue(), id, PromptIcon::Exclamation, PromptButtons::Ok,
               {path, reason});
 }
@@ -344,7 +341,7 @@ void GridPanel::ImportCsv(const std::string& path) {
   if (!impl_->control_->Commit()) return;
   const std::optional<std::string> bytes = ReadWholeFile(path);
   if (!bytes) {
-    impl_->ShowFileProblem(kIdReadProblem, path, {});
+    impl_->ShowFileProblem(TextId::CannotReadFile, path, {});
     return;
   }
   impl_->control_->CloseEditors();
@@ -355,7 +352,7 @@ void GridPanel::ExportCsv(const std::string& path) {
   if (!impl_->control_->Commit()) return;
   std::string error;
   if (!ReplaceFile(path, impl_->editor_.ExportCsv(), &error)) {
-    impl_->ShowFileProblem(kIdWriteProblem, path, error);
+    impl_->ShowFileProblem(TextId::CannotWriteFile, path, error);
   }
 }
 

@@ -10,13 +10,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdInsert = 1100;
-constexpr int kIdDelete = 1101;
-constexpr int kIdBranchStepLabel = 1200;
-constexpr int kIdStepNumberLabel = 1201;
-constexpr int kIdRowUp = 7714;
-constexpr int kIdRowDown = 7715;
-
 constexpr int kSpacing = 4;  // pixels between the controls
 
 }  // namespace
@@ -45,14 +38,14 @@ GridSide::GridSide(const GridViews& views, GridModel& branchModel, const std::fu
     return new RowButton(
         name, caption, [run, command] { run(command); }, this);
   };
-  insert_ = add("CmdInsert", Text(kIdInsert), Command::InsertRow);
-  delete_ = add("CmdDelete", Text(kIdDelete), Command::DeleteRow);
+  insert_ = add("CmdInsert", Text(TextId::ButtonInsertRow), Command::InsertRow);
+  delete_ = add("CmdDelete", Text(TextId::ButtonDeleteRow), Command::DeleteRow);
   up_ = add("CmdUp", english ? QStringLiteral("Up") : QStringLiteral("△"), Command::RowUp);
   down_ = add("CmdDown", english ? QStringLiteral("Dn") : QStringLiteral("▽"), Command::RowDown);
-  up_->setToolTip(Text(kIdRowUp));
-  up_->setAccessibleName(Text(kIdRowUp));
-  down_->setToolTip(Text(kIdRowDown));
-  down_->setAccessibleName(Text(kIdRowDown));
+  up_->setToolTip(Text(TextId::EditRowUp));
+  up_->setAccessibleName(Text(TextId::EditRowUp));
+  down_->setToolTip(Text(TextId::EditRowDown));
+  down_->setAccessibleName(Text(TextId::EditRowDown));
 
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -70,10 +63,10 @@ GridSide::GridSide(const GridViews& views, GridModel& branchModel, const std::fu
 QWidget* GridSide::BuildBranch(GridModel& model) {
   branchFrame_ = new QGroupBox;
   branchFrame_->setObjectName(QStringLiteral("FrmBranch"));
-  branchFrame_->setAccessibleName(Text(kIdBranchStepLabel).simplified());
-  auto* branchLabel = new QLabel(Text(kIdBranchStepLabel));
+  branchFrame_->setAccessibleName(Text(TextId::BranchGridTitle).simplified());
+  auto* branchLabel = new QLabel(Text(TextId::BranchGridTitle));
   branchLabel->setObjectName(QStringLiteral("LabBranchStep"));
-  auto* stepLabel = new QLabel(Text(kIdStepNumberLabel));
+  auto* stepLabel = new QLabel(Text(TextId::BranchGridStepNumber));
   stepLabel->setObjectName(QStringLiteral("LabStepNo"));
   for (QLabel* label : {branchLabel, stepLabel}) {
     label->setWordWrap(true);

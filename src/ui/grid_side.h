@@ -37,7 +37,7 @@ class GridSide : public QWidget {
 
  private:
   QWidget* BuildBranch(GridModel& model);
-  QString Text(int id) const { return QString::fromStdString(views_.Catalogue().GetResString(id)); }
+  QString Text(TextId id) const { return QString::fromStdString(views_.Catalogue().GetResString(id)); }
 
   const GridViews& views_;
   RowButton* insert_;

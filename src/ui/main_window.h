@@ -144,8 +144,8 @@ class MainWindow : public QMainWindow {
   void AdaptWidths();
   void FinishClosing();
   void KeepPlace() const;
-  std::string Text(int id) const { return session_.Catalogue().GetResString(id); }
-  QString Caption(int id) const { return QString::fromStdString(Text(id)); }
+  std::string Text(TextId id) const { return session_.Catalogue().GetResString(id); }
+  QString Caption(TextId id) const { return QString::fromStdString(Text(id)); }
 
   Session& session_;
   SequenceEditor& editor_;

@@ -28,8 +28,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kCsvFilter = 8203;
-
 // The only file of a drag when it is a sequence file by its name; empty otherwise.
 QString SequenceFileIn(const QMimeData* data) {
   const QList<QUrl> urls = data->urls();
@@ -120,7 +118,7 @@ bool MainWindow::CanOpenNow() const {
 
 void MainWindow::OpenPath(const std::string& path) {
   if (!CanOpenNow()) {
-    statBar_->ShowNotice(session_.Catalogue().GetResString(9660, {path}));
+    statBar_->ShowNotice(session_.Catalogue().GetResString(TextId::NotOpenedNow, {path}));
     return;
   }
   Perform([&] {
@@ -167,7 +165,7 @@ FrmPreview& MainWindow::NeedPreview() {
     };
     handlers.enterViewAreas = [this](const auto& areas) {
       if (!CommitEntries()) return false;
-      editor_.Record(EditAction::ViewAreas, [&] { session_.Sequence().ViewAreas = areas; });
+      editor_.Record(TextId::EditViewAreas, [&] { session_.Sequence().ViewAreas = areas; });
       RefreshControls();
       return session_.Sequence().ViewAreas == areas;
     };
@@ -251,7 +249,7 @@ void MainWindow::ReadBack() {
   Perform([&] {
     grids_->HideEditors();
     session_.Sequence().SequenceNumber = sequenceNumber_;
-    const EditOutcome outcome = editor_.Record(EditAction::ReadBack, [this] { session_.ReadBack(); });
+    const EditOutcome outcome = editor_.Record(TextId::EditReadBack, [this] { session_.ReadBack(); });
     if (outcome.Changed) grids_->Rebuild();
   });
 }
@@ -259,7 +257,7 @@ void MainWindow::ReadBack() {
 void MainWindow::ImportCsv() {
   Perform([&] {
     grids_->HideEditors();
-    const auto path = files_.ChooseOpen(Text(kCsvFilter));
+    const auto path = files_.ChooseOpen(Text(TextId::CsvFilter));
     if (path && !path->empty()) grids_->ImportCsv(*path);
   });
 }
@@ -272,7 +270,7 @@ void MainWindow::ExportCsv() {
       const QFileInfo info(suggested);
       suggested = info.path() + QLatin1Char('/') + info.completeBaseName() + QStringLiteral(".csv");
     }
-    const auto path = files_.ChooseSave(Text(kCsvFilter), suggested.toStdString());
+    const auto path = files_.ChooseSave(Text(TextId::CsvFilter), suggested.toStdString());
     if (path && !path->empty()) grids_->ExportCsv(*path);
   });
 }
@@ -303,7 +301,8 @@ void MainWindow::ShowCommLog() {
 }
 
 std::string MainWindow::ConnectionTip() const {
-  std::string tip = session_.State().Online == 1 ? Text(8207) + "\n" + DeviceTip() : Text(8206);
+  std::string tip = session_.State().Online == 1 ? Text(TextId::TipConnected) + "\n" + DeviceTip()
+                                                 : Text(TextId::TipNoConnection);
   for (const std::string& problem : {session_.Gp().LibraryProblem(), session_.Compiler().Problem()}) {
     if (!problem.empty()) tip += "\n" + problem;
   }
@@ -323,8 +322,9 @@ std::string MainWindow::DeviceTip() const {
     const bool usbTmc = entry.InterfaceKind == InterfaceKind::UsbTmc;
     if (!tip.empty()) tip += "\n";
     tip += session_.Catalogue().GetResString(
-        8213, {std::to_string(i + 1), name, usbTmc ? entry.SerialNo : std::to_string(entry.Address),
-               std::to_string(entry.ChannelCount)});
+        TextId::TipDevice,
+        {std::to_string(i + 1), name, usbTmc ? entry.SerialNo : std::to_string(entry.Address),
+         std::to_string(entry.ChannelCount)});
   }
   return tip;
 }

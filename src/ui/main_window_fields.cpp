@@ -18,7 +18,7 @@ void MainWindow::BuildFields(QWidget* parent) {
                      [this](const std::string& text, EntryEnd end) { return EnterStartStep(text, end); },
                      [this](const std::string& text, EntryEnd end) { return EnterBranchChannel(text, end); }},
                     parent);
-  read_ = new QPushButton(Caption(8009), fields_);
+  read_ = new QPushButton(Caption(TextId::ButtonReadBack), fields_);
   read_->setObjectName(QStringLiteral("CmdRead"));
   // A click leaves the focus in the cell or field.
   read_->setFocusPolicy(Qt::TabFocus);

@@ -25,7 +25,7 @@ void MainWindow::BuildMenus() {
 void MainWindow::AddRecentMenu() {
   CommandMenu& file = MenuOf(MenuPlace::File);
   QAction* exit = file.Item(Command::Exit);
-  recentMenu_ = new QMenu(Caption(8200), this);
+  recentMenu_ = new QMenu(Caption(TextId::MenuRecentFiles), this);
   recentMenu_->setObjectName(QStringLiteral("mnuRecent"));
   file.insertMenu(exit, recentMenu_);
   file.insertSeparator(exit);
@@ -36,8 +36,8 @@ void MainWindow::ShowMenuStates() {
   for (CommandMenu* menu : menus_) menu->ShowStates(states_);
   for (QAction* tool : MenuOf(MenuPlace::Tool).actions()) {
     tool->setEnabled(false);
-    tool->setToolTip(Caption(8205));
-    tool->setStatusTip(Caption(8205));
+    tool->setToolTip(Caption(TextId::NotInThisVersion));
+    tool->setStatusTip(Caption(TextId::NotInThisVersion));
   }
   MenuOf(MenuPlace::Edit).ShowUndoNames(editor_);
   recentMenu_->setEnabled(!recentFiles_.isEmpty() && StateOf(RowOf(Command::Open), states_).Enabled);

@@ -62,9 +62,9 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
   for (int i = 0; i < kPanels; ++i) {
     QLabel* panel = nullptr;
     if (i == Total) {
-      panel = total_ = new TimePanel(catalogue, 1405, bar);
+      panel = total_ = new TimePanel(catalogue, TextId::TotalTime, bar);
     } else if (i == Elapsed) {
-      panel = elapsed_ = new TimePanel(catalogue, 1406, bar);
+      panel = elapsed_ = new TimePanel(catalogue, TextId::ElapsedTime, bar);
     } else {
       panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
     }
@@ -85,9 +85,11 @@ void StatBar::Show(Panel panel, const std::string& text) {
 }
 
 void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
-  Show(Connection, catalogue_.GetResString(state.Online == 1 ? 1401 : 1400));
-  Show(Mode, catalogue_.GetResString(state.OperationMode == OperationMode::Execution ? 1403 : 1402));
-  Show(Device, catalogue_.GetResString(1404) + ":" + state.ModelName);
+  Show(Connection, catalogue_.GetResString(state.Online == 1 ? TextId::StateOnLine : TextId::StateOffLine));
+  Show(Mode,
+       catalogue_.GetResString(state.OperationMode == OperationMode::Execution ? TextId::StateExecutionMode
+                                                                               : TextId::StateEditMode));
+  Show(Device, catalogue_.GetResString(TextId::StateDevice) + ":" + state.ModelName);
   panels_[Connection]->setToolTip(QString::fromStdString(facts.connectionTip));
   panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());
   panels_[Device]->setToolTip(QString::fromStdString(facts.deviceTip));

@@ -15,10 +15,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdArea1 = 2100;
-constexpr int kIdFirstItem = 2200;
-constexpr int kIdArea = 8255;
-constexpr int kIdTimeAxis = 8256;
 constexpr std::size_t kTimeAxisList = 4;  // VS_SELCT4
 constexpr int kSpacing = 8;
 
@@ -27,25 +23,25 @@ constexpr int kSpacing = 8;
 AreaSettings::AreaSettings(const MessageCatalogue& catalogue, Handlers handlers, QWidget* parent)
     : QWidget(parent), catalogue_(catalogue), handlers_(std::move(handlers)) {
   setLayout(new FlowLayout(nullptr, kSpacing));
-  area_ = AddList(kIdArea, "CmbArea");
+  area_ = AddList(TextId::AreaField, "CmbArea");
   for (int i = 0; i < kViewAreas; ++i) {
-    area_->addItem(QString::fromStdString(catalogue.GetResString(kIdArea1 + i)));
+    area_->addItem(QString::fromStdString(catalogue.GetResString(Next(TextId::ViewArea1, i))));
   }
   connect(area_, &QComboBox::activated, this, [this] { ShowChoices(); });
   constexpr std::array<const char*, kItems> kNames{"CmbDisplay", "CmbScale", "CmbContent", "CmbObject"};
   for (std::size_t i = 0; i < kItems; ++i) {
-    items_[i] = AddList(kIdFirstItem + static_cast<int>(i), kNames[i]);
+    items_[i] = AddList(Next(TextId::ViewDisplaySetting, static_cast<int>(i)), kNames[i]);
     items_[i]->setEnabled(handlers_.canEnterAreas);
     connect(items_[i], &QComboBox::activated, this, [this, i](int choice) { Enter(i, choice); });
   }
-  timeAxis_ = AddList(kIdTimeAxis, "CmbTimeAxis");
+  timeAxis_ = AddList(TextId::TimeAxisField, "CmbTimeAxis");
   connect(timeAxis_, &QComboBox::activated, this, [this](int choice) {
     axis_ = choice == 1 ? TimeAxis::Steps : TimeAxis::Time;
     handlers_.enterAxis(axis_);
   });
 }
 
-QComboBox* AreaSettings::AddList(int captionId, const char* name) {
+QComboBox* AreaSettings::AddList(TextId captionId, const char* name) {
   auto* group = new QWidget(this);
   auto* rows = new QVBoxLayout(group);
   rows->setContentsMargins(0, 0, 0, 0);

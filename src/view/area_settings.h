@@ -33,7 +33,7 @@ class AreaSettings : public QWidget {
  private:
   static constexpr std::size_t kItems = 4;
 
-  QComboBox* AddList(int captionId, const char* name);
+  QComboBox* AddList(TextId captionId, const char* name);
   void Fill(QComboBox* list, const TextList& choices);
   void ShowChoices();
   void Enter(std::size_t item, int choice);

@@ -30,12 +30,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kIdTitle = 2000;
-constexpr int kIdTotal = 1405;
-constexpr int kIdElapsed = 1406;
-constexpr int kIdGraphs = 8264;
-constexpr int kIdAllOff = 8265;
-
 constexpr int kMargin = 8;  // pixels
 constexpr QSize kNormalSize{960, 660};
 
@@ -52,7 +46,7 @@ class FrmPreview::Impl {
         catalogue(messages),
         handlers(std::move(previewHandlers)) {}
 
-  QString Text(int id) const { return QString::fromStdString(catalogue.GetResString(id)); }
+  QString Text(TextId id) const { return QString::fromStdString(catalogue.GetResString(id)); }
 
   void BuildMenus();
   void Do(Command command);
@@ -142,7 +136,7 @@ QWidget* FrmPreview::Impl::BuildContent() {
       },
       content);
   canvas->setObjectName(QStringLiteral("PicView"));
-  canvas->setAccessibleName(Text(kIdGraphs));
+  canvas->setAccessibleName(Text(TextId::GraphsName));
   rows->addWidget(buttons);
   rows->addWidget(fields);
   rows->addWidget(settings);
@@ -153,14 +147,14 @@ QWidget* FrmPreview::Impl::BuildContent() {
 void FrmPreview::Impl::BuildStatusBar() {
   QStatusBar* bar = form.statusBar();
   bar->setObjectName(QStringLiteral("StatBar1"));
-  const auto add = [&](const char* name, int captionId) {
+  const auto add = [&](const char* name, TextId captionId) {
     auto* panel = new TimePanel(catalogue, captionId, bar);
     panel->setObjectName(QString::fromUtf8(name));
     bar->addWidget(panel);
     return panel;
   };
-  total = add("PanelTotal", kIdTotal);
-  elapsed = add("PanelElapsed", kIdElapsed);
+  total = add("PanelTotal", TextId::TotalTime);
+  elapsed = add("PanelElapsed", TextId::ElapsedTime);
   warning = new WarningLine(catalogue, bar);
   bar->addWidget(warning, 1);
 }
@@ -171,7 +165,9 @@ void FrmPreview::Impl::Draw() {
   const StepLength length =
       state.OperationMode == OperationMode::Execution ? StepLength::RunTime : StepLength::Entered;
   GraphPicture picture = BuildGraphPicture(sequence, definition, catalogue, {channels, axis, length});
-  if (picture.Note.empty() && picture.Areas.empty()) picture.Note = catalogue.GetResString(kIdAllOff);
+  if (picture.Note.empty() && picture.Areas.empty()) {
+    picture.Note = catalogue.GetResString(TextId::GraphAllAreasOff);
+  }
   canvas->ShowPicture(std::move(picture));
   settings->ShowAreas(definition, AreasInEffect(sequence, definition, channels), axis);
 }
@@ -188,7 +184,7 @@ FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const
     : QMainWindow(parent),
       impl_(std::make_unique<Impl>(*this, state, definition, sequence, catalogue, std::move(handlers))) {
   setObjectName(QStringLiteral("FrmPreview"));
-  setWindowTitle(impl_->Text(kIdTitle));
+  setWindowTitle(impl_->Text(TextId::ViewTitle));
   setContextMenuPolicy(Qt::NoContextMenu);
   impl_->BuildMenus();
   setCentralWidget(impl_->BuildContent());

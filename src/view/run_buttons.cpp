@@ -10,7 +10,6 @@ namespace corlune {
 
 namespace {
 
-constexpr int kFirstCaption = 8000;
 constexpr int kSpacing = 4;
 constexpr int kCaptionMargin = 8;  // pixels on each side of a caption
 
@@ -27,7 +26,7 @@ bool RunButtonApplies(PanelButton button, const AppState& state) {
     case PanelButton::Start:
       return state.RunState == RunState::Running;
     case PanelButton::Stop:
-      return execution && state.RunState == RunState::Stopped;
+      return execution && state.RunState == RunState::Stopped && !state.MayStillRun;
     case PanelButton::Hold:
       return state.RunState == RunState::Held;
     case PanelButton::Branch:
@@ -70,7 +69,7 @@ RunButtons::RunButtons(const MessageCatalogue& catalogue, const std::function<vo
     : QWidget(parent) {
   auto* layout = new FlowLayout(this, kSpacing, FlowLayout::Items::Shrink);
   for (int i = 0; i < kPanelButtonCount; ++i) {
-    const QString caption = QString::fromStdString(catalogue.GetResString(kFirstCaption + i));
+    const QString caption = QString::fromStdString(catalogue.GetResString(Next(TextId::ButtonChangeMode, i)));
     auto* button = new QPushButton(caption, this);
     button->setObjectName(QStringLiteral("CmdBtn1_%1").arg(i));
     // A click leaves an entry as it stands.

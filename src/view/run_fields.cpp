@@ -20,14 +20,15 @@ constexpr int kSpacing = 12;
 
 RunFields::RunFields(const MessageCatalogue& catalogue, Checks checks, QWidget* parent) : QWidget(parent) {
   struct Row {
-    int captionId;
+    TextId captionId;
     const char* name;
     const char* labelName;
     EntryField::Check check;
   };
-  const std::array<Row, kFields> rows{{{8008, "TxtSeq", "LabSeq", std::move(checks.sequenceNumber)},
-                                       {8006, "TxtStrStep", "LabStrStep", std::move(checks.startStep)},
-                                       {8007, "TxtBranch", "LabBranch", std::move(checks.branchChannel)}}};
+  const std::array<Row, kFields> rows{
+      {{TextId::FieldSequenceNumber, "TxtSeq", "LabSeq", std::move(checks.sequenceNumber)},
+       {TextId::FieldStartStep, "TxtStrStep", "LabStrStep", std::move(checks.startStep)},
+       {TextId::FieldBranchChannel, "TxtBranch", "LabBranch", std::move(checks.branchChannel)}}};
   auto* layout = new FlowLayout(this, kSpacing);
   for (std::size_t i = 0; i < kFields; ++i) {
     groups_[i] = new QWidget(this);

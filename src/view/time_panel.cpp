@@ -10,7 +10,7 @@ namespace {
 constexpr int kMargin = 2;  // pixels
 }  // namespace
 
-TimePanel::TimePanel(const MessageCatalogue& catalogue, int captionId, QWidget* parent)
+TimePanel::TimePanel(const MessageCatalogue& catalogue, TextId captionId, QWidget* parent)
     : QLabel(parent), catalogue_(catalogue), captionId_(captionId) {
   setTextFormat(Qt::PlainText);
   setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));

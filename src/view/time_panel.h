@@ -12,7 +12,7 @@ class TimePanel : public QLabel {
 
  public:
   // `captionId` stands before the time. `catalogue` must outlive the panel.
-  TimePanel(const MessageCatalogue& catalogue, int captionId, QWidget* parent = nullptr);
+  TimePanel(const MessageCatalogue& catalogue, TextId captionId, QWidget* parent = nullptr);
   // Milliseconds; -1: endless.
   void ShowTime(double milliseconds);
 
@@ -23,7 +23,7 @@ class TimePanel : public QLabel {
   void FixWidth();
 
   const MessageCatalogue& catalogue_;
-  int captionId_;
+  TextId captionId_;
 };
 
 }  // namespace corlune

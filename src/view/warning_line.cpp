@@ -8,8 +8,6 @@ namespace {
 
 constexpr QColor kFace(255, 192, 0);  // amber, as the lamps of test benches
 constexpr int kMargin = 4;            // pixels
-constexpr int kIdMayStillRun = 8290;
-constexpr int kIdConnectionLost = 8291;
 
 }  // namespace
 
@@ -32,11 +30,11 @@ WarningLine::WarningLine(const MessageCatalogue& catalogue, QWidget* parent)
 
 void WarningLine::ShowState(const AppState& state) {
   std::string text;
-  if (state.MayStillRun) text = catalogue_.GetResString(kIdMayStillRun);
+  if (state.MayStillRun) text = catalogue_.GetResString(TextId::MayStillRun);
   for (std::size_t i = 0; i < state.Lost.size(); ++i) {
     if (!state.Lost[i]) continue;
     if (!text.empty()) text += ' ';
-    text += catalogue_.GetResString(kIdConnectionLost, {std::to_string(i + 1)});
+    text += catalogue_.GetResString(TextId::ConnectionLost, {std::to_string(i + 1)});
   }
   const QString shown = QString::fromStdString(text);
   if (shown != this->text()) setText(shown);

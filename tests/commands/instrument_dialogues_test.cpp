@@ -112,7 +112,7 @@ TEST(InstrumentDialogues, WaitCompileDone) {
     EXPECT_EQ(rig.clock.Now(), 1000u + 100u * static_cast<unsigned>(c.polls));
     EXPECT_EQ(rig.prompts.messages.size(), c.message ? 1u : 0u);
     if (c.message && !rig.prompts.messages.empty()) {
-      EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(9311));
+      EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(TextId{9311}));
       EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Critical);
     }
   }

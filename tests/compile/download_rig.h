@@ -69,7 +69,7 @@ struct DownloadRig : corlune::testing::InstrumentRig {
   ArbFileEntry& Entry(int number) {
     return sequence->Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
   }
-  std::string Text(int id) const { return catalogue.GetResString(id); }
+  std::string Text(int id) const { return catalogue.GetResString(TextId{id}); }
   // The messages shown, without the name question.
   std::vector<std::string> Messages() const {
     std::vector<std::string> texts;

@@ -66,7 +66,7 @@ TEST(WaveformTransfer, AFileThatIsNoWaveformSendsNothing) {
     EXPECT_EQ(rig.script.Count(), 0u);
     ASSERT_THAT(rig.prompts.messages, SizeIs(c.message != 0 ? 1 : 0));
     if (c.message == 0) continue;
-    EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(c.message));
+    EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(TextId{c.message}));
     EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Exclamation);
   }
 }
@@ -92,7 +92,7 @@ TEST(WaveformTransfer, OneRowOfTheDialog) {
   rig.script.Reply(":SYST:ERR?", {"-225,\"Out of memory\""});
   rig.prompts.Answer(PromptAnswer::Ok);
   EXPECT_EQ(rig.transfer.TransferOne(entry, 7), ArbTransfer::MemoryFull);
-  EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(9317));
+  EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(TextId{9317}));
   EXPECT_EQ(entry.Transferred, 0);
   EXPECT_EQ(entry.InInstrument, 0);
 }

@@ -18,33 +18,35 @@ std::set<char> Placeholders(std::string_view text) {
 }
 
 TEST(Catalogue, EveryTextStandsInBothLanguages) {
-  for (const CatalogueText& text : CatalogueTexts()) {
-    EXPECT_STRNE(text.english, "") << text.id;
-    EXPECT_STRNE(text.japanese, "") << text.id;
-    EXPECT_TRUE(IsValidUtf8(text.japanese)) << text.id;
-    EXPECT_EQ(Placeholders(text.english), Placeholders(text.japanese)) << text.id;
-    EXPECT_TRUE(text.id >= 1000 && text.id < 10000) << text.id;
+  for (int id = 0; id < 20000; ++id) {
+    const CatalogueText text = TextOf(TextId{id});
+    EXPECT_EQ(*text.english != '\0', *text.japanese != '\0') << id;
+    EXPECT_TRUE(IsValidUtf8(text.japanese)) << id;
+    EXPECT_EQ(Placeholders(text.english), Placeholders(text.japanese)) << id;
+    EXPECT_TRUE(*text.english == '\0' || (id >= 1000 && id < 10000)) << id;
     // English must show in every font.
-    for (const char* c = text.english; *c != '\0'; ++c) EXPECT_GE(*c, '\n') << text.id;
+    for (const char* c = text.english; *c != '\0'; ++c) EXPECT_GE(*c, '\n') << id;
   }
 }
 
 TEST(Catalogue, AnswersInItsLanguage) {
   const MessageCatalogue english(10000);
   const MessageCatalogue japanese(0);
-  EXPECT_EQ(english.GetResString(1103), "Step\nTime");
-  EXPECT_EQ(japanese.GetResString(1103), "Time");
-  EXPECT_EQ(english.GetResString(3302), "Plindor binary file(*.wdb)|*.wdb|text file(*.txt)|*.txt");
-  EXPECT_EQ(japanese.GetResString(9401),
+  EXPECT_EQ(english.GetResString(TextId{1103}), "Step\nTime");
+  EXPECT_EQ(japanese.GetResString(TextId{1103}), "Time");
+  EXPECT_EQ(english.GetResString(TextId{3302}), "Plindor binary file(*.wdb)|*.wdb|text file(*.txt)|*.txt");
+  EXPECT_EQ(japanese.GetResString(TextId{9401}),
             "任意波形作成ソフトウエアが起動しています。\n任意波形作成ソフトウエアを終了してから再度起動してく"
             "ださい。");
   for (const int missing : {9999, 4333, 5202, 0, -1, 19000, 20000}) {
-    EXPECT_EQ(english.GetResString(missing), "") << missing;
-    EXPECT_EQ(japanese.GetResString(missing), "") << missing;
+    EXPECT_EQ(english.GetResString(TextId{missing}), "") << missing;
+    EXPECT_EQ(japanese.GetResString(TextId{missing}), "") << missing;
   }
-  EXPECT_EQ(MessageCatalogue::GetFixedString(20000), "Tavrin Plindor for QM2210/20");
-  EXPECT_EQ(MessageCatalogue::GetFixedString(21000), "QM2210");
-  EXPECT_EQ(MessageCatalogue::GetFixedString(21001), "QM2220");
+  EXPECT_EQ(MessageCatalogue::GetFixedString(FixedText{20000}), "Tavrin Plindor for QM2210/20");
+  EXPECT_EQ(MessageCatalogue::GetFixedString(FixedText{21000}), "QM2210");
+  EXPECT_EQ(MessageCatalogue::GetFixedString(FixedText{21001}), "QM2220");
+  EXPECT_EQ(Next(TextId::MenuRun, 6), TextId::MenuOutputOff);
+  EXPECT_DEBUG_DEATH(Next(TextId::MenuOutputOff, 1), "");
 }
 
 TEST(ReplaceArgs, FillsPlaceholdersFromLeftToRight) {

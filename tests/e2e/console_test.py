@@ -409,14 +409,14 @@ class DownloadIsStopped(RunIsStopped):
 
 
 class RunBreaksOff(Runs):
-    FAULTS = "text=3:-77@CST?"
+    FAULTS = "text=3:-77@CST?;timeout=1@EXEC STOP"
 
     def test_run(self):
         self.switch_log_on()
         _, err = self.run_console("run", self.quick_sequence(1), "--virtual-instrument", "--yes", code=1,
                                   CORLUNE_VI_FAULTS=self.FAULTS)
-        self.assertIn("did not end as it should", err)
-        self.assertIn(":TRIG1:SEL:EXEC STOP", self.log())
+        self.assertRegex(err, "did not end as it should.*\n.*stop once more and has taken it")
+        self.assertEqual(self.log().count(":TRIG1:SEL:EXEC STOP"), 2)
 
 
 class ReadIsInterrupted(Runs):

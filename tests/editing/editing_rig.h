@@ -65,7 +65,7 @@ class EditingRig {
   int IdOf(const EditOutcome& outcome) {
     last = outcome;
     if (outcome.Accepted) return 0;
-    return outcome.Message ? outcome.Message->Id : -1;
+    return outcome.Message ? static_cast<int>(outcome.Message->Id) : -1;
   }
   // Makes rows first..last and the columns of the area the selection.
   void Select(GridArea area, int channel, int firstRow, int lastRow, int firstColumn, int lastColumn) {

@@ -87,7 +87,7 @@ TEST(Undo, CoversDialogsAndLeavesTheRest) {
   EditingRig rig(2);
   rig.sequence->Channels.ArbFiles[4].FilePath = "old.wdb";
   rig.sequence->Channels.ArbFiles[4].Transferred = 1;
-  const EditOutcome outcome = rig.editor->Record(EditAction::ChannelSettings, [&] {
+  const EditOutcome outcome = rig.editor->Record(TextId::EditChannelSettings, [&] {
     rig.sequence->Common.Trigger = 2;
     rig.sequence->Channels.Loads[0] = {1, 75};
     rig.sequence->Channels.UserUnits[1][2].UnitText = "rpm";
@@ -111,7 +111,7 @@ TEST(Undo, CoversDialogsAndLeavesTheRest) {
   EXPECT_EQ(rig.Step(1).StepRunTime, 1234);
   rig.editor->Redo();
   EXPECT_EQ(rig.sequence->Channels.ArbFiles[4].FilePath, "new.wdb");
-  EXPECT_FALSE(rig.editor->Record(EditAction::CommonParameters, [] {}).Changed);
+  EXPECT_FALSE(rig.editor->Record(TextId::EditCommonParameters, [] {}).Changed);
 }
 
 TEST(Undo, StaysWithinItsLimits) {
@@ -126,7 +126,7 @@ TEST(Undo, StaysWithinItsLimits) {
   // Entries that change every cell of every step.
   EditingRig large(256);
   for (int i = 0; i < 300; ++i) {
-    large.editor->Record(EditAction::ReadBack, [&] {
+    large.editor->Record(TextId::EditReadBack, [&] {
       for (ParamCell& cell : large.sequence->Cells) cell.Value += 1;
       for (StepRow& row : large.sequence->Steps) row.StepTime += 1;
     });
@@ -137,7 +137,7 @@ TEST(Undo, StaysWithinItsLimits) {
   // Even when single entries are huge, the last ones stay.
   EditingRig paths(1);
   for (int i = 0; i < 100; ++i) {
-    paths.editor->Record(EditAction::Waveforms, [&] {
+    paths.editor->Record(TextId::EditWaveforms, [&] {
       paths.sequence->Channels.ArbFiles[0].FilePath = std::string(1U << 20U, static_cast<char>('a' + i % 20));
     });
   }

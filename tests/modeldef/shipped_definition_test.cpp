@@ -96,8 +96,8 @@ TEST_P(ShippedModel, ChoicesStandInTheOrderOfTheirCodes) {
   EXPECT_EQ(6U, definition.Sequence.Params[0][4].Choices.size());
   EXPECT_EQ((std::vector<std::string>{"CONT", "STOP", "END"}), definition.Common.Params[7].Choices);
   const MessageCatalogue english(10000);
-  const std::vector<std::string> modes{english.GetResString(1210), english.GetResString(1212),
-                                       english.GetResString(1211)};
+  const std::vector<std::string> modes{english.GetResString(TextId{1210}), english.GetResString(TextId{1212}),
+                                       english.GetResString(TextId{1211})};
   for (const std::size_t param : {2U, 3U, 5U, 6U, 7U})
     EXPECT_EQ(modes, definition.Sequence.Params[0][param].ModeNames);
 }

@@ -20,7 +20,7 @@ class TestDisplay {
  public:
   TestDisplay() {
     char number[16] = ":";
-    server_ = popen("exec Xvfb -displayfd 1 -terminate -screen 0 320x240x24 -nolisten tcp 2>&-", "r");
+    server_ = popen("exec Xvfb -displayfd 1 -terminate -screen 0 320x240x24 -nolisten tcp 2>/dev/null", "r");
     if (std::fgets(number + 1, 15, server_) == nullptr) return;
     number[std::strcspn(number, "\n")] = '\0';
     environment_.Set(number);

@@ -85,6 +85,7 @@ TEST(RunStory, BranchAtTheProgramAndAtTheInstrument) {
   rig.DownloadAndStart();
   rig.Advance(400);
   rig.Press(Run::Branch);
+  sequence.BranchChannel = 1;  // too late for that press
   EXPECT_EQ(rig.session->State().CurrentStep, 0);
   rig.Advance(300);
   EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC BRAN 3"), 1);
@@ -92,6 +93,7 @@ TEST(RunStory, BranchAtTheProgramAndAtTheInstrument) {
   EXPECT_FALSE(rig.session->State().BranchRequested);
 
   // A step whose chosen entry is 0 branches nowhere.
+  sequence.BranchChannel = 2;
   rig.Forget();
   rig.Press(Run::Branch);
   rig.Advance(300);

@@ -125,7 +125,7 @@ TEST(ChannelSettingsTest, TypedFields) {
                          Row{CheckFactor, "0", 9108, 0}, Row{CheckFactor, "1,5", 9108, 0},
                          Row{CheckSummand, "0", 0, 0}, Row{CheckSummand, "x", 9108, 0}}) {
     const FieldCheck result = row.check(row.text);
-    EXPECT_EQ(result.Message, row.message) << row.text;
+    EXPECT_EQ(result.Message.value_or(TextId{}), TextId{row.message}) << row.text;
     EXPECT_EQ(result.Value, row.value) << row.text;
   }
   EXPECT_THAT(CheckLoadValue("0").Arguments, ::testing::ElementsAre("0", "1", "10000"));

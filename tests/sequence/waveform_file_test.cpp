@@ -52,7 +52,7 @@ class WaveformFileTest : public ::testing::Test {
 
 TEST_F(WaveformFileTest, TextBecomesAnArrayBlock) {
   const WaveformRead read = Read("a.txt", "-32767,32767\n1,-2," + Values(4092));
-  ASSERT_EQ(read.problem, Problem::None) << read.reason.text;
+  ASSERT_EQ(read.problem, Problem::None) << ReasonText(read.reason, MessageCatalogue(10000));
   EXPECT_TRUE(read.arrayForm);
   EXPECT_EQ(read.pointCount, 4096);
   ASSERT_EQ(read.block.size(), 8u + 2 * 4096);
@@ -72,7 +72,8 @@ TEST_F(WaveformFileTest, WaysToWriteTheSameText) {
         "\r\n\r\n1,2\r\n\r\n-3" + rest + "\n", "1,2,-3" + rest + ",", "1\r2\r-3" + rest + ",\r\n\r\n",
         "1e0,0.2E+1,-30e-1" + rest, "1\n,2\n,-3" + rest}) {
     const WaveformRead read = Read("a.TXT", text);
-    ASSERT_EQ(read.problem, Problem::None) << read.reason.text << "\n" << text.substr(0, 30);
+    ASSERT_EQ(read.problem, Problem::None) << ReasonText(read.reason, MessageCatalogue(10000)) << "\n"
+                                           << text.substr(0, 30);
     EXPECT_EQ(read.pointCount, 4096);
     const std::vector<int> points = Points(read);
     EXPECT_THAT(std::vector<int>(points.begin(), points.begin() + 4), ::testing::ElementsAre(1, 2, -3, 0))
@@ -126,7 +127,7 @@ TEST_F(WaveformFileTest, LongTextsComeBackValueByValue) {
       text += std::to_string(values.back()) + separators[random() % separators.size()];
     }
     const WaveformRead read = Read("long.txt", text);
-    ASSERT_EQ(read.problem, Problem::None) << read.reason.text;
+    ASSERT_EQ(read.problem, Problem::None) << ReasonText(read.reason, MessageCatalogue(10000));
     EXPECT_TRUE(Points(read) == values) << "seed " << kSeed << ", " << count;
   }
 }
@@ -140,7 +141,7 @@ TEST_F(WaveformFileTest, EditorArrayIsSwappedIntoTheBlock) {
     bytes[static_cast<std::size_t>(353 + 2 * i)] = static_cast<char>(values.back() >> 8);
   }
   const WaveformRead read = Read("a.Wdb", bytes);
-  ASSERT_EQ(read.problem, Problem::None) << read.reason.text;
+  ASSERT_EQ(read.problem, Problem::None) << ReasonText(read.reason, MessageCatalogue(10000));
   EXPECT_TRUE(read.arrayForm);
   EXPECT_EQ(read.pointCount, kMaxWaveformPoints);
   ASSERT_EQ(read.block.size(), 1048584u);
@@ -154,7 +155,7 @@ TEST_F(WaveformFileTest, EditorPairsLoseTheirReservedBytes) {
   std::string bytes = EditorFile(1, kPairs, 1048928 + 8 * kPairs);
   bytes.replace(bytes.size() - 8, 8, "\x04\x03\x02\x01\xFE\xFF\xAA\xBB");
   const WaveformRead read = Read("p.wdb", bytes);
-  ASSERT_EQ(read.problem, Problem::None) << read.reason.text;
+  ASSERT_EQ(read.problem, Problem::None) << ReasonText(read.reason, MessageCatalogue(10000));
   EXPECT_FALSE(read.arrayForm);
   EXPECT_EQ(read.pointCount, static_cast<int>(kPairs));
   ASSERT_EQ(read.block.size(), 8u + 6 * kPairs);
@@ -182,7 +183,7 @@ TEST_F(WaveformFileTest, EditorFilesAreRefused) {
     SCOPED_TRACE(row.name);
     const WaveformRead read = Read("x.wdb", row.bytes);
     EXPECT_EQ(read.problem, row.problem);
-    EXPECT_NE(read.reason.text, 0);
+    EXPECT_TRUE(read.reason.text);
     EXPECT_EQ(read.block.size(), 0u);
   }
 }
@@ -196,7 +197,7 @@ TEST_F(WaveformFileTest, WhatIsNoWaveformFileIsRefusedAtOnce) {
         folder.File("link.wdb"), std::string("/dev/zero")}) {
     const WaveformRead read = ReadArbFile(path);
     EXPECT_EQ(read.problem, Problem::CannotAccess) << path;
-    EXPECT_EQ(MessageOf(read.problem), 9300);
+    EXPECT_EQ(MessageOf(read.problem), TextId{9300});
   }
   EXPECT_EQ(Read("a.csv", Values(4096)).problem, Problem::BadExtension);
 }

@@ -77,7 +77,7 @@ TEST(BlockCommands, CopyPasteInitializeOnASelection) {
   rig.prompts.Answer(PromptAnswer::Ok);
   rig.Press(Qt::Key_V, Qt::ControlModifier);
   ASSERT_EQ(rig.prompts.messages.size(), 1U);
-  EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(9106));
+  EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(TextId{9106}));
   rig.Press(Qt::Key_A, Qt::ControlModifier);
   rig.Press(Qt::Key_Delete);
   EXPECT_EQ(Times(rig), "1 1 1 1 1 1");
@@ -129,7 +129,7 @@ TEST(CsvFiles, ExportImportAndTheirProblems) {
     rig.prompts.Answer(PromptAnswer::Ok);
     row.action();
     ASSERT_EQ(rig.prompts.messages.size(), 1U);
-    const std::string text = rig.catalogue.GetResString(row.message);
+    const std::string text = rig.catalogue.GetResString(TextId{row.message});
     EXPECT_EQ(rig.prompts.messages[0].text.substr(0, 20), text.substr(0, 20));
     EXPECT_EQ(Times(rig), "1 2 3");
   }

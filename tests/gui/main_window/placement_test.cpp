@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QLineEdit>
+#include <QMainWindow>
 #include <QTest>
 #include <QTimer>
 
@@ -107,6 +108,10 @@ TEST(Prompts, AKeyByMistakeDoesNoHarm) {
   };
   const DialogOwner owner;
   QtPrompts prompts(owner, true);
+  QMainWindow view;
+  view.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+  EXPECT_EQ(owner.Get(), &view) << "it gets the focus back";
   for (const Row& row :
        {Row{PromptButtons::OkCancel, {}, Qt::Key_Escape, PromptAnswer::Cancel},
         Row{PromptButtons::OkCancel, {}, Qt::Key_Return, PromptAnswer::Ok},
@@ -119,6 +124,7 @@ TEST(Prompts, AKeyByMistakeDoesNoHarm) {
   }
   // The program ends: what is open is given up, and nothing is asked any more.
   QTimer::singleShot(0, [&] { prompts.StopAsking(); });
+  EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::OkCancel}), PromptAnswer::Cancel);
   EXPECT_EQ(prompts.Input({}), std::nullopt);
   EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::YesNo, {}, PromptAnswer::Yes}), PromptAnswer::Yes);
 }

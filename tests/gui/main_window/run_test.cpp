@@ -69,6 +69,11 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
   EXPECT_EQ(rig.session->State().RunState, RunState::Running) << "a stop waits for the tick";
   rig.Tick();
   EXPECT_EQ(Possible(rig), "01---5 --C");
+  for (const bool warning : {true, false}) {
+    rig.session->State().MayStillRun = warning;
+    rig.window->RefreshControls();
+    EXPECT_NE(rig.Button(2)->font().bold(), warning) << "what may still run is not called stopped";
+  }
   rig.Click(rig.Button(0));
   EXPECT_EQ(Possible(rig), "0----- EFC");
   EXPECT_FALSE(rig.Button(2)->font().bold()) << "nothing is stopped in edit mode";

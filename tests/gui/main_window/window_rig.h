@@ -114,7 +114,7 @@ struct WindowRig : SessionRig {
     session->Monitor().Tick();
     Settle();
   }
-  std::string Text(int id) const { return session->Catalogue().GetResString(id); }
+  std::string Text(int id) const { return session->Catalogue().GetResString(TextId{id}); }
   std::string definition;  // content of the model definition file
   WindowDisplay windowDisplay;
   std::unique_ptr<WindowSettings> settings;

@@ -110,7 +110,7 @@ TEST(WindowMenus, ThePageOfShortcutsListsEveryCommand) {
   });
   rig.Key(Qt::Key_F1, Qt::ControlModifier);
   for (const CommandRow& row : WindowCommands())
-    EXPECT_TRUE(lines.contains(PlainCaption(rig.Text(row.caption))));
+    EXPECT_TRUE(lines.contains(PlainCaption(rig.Text(static_cast<int>(row.caption)))));
   EXPECT_EQ(lines["Add Row"] + " " + rig.Item("mnuEditItem_4")->shortcut().toString().toStdString(),
             "Ctrl+Enter Ctrl+Enter");
   EXPECT_EQ(lines["RowDOWN"] + lines["Fill Down"] + lines["Next, previous grid"],
