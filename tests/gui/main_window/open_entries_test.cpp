@@ -1,4 +1,9 @@
 // Commands of the window that come while something is still being typed.
+#include <random>
+
+#include <QAbstractScrollArea>
+#include <QMenuBar>
+
 #include "gui/main_window/window_rig.h"
 #include "view/frm_preview.h"
 
@@ -45,14 +50,14 @@ TEST(OpenEntries, ARefusedOneStopsTheCommand) {
   refuse([&] { rig.window->close(); });
 }
 
-TEST(OpenEntries, OfEitherWindowAreWhatARunUses) {
+TEST(OpenEntries, OfEitherWindowHoldUpABranchButNotWhatEndsTheRun) {
   WindowRig rig;
   rig.Start();
   rig.AddSteps(2);
   rig.Item("mnuViewItem_1")->trigger();
   QWidget& view = *rig.window->Preview();
-  const auto type = [&](QWidget& window, const char* name, const char* text) {
-    auto* field = window.findChild<EntryField*>(QString::fromUtf8(name));
+  const auto type = [&](QWidget& window, const char* text) {
+    auto* field = window.findChild<EntryField*>("TxtBranch");
     window.activateWindow();
     rig.Settle();
     field->setFocus();
@@ -60,32 +65,24 @@ TEST(OpenEntries, OfEitherWindowAreWhatARunUses) {
     QTest::keyClicks(field, QString::fromUtf8(text));
     return field;
   };
-  // Another window and a menu come in between.
-  const EntryField* number = type(view, "TxtSeq", "7");
-  rig.window->activateWindow();
-  rig.Settle();
-  view.activateWindow();
-  rig.Settle();
-  rig.Click(rig.Button(0));
-  EXPECT_EQ(rig.session->Sequence().SequenceNumber, 7);
-  EXPECT_EQ(rig.Field("TxtSeq")->text() + number->text(), "77");
+  rig.EnterExecution();
   for (const int channel : {3, 4}) {
     rig.StartRun();
     QWidget* window = channel == 3 ? rig.window.get() : &view;
     const QString shown = QString::number(channel);
-    EntryField* branch = type(*window, "TxtBranch", qUtf8Printable(shown));
+    EntryField* branch = type(*window, qUtf8Printable(shown));
     rig.Item("mnuRunItem_3")->trigger();
     EXPECT_EQ(rig.session->Sequence().BranchChannel, channel);
     EXPECT_EQ(std::exchange(rig.session->State().PendingRequest, PendingRequest::None),
               PendingRequest::Branch);
-    type(*window, "TxtBranch", "99");
+    type(*window, "99");
     rig.prompts.Answer(PromptAnswer::Ok);
     rig.Key(Qt::Key_F7);
     EXPECT_EQ(rig.session->State().PendingRequest, PendingRequest::None) << "refused";
     EXPECT_EQ(rig.Messages().size(), 1U);
     EXPECT_TRUE(branch->hasFocus() && branch->text() == shown);
     // What ends the run waits for no entry and leaves it.
-    type(*window, "TxtBranch", "99");
+    type(*window, "99");
     rig.Click(window->findChild<QPushButton*>("CmdBtn1_5"));
     EXPECT_FALSE(std::exchange(rig.session->State().OutputOn, true));
     rig.Key(Qt::Key_F5, Qt::ShiftModifier);
@@ -93,6 +90,111 @@ TEST(OpenEntries, OfEitherWindowAreWhatARunUses) {
     EXPECT_TRUE(branch->hasFocus() && branch->text() == "99");
     rig.Key(Qt::Key_Escape);
     rig.Tick();
+  }
+}
+
+// Both windows, and a person who types into either.
+struct RandomEntries : WindowRig {
+  explicit RandomEntries(unsigned seed) : WindowRig(Bus::OneInstrument), random(seed) {
+    Start();
+    AddSteps(kBranchEntries);
+    for (StepRow& row : session->Sequence().Steps) row.BranchStep = {3, 5, 1, 4, 2};
+    Item("mnuViewItem_1")->trigger();
+  }
+  unsigned Pick(unsigned count) { return random() % count; }
+  QMainWindow* Window(unsigned index) const {
+    return std::array<QMainWindow*, 2>{window.get(), window->Preview()}[index];
+  }
+  unsigned ActivateOne() {
+    const unsigned index = Pick(2);
+    Window(index)->activateWindow();
+    Settle();
+    return index;
+  }
+  EntryField* Entry(unsigned index, std::size_t field) const {
+    const std::array names{"TxtSeq", "TxtStrStep", "TxtBranch"};
+    return Window(index)->findChild<EntryField*>(QString::fromUtf8(names[field]));
+  }
+  static bool Wrong(const EntryField& field) {
+    const QString name = field.objectName();
+    bool number = false;
+    const int value = field.text().toInt(&number);
+    const int highest = name == "TxtSeq" ? 10 : name == "TxtBranch" ? 5 : 255;
+    return !number || value < (name == "TxtSeq" ? 0 : 1) || value > highest;
+  }
+  void GoOn() {
+    const auto* held = qobject_cast<EntryField*>(QApplication::focusWidget());
+    if (const unsigned what = Pick(8); what < 3 && held) {
+      if (what > 0 && Wrong(*held)) prompts.Answer(PromptAnswer::Ok);
+      return Key(std::array{Qt::Key_Escape, Qt::Key_Tab, Qt::Key_Return}[what]);
+    }
+    const unsigned active = ActivateOne();
+    if (const unsigned what = Pick(6); what == 0) {
+      auto* grid = Window(active)->findChild<QAbstractScrollArea*>("MSFlexGrid1");
+      Click(grid ? grid->viewport() : Window(active)->findChild<QWidget*>("PicView"));
+    } else if (QMenuBar* bar = Window(active)->menuBar(); what == 1) {
+      QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(bar->actions()[0]).center());
+      QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Escape);
+      Settle();
+    } else if (EntryField* to = Entry(active, window->States().EditCells ? Pick(3) : 2); what > 2) {
+      Click(to);
+      to->selectAll();
+      Type(std::array{"0", "1", "2", "3", "4", "5", "2", "3", "4", "99", "x"}[Pick(11)]);
+    }
+  }
+  std::mt19937 random;
+};
+
+TEST(OpenEntries, OfBothWindowsAreWhatAnyPressUsesWhateverCameInBetween) {
+  for (unsigned seed = 1; seed <= 20; ++seed) {
+    RandomEntries rig(seed);
+    // A download, a start, branches.
+    for (std::size_t done = 0; done < 6 && !HasFailure();) {
+      const std::size_t kind = std::min<std::size_t>(done, 2);
+      for (unsigned count = rig.Pick(6); count > 0; --count) rig.GoOn();
+      const unsigned active = rig.ActivateOne();
+      // Where both windows hold an entry, that of the active one counts.
+      std::array<QString, 3> shown;
+      bool refused = false;
+      for (std::size_t i = 0; i < shown.size(); ++i) {
+        const EntryField* used = rig.Entry(active, i);
+        if (used->text() == used->OldFieldText()) used = rig.Entry(1 - active, i);
+        shown[i] = used->text();
+        refused = refused || RandomEntries::Wrong(*used);
+      }
+      SCOPED_TRACE("seed " + std::to_string(seed) + ", press " + std::to_string(done) + " with " +
+                   (shown[0] + " " + shown[1] + " " + shown[2]).toStdString());
+      if (refused) rig.prompts.Answer(PromptAnswer::Ok);
+      if (!refused && kind == 0) rig.prompts.Type("Seq0");
+      rig.script.Reply(":STAT:OPER:CH1:COND?", {kind == 0 ? "2" : "4"});
+      rig.script.ClearLog();
+      rig.Messages();
+      // The sequence view has no mode menu.
+      if (rig.Pick(2) == 0 && (kind > 0 || active == 0)) {
+        rig.Key(std::array{Qt::Key_F9, Qt::Key_F5, Qt::Key_F7}[kind]);
+      } else {
+        const std::array names{"CmdBtn1_0", "CmdBtn1_1", "CmdBtn1_4"};
+        rig.Click(rig.Window(active)->findChild<QPushButton*>(QString::fromUtf8(names[kind])));
+      }
+      EXPECT_EQ(rig.Messages().size(), refused ? 1U : 0U);
+      const SequenceData& sequence = rig.session->Sequence();
+      const std::array used{sequence.SequenceNumber, sequence.StartStep, sequence.BranchChannel};
+      for (std::size_t i = 0; i < used.size() && !refused; ++i) {
+        EXPECT_EQ(shown[i], QString::number(used[i]));
+        EXPECT_TRUE(rig.Entry(0, i)->text() == shown[i] && rig.Entry(1, i)->text() == shown[i]);
+      }
+      if (kind == 2) {
+        for (unsigned count = rig.Pick(6); count > 0; --count) rig.GoOn();  // too late for this press
+        rig.Tick();
+      }
+      const std::string target(1, "35142"[refused ? 0 : shown[2].toUInt() - 1]);
+      const std::array<std::string, 3> commands{"0 block :TRAC:SEQ " + shown[0].toStdString() + ",",
+                                                "0 < :TRIG1:SEL:EXEC STAR",
+                                                "0 < :TRIG1:SEL:EXEC BRAN " + target};
+      EXPECT_EQ(rig.script.CountOf(commands[kind]), refused ? 0 : 1);
+      EXPECT_EQ(rig.script.CountOf("0 block ") + rig.script.CountOf("0 < :TRIG1"), refused ? 0 : 1);
+      if (!refused) ++done;
+    }
   }
 }
 
