@@ -72,9 +72,9 @@ void FollowRun(ConsoleProgram& program) {
 }
 
 // Messages have said what could be said with a message; the rest is said here.
-int TellDownloadEnd(ConsoleProgram& program) {
+int TellDownloadEnd(ConsoleProgram& program, bool stopped) {
   const DownloadOutcome& outcome = program.GetSession().Download().Outcome();
-  if (outcome.End == DownloadEnd::Cancelled) {
+  if (outcome.End == DownloadEnd::Cancelled || (outcome.End == DownloadEnd::NoName && stopped)) {
     return Fail(program.Catalogue().GetResString(TextId::TransferEnded));
   }
   if (outcome.End == DownloadEnd::NoName) {
@@ -100,7 +100,9 @@ int RunConnected(ConsoleProgram& program, const RunKeys& keys, int number) {
   const std::string broken = program.Catalogue().GetResString(TextId::ExecutionEndedBadly);
   program.Loop().HandlePending();
   if (keys.Stopped()) return Fail(notStarted);
-  if (!session.Control().SetOperationMode(OperationMode::Execution)) return TellDownloadEnd(program);
+  if (!session.Control().SetOperationMode(OperationMode::Execution)) {
+    return TellDownloadEnd(program, keys.Stopped());
+  }
   if (keys.Stopped()) return Fail(notStarted);
   if (!session.Control().RunCommand(Run::Start)) {
     if (keys.Stopped()) return Fail(session.Monitor().EndedWell() ? stopped : broken);

@@ -68,7 +68,9 @@ class Downloader {
   // Asks the download under way to end, which it does between two of its parts: between waveforms, before the
   // sequence block, before the instrument takes the sequence over. A block under way is sent to its end.
   void RequestEnd() { endRequested_ = true; }
+  // Of the last download; nothing to tell before the first and after ForgetOutcome.
   const DownloadOutcome& Outcome() const { return outcome_; }
+  void ForgetOutcome() { outcome_ = {}; }
 
   // 0 on success, -1 when the compiler reported an error, else the ARB check code (4096, 4097, 4100, 4104);
   // every failure has been shown.

@@ -403,7 +403,7 @@ CatalogueText TextOf(TextId id) {
     case CannotWriteOutput: return {"Standard output could not be written.", "標準出力に書き込めませんでした。"};
 
     // Added texts: instruments out of sight.
-    case MayStillRun: return {"An instrument may still be running! Stop it (Shift+F5) or switch its output off (F8).", "機器がまだ実行中の可能性があります。ストップ（Shift+F5）または出力OFF（F8）を行ってください。"};
+    case MayStillRun: return {"An instrument may still be running! Stop it (Shift+F5) or switch its output off (F8).", "機器がまだ実行中の可能性があります。停止（Shift+F5）または出力OFF（F8）を行ってください。"};
     case ConnectionLost: return {"Device$1: connection lost.", "機器$1：接続が切れました。"};
     case GoOnQuestion: return {"An instrument may still be running. Go on without stopping it?", "機器がまだ実行中の可能性があります。停止せずに続行しますか？"};
 

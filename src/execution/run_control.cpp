@@ -13,6 +13,7 @@ namespace {
 
 constexpr const char* kResumeCommand = ":TRIG1:SEL:EXEC RES";
 constexpr std::int32_t kResumeWait = 400;  // ms
+constexpr int kBrokenOff = -2;             // SendToAll: a stop was pressed before the last instrument
 
 Work WorkOf(Run command) {
   switch (command) {
@@ -93,6 +94,7 @@ bool RunControl::RunCommand(Run command) {
     current_.reset();
   }
   RefreshBoth(run_);
+  if (std::exchange(outputOffWaits_, false)) RunCommand(Run::OutputOff);
   return done;
 }
 
@@ -116,7 +118,7 @@ bool RunControl::Execute(Run command) {
 
 int RunControl::SendToAll(const std::function<std::string(int)>& command, std::int32_t wait) {
   for (int i = 0; i < run_.state.InstrumentCount; ++i) {
-    if (current_ == Run::Start && stopWaits_) return -1;
+    if (current_ == Run::Start && stopWaits_) return kBrokenOff;
     const std::int32_t address = run_.commands.SelectInstrument(i);
     if (Failed(run_.commands.SendCommand(address, command(i), wait))) return i;
   }
@@ -149,6 +151,11 @@ bool RunControl::SwitchOutputsForStart() {
   const int failed = SendToAll([&](int) { return outputOn.Template; }, outputOn.Wait);
   if (failed >= 0) {
     ShowCommunicationError(run_, failed, PromptIcon::Critical);
+    return false;
+  }
+  if (failed == kBrokenOff) {
+    // Some are on, some are not: together with the stop all go off.
+    SendToEach(run_, run_.commands.Definition().Commands.OutputOff);
     return false;
   }
   run_.state.OutputOn = true;
@@ -305,6 +312,8 @@ void RunControl::PressAtOnce(Run command) {
   const AppState& state = run_.state;
   const bool makesSafe = command == Run::OutputOff && state.MayStillRun;
   if (state.OperationMode != OperationMode::Execution && !makesSafe) return;
+  // What makes safe waits for a Stop, Hold or Branch that is being carried out.
+  if (command == Run::OutputOff && activity_.Under(Work::Command)) outputOffWaits_ = true;
   if (activity_.CommandUnderWay()) return;
   if (command == Run::Start && state.RunState == RunState::Running) return;
   if (activity_.Under(Work::Tick)) {

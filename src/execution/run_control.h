@@ -75,7 +75,8 @@ class RunControl {
   bool Hold();
   bool Branch();
   bool SwitchOutput(bool on);
-  // Sends to every instrument in index order; the index of the first that fails, -1 when none does.
+  // Sends to every instrument in index order; the index of the first that fails, -1 when none does,
+  // kBrokenOff when a Start was stopped on the way.
   int SendToAll(const std::function<std::string(int)>& command, std::int32_t wait);
   bool FailRun(int instrument);
   void SayFailure(int instrument);
@@ -91,6 +92,7 @@ class RunControl {
   // A stop that was pressed and not yet carried out. Unlike PendingRequest it outlives the end of the run:
   // when a failed query ended it, the stop is sent all the same.
   bool stopWaits_ = false;
+  bool outputOffWaits_ = false;  // pressed while a Stop, Hold or Branch is being carried out
   std::optional<Run> afterTick_;
   std::optional<std::int16_t> pressedChannel_;  // the branch channel when Branch was pressed
 };

@@ -169,7 +169,10 @@ bool Session::CheckModels() {
     const PromptAnswer answer = ShowMessage(
         ports_.prompts, catalogue_, answered ? TextId::WrongInstrumentModel : TextId::InstrumentNotFound,
         PromptIcon::Question, PromptButtons::YesNo, {std::to_string(i + 1)}, PromptAnswer::Yes);
-    if (answer != PromptAnswer::Yes) end_.EndNow(1);
+    if (answer != PromptAnswer::Yes) {
+      Disconnect();
+      end_.EndNow(1);
+    }
     state_.MayStillRun = false;
     GoOffline();
     wasOnline_ = true;

@@ -1,4 +1,5 @@
 // Session: New, Open, Save, Save As and their questions.
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -167,7 +168,8 @@ bool Session::LoadUserFile(const std::string& path) {
   ports_.display.SequenceReplaced(SequenceChange::Opened);
   ports_.display.ShowCaption(Caption());
   if (state_.Online == 1) {
-    if (SetupChangedSince(before)) {
+    const bool oneLost = std::find(state_.Lost.begin(), state_.Lost.end(), true) != state_.Lost.end();
+    if (SetupChangedSince(before) || oneLost) {
       Reconnect();
     } else {
       CheckModels();

@@ -122,6 +122,12 @@ bool Session::ReadWorkFile(bool& mayReplace) {
     return true;
   }
   HideWait();
+  // The definition of its model has been named as faulty; the file is good and stays for when that is put
+  // right.
+  if (result.Problem == SequenceFileProblem::NoDefinition) {
+    mayReplace = false;
+    return false;
+  }
   const auto kept = SetAside(state_.WorkFilePath);
   mayReplace = kept.has_value();
   ShowReadProblem(state_.WorkFilePath, result,

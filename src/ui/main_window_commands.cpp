@@ -221,6 +221,7 @@ void MainWindow::ChangeMode(OperationMode mode) {
     session_.Sequence().SequenceNumber = sequenceNumber_;
     const bool downloads =
         mode == OperationMode::Execution && session_.Sequence().StepCount > 0 && session_.Idle();
+    session_.Download().ForgetOutcome();
     if (!session_.Control().SetOperationMode(mode) && downloads) {
       statBar_->ShowNotice(DownloadOutcomeText(session_.Download().Outcome(), session_.Catalogue()));
     }

@@ -116,6 +116,30 @@ TEST(SeveralInstruments, StopReachesAll) {
   EXPECT_THAT(rig.TakeSent(), ::testing::IsSupersetOf({stops[0], stops[1], stops[3], stops[4]}));
 }
 
+// Stop between the outputs of a start: those that are on go off again. Output OFF in a hold waits for it.
+TEST(SeveralInstruments, NoOutputIsLeftBehind) {
+  Bench rig(3);
+  const AppState& state = rig.session->State();
+  const auto inWaitBehind = [&](const std::string& line, corlune::Run command) {
+    rig.pump.OnEveryCall([&rig, line, command, pressed = false]() mutable {
+      if (rig.CountSent(line) > 0 && !std::exchange(pressed, true)) rig.Press(command);
+    });
+  };
+  inWaitBehind("1 < :OUTP1 ON;:OUTP2 ON", Run::Stop);
+  rig.Start();
+  for (int i = 1; i <= 3; ++i) EXPECT_FALSE(rig.Instrument(i).Output(1)) << i;
+  rig.ExpectAtRest(OperationMode::Execution, false);
+
+  rig.pump.OnEveryCall({});
+  rig.Start();
+  inWaitBehind("1 < :TRIG1:SEL:EXEC HOLD", Run::OutputOff);
+  rig.Press(Run::Hold);
+  rig.Advance(100);
+  EXPECT_EQ(state.RunState, RunState::Held);
+  EXPECT_FALSE(state.OutputOn);
+  EXPECT_FALSE(rig.Instrument(3).Output(1));
+}
+
 // An output that trips at the first instrument stops the others first, then itself.
 TEST(SeveralInstruments, AnOutputTripStopsAll) {
   Bench rig(5);
