@@ -65,6 +65,7 @@ FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<
     AddSection(*list, PlainCaption(catalogue.GetResString(menu.caption)), LinesOf(menu.place, catalogue));
   }
   std::vector<ShortcutLine> spelled;
+  spelled.reserve(cells.size());
   for (const ShortcutLine& line : cells) spelled.push_back({line.caption, Spelled(line.keys)});
   AddSection(*list, catalogue.GetResString(TextId::KeysOfGrids), spelled);
   list->header()->resizeSection(0, width() * 11 / 20);
