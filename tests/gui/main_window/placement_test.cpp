@@ -124,7 +124,7 @@ TEST(Prompts, AKeyByMistakeDoesNoHarm) {
   }
   // The program ends: what is open is given up, and nothing is asked any more.
   QTimer::singleShot(0, [&] { prompts.StopAsking(); });
-  EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::OkCancel}), PromptAnswer::Cancel);
+  EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::OkCancel, {}}), PromptAnswer::Cancel);
   EXPECT_EQ(prompts.Input({}), std::nullopt);
   EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::YesNo, {}, PromptAnswer::Yes}), PromptAnswer::Yes);
 }
