@@ -248,6 +248,21 @@ enum class TextId : int {
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
 
+  // Steps of the sequence view: the loops above them, what reads them out, their keys.
+  LoopTimes = 7820,
+  LoopEndless = 7821,
+  LoopTip = 7822,
+  LoopTipEndless = 7823,
+  ViewStepName = 7824,
+  ViewStepRunning = 7825,
+  KeysOfView = 7826,
+  KeyViewStep = 7827,
+  KeyViewEnds = 7828,
+  KeyViewScroll = 7829,
+  KeyViewToCell = 7830,
+  KeyViewDrag = 7831,
+  KeyViewDragKeys = 7832,
+
   // Execution panel: the buttons in their order, then the fields.
   ButtonChangeMode = 8000,
   ButtonStart = 8001,

@@ -83,21 +83,6 @@ GraphCurve BuildCurve(const SequenceData& sequence, const ModelDefinition& defin
   return curve;
 }
 
-// The part of a full swing that lies below and above the offset: the range FS reaches to both sides, PFS only
-// above, MFS only below.
-std::array<double, 2> SwingParts(const SequenceData& sequence, int channel, int step) {
-  constexpr int kRanges = 3;
-  const double code = sequence.Cell(channel, step, kSlotPolarityRange).Value;
-  switch (ToInt16(code).value_or(0) % kRanges) {
-    case 1:
-      return {0, 1};
-    case 2:
-      return {-1, 0};
-    default:
-      return {-0.5, 0.5};
-  }
-}
-
 // Amplitude and offset can be added: both are in volts, or in user units that scale volts alike.
 bool SameUnit(const SequenceData& sequence, const ModelDefinition& definition, int channel) {
   const UserUnits units(sequence, definition);
@@ -354,13 +339,31 @@ std::optional<TargetName> ParseTarget(std::string_view text) {
 
 std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDefinition& definition,
                                      int channel, int step, int slot) {
-  if (!ChannelInUse(definition, sequence, channel, step, slot)) return std::nullopt;
-  const Shown shown(sequence, definition, channel, slot);
-  const StepValue stored = StoredValue(definition, slot, sequence.Cell(channel, step, slot));
-  const auto from = shown(stored.From, step);
-  const auto to = shown(stored.To, step);
+  const auto from = ShownValue(sequence, definition, channel, step, slot, 0);
+  const auto to = ShownValue(sequence, definition, channel, step, slot, 1);
   if (!from || !to) return std::nullopt;
   return StepValue{*from, *to};
+}
+
+std::optional<double> ShownValue(const SequenceData& sequence, const ModelDefinition& definition, int channel,
+                                 int step, int slot, double along) {
+  if (!ChannelInUse(definition, sequence, channel, step, slot)) return std::nullopt;
+  const StepValue stored = StoredValue(definition, slot, sequence.Cell(channel, step, slot));
+  const double value = along == 1 ? stored.To : stored.From + (stored.To - stored.From) * along;
+  return Shown(sequence, definition, channel, slot)(value, step);
+}
+
+std::array<double, 2> SwingParts(const SequenceData& sequence, int channel, int step) {
+  constexpr int kRanges = 3;
+  const double code = sequence.Cell(channel, step, kSlotPolarityRange).Value;
+  switch (ToInt16(code).value_or(0) % kRanges) {
+    case 1:
+      return {0, 1};
+    case 2:
+      return {-1, 0};
+    default:
+      return {-0.5, 0.5};
+  }
 }
 
 AreaGraph BuildAreaGraph(const SequenceData& sequence, const ModelDefinition& definition,

@@ -130,6 +130,17 @@ void CellCursor::FirstCell() {
   At() = GridCursor{};
 }
 
+void CellCursor::SelectRow(GridRow row) {
+  At().CurrentRow = row.value;
+  Reduce();
+}
+
+void CellCursor::SelectCell(const CellPlace& place) {
+  At().ActiveGrid = place.Area;
+  At().CurrentChannel = place.Channel;
+  At().MoveTo(place.Position());
+}
+
 void CellCursor::Reduce() {
   At().MoveTo(At().Current());
 }

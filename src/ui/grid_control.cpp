@@ -113,6 +113,16 @@ void GridControl::SelectFirstCell() {
   Moved(true);
 }
 
+void GridControl::SelectRow(GridRow row) {
+  cursor_.SelectRow(row);
+  Moved(true);
+}
+
+void GridControl::SelectCell(const CellPlace& place) {
+  cursor_.SelectCell(place);
+  Moved(true);
+}
+
 void GridControl::ReduceSelection() {
   cursor_.Reduce();
   ShowCursor(entry_.Allowed());

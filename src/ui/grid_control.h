@@ -31,6 +31,8 @@ class GridControl : public QObject {
   // Shows cursor and selection; `open`: with the editor of the current cell.
   void ShowCursor(bool open);
   void SelectFirstCell();
+  void SelectRow(GridRow row);
+  void SelectCell(const CellPlace& place);
   void ReduceSelection();
   void HighlightRow(GridRow row, bool on) { cursor_.Highlight(row, on); }
   void ScrollTo(GridRow top) { cursor_.ScrollTo(top); }

@@ -316,6 +316,14 @@ void GridPanel::SelectFirstCell() {
   impl_->control_->SelectFirstCell();
 }
 
+void GridPanel::SelectRow(GridRow row) {
+  impl_->control_->SelectRow(row);
+}
+
+void GridPanel::SelectCell(const CellPlace& place) {
+  impl_->control_->SelectCell(place);
+}
+
 void GridPanel::ReduceSelection() {
   impl_->control_->ReduceSelection();
 }

@@ -94,12 +94,19 @@ void MainWindow::RefreshControls() {
     read_->setEnabled(states_.Read.Enabled);
     grids_->ShowStates(states_);
   });
-  if (preview_ && session_.State().SequenceViewShown) preview_->ShowStates(states_);
+  ShowViewStates();
   statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceTip()});
   // On a copy: the run times of the steps belong to what was sent last.
   ShowTotalTime(
       ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition()).Total);
   RefreshCaption();
+}
+
+void MainWindow::ShowViewStates() {
+  if (!preview_ || !session_.State().SequenceViewShown) return;
+  const bool steps = session_.Sequence().StepCount > 0;
+  preview_->ShowSelectedStep(steps ? std::optional(editor_.Cursor().CurrentRow - 1) : std::nullopt);
+  preview_->ShowStates(states_);
 }
 
 void MainWindow::RefreshCaption() {

@@ -30,6 +30,7 @@ namespace corlune {
 
 class CommandMenu;
 class FrmPreview;
+struct GraphHandlers;
 class GridPanel;
 class RunButtons;
 class RunFields;
@@ -137,9 +138,11 @@ class MainWindow : public QMainWindow {
   std::string DeviceTip() const;
   bool CanOpenNow() const;
   FrmPreview& NeedPreview();
+  GraphHandlers HandlersOfGraphs();
   void ClosePreview();
 
   // main_window.cpp
+  void ShowViewStates();
   void PlaceInitially();
   void AdaptWidths();
   void FinishClosing();

@@ -169,6 +169,7 @@ FrmPreview& MainWindow::NeedPreview() {
       RefreshControls();
       return session_.Sequence().ViewAreas == areas;
     };
+    handlers.graphs = HandlersOfGraphs();
     handlers.closed = [this] {
       if (!closed_) RefreshControls();
     };
@@ -177,6 +178,27 @@ FrmPreview& MainWindow::NeedPreview() {
     preview_->setWindowIcon(windowIcon());
   }
   return *preview_;
+}
+
+// The graphs of the view are a third grid: what is selected or dragged there goes the way of a press or an entry
+// in a cell.
+GraphHandlers MainWindow::HandlersOfGraphs() {
+  GraphHandlers handlers;
+  handlers.selectStep = [this](int step) {
+    if (!CommitEntries()) return false;
+    grids_->SelectRow(RowOf(StepIndex{step}));
+    return true;
+  };
+  handlers.goToCell = [this] {
+    if (preview_->isActiveWindow()) BringForward(*this);
+    grids_->FocusCell();
+  };
+  handlers.enterValue = [this](const CellPlace& place, const std::string& text) {
+    if (!CommitEntries() || !states_.EditCells) return;
+    grids_->SelectCell(place);
+    grids_->Apply(editor_.EnterText(place, text));
+  };
+  return handlers;
 }
 
 void MainWindow::ClosePreview() {
@@ -204,7 +226,7 @@ void MainWindow::ViewCommand(Command command) {
     }
     preview.showNormal();
     ShowFields();
-    preview.ShowStates(states_);
+    ShowViewStates();
     preview.ShowElapsedTime(session_.State().ElapsedTime);
     preview.PicDisp();
     // A run that began without the view is followed from now on, a held one when it goes on.

@@ -1,5 +1,5 @@
-// GraphCanvas: the scrolling, zooming surface that shows a GraphPicture, the step under way and the run
-// marker.
+// GraphCanvas: the scrolling, zooming surface that shows a GraphPicture, the selected step, the step under way
+// and the run marker. It shows only; mouse and keys are GraphHand's, but for those that scroll and zoom.
 //
 // The drawing is kept as a picture; moving the marker repaints two narrow strips of it.
 #pragma once
@@ -22,19 +22,37 @@ class GraphCanvas : public QAbstractScrollArea {
   // Text for a place on the graphs: area of the picture and step.
   using Tip = std::function<std::string(std::size_t area, int step)>;
 
-  explicit GraphCanvas(Tip tip, QWidget* parent = nullptr);
+  // Text for a loop's bracket.
+  using LoopTip = std::function<std::string(const LoopBracket& bracket)>;
+
+  explicit GraphCanvas(Tip tip, LoopTip loopTip, QWidget* parent = nullptr);
 
   // Repaints when the picture differs from the one shown.
   void ShowPicture(GraphPicture picture);
   const GraphPicture& Picture() const { return picture_; }
 
+  // While held, neither the length of the axis nor the ranges of the areas follow the pictures shown: what is
+  // dragged must not move the scale that it is measured by.
+  void HoldScale(bool on);
+
+  // The step selected in the grids; none: no step. Another one is scrolled into view, unless it was pressed
+  // where it stands.
+  enum class Scroll { IntoView, Leave };
+  void ShowSelectedStep(std::optional<int> step, Scroll scroll = Scroll::IntoView);
+  std::optional<int> SelectedStep() const { return selected_; }
+  // Scrolls a step into view that is not wholly there.
+  void ScrollToStep(int step);
   // The step under way, in `color`; none: no step. A step that has come up is scrolled into view.
   void ShowCurrentStep(std::optional<int> step, const QColor& color);
+  std::optional<int> CurrentStep() const { return step_; }
   // The run marker at an axis position; none hides it. A marker that was in view stays in view.
   void ShowMarker(std::optional<double> position, const QColor& color);
   std::optional<double> Marker() const { return marker_; }
   // Columns of the viewport that the marker at `position` covers.
   QRect MarkerStrip(double position) const;
+  // A text beside a place of the viewport, in sight; empty: none.
+  void ShowLabel(const QString& text, const QPoint& place);
+  const QString& Label() const { return label_; }
 
   // Row 1..count of the first step in view; 0 without steps.
   int TopRow() const;
@@ -46,6 +64,12 @@ class GraphCanvas : public QAbstractScrollArea {
   void ShowAll();
   double Zoom() const { return zoom_; }
 
+  // The area whose plot, and the step whose column, is at a place of the viewport. A step's column reaches from
+  // its number down.
+  std::optional<std::size_t> AreaAt(const QPointF& place) const;
+  std::optional<int> ColumnAt(const QPointF& place) const;
+  // The visible part of a step's column; empty when it is out of sight.
+  QRect StepRect(int step) const;
   // Text at a place of the viewport; empty where there is no graph.
   QString TipAt(const QPoint& place) const;
 
@@ -71,10 +95,17 @@ class GraphCanvas : public QAbstractScrollArea {
   void Arrange(double start);
   void Redraw();
   void PaintMoving(QPainter& painter);
-  QRect StepRect(int step) const;
+  void PaintSelection(QPainter& painter);
+  void PaintLabel(QPainter& painter);
+  QRect NumberRect(int step) const;
+  void UpdateSelection();
+  bool IsStep(std::optional<int> step) const {
+    return step && *step >= 0 && static_cast<std::size_t>(*step) < picture_.Spans.size();
+  }
   void ScrollTo(double start);
 
   Tip tip_;
+  LoopTip loopTip_;
   GraphPicture picture_;
   GraphLayout layout_;
   QPixmap layer_;
@@ -82,6 +113,11 @@ class GraphCanvas : public QAbstractScrollArea {
   double zoom_ = 1;
   bool zoomed_ = false;  // by the user; else the zoom follows window and sequence
   bool arranging_ = false;
+  bool held_ = false;
+  double heldLength_ = 1;  // of the axis
+  std::optional<int> selected_;
+  QString label_;
+  QRect labelBox_;
   std::optional<int> step_;
   QColor stepColor_;
   std::optional<double> marker_;

@@ -8,6 +8,8 @@
 #include <QPainterPath>
 
 #include "core/numbers.h"
+#include "view/loop_painter.h"
+#include "view/to_qcolor.h"
 
 namespace corlune {
 
@@ -40,20 +42,18 @@ class PicturePainter {
 
   void Paint() {
     painter_.setFont(font_);
-    painter_.fillRect(layout_.Ruler.united(layout_.TimeAxis), colors_.Panel);
     painter_.save();
     painter_.setClipRect(layout_.Middle);
     for (std::size_t i = 0; i < layout_.Areas.size(); ++i) PaintArea(i);
     painter_.restore();
+    PaintLoops(painter_, picture_, layout_, window_, colors_, font_);
     PaintRuler();
     PaintTimeAxis();
   }
 
  private:
-  double XOf(double position) const {
-    return layout_.PlotLeft + (position - window_.Start) / (window_.End - window_.Start) * layout_.PlotWidth;
-  }
-  double PlotRight() const { return layout_.PlotLeft + layout_.PlotWidth; }
+  double XOf(double position) const { return layout_.XOf(position, window_); }
+  double PlotRight() const { return layout_.PlotRight(); }
 
   void FindVisibleSteps() {
     first_ = static_cast<std::size_t>(StepAt(picture_.Spans, window_.Start).value_or(0));
@@ -344,9 +344,17 @@ QColor GraphColors::Envelope(int channel) const {
   return color;
 }
 
+QColor GraphColors::Meaning(const Color& color) const {
+  return ToQColor(color);
+}
+
+QColor GraphColors::TextOn(const QColor& background) const {
+  return background.lightness() < 128 ? Qt::white : Qt::black;
+}
+
 void PaintPicture(QPainter& painter, const GraphPicture& picture, const GraphLayout& layout,
                   const AxisWindow& window, const GraphColors& colors, const QFont& font) {
-  const QRectF whole = layout.Ruler.united(layout.TimeAxis);
+  const QRectF whole = layout.Loops.united(layout.TimeAxis);
   painter.fillRect(whole, colors.Panel);
   if (!picture.Note.empty()) {
     painter.setFont(font);

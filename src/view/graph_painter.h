@@ -17,6 +17,10 @@ class GraphColors {
   // Line colour of a channel, 0-based.
   QColor Channel(int channel) const;
   QColor Envelope(int channel) const;
+  // A background colour of the model definition, as it suits this palette.
+  QColor Meaning(const Color& color) const;
+  // For lines and texts on such a background.
+  QColor TextOn(const QColor& background) const;
   QColor Background, Panel, Text, Faint, Grid, Reference;
   bool Dark = false;
 };
