@@ -248,20 +248,35 @@ enum class TextId : int {
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
 
-  // Steps of the sequence view: the loops above them, what reads them out, their keys.
-  LoopTimes = 7820,
-  LoopEndless = 7821,
-  LoopTip = 7822,
-  LoopTipEndless = 7823,
-  ViewStepName = 7824,
-  ViewStepRunning = 7825,
-  KeysOfView = 7826,
-  KeyViewStep = 7827,
-  KeyViewEnds = 7828,
-  KeyViewScroll = 7829,
-  KeyViewToCell = 7830,
-  KeyViewDrag = 7831,
-  KeyViewDragKeys = 7832,
+  // Steps of the sequence view: the signs of the loops above them, what reads them out, their keys.
+  LoopSignTimes = 7820,
+  LoopSignEndless = 7821,
+  ViewStepName = 7822,
+  KeysOfView = 7823,
+  KeyViewStep = 7824,
+  KeyViewEnds = 7825,
+  KeyViewScroll = 7826,
+  KeyViewToCell = 7827,
+  KeyViewDrag = 7828,
+  KeyViewDragKeys = 7829,
+
+  // The window's colours.
+  MenuColorsDesktop = 7840,
+  MenuColorsLight = 7841,
+  MenuColorsDark = 7842,
+
+  // Loops beside the step numbers, and cells as assistive tools name them.
+  LoopOnce = 7843,
+  LoopTimes = 7844,
+  LoopEndless = 7845,
+  GridCommonArea = 7846,
+  CellOfStep = 7847,
+  BranchOfStep = 7848,
+  CellWithText = 7849,
+  CellNotInUse = 7850,
+  CellRunning = 7851,
+  CellOfCurrentStep = 7852,
+  CellSpare = 7853,
 
   // Execution panel: the buttons in their order, then the fields.
   ButtonChangeMode = 8000,

@@ -77,8 +77,8 @@ void AddLoops(const SequenceData& sequence, const ModelDefinition& definition,
     std::string text = "...";
     if (bracket.Loops == 1) {
       text = bracket.Endless
-                 ? catalogue.GetResString(TextId::LoopEndless)
-                 : catalogue.GetResString(TextId::LoopTimes, {std::to_string(bracket.Count)});
+                 ? catalogue.GetResString(TextId::LoopSignEndless)
+                 : catalogue.GetResString(TextId::LoopSignTimes, {std::to_string(bracket.Count)});
     }
     picture.Loops.push_back(
         {bracket, std::move(text), bracket.Endless ? definition.EndlessSequence : definition.LoopSequence});
@@ -179,8 +179,10 @@ std::string LoopTipText(const MessageCatalogue& catalogue, const GraphPicture& p
   const std::string& first = picture.StepLabels[static_cast<std::size_t>(bracket.First)];
   const std::string& last = picture.StepLabels[static_cast<std::size_t>(bracket.Last)];
   if (bracket.Loops > 1) return first + " - " + last;
-  if (bracket.Endless) return catalogue.GetResString(TextId::LoopTipEndless, {first, last});
-  return catalogue.GetResString(TextId::LoopTip, {first, last, std::to_string(bracket.Count)});
+  if (bracket.Endless) return catalogue.GetResString(TextId::LoopEndless, {first, last});
+  if (bracket.Count == 1) return catalogue.GetResString(TextId::LoopOnce, {first, last});
+  return catalogue.GetResString(
+      TextId::LoopTimes, {first, last, std::to_string(bracket.Count), std::to_string(bracket.Count + 1)});
 }
 
 }  // namespace corlune
