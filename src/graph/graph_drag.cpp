@@ -101,9 +101,9 @@ class HandleFinder {
   }
 
   std::optional<DragHandle> Nearest() const {
-    const auto nearest = std::min_element(
-        found_.begin(), found_.end(),
-        [this](const Candidate& a, const Candidate& b) { return Rank(a) < Rank(b); });
+    const auto nearest =
+        std::min_element(found_.begin(), found_.end(),
+                         [this](const Candidate& a, const Candidate& b) { return Rank(a) < Rank(b); });
     return nearest == found_.end() ? std::nullopt : std::optional(nearest->Handle);
   }
 
@@ -165,7 +165,8 @@ std::optional<DragHandle> HandleAt(const SequenceData& sequence, const ModelDefi
   const auto step = StepAt(picture.Spans, scale.PositionAt(place.X));
   if (!step || *step >= sequence.StepCount || graph.Area.Channel < 0) return std::nullopt;
   if (picture.Axis == TimeAxis::Time) {
-    if (const auto end = EndAt(picture, scale, place.X, *step)) return DragHandle{Kind::StepEnd, *end, 0, 0, 1};
+    if (const auto end = EndAt(picture, scale, place.X, *step))
+      return DragHandle{Kind::StepEnd, *end, 0, 0, 1};
   }
   const StepSpan& span = picture.Spans[static_cast<std::size_t>(*step)];
   return HandleFinder(sequence, definition, graph, span, *step, scale, place).Find();
@@ -244,8 +245,7 @@ std::string ValueDrag::ValueTextAt(bool fine) const {
   const ValueBounds bounds = ChannelBounds(definition_, *sequence_, channel, step, slot);
   const double pixel = (scale_.Values.High - scale_.Values.Low) / scale_.Height * (fine ? kFinePart : 1);
   const double round = std::max(RoundStep(pixel), LastPlace(units.UserUnitFormat(channel, slot)));
-  const double stored =
-      bounds.Nearest(units.UserToSystem(Snapped(*pointed, round), channel, step, slot));
+  const double stored = bounds.Nearest(units.UserToSystem(Snapped(*pointed, round), channel, step, slot));
   if (!std::isfinite(stored)) return text_;
   const std::string text = units.UserUnitText(stored, channel, step, slot);
   // No number in a logarithmic unit: such a text stands for "as before".
@@ -258,8 +258,7 @@ std::string ValueDrag::TimeTextAt(bool fine) const {
   const double pixel = (scale_.AxisEnd - scale_.AxisStart) / scale_.Width / kMsPerSecond;  // s
   const double seconds = BaseTime(definition_, row_) + dx_ * pixel;
   const double finest = std::max(FromBase(column, std::max(column.Resolution, 0.0), unit), kFinestTime);
-  const double round =
-      std::max(RoundStep(FromBase(column, pixel * (fine ? kFinePart : 1), unit)), finest);
+  const double round = std::max(RoundStep(FromBase(column, pixel * (fine ? kFinePart : 1), unit)), finest);
   const double shown = Snapped(FromBase(column, seconds, unit), round);
   const ValueBounds bounds = CommonBounds(definition_, *sequence_, kGridStepTime);
   const double held = bounds.Nearest(ToBase(column, shown, unit));
@@ -295,9 +294,9 @@ std::string ValueDrag::Label() const {
                                      with(UnitName(TimeColumn(definition_), unit))});
   } else {
     const UserUnits units(*sequence_, definition_);
-    label = catalogue_.GetResString(TextId::GraphTipConstant,
-                                    {ChannelColumn(definition_, handle_.Slot).Name,
-                                     with(units.UnitText(handle_.Channel, handle_.Slot))});
+    label = catalogue_.GetResString(
+        TextId::GraphTipConstant,
+        {ChannelColumn(definition_, handle_.Slot).Name, with(units.UnitText(handle_.Channel, handle_.Slot))});
   }
   if (refusal_) label += "\n" + catalogue_.GetResString(refusal_->Id, refusal_->Arguments);
   return label;

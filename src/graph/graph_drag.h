@@ -1,4 +1,5 @@
-// GraphDrag: what of the sequence view a person can take hold of, and what a value becomes while it is dragged.
+// GraphDrag: what of the sequence view a person can take hold of, and what a value becomes while it is
+// dragged.
 //
 // A level takes its value along, a ramp its end value (its start belongs to the step before), an edge of the
 // envelope the amplitude, the end of a step its time. Values that a step does not use, keeps from the step
@@ -22,9 +23,9 @@ inline constexpr double kFinePart = 0.1;
 struct DragHandle {
   enum class Kind { Level, HighEdge, LowEdge, StepEnd };
   Kind Part = Kind::Level;
-  int Step = 0;     // slot
-  int Channel = 0;  // this and the next two: not of a step's end
-  int Slot = 0;     // parameter
+  int Step = 0;      // slot
+  int Channel = 0;   // this and the next two: not of a step's end
+  int Slot = 0;      // parameter
   double Along = 1;  // place within the step, 0 at its start
   bool operator==(const DragHandle&) const = default;
 };
@@ -69,7 +70,7 @@ class ValueDrag {
   GridViews views_;
   DragHandle handle_;
   PlotScale scale_;
-  StepRow row_;    // of the step, as they were
+  StepRow row_;  // of the step, as they were
   ParamCell cell_;
   double dx_ = 0;  // pixels
   double dy_ = 0;

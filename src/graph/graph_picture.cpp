@@ -76,9 +76,8 @@ void AddLoops(const SequenceData& sequence, const ModelDefinition& definition,
   for (const LoopBracket& bracket : brackets) {
     std::string text = "...";
     if (bracket.Loops == 1) {
-      text = bracket.Endless
-                 ? catalogue.GetResString(TextId::LoopSignEndless)
-                 : catalogue.GetResString(TextId::LoopSignTimes, {std::to_string(bracket.Count)});
+      text = bracket.Endless ? catalogue.GetResString(TextId::LoopSignEndless)
+                             : catalogue.GetResString(TextId::LoopSignTimes, {std::to_string(bracket.Count)});
     }
     picture.Loops.push_back(
         {bracket, std::move(text), bracket.Endless ? definition.EndlessSequence : definition.LoopSequence});

@@ -13,9 +13,9 @@ inline constexpr int kMostLoopRows = 4;
 struct LoopBracket {
   int First = 0;  // slots, both included
   int Last = 0;
-  int Row = 0;      // 0 next to the steps
-  int Count = 0;    // times that the jump is taken; 0: without end
-  int Loops = 1;    // more than 1: stands for so many outer loops, Count says nothing
+  int Row = 0;           // 0 next to the steps
+  int Count = 0;         // times that the jump is taken; 0: without end
+  int Loops = 1;         // more than 1: stands for so many outer loops, Count says nothing
   bool Endless = false;  // one of its loops is
   bool operator==(const LoopBracket&) const = default;
 };

@@ -180,8 +180,8 @@ FrmPreview& MainWindow::NeedPreview() {
   return *preview_;
 }
 
-// The graphs of the view are a third grid: what is selected or dragged there goes the way of a press or an entry
-// in a cell.
+// The graphs of the view are a third grid: what is selected or dragged there goes the way of a press or an
+// entry in a cell.
 GraphHandlers MainWindow::HandlersOfGraphs() {
   GraphHandlers handlers;
   handlers.selectStep = [this](int step) {
@@ -310,7 +310,12 @@ void MainWindow::ShowAbout() {
 }
 
 void MainWindow::ShowShortcuts() {
-  Perform([&] { FrmShortcuts(session_.Catalogue(), CellKeyLines(session_.Catalogue()), this).exec(); });
+  const MessageCatalogue& texts = session_.Catalogue();
+  Perform([&] {
+    FrmShortcuts(
+        texts, {{TextId::KeysOfGrids, CellKeyLines(texts)}, {TextId::KeysOfView, GraphKeyLines(texts)}}, this)
+        .exec();
+  });
 }
 
 std::string MainWindow::CommLogPath() const {

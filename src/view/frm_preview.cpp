@@ -22,7 +22,6 @@
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
 #include "view/time_panel.h"
-#include "view/to_qcolor.h"
 #include "view/warning_line.h"
 #include "view/window_focus.h"
 
@@ -134,10 +133,13 @@ QWidget* FrmPreview::Impl::BuildContent() {
                               content);
   settings->setObjectName(QStringLiteral("AreaSettings"));
   canvas = new GraphCanvas(
-      [this](std::size_t area, int step) {
-        return GraphTip(sequence, definition, catalogue, canvas->Picture(), area, step);
-      },
-      [this](const LoopBracket& bracket) { return LoopTipText(catalogue, canvas->Picture(), bracket); },
+      GraphTexts{
+          [this](std::size_t area, int step) {
+            return GraphTip(sequence, definition, catalogue, canvas->Picture(), area, step);
+          },
+          [this](const LoopBracket& bracket) { return LoopTipText(catalogue, canvas->Picture(), bracket); },
+          [this](const std::string& label) { return catalogue.GetResString(TextId::ViewStepName, {label}); },
+          catalogue.GetResString(TextId::CellRunning)},
       content);
   hand = std::make_unique<GraphHand>(*canvas, state, definition, sequence, catalogue, handlers.graphs,
                                      [this](const SequenceData& shown) { return PictureOf(shown); });
@@ -189,8 +191,8 @@ void FrmPreview::Impl::Draw() {
 void FrmPreview::Impl::FollowRun() {
   const bool shown = measuring && StepUnderWay();
   canvas->ShowCurrentStep(shown ? std::optional<int>(state.CurrentStep) : std::nullopt,
-                          ToQColor(definition.CurrentStep));
-  if (!shown) canvas->ShowMarker(std::nullopt, ToQColor(definition.Indicator));
+                          definition.CurrentStep);
+  if (!shown) canvas->ShowMarker(std::nullopt, definition.Indicator);
 }
 
 FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const SequenceData& sequence,
@@ -223,7 +225,7 @@ void FrmPreview::MoveShape(std::uint32_t tick) {
   impl_->FollowRun();
   const auto position = MarkerPosition(impl_->canvas->Picture().Spans, impl_->state.CurrentStep,
                                        impl_->state.StepChangedAt, tick);
-  impl_->canvas->ShowMarker(position, ToQColor(impl_->definition.Indicator));
+  impl_->canvas->ShowMarker(position, impl_->definition.Indicator);
 }
 
 void FrmPreview::MeasureStart() {

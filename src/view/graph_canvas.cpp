@@ -12,20 +12,23 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
+#include "view/graph_access.h"
+
 namespace corlune {
 
 namespace {
 
 constexpr double kLeastStepWidth = 18;  // pixels a step on average, before the sequence scrolls
 constexpr double kMostZoom = 4000;
-constexpr int kKeyScroll = 40;   // pixels
-constexpr int kLeastAreas = 2;   // that the canvas has room for when it can choose
+constexpr int kKeyScroll = 40;  // pixels
+constexpr int kLeastAreas = 2;  // that the canvas has room for when it can choose
 constexpr int kPreferredWidth = 640;
 
 }  // namespace
 
-GraphCanvas::GraphCanvas(Tip tip, LoopTip loopTip, QWidget* parent)
-    : QAbstractScrollArea(parent), tip_(std::move(tip)), loopTip_(std::move(loopTip)) {
+GraphCanvas::GraphCanvas(GraphTexts texts, QWidget* parent)
+    : QAbstractScrollArea(parent), texts_(std::move(texts)) {
+  InstallGraphAccess();
   setFocusPolicy(Qt::StrongFocus);
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -249,12 +252,27 @@ std::optional<int> GraphCanvas::ColumnAt(const QPointF& place) const {
 QString GraphCanvas::TipAt(const QPoint& place) const {
   const auto area = AreaAt(place);
   const auto step = ColumnAt(place);
-  if (area && step) return QString::fromStdString(tip_(*area, *step));
+  if (area && step) return QString::fromStdString(texts_.tip(*area, *step));
   for (const LoopPicture& loop : picture_.Loops) {
     if (!LoopRect(picture_, layout_, Window(), loop.Bracket).contains(place)) continue;
-    return QString::fromStdString(loopTip_(loop.Bracket));
+    return QString::fromStdString(texts_.loopTip(loop.Bracket));
   }
   return {};
+}
+
+QString GraphCanvas::StepName(int step) const {
+  return QString::fromStdString(texts_.stepName(picture_.StepLabels[static_cast<std::size_t>(step)]));
+}
+
+QString GraphCanvas::StepText(int step) const {
+  std::string text;
+  for (std::size_t area = 0; area < picture_.Areas.size(); ++area) {
+    const std::string tip = texts_.tip(area, step);
+    const std::size_t values = std::min(tip.find('\n'), tip.size());
+    if (area == 0) text = tip.substr(0, values);
+    text += "\n" + picture_.Areas[area].Title + tip.substr(values);
+  }
+  return QString::fromStdString(text);
 }
 
 bool GraphCanvas::viewportEvent(QEvent* event) {

@@ -1,5 +1,5 @@
-// GraphCanvas: the scrolling, zooming surface that shows a GraphPicture, the selected step, the step under way
-// and the run marker. It shows only; mouse and keys are GraphHand's, but for those that scroll and zoom.
+// GraphCanvas: the scrolling, zooming surface that shows a GraphPicture, the selected step, the step under
+// way and the run marker. It shows only; mouse and keys are GraphHand's, but for those that scroll and zoom.
 //
 // The drawing is kept as a picture; moving the marker repaints two narrow strips of it.
 #pragma once
@@ -15,17 +15,19 @@
 
 namespace corlune {
 
+// What is read out under the pointer and by assistive tools.
+struct GraphTexts {
+  std::function<std::string(std::size_t area, int step)> tip;  // of a place: area of the picture and step
+  std::function<std::string(const LoopBracket& bracket)> loopTip;
+  std::function<std::string(const std::string& label)> stepName;
+  std::string running;
+};
+
 class GraphCanvas : public QAbstractScrollArea {
   Q_OBJECT
 
  public:
-  // Text for a place on the graphs: area of the picture and step.
-  using Tip = std::function<std::string(std::size_t area, int step)>;
-
-  // Text for a loop's bracket.
-  using LoopTip = std::function<std::string(const LoopBracket& bracket)>;
-
-  explicit GraphCanvas(Tip tip, LoopTip loopTip, QWidget* parent = nullptr);
+  explicit GraphCanvas(GraphTexts texts, QWidget* parent = nullptr);
 
   // Repaints when the picture differs from the one shown.
   void ShowPicture(GraphPicture picture);
@@ -42,11 +44,12 @@ class GraphCanvas : public QAbstractScrollArea {
   std::optional<int> SelectedStep() const { return selected_; }
   // Scrolls a step into view that is not wholly there.
   void ScrollToStep(int step);
-  // The step under way, in `color`; none: no step. A step that has come up is scrolled into view.
-  void ShowCurrentStep(std::optional<int> step, const QColor& color);
+  // The step under way, in `color` of the definition; none: no step. A step that has come up is scrolled into
+  // view.
+  void ShowCurrentStep(std::optional<int> step, Color color);
   std::optional<int> CurrentStep() const { return step_; }
   // The run marker at an axis position; none hides it. A marker that was in view stays in view.
-  void ShowMarker(std::optional<double> position, const QColor& color);
+  void ShowMarker(std::optional<double> position, Color color);
   std::optional<double> Marker() const { return marker_; }
   // Columns of the viewport that the marker at `position` covers.
   QRect MarkerStrip(double position) const;
@@ -64,8 +67,8 @@ class GraphCanvas : public QAbstractScrollArea {
   void ShowAll();
   double Zoom() const { return zoom_; }
 
-  // The area whose plot, and the step whose column, is at a place of the viewport. A step's column reaches from
-  // its number down.
+  // The area whose plot, and the step whose column, is at a place of the viewport. A step's column reaches
+  // from its number down.
   std::optional<std::size_t> AreaAt(const QPointF& place) const;
   std::optional<int> ColumnAt(const QPointF& place) const;
   // The visible part of a step's column; empty when it is out of sight.
@@ -73,7 +76,17 @@ class GraphCanvas : public QAbstractScrollArea {
   // Text at a place of the viewport; empty where there is no graph.
   QString TipAt(const QPoint& place) const;
 
+  // For assistive tools; the step must be there.
+  int StepCount() const { return static_cast<int>(picture_.Spans.size()); }
+  QString StepName(int step) const;
+  QString StepText(int step) const;  // its time, and what its tips read in all areas
+  QString RunningText() const { return QString::fromStdString(texts_.running); }
+
   QSize sizeHint() const override;
+
+ signals:
+  // An assistive tool presses a step.
+  void StepPressed(int step);
 
  protected:
   void paintEvent(QPaintEvent* event) override;
@@ -104,8 +117,7 @@ class GraphCanvas : public QAbstractScrollArea {
   }
   void ScrollTo(double start);
 
-  Tip tip_;
-  LoopTip loopTip_;
+  GraphTexts texts_;
   GraphPicture picture_;
   GraphLayout layout_;
   QPixmap layer_;
@@ -119,9 +131,9 @@ class GraphCanvas : public QAbstractScrollArea {
   QString label_;
   QRect labelBox_;
   std::optional<int> step_;
-  QColor stepColor_;
+  Color stepColor_;
   std::optional<double> marker_;
-  QColor markerColor_;
+  Color markerColor_;
 };
 
 }  // namespace corlune

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QScrollBar>
 
+#include "view/graph_access.h"
 #include "view/graph_canvas.h"
 
 namespace corlune {
@@ -52,6 +53,7 @@ void GraphCanvas::ShowSelectedStep(std::optional<int> step, Scroll scroll) {
   selected_ = step;
   if (selected_ && scroll == Scroll::IntoView) ScrollToStep(*selected_);
   UpdateSelection();
+  if (selected_) ReportSelectedStep(*this, *selected_);
 }
 
 void GraphCanvas::ShowLabel(const QString& text, const QPoint& place) {
@@ -72,7 +74,7 @@ void GraphCanvas::ShowLabel(const QString& text, const QPoint& place) {
   viewport()->update(labelBox_.adjusted(-1, -1, 1, 1));
 }
 
-void GraphCanvas::ShowCurrentStep(std::optional<int> step, const QColor& color) {
+void GraphCanvas::ShowCurrentStep(std::optional<int> step, Color color) {
   if (!IsStep(step)) step.reset();
   if (step == step_ && color == stepColor_) return;
   if (step_) viewport()->update(StepRect(*step_));
@@ -97,7 +99,7 @@ QRect GraphCanvas::MarkerStrip(double position) const {
   return {x - kMarkerHalf, 0, 2 * kMarkerHalf + 1, static_cast<int>(layout_.Middle.bottom())};
 }
 
-void GraphCanvas::ShowMarker(std::optional<double> position, const QColor& color) {
+void GraphCanvas::ShowMarker(std::optional<double> position, Color color) {
   if (position == marker_ && color == markerColor_) return;
   const AxisWindow window = Window();
   const bool wasInView = marker_ && *marker_ >= window.Start && *marker_ <= window.End;
@@ -156,8 +158,10 @@ void GraphCanvas::PaintMoving(QPainter& painter) {
                       layout_.Middle.bottom());
   painter.setClipRect(moving);
   if (step_) {
-    QColor tint = stepColor_;
-    tint.setAlpha(90);
+    // On a dark palette the adapted colour is a deep one, which needs more of itself.
+    const GraphColors colors(palette());
+    QColor tint = colors.Meaning(stepColor_);
+    tint.setAlpha(ThemeOf(palette()).Dark ? 150 : 90);
     const QRectF step = StepRect(*step_);
     painter.fillRect(step.intersected(layout_.Ruler), tint);
     painter.setClipRect(layout_.Middle, Qt::IntersectClip);
@@ -176,7 +180,7 @@ void GraphCanvas::PaintMoving(QPainter& painter) {
                    palette().color(QPalette::WindowText));
   painter.setRenderHint(QPainter::Antialiasing);
   painter.setPen(QPen(palette().color(QPalette::WindowText), 1));
-  painter.setBrush(markerColor_);
+  painter.setBrush(GraphColors(palette()).Line(markerColor_));
   const double half = kMarkerHalf - 1;
   painter.drawPolygon(QPolygonF({{x - half, tip - 2 * half}, {x + half, tip - 2 * half}, {x, tip}}));
 }

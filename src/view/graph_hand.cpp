@@ -28,6 +28,8 @@ GraphHand::GraphHand(GraphCanvas& canvas, const AppState& state, const ModelDefi
   canvas_.installEventFilter(this);
   canvas_.viewport()->installEventFilter(this);
   canvas_.viewport()->setMouseTracking(true);
+  connect(&canvas_, &GraphCanvas::StepPressed, this,
+          [this](int step) { Select(step, GraphCanvas::Scroll::IntoView); });
 }
 
 void GraphHand::AllowEntries(bool on) {

@@ -18,8 +18,8 @@ class QMouseEvent;
 namespace corlune {
 
 struct GraphHandlers {
-  // Makes a step (slot) the current one of the grids. False: an entry that is being typed was refused, and has
-  // the focus. May show a prompt.
+  // Makes a step (slot) the current one of the grids. False: an entry that is being typed was refused, and
+  // has the focus. May show a prompt.
   std::function<bool(int step)> selectStep;
   std::function<void()> goToCell;  // the focus goes to the current cell
   // Enters a text as if it had been typed into the cell; a refusal shows its message.
@@ -35,7 +35,8 @@ class GraphHand : public QObject {
 
   // All must outlive this object.
   GraphHand(GraphCanvas& canvas, const AppState& state, const ModelDefinition& definition,
-            const SequenceData& sequence, const MessageCatalogue& catalogue, GraphHandlers handlers, Draw draw);
+            const SequenceData& sequence, const MessageCatalogue& catalogue, GraphHandlers handlers,
+            Draw draw);
 
   // Whether values can be entered at present; a drag under way ends without an entry when not.
   void AllowEntries(bool on);

@@ -28,11 +28,11 @@ struct AreaPlace {
 };
 
 struct GraphLayout {
-  QRectF Loops;     // brackets, the rows from below; empty without loops
+  QRectF Loops;        // brackets, the rows from below; empty without loops
   double LoopRow = 0;  // height of a row
-  QRectF Ruler;     // step numbers
-  QRectF Middle;    // everything between ruler and time axis
-  QRectF TimeAxis;  // times and the axis title
+  QRectF Ruler;        // step numbers
+  QRectF Middle;       // everything between ruler and time axis
+  QRectF TimeAxis;     // times and the axis title
   double PlotLeft = 0;
   double PlotWidth = 1;
   std::vector<AreaPlace> Areas;  // moved up by the vertical scroll position

@@ -9,7 +9,6 @@
 
 #include "core/numbers.h"
 #include "view/loop_painter.h"
-#include "view/to_qcolor.h"
 
 namespace corlune {
 
@@ -328,28 +327,29 @@ GraphColors::GraphColors(const QPalette& palette)
     : Background(palette.color(QPalette::Base)),
       Panel(palette.color(QPalette::Window)),
       Text(palette.color(QPalette::WindowText)),
-      Faint(Mixed(Panel, Text, 0.55)),
       Grid(Mixed(Background, palette.color(QPalette::Text), 0.18)),
       Reference(Mixed(Background, palette.color(QPalette::Text), 0.6)),
-      Dark(Background.lightness() < 128) {}
+      theme_(ThemeOf(palette)) {
+  // Notes stand in it on the plots, the frames of these on the panel.
+  const Color faint = ToColor(Mixed(Background, Text, 0.55));
+  Faint = ToQColor(StandingOut(faint, theme_.Base, theme_.Contrast()));
+  Text = ToQColor(StandingOut(ToColor(Text), ToColor(Panel), theme_.Contrast()));
+}
+
+QColor GraphColors::Line(const Color& color) const {
+  return ToQColor(StandingOut(color, theme_.Base, kLineContrast));
+}
 
 QColor GraphColors::Channel(int channel) const {
-  if (channel == 1) return Dark ? QColor(0xF0, 0xA0, 0x30) : QColor(0xD5, 0x5E, 0x00);
-  return Dark ? QColor(0x56, 0xB4, 0xE9) : QColor(0x00, 0x72, 0xB2);
+  const bool second = channel == 1;
+  if (theme_.Dark) return Line(second ? Color{0xF0, 0xA0, 0x30} : Color{0x56, 0xB4, 0xE9});
+  return Line(second ? Color{0xD5, 0x5E, 0x00} : Color{0x00, 0x72, 0xB2});
 }
 
 QColor GraphColors::Envelope(int channel) const {
   QColor color = Channel(channel);
-  color.setAlpha(Dark ? 90 : 60);
+  color.setAlpha(theme_.Dark ? 90 : 60);
   return color;
-}
-
-QColor GraphColors::Meaning(const Color& color) const {
-  return ToQColor(color);
-}
-
-QColor GraphColors::TextOn(const QColor& background) const {
-  return background.lightness() < 128 ? Qt::white : Qt::black;
 }
 
 void PaintPicture(QPainter& painter, const GraphPicture& picture, const GraphLayout& layout,
