@@ -75,7 +75,7 @@ class StepAccess : public QAccessibleInterface, public QAccessibleActionInterfac
 class CanvasAccess : public QAccessibleWidget {
  public:
   explicit CanvasAccess(GraphCanvas& canvas)
-      : QAccessibleWidget(&canvas, QAccessible::List, canvas.accessibleName()), canvas_(canvas) {}
+      : QAccessibleWidget(&canvas, QAccessible::List), canvas_(canvas) {}
   ~CanvasAccess() override {
     for (const auto& [step, id] : steps_) QAccessible::deleteAccessibleInterface(id);
   }
