@@ -109,9 +109,10 @@ class GraphCanvas : public QAbstractScrollArea {
   void Redraw();
   void PaintMoving(QPainter& painter);
   void PaintSelection(QPainter& painter);
+  void PaintNumber(QPainter& painter, int step, const QColor& fill, const QColor& text) const;
   void PaintLabel(QPainter& painter);
   QRect NumberRect(int step) const;
-  void UpdateSelection();
+  void UpdateColumn(std::optional<int> step);
   bool IsStep(std::optional<int> step) const {
     return step && *step >= 0 && static_cast<std::size_t>(*step) < picture_.Spans.size();
   }

@@ -14,11 +14,12 @@ namespace {
 
 constexpr int kMarkerHalf = 6;  // pixels to both sides of the marker's line
 constexpr double kMarkerWidth = 2;
+constexpr int kTint = 100;       // of 255, over the plots of the step under way
 constexpr double kLeadIn = 0.1;  // of the plot, left of a step that is scrolled into view
 
 }  // namespace
 
-// The box of the selected step's number, as wide as the number needs.
+// The box of a marked step's number, as wide as the number needs.
 QRect GraphCanvas::NumberRect(int step) const {
   const QRect column = StepRect(step);
   if (column.isEmpty()) return {};
@@ -31,10 +32,10 @@ QRect GraphCanvas::NumberRect(int step) const {
   return box;
 }
 
-void GraphCanvas::UpdateSelection() {
-  if (!selected_) return;
-  const QRect column = StepRect(*selected_);
-  if (!column.isEmpty()) viewport()->update(column.united(NumberRect(*selected_)).adjusted(-2, -2, 2, 2));
+void GraphCanvas::UpdateColumn(std::optional<int> step) {
+  if (!step) return;
+  const QRect column = StepRect(*step);
+  if (!column.isEmpty()) viewport()->update(column.united(NumberRect(*step)).adjusted(-2, -2, 2, 2));
 }
 
 void GraphCanvas::ScrollToStep(int step) {
@@ -49,10 +50,10 @@ void GraphCanvas::ScrollToStep(int step) {
 void GraphCanvas::ShowSelectedStep(std::optional<int> step, Scroll scroll) {
   if (!IsStep(step)) step.reset();
   if (step == selected_) return;
-  UpdateSelection();
+  UpdateColumn(selected_);
   selected_ = step;
   if (selected_ && scroll == Scroll::IntoView) ScrollToStep(*selected_);
-  UpdateSelection();
+  UpdateColumn(selected_);
   if (selected_) ReportSelectedStep(*this, *selected_);
 }
 
@@ -77,7 +78,7 @@ void GraphCanvas::ShowLabel(const QString& text, const QPoint& place) {
 void GraphCanvas::ShowCurrentStep(std::optional<int> step, Color color) {
   if (!IsStep(step)) step.reset();
   if (step == step_ && color == stepColor_) return;
-  if (step_) viewport()->update(StepRect(*step_));
+  UpdateColumn(step_);
   const bool moved = step != step_;
   step_ = step;
   stepColor_ = color;
@@ -88,7 +89,7 @@ void GraphCanvas::ShowCurrentStep(std::optional<int> step, Color color) {
   if (moved && (span.Start < window.Start || span.Start > window.End - length * kLeadIn)) {
     ScrollTo(span.Start - length * kLeadIn);
   }
-  viewport()->update(StepRect(*step_));
+  UpdateColumn(step_);
 }
 
 QRect GraphCanvas::MarkerStrip(double position) const {
@@ -116,6 +117,15 @@ void GraphCanvas::ShowMarker(std::optional<double> position, Color color) {
   if (!strip.isEmpty()) viewport()->update(strip);
 }
 
+void GraphCanvas::PaintNumber(QPainter& painter, int step, const QColor& fill, const QColor& text) const {
+  const QRect number = NumberRect(step);
+  painter.fillRect(number, fill);
+  painter.setPen(text);
+  painter.setFont(font());
+  painter.drawText(number, Qt::AlignCenter,
+                   QString::fromStdString(picture_.StepLabels[static_cast<std::size_t>(step)]));
+}
+
 // Unlike the step under way, which is tinted: a number like a pressed key, and lines down both sides.
 void GraphCanvas::PaintSelection(QPainter& painter) {
   if (!selected_) return;
@@ -123,12 +133,7 @@ void GraphCanvas::PaintSelection(QPainter& painter) {
   if (column.isEmpty()) return;
   const QColor color = palette().color(QPalette::Highlight);
   painter.setRenderHint(QPainter::Antialiasing, false);
-  const QRect number = NumberRect(*selected_);
-  painter.fillRect(number, color);
-  painter.setPen(palette().color(QPalette::HighlightedText));
-  painter.setFont(font());
-  painter.drawText(number, Qt::AlignCenter,
-                   QString::fromStdString(picture_.StepLabels[static_cast<std::size_t>(*selected_)]));
+  PaintNumber(painter, *selected_, color, palette().color(QPalette::HighlightedText));
   painter.setClipRect(layout_.Middle, Qt::IntersectClip);
   QColor tint = color;
   tint.setAlpha(24);
@@ -158,12 +163,13 @@ void GraphCanvas::PaintMoving(QPainter& painter) {
                       layout_.Middle.bottom());
   painter.setClipRect(moving);
   if (step_) {
-    // On a dark palette the adapted colour is a deep one, which needs more of itself.
     const GraphColors colors(palette());
-    QColor tint = colors.Meaning(stepColor_);
-    tint.setAlpha(ThemeOf(palette()).Dark ? 150 : 90);
+    const QColor fill = colors.Meaning(stepColor_);
+    QColor tint = fill;
+    tint.setAlpha(kTint);
     const QRectF step = StepRect(*step_);
     painter.fillRect(step.intersected(layout_.Ruler), tint);
+    if (!step.isEmpty()) PaintNumber(painter, *step_, fill, colors.TextOn(fill));
     painter.setClipRect(layout_.Middle, Qt::IntersectClip);
     for (const AreaPlace& area : layout_.Areas) painter.fillRect(step.intersected(area.Plot), tint);
   }
