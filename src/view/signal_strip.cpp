@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyleOptionFocusRect>
+#include <QTextDocument>
 #include <QToolTip>
 #include <QWheelEvent>
 
