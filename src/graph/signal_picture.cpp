@@ -49,15 +49,6 @@ std::string CaptionOf(const SignalSubject& subject, const SignalPane& pane, cons
   return text;
 }
 
-std::string NoteOf(const ChannelSignal& signal, const WaveFile* file, const MessageCatalogue& catalogue) {
-  if (!signal.Note.empty() || signal.WavePath.empty()) return signal.Note;
-  const std::string name = signal.WavePath.substr(signal.WavePath.find_last_of("/\\") + 1);
-  if (file == nullptr) return catalogue.GetResString(TextId::SignalReading, {name});
-  if (file->Wave) return {};
-  return catalogue.GetResString(TextId::SignalFileRefused, {std::to_string(signal.ArbNumber), name,
-                                                            ReasonText(file->Reason, catalogue)});
-}
-
 // What is to be said about a signal that is drawn.
 std::string RemarkOf(const ChannelSignal& signal, const WaveFile* file, const MessageCatalogue& catalogue) {
   if (signal.Waveform == kWaveNoise) return catalogue.GetResString(TextId::SignalNoise);
@@ -68,6 +59,15 @@ std::string RemarkOf(const ChannelSignal& signal, const WaveFile* file, const Me
 }
 
 }  // namespace
+
+std::string SignalNote(const ChannelSignal& signal, const WaveFile* file, const MessageCatalogue& catalogue) {
+  if (!signal.Note.empty() || signal.WavePath.empty()) return signal.Note;
+  const std::string name = signal.WavePath.substr(signal.WavePath.find_last_of("/\\") + 1);
+  if (file == nullptr) return catalogue.GetResString(TextId::SignalReading, {name});
+  if (file->Wave) return {};
+  return catalogue.GetResString(TextId::SignalFileRefused, {std::to_string(signal.ArbNumber), name,
+                                                            ReasonText(file->Reason, catalogue)});
+}
 
 std::string TimeText(double seconds) {
   return TimeIn(seconds, UnitFor(seconds));
@@ -89,7 +89,7 @@ SignalPicture BuildSignalPicture(const SignalSubject& subject, const SignalFiles
   for (std::size_t i = 0; i < subject.Channels.size(); ++i) {
     const ValueRange range = SignalRange(subject.Channels[i]);
     picture.Ranges.push_back(FitRange(range.Low, range.High));
-    picture.Notes.push_back(NoteOf(subject.Channels[i], files[i].get(), catalogue));
+    picture.Notes.push_back(SignalNote(subject.Channels[i], files[i].get(), catalogue));
   }
   const auto add = [&](const AxisWindow& part, int width) {
     SignalPane pane;

@@ -41,6 +41,9 @@ SignalPicture BuildSignalPicture(const SignalSubject& subject, const SignalFiles
                                  const MessageCatalogue& catalogue, const AxisWindow& window,
                                  const PaneColumns& columns);
 
+// Why a channel has no signal, its waveform file included; empty when it has one. `file` as in SignalFiles.
+std::string SignalNote(const ChannelSignal& signal, const WaveFile* file, const MessageCatalogue& catalogue);
+
 // Paths of the waveform files that the subject needs, without repetition.
 std::vector<std::string> WavePathsOf(const SignalSubject& subject);
 

@@ -218,7 +218,6 @@ SignalSubject BuildSignalSubject(const SequenceData& sequence, const ModelDefini
     ChannelSignal& signal = subject.Channels.back();
     if (!Drawable(signal)) signal.Note = catalogue.GetResString(TextId::SignalNotShown);
     subject.Description += "\n" + reader.Description();
-    if (!signal.Note.empty()) subject.Description += "\n" + signal.Note;
   }
   const bool hasLength = subject.Length > 0 && std::isfinite(subject.Length);
   if (!hasLength) subject.Note = catalogue.GetResString(TextId::SignalNoTime);

@@ -49,7 +49,7 @@ struct SignalSubject {
   std::vector<ChannelSignal> Channels;
   double Length = 0;        // of the step, with its stop phase; s
   std::string StepText;     // "Step 3: 0.5 s"
-  std::string Description;  // every value by its name, for who does not see the drawing
+  std::string Description;  // every value by its name, for those who do not see the drawing
   std::string Note;         // in place of everything
   bool operator==(const SignalSubject&) const = default;
 };

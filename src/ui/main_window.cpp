@@ -113,7 +113,7 @@ void MainWindow::ShowSignal() {
   if (signal_->isHidden()) return;
   const AppState& state = session_.State();
   const bool running = state.RunState != RunState::Stopped;
-  const int step = running ? state.CurrentStep : IndexOf(editor_.Cursor().CurrentRow).value;
+  const int step = running ? state.CurrentStep : IndexOf(GridRow{editor_.Cursor().CurrentRow}).value;
   signal_->Show(BuildSignalSubject(session_.Sequence(), session_.Definition(), session_.Catalogue(),
                                    {EditedChannels(state), step, running, WaveformFolder(state)}));
 }

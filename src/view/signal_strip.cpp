@@ -30,14 +30,14 @@ constexpr int kLeastPlotLines = 3;
 }  // namespace
 
 SignalStrip::SignalStrip(const MessageCatalogue& catalogue, QWidget* parent)
-    : QWidget(parent), catalogue_(catalogue) {
+    : QWidget(parent), catalogue_(catalogue), quiet_(new QTimer(this)) {
   setObjectName(QStringLiteral("SignalStrip"));
   setAccessibleName(QString::fromStdString(catalogue.GetResString(TextId::SignalName)));
   // A click leaves the cell its focus.
   setFocusPolicy(Qt::TabFocus);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
-  quiet_.setSingleShot(true);
-  connect(&quiet_, &QTimer::timeout, this, [this] { ReadNextFile(); });
+  quiet_->setSingleShot(true);
+  connect(quiet_, &QTimer::timeout, this, [this] { ReadNextFile(); });
 }
 
 void SignalStrip::Show(SignalSubject subject) {
@@ -60,9 +60,9 @@ void SignalStrip::FindFiles() {
     missing = missing || (!signal.WavePath.empty() && !files_.back());
   }
   if (missing) {
-    quiet_.start(kQuiet);
+    quiet_->start(kQuiet);
   } else {
-    quiet_.stop();
+    quiet_->stop();
   }
   Redraw();
 }
@@ -76,7 +76,7 @@ void SignalStrip::ReadNextFile() {
     break;
   }
   FindFiles();
-  if (quiet_.isActive()) quiet_.start(0);
+  if (quiet_->isActive()) quiet_->start(0);
 }
 
 void SignalStrip::Redraw() {
@@ -88,6 +88,10 @@ void SignalStrip::Redraw() {
 void SignalStrip::Describe() {
   std::string text = subject_.Description;
   if (!subject_.Note.empty()) text += (text.empty() ? "" : "\n") + subject_.Note;
+  for (std::size_t i = 0; i < subject_.Channels.size(); ++i) {
+    const std::string note = SignalNote(subject_.Channels[i], files_[i].get(), catalogue_);
+    if (!note.empty()) text += "\n" + note;
+  }
   setAccessibleDescription(QString::fromStdString(text));
 }
 

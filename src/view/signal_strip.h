@@ -62,7 +62,7 @@ class SignalStrip : public QWidget {
   SignalSubject subject_;
   SignalFiles files_;
   WaveCache cache_;
-  QTimer quiet_;                    // runs out when no further step was chosen
+  QTimer* quiet_;                   // runs out when no further step was chosen
   std::optional<AxisWindow> zoom_;  // none: chosen by the signal itself
   SignalPicture picture_;
   SignalLayout layout_;
