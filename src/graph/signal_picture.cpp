@@ -33,10 +33,12 @@ bool IsWhole(const AxisWindow& window, double length) {
 }
 
 std::string SpanText(const AxisWindow& window, double length, const MessageCatalogue& catalogue) {
-  const std::string whole = TimeText(length);
+  const std::string whole = ShortTimeText(length);
   if (IsWhole(window, length)) return catalogue.GetResString(TextId::SignalWholeStep, {whole});
-  if (window.Start <= 0) return catalogue.GetResString(TextId::SignalBegin, {TimeText(window.End), whole});
-  return catalogue.GetResString(TextId::SignalSection, {TimeText(window.Start), TimeText(window.End), whole});
+  if (window.Start <= 0)
+    return catalogue.GetResString(TextId::SignalBegin, {ShortTimeText(window.End), whole});
+  return catalogue.GetResString(TextId::SignalSection,
+                                {ShortTimeText(window.Start), ShortTimeText(window.End), whole});
 }
 
 std::string CaptionOf(const SignalSubject& subject, const SignalPane& pane, const TimeUnit& unit,
@@ -69,7 +71,7 @@ std::string SignalNote(const ChannelSignal& signal, const WaveFile* file, const 
                                                             ReasonText(file->Reason, catalogue)});
 }
 
-std::string TimeText(double seconds) {
+std::string ShortTimeText(double seconds) {
   return TimeIn(seconds, UnitFor(seconds));
 }
 

@@ -48,6 +48,6 @@ std::string SignalNote(const ChannelSignal& signal, const WaveFile* file, const 
 std::vector<std::string> WavePathsOf(const SignalSubject& subject);
 
 // "2.5 ms"
-std::string TimeText(double seconds);
+std::string ShortTimeText(double seconds);
 
 }  // namespace corlune

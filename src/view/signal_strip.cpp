@@ -263,7 +263,7 @@ void SignalStrip::keyPressEvent(QKeyEvent* event) {
 QString SignalStrip::TipAt(double x) const {
   const std::size_t pane = PaneAt(x);
   const double time = TimeAt(x, pane);
-  std::string text = TimeText(time);
+  std::string text = ShortTimeText(time);
   for (std::size_t i = 0; i < subject_.Channels.size(); ++i) {
     const ChannelSignal& signal = subject_.Channels[i];
     const SignalTrace& trace = picture_.Panes[pane].Traces[i];
