@@ -371,7 +371,7 @@ CatalogueText TextOf(TextId id) {
     case SignalFileRefused: return {"ARB $1, $2: $3", "ARB $1、$2：$3"};
     case SignalNoTime: return {"The step has no duration.", "ステップ時間が0です。"};
     case SignalNoStep: return {"No step is selected.", "ステップが選択されていません。"};
-    case SignalShaded: return {"shaded: periods too close to be drawn one by one", "網掛け：周期が密なため範囲のみ表示"};
+    case SignalShaded: return {"shaded: many periods", "網掛け：多数の周期"};
     case SignalNoise: return {"the course of the noise is an example", "ノイズの波形は一例"};
     case SignalExternal: return {"+ external signal (not shown)", "＋外部加算信号（非表示）"};
     case SignalPointPairs: return {"one period from the first point to the last", "先頭の点から最後の点までを1周期として表示"};

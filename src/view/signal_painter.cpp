@@ -218,9 +218,11 @@ class StripPainter {
     double last = scale.Top + scale.Height + height;  // ticks come from below
     for (const double tick : ticks.Values) {
       const double y = scale.YOf(tick);
-      if (last - y < height * 0.9) continue;
+      if (last - y < height) continue;
       last = y;
-      const QRectF box(0, y - height / 2, scale.Left - kTickLength, height);
+      const double lowest = scale.Top + scale.Height - height + kGraphPad;
+      const double top = std::clamp(y - height / 2, std::min(scale.Top - kGraphPad, lowest), lowest);
+      const QRectF box(0, top, scale.Left - kTickLength, height);
       painter_.drawText(box, Qt::AlignRight | Qt::AlignVCenter, Text(TickText(tick, ticks)));
     }
   }
