@@ -7,7 +7,7 @@ namespace corlune::testing {
 namespace {
 
 TEST(WindowSignal, FollowsCursorAndRunAndIsRemembered) {
-  WindowRig rig;
+  WindowRig rig(WindowRig::Bus::OneInstrument);
   rig.Start();
   rig.AddSteps(3);
   const auto strip = [&] { return rig.window->findChild<SignalStrip*>(); };
