@@ -139,6 +139,8 @@ void CellEditors::Open(QAbstractScrollArea& grid, const QRect& cell, const CellP
   for (QWidget* editor : now) {
     const auto* option = qobject_cast<const CellOption*>(editor);
     editor->setAccessibleName(option != nullptr ? name + QStringLiteral(": ") + option->text() : name);
+    // X11 tools are told the entry as the name of a list.
+    if (qobject_cast<const QComboBox*>(editor) != nullptr) editor->setAccessibleDescription(name);
     editor->show();
     editor->raise();
   }

@@ -80,8 +80,8 @@ void CellOption::Offer(const EditorOption& option) {
 }
 
 void CellOption::ShowColors() {
-  QPalette colors = QApplication::palette();
-  const DefinitionColors::Look look = DefinitionColors().Of(colors, background_);
+  const DefinitionColors::Look look = DefinitionColors().Of(QApplication::palette(), background_);
+  QPalette colors = palette();
   for (const auto role : {QPalette::Window, QPalette::Button, QPalette::Base}) {
     colors.setColor(role, look.Background);
   }

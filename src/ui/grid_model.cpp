@@ -65,10 +65,10 @@ bool GridModel::ShowStep(GridRow step) {
   if (step == step_) return false;
   const GridRow before = std::exchange(step_, step);
   if (area_ == GridArea::Branch) {
-    RowsChanged(1, rows_);
+    CellsChanged(1, rows_);
   } else {
-    RowsChanged(before.value, before.value);
-    RowsChanged(step.value, step.value);
+    CellsChanged(before.value, before.value);
+    CellsChanged(step.value, step.value);
   }
   return true;
 }
@@ -98,11 +98,16 @@ void GridModel::SyncRows() {
 }
 
 void GridModel::RowsChanged(int first, int last) {
+  CellsChanged(first, last);
+  // Headed by the first step's unit.
+  if (first <= 1 && rows_ > 0 && columns_ > 0) emit headerDataChanged(Qt::Horizontal, 0, columns_ - 1);
+}
+
+// Without the header, after which a table lays all its rows out anew.
+void GridModel::CellsChanged(int first, int last) {
   const int top = std::max(first, 1) - 1;
   const int bottom = std::min(last, rows_) - 1;
-  if (top > bottom || columns_ == 0) return;
-  emit dataChanged(index(top, 0), index(bottom, columns_ - 1));
-  if (top == 0) emit headerDataChanged(Qt::Horizontal, 0, columns_ - 1);  // headed by the first step's unit
+  if (top <= bottom && columns_ > 0) emit dataChanged(index(top, 0), index(bottom, columns_ - 1));
 }
 
 int GridModel::rowCount(const QModelIndex& parent) const {

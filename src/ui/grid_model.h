@@ -54,6 +54,7 @@ class GridModel : public QAbstractTableModel {
  private:
   int RowsNow() const;
   int ColumnsNow() const;
+  void CellsChanged(int first, int last);
   QString Header(int column) const;
   QString Text(TextId id, const std::vector<std::string>& arguments = {}) const;
   QString State(const QModelIndex& index) const;
