@@ -105,6 +105,8 @@ class MainWindow : public QMainWindow {
   CommandMenu& MenuOf(MenuPlace place) const { return *menus_[static_cast<std::size_t>(place)]; }
   void ShowMenuStates();
   void ShowRecentFiles();
+  void MarkColors(WindowColors colors);
+  void ChooseColors(WindowColors colors);
   void RememberRecent();
 
   // main_window_fields.cpp

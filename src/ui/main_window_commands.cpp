@@ -85,6 +85,12 @@ void MainWindow::Do(Command command) {
       return ChangeMode(OperationMode::Edit);
     case Command::ExecutionMode:
       return ChangeMode(OperationMode::Execution);
+    case Command::ColorsDesktop:
+      return ChooseColors(WindowColors::Desktop);
+    case Command::ColorsLight:
+      return ChooseColors(WindowColors::Light);
+    case Command::ColorsDark:
+      return ChooseColors(WindowColors::Dark);
     case Command::About:
       return ShowAbout();
     case Command::Shortcuts:
