@@ -6,6 +6,7 @@
 
 #include "core/numbers.h"
 #include "editing/param_rules.h"
+#include "graph/output_swing.h"
 #include "sequence/start_values.h"
 #include "sequence/units.h"
 #include "sequence/user_units.h"

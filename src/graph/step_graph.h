@@ -127,8 +127,4 @@ std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDe
 std::optional<double> ShownValue(const SequenceData& sequence, const ModelDefinition& definition, int channel,
                                  int step, int slot, double along);
 
-// The part of a full swing that lies below and above the offset: the range FS reaches to both sides, PFS only
-// above, MFS only below.
-std::array<double, 2> SwingParts(const SequenceData& sequence, int channel, int step);
-
 }  // namespace corlune
