@@ -11,8 +11,10 @@ namespace corlune {
 namespace {
 
 constexpr int kMostChannels = 20;
-constexpr std::uint32_t kQuietTime = 300;   // ms that a reconnection takes before it shows what it waits for
-constexpr std::uint32_t kTimeToPaint = 50;  // ms until a window that was just opened can be read
+constexpr std::uint32_t kQuietTime = 300;  // ms that a reconnection takes before it shows what it waits for
+// ms: a window that was just opened is looked at this often until it can be read, and not longer than that.
+constexpr std::uint32_t kLookEvery = 2;
+constexpr std::uint32_t kLongestPaint = 300;
 
 bool OnGpib(const InstrumentEntry& entry) {
   return entry.InterfaceKind == InterfaceKind::NiGpib || entry.InterfaceKind == InterfaceKind::KiGpib;
@@ -47,11 +49,13 @@ bool Session::WaitFor(TextId text, const std::vector<std::string>& arguments, in
   if (!waitsFrom_ || options_.simulated || !TickReached(ports_.clock.Now(), *waitsFrom_)) return true;
   ports_.progress.ShowWait(catalogue_.GetResString(text, arguments),
                            catalogue_.GetResString(TextId::ButtonWorkOffLine), done, steps);
-  if (std::exchange(waitShown_, true)) {
-    ports_.pump.HandlePending();
-  } else {
-    ports_.pump.SleepUntil(ports_.clock.Now() + kTimeToPaint);
+  if (!std::exchange(waitShown_, true)) {
+    const std::uint32_t latest = ports_.clock.Now() + kLongestPaint;
+    while (!ports_.progress.Painted() && !TickReached(ports_.clock.Now(), latest)) {
+      ports_.pump.SleepUntil(ports_.clock.Now() + kLookEvery);
+    }
   }
+  ports_.pump.HandlePending();
   return !ports_.progress.Cancelled() || !HideWait();
 }
 

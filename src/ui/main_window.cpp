@@ -9,7 +9,7 @@
 #include <QVBoxLayout>
 
 #include "sequence/run_times.h"
-#include "ui/app_icon.h"
+#include "dialogs/app_icon.h"
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
 #include "ui/stat_bar.h"
