@@ -78,6 +78,7 @@ bool Session::OpenConnection() {
   wasOnline_ = false;
   if (commands_->OpenInstrumentInterface(&failed, &problem)) {
     state_.Connected = true;
+    state_.OutputInDoubt = true;
     return true;
   }
   state_.Online = 0;
@@ -94,10 +95,11 @@ void Session::Disconnect() {
   state_.Connected = false;
 }
 
-void Session::GoOffline() {
+void Session::GoOffline(bool lost) {
   Disconnect();
   state_.Online = 0;
   state_.OutputOn = false;
+  state_.OutputInDoubt = lost;
   state_.Lost = {};
   if (state_.OperationMode == OperationMode::Execution) {
     state_.OperationMode = OperationMode::Edit;
@@ -117,9 +119,10 @@ void Session::NoticeLostConnection() {
     oneLeft = oneLeft || !lost;
   }
   if (!oneLeft && Idle()) {
-    GoOffline();
+    GoOffline(true);
     wasOnline_ = true;
   } else if (state_.Lost != before) {
+    state_.OutputInDoubt = true;
     ports_.display.ConnectionChanged();
   }
 }

@@ -239,8 +239,7 @@ void MainWindow::RunButton(int index) {
     const bool edit = session_.State().OperationMode == OperationMode::Edit;
     ChangeMode(edit ? OperationMode::Execution : OperationMode::Edit);
   } else if (index == static_cast<int>(PanelButton::Output)) {
-    const bool off = session_.State().OutputOn || session_.State().MayStillRun;
-    RunItem(off ? Run::OutputOff : Run::OutputOn);
+    RunItem(OutputSwitchesOff(session_.State()) ? Run::OutputOff : Run::OutputOn);
   } else {
     RunItem(static_cast<Run>(index - 1));  // the others stand as in the menu
   }

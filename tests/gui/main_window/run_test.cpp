@@ -93,7 +93,7 @@ TEST(WindowRun, NothingCanBePressedDuringADownload) {
     rig.window->OpenPath(rig.folder.File("Corlune_Std.ini"));
     EXPECT_FALSE(rig.window->close());
     EXPECT_FALSE(rig.window->EndOfDesktopSession());
-    rig.session->Control().Button(0);
+    rig.session->Control().SetOperationMode(OperationMode::Execution);
   });
   rig.EnterExecution();
   rig.pump.OnEveryCall({});
