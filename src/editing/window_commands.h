@@ -56,6 +56,7 @@ enum class Command {
   AreaSettings,
   About,
   Shortcuts,
+  Notices,
   CommLog,
 };
 
