@@ -293,6 +293,7 @@ DownloadEnd Downloader::WaitAndQueryError(std::int32_t milliseconds) {
 
 DownloadEnd Downloader::TakeOver() {
   dialogues_.ClearStatus();
+  if (endRequested_) return DownloadEnd::Cancelled;
   if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), ":TRIG:COMP", 0))) {
     return DownloadEnd::NotSent;
   }

@@ -77,6 +77,8 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
     layout->addWidget(panel, i == Device ? 1 : 0);
   }
   rows->addWidget(bar);
+  // In the narrowest window the others need all the room; its tip says the same.
+  panels_[Device]->setMinimumWidth(1);
   notice_ = new NoticeBar(catalogue, bar);
   connect(notice_, &NoticeBar::Said, this, &StatBar::PlaceNotice);
   connect(notice_, &NoticeBar::ListWanted, this, &StatBar::NoticesWanted);
@@ -87,15 +89,13 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
 // The panel keeps its place whatever it says.
 void StatBar::ReserveOutputWidth() {
   QLabel* panel = panels_[Output];
-  QFont bold = panel->font();
-  bold.setBold(true);
   int widest = 0;
   for (const OutputState state :
        {OutputState::None, OutputState::Unknown, OutputState::Off, OutputState::On}) {
     const OutputWords words = WordsOf(state);
     const QString text =
         QString::fromUtf8(words.lamp) + QString::fromStdString(catalogue_.GetResString(words.text));
-    widest = std::max(widest, QFontMetrics(bold).horizontalAdvance(text));
+    widest = std::max(widest, panel->fontMetrics().horizontalAdvance(text));
   }
   panel->setMinimumWidth(widest + 2 * (kPanelMargin + panel->frameWidth()));
 }
@@ -117,9 +117,6 @@ void StatBar::ShowOutput(const AppState& state, const Color& onColor) {
   }
   panel->setPalette(colors);
   panel->setAutoFillBackground(marked);
-  QFont font = panel->font();
-  font.setBold(marked);
-  panel->setFont(font);
 }
 
 // Over the panels at the left. What the outputs do stays in sight, the times as long as there is room.

@@ -325,8 +325,18 @@ TEST(SeveralInstruments, StoppedWithoutAWarningMeansStopped) {
           break;
         case 4:
           if (!below(3)) rig.prompts.answers.push_back(PromptAnswer::Cancel);
-          rig.session->Control().SetOperationMode(
-              state.OperationMode == OperationMode::Edit ? OperationMode::Execution : OperationMode::Edit);
+          switch (const int button = below(6)) {
+            case 0:
+              rig.session->Control().SetOperationMode(state.OperationMode == OperationMode::Edit
+                                                          ? OperationMode::Execution
+                                                          : OperationMode::Edit);
+              break;
+            case 5:
+              rig.session->Control().MenuItem(OutputSwitchesOff(state) ? 5 : 4);
+              break;
+            default:
+              rig.session->Control().MenuItem(button - 1);
+          }
           break;
         case 5:
         case 6:
