@@ -20,7 +20,7 @@ namespace corlune {
 
 namespace {
 
-constexpr int kPanelMargin = 2;        // pixels
+constexpr int kPanelMargin = 1;        // pixels
 constexpr QColor kDoubt(255, 192, 0);  // amber, as the line that warns
 
 struct OutputWords {
@@ -35,11 +35,11 @@ OutputWords WordsOf(OutputState state) {
     case OutputState::None:
       break;
     case OutputState::Unknown:
-      return {"\u25D0 ", TextId::OutputUnknown, TextId::TipOutputUnknown};
+      return {"\u25D0\u200A", TextId::OutputUnknown, TextId::TipOutputUnknown};
     case OutputState::Off:
-      return {"\u25CB ", TextId::OutputIsOff, TextId::TipOutputIsOff};
+      return {"\u25CB\u200A", TextId::OutputIsOff, TextId::TipOutputIsOff};
     case OutputState::On:
-      return {"\u25CF ", TextId::OutputIsOn, TextId::TipOutputIsOn};
+      return {"\u25CF\u200A", TextId::OutputIsOn, TextId::TipOutputIsOn};
   }
   return {"", TextId::OutputNone, TextId::TipOutputNone};
 }
@@ -59,7 +59,7 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
   bar->setObjectName(QStringLiteral("StatusBar1"));
   auto* layout = new QHBoxLayout(bar);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(1);
+  layout->setSpacing(0);
   for (int i = 0; i < kPanels; ++i) {
     QLabel* panel = nullptr;
     if (i == Total) {
@@ -67,12 +67,13 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
     } else if (i == Elapsed) {
       panel = elapsed_ = new TimePanel(catalogue, TextId::ElapsedTime, bar);
     } else {
-      panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
+      panel = i == Device || i == Mode ? new ElidedLabel(bar) : new QLabel(bar);
     }
     panel->setObjectName(QStringLiteral("Panel%1").arg(i + 1));
     panel->setTextFormat(Qt::PlainText);
     panel->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
     panel->setMargin(kPanelMargin);
+    panel->setIndent(0);  // six of them have to fit into the narrowest window
     panels_[static_cast<std::size_t>(i)] = panel;
     layout->addWidget(panel, i == Device ? 1 : 0);
   }

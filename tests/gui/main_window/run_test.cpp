@@ -191,7 +191,7 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.Tick();
   EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
   EXPECT_EQ(Possible(rig), "0-2--5 EFC");
-  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0 Output: unknown");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Mode), "Edit mode");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Elapsed), "Elapsed time:00:00:00.0");
   const auto* warning = rig.window->findChild<QLabel*>("LabWarning");
@@ -203,7 +203,7 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.Key(Qt::Key_F8);
   EXPECT_EQ(rig.script.CountOf("0 < :OUTP1 OFF;:OUTP2 OFF"), 1);
   EXPECT_TRUE(warning->isVisible()) << "switched off, but not stopped";
-  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25CB Output: OFF");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25CB\u200AOutput: OFF");
   rig.Key(Qt::Key_F5, Qt::ShiftModifier);
   EXPECT_EQ(rig.script.CountOf("0 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_FALSE(warning->isVisible());
@@ -235,7 +235,7 @@ TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {
     EXPECT_FALSE(rig.window->findChild<QPushButton*>("CmdRead")->isEnabled());
     // A start that was not answered may have been taken.
     EXPECT_EQ(Possible(rig), download ? "0----5 EFC" : "0-2--5 EFC");
-    EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0 Output: unknown");
+    EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
     EXPECT_FALSE(rig.session->State().Connected);
   }
 }
