@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 
 #include "core/numbers.h"
@@ -72,15 +71,6 @@ std::string CommonText(const ModelDefinition& definition, const SequenceData& se
   return list.Texts.empty() ? IntegerText(value) : ChoiceText(list, value);
 }
 
-// Relative luminance of an sRGB colour, 0 black to 1 white.
-double Luminance(Color color) {
-  const auto linear = [](std::uint8_t part) {
-    const double value = part / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(color.Red) + 0.7152 * linear(color.Green) + 0.0722 * linear(color.Blue);
-}
-
 }  // namespace
 
 GridViews::GridViews(const AppState& state, const ModelDefinition& definition, const SequenceData& sequence,
@@ -89,7 +79,8 @@ GridViews::GridViews(const AppState& state, const ModelDefinition& definition, c
       definition_(definition),
       sequence_(sequence),
       catalogue_(catalogue),
-      colors_(JumpColorSet(sequence, definition)) {}
+      colors_(JumpColorSet(sequence, definition)),
+      loops_(sequence) {}
 
 int GridViews::MaxSteps() const {
   return std::clamp<int>(definition_.Common.MaxSteps, 0, MAX_STEPS);
@@ -276,15 +267,15 @@ std::optional<GridRow> GridViews::Highlight(std::optional<GridRow> row) {
 
 bool GridViews::RefreshRowColors() {
   const RowColors colors = JumpColorSet(sequence_, definition_);
-  if (colors == colors_) return false;
+  LoopBrackets loops(sequence_);
+  if (colors == colors_ && loops == loops_) return false;
   colors_ = colors;
+  loops_ = std::move(loops);
   return true;
 }
 
-Color TextColorOn(Color background) {
-  // The luminance whose contrast to black and to white is the same.
-  constexpr double kEqualContrast = 0.179;
-  return Luminance(background) > kEqualContrast ? Color{0, 0, 0} : Color{0xFF, 0xFF, 0xFF};
+std::string GridViews::LoopText(GridRow row) const {
+  return loops_.Text(IndexOf(row).value, sequence_.StartStep, catalogue_);
 }
 
 }  // namespace corlune
