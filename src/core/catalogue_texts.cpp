@@ -498,7 +498,7 @@ CatalogueText TextOf(TextId id) {
 
     // Added texts: why nothing happens.
     case BranchWithoutTarget: return {"No branch: the step has no branch step for branch channel $1.", "ブランチできません。このステップには、ブランチチャネル$1のブランチステップが設定されていません。"};
-    case CellNotInUse: return {"Nothing can be entered here: the step does not use this parameter.", "このステップでは使用しないパラメタのため、入力できません。"};
+    case NothingToEnter: return {"Nothing can be entered here: the step does not use this parameter.", "このステップでは使用しないパラメタのため、入力できません。"};
   }
   // clang-format on
   return {};

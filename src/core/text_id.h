@@ -529,7 +529,7 @@ enum class TextId : int {
 
   // Why nothing happens.
   BranchWithoutTarget = 9830,
-  CellNotInUse = 9831,
+  NothingToEnter = 9831,
 };
 
 // Texts that exist only once, the same in both languages.

@@ -189,7 +189,7 @@ bool CellEntry::Type(QKeyEvent& event, const CellPlace& current) {
 void CellEntry::TellNotInUse(const CellPlace& place) {
   const GridViews& views = editor_.Views();
   if (views.Cell(place).Text == kNotInUseText) {
-    emit NoticeGiven(views.Catalogue().GetResString(TextId::CellNotInUse));
+    emit NoticeGiven(views.Catalogue().GetResString(TextId::NothingToEnter));
   }
 }
 
