@@ -248,6 +248,13 @@ enum class TextId : int {
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
 
+  // Where the sequence view stands.
+  MenuViewBelow = 7804,
+  MenuViewBeside = 7805,
+  MenuViewFloat = 7806,
+  MenuViewClose = 7807,
+  MenuViewSwitch = 7808,
+
   // Execution panel: the buttons in their order, then the fields.
   ButtonChangeMode = 8000,
   ButtonStart = 8001,

@@ -6,7 +6,6 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QScreen>
 #include <QUrl>
 
 #include "comm/init_options.h"
@@ -15,11 +14,11 @@
 #include "dialogs/frm_comm_log.h"
 #include "dialogs/frm_shortcuts.h"
 #include "sequence/sequence_file.h"
-#include "ui/form_style.h"
 #include "ui/grid_keys.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
 #include "ui/stat_bar.h"
+#include "view/command_menu.h"
 #include "view/frm_preview.h"
 #include "view/run_fields.h"
 #include "view/window_focus.h"
@@ -169,49 +168,13 @@ FrmPreview& MainWindow::NeedPreview() {
       RefreshControls();
       return session_.Sequence().ViewAreas == areas;
     };
-    handlers.closed = [this] {
-      if (!closed_) RefreshControls();
-    };
+    handlers.closed = [this] { PreviewClosed(); };
     preview_ = std::make_unique<FrmPreview>(session_.State(), session_.Definition(), session_.Sequence(),
                                             session_.Catalogue(), std::move(handlers));
     preview_->setWindowIcon(windowIcon());
+    focus_->Watch(preview_->DisplayMenu());
   }
   return *preview_;
-}
-
-void MainWindow::ClosePreview() {
-  if (preview_) preview_->close();
-}
-
-void MainWindow::ViewCommand(Command command) {
-  Perform([&] {
-    if (command == Command::EditWindow) {
-      FormStyleNomal();
-      activateWindow();
-      return;
-    }
-    const bool shown = session_.State().SequenceViewShown;
-    FrmPreview& preview = NeedPreview();
-    if (command == Command::TileVertically) {
-      FormStyleAlign();
-      // Beside the frame of this window, as far as the screen reaches. Before it is shown, so that the window
-      // manager counts its frame in.
-      const QRect area = screen()->availableGeometry();
-      const int left = x() + TwipsToPixels(kAlignedStyle.Window, this) + frameGeometry().width() - width();
-      const int frame = frameGeometry().width() - width();
-      preview.move(left, y());
-      preview.resize(std::max(preview.minimumSizeHint().width(), area.right() + 1 - left - frame), height());
-    }
-    preview.showNormal();
-    ShowFields();
-    preview.ShowStates(states_);
-    preview.ShowElapsedTime(session_.State().ElapsedTime);
-    preview.PicDisp();
-    // A run that began without the view is followed from now on, a held one when it goes on.
-    if (!shown && session_.State().RunState != RunState::Stopped) preview.MeasureStart();
-    preview.raise();
-    preview.activateWindow();
-  });
 }
 
 void MainWindow::ChangeMode(OperationMode mode) {
