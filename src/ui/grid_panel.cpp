@@ -13,6 +13,7 @@
 #include <QVBoxLayout>
 
 #include "core/files.h"
+#include "editing/color_theme.h"
 #include "ui/channel_tabs.h"
 #include "ui/form_style.h"
 #include "ui/grid_control.h"
