@@ -6,6 +6,12 @@
 
 namespace corlune {
 
+namespace {
+
+constexpr int kRowGap = 4;  // pixels between two rows, at most
+
+}  // namespace
+
 FlowLayout::FlowLayout(QWidget* parent, int spacing, Items items) : QLayout(parent), kind_(items) {
   setContentsMargins(0, 0, 0, 0);
   setSpacing(spacing);
@@ -95,7 +101,7 @@ int FlowLayout::Place(const QRect& rect, bool apply) const {
     if (!row.empty() && x + size.width() > rect.x() + rect.width()) {
       finishRow();
       x = rect.x();
-      y += rowHeight + spacing();
+      y += rowHeight + std::min(spacing(), kRowGap);
       rowHeight = 0;
     }
     row.push_back(item.get());
