@@ -25,11 +25,10 @@ namespace corlune {
 
 namespace {
 
-constexpr int kSpacing = 4;         // pixels between the controls
-constexpr int kRowAddBelow = 550;   // twips from the top of the last step row to CmdRowAdd
-constexpr int kRowAddRows = 12;     // from this number of rows on CmdRowAdd stays where it is
-constexpr int kWindowSides = 16;    // pixels by which the window is wider than the panel
-constexpr int kSideBySide = 22200;  // twips of the panel from which the channels stand side by side
+constexpr int kSpacing = 4;        // pixels between the controls
+constexpr int kRowAddBelow = 550;  // twips from the top of the last step row to CmdRowAdd
+constexpr int kRowAddRows = 12;    // from this number of rows on CmdRowAdd stays where it is
+constexpr int kWindowSides = 16;   // pixels by which the window is wider than the panel
 
 }  // namespace
 
@@ -217,7 +216,7 @@ void GridPanel::Impl::FitWidths() {
   side_->setFixedWidth(std::clamp(side, 1, std::max(side_->WidthOfTexts(), 1)));
   panel_.layout()->setContentsMargins(0, 0, std::max(width - tab, 0), 0);
   tables_.Tabs->SetMargin(std::max(tab - inPixels(style.ChannelGrid), 0));
-  const bool sideBySide = width >= inPixels(kSideBySide) && editor_.Views().ChannelGrids() > 1;
+  const bool sideBySide = window >= kSideBySideWindow && editor_.Views().ChannelGrids() > 1;
   if (sideBySide != tables_.Tabs->SideBySide()) {
     control_->Rearrange([&] { tables_.Tabs->ShowSideBySide(sideBySide); });
   }

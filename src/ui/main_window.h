@@ -159,6 +159,7 @@ class MainWindow : public QMainWindow {
   // Moves the view there; it is still to be shown.
   void PlacePreview(ViewPlace place);
   FrmPreview& ShowPreview(ViewPlace place);
+  bool PreviewOpen() const;
   void FloatPreview();
   void ClosePreview();
   void PreviewClosed();

@@ -27,7 +27,6 @@ constexpr int kFrameLooks = 10;               // times that the frame is looked 
 constexpr int kFrameInterval = 50;            // ms
 constexpr int kBeside = 20;                   // pixels around grids and controls, at most
 constexpr int kMostRows = 30;                 // in each grid at the first start
-constexpr int kSideBySideWindow = 22500;      // twips
 constexpr int kGridsShare = 600;              // beside a view docked the first time, permille
 constexpr int kMostShare = 999;
 constexpr const char* kGridShare = "Layout/Grids";
@@ -99,6 +98,7 @@ void MainWindow::ShowAtPlace() {
   move(placed.topLeft());
   if (settings_.Number(kShown, 1, 1) && viewPlace_ != ViewPlace::Floating) {
     ShowPreview(viewPlace_);
+    RefreshControls();
   }
   if (place && place->maximized) {
     showMaximized();
@@ -175,6 +175,10 @@ void MainWindow::KeepShare() const {
   }
 }
 
+bool MainWindow::PreviewOpen() const {
+  return preview_ && !preview_->isHidden();
+}
+
 void MainWindow::ClosePreview() {
   if (preview_) preview_->close();
 }
@@ -190,7 +194,7 @@ void MainWindow::PreviewClosed() {
 // A docked view has no menu bar of its own.
 void MainWindow::ShowDisplayMenu() {
   QAction* menu = preview_->DisplayMenu().menuAction();
-  if (preview_->Docked() && session_.State().SequenceViewShown) {
+  if (preview_->Docked() && PreviewOpen()) {
     menuBar()->insertAction(MenuOf(MenuPlace::Help).menuAction(), menu);
   } else {
     menuBar()->removeAction(menu);
@@ -256,7 +260,7 @@ void MainWindow::FloatPreview() {
 }
 
 void MainWindow::SwitchPane() {
-  if (!preview_ || !session_.State().SequenceViewShown) return;
+  if (!PreviewOpen()) return;
   if (!preview_->Docked()) {
     QWidget& other = preview_->isActiveWindow() ? static_cast<QWidget&>(*this) : *preview_;
     other.raise();

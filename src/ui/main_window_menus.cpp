@@ -41,7 +41,7 @@ void MainWindow::ShowMenuStates() {
   }
   MenuOf(MenuPlace::Edit).ShowUndoNames(editor_);
   for (const Command command : {Command::ViewClose, Command::ViewSwitch}) {
-    MenuOf(MenuPlace::View).Item(command)->setEnabled(session_.State().SequenceViewShown);
+    MenuOf(MenuPlace::View).Item(command)->setEnabled(PreviewOpen());
   }
   recentMenu_->setEnabled(!recentFiles_.isEmpty() && StateOf(RowOf(Command::Open), states_).Enabled);
 }

@@ -385,6 +385,8 @@ TEST(WindowLayout, IsRememberedAsItWasLeft) {
   EXPECT_EQ(split("SplitGrids")->Share(), 450);
   EXPECT_EQ(split("SplitView")->orientation(), Qt::Horizontal);
   EXPECT_EQ(split("SplitView")->sizes(), shares);
+  EXPECT_TRUE(rig.Item("mnuViewClose")->isEnabled());
+  EXPECT_THAT(Shown(rig.window->menuBar()->actions()), ::testing::Contains("Display(&D)"));
 
   rig.Item("mnuViewItem_2")->trigger();
   rig.Settle();
