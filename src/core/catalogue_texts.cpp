@@ -323,6 +323,11 @@ CatalogueText TextOf(TextId id) {
     case KeyNextOption: return {"Next option of the cell", "セルの選択肢を切り換える"};
     case KeyNextGrid: return {"Next, previous grid", "次／前の表へ"};
     case KeyLeaveGrids: return {"Leave the grids", "表から出る"};
+    case MenuViewBelow: return {"Sequence view below the grids(&B)", "シーケンスビューを表の下に配置(&B)"};
+    case MenuViewBeside: return {"Sequence view beside the grids(&S)", "シーケンスビューを表の右に配置(&S)"};
+    case MenuViewFloat: return {"Sequence view in its own window(&F)", "シーケンスビューを別画面で表示(&F)"};
+    case MenuViewClose: return {"Close sequence view(&C)", "シーケンスビューを閉じる(&C)"};
+    case MenuViewSwitch: return {"Between grids and sequence view(&G)", "表とシーケンスビューの切換(&G)"};
     case LoopSignTimes: return {"x$1", "$1回"};
     case LoopSignEndless: return {"∞", "∞"};
     case ViewStepName: return {"Step $1", "ステップ$1"};

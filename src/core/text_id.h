@@ -248,6 +248,13 @@ enum class TextId : int {
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
 
+  // Where the sequence view stands.
+  MenuViewBelow = 7804,
+  MenuViewBeside = 7805,
+  MenuViewFloat = 7806,
+  MenuViewClose = 7807,
+  MenuViewSwitch = 7808,
+
   // Steps of the sequence view: the signs of the loops above them, what reads them out, their keys.
   LoopSignTimes = 7820,
   LoopSignEndless = 7821,

@@ -6,7 +6,8 @@
 
 #include <QItemSelectionModel>
 #include <QScrollBar>
-#include <QTabWidget>
+
+#include "ui/channel_tabs.h"
 
 namespace corlune {
 

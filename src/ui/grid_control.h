@@ -2,6 +2,7 @@
 // entries (CellEntry) and into commands, and brings the views up to date afterwards.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include <QObject>
@@ -38,6 +39,8 @@ class GridControl : public QObject {
   void ScrollTo(GridRow top) { cursor_.ScrollTo(top); }
   // Gives the focus to the current cell, with its editor where it can be edited.
   void FocusCell();
+  // Moves tables about: the cursor, an open editor with what is typed in it and the focus stay.
+  void Rearrange(const std::function<void()>& change);
   // Sizes of rows, header and columns anew, for another font or screen.
   void LayOut();
 

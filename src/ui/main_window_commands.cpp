@@ -6,7 +6,6 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QScreen>
 #include <QUrl>
 
 #include "comm/init_options.h"
@@ -16,7 +15,6 @@
 #include "dialogs/frm_notices.h"
 #include "dialogs/frm_shortcuts.h"
 #include "sequence/sequence_file.h"
-#include "ui/form_style.h"
 #include "ui/grid_keys.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
@@ -182,12 +180,11 @@ FrmPreview& MainWindow::NeedPreview() {
       return session_.Sequence().ViewAreas == areas;
     };
     handlers.graphs = HandlersOfGraphs();
-    handlers.closed = [this] {
-      if (!closed_) RefreshControls();
-    };
+    handlers.closed = [this] { PreviewClosed(); };
     preview_ = std::make_unique<FrmPreview>(session_.State(), session_.Definition(), session_.Sequence(),
                                             session_.Catalogue(), std::move(handlers));
     preview_->setWindowIcon(windowIcon());
+    focus_->Watch(preview_->DisplayMenu());
   }
   return *preview_;
 }
@@ -213,47 +210,11 @@ GraphHandlers MainWindow::HandlersOfGraphs() {
   return handlers;
 }
 
-void MainWindow::ClosePreview() {
-  if (preview_) preview_->close();
-}
-
 void MainWindow::SwitchSignal() {
   const bool shown = signal_->isHidden();
   signal_->setVisible(shown);
   MenuOf(MenuPlace::View).Item(Command::SignalStrip)->setChecked(shown);
   settings_.WriteSignalShown(shown);
-}
-
-void MainWindow::ViewCommand(Command command) {
-  if (command == Command::SignalStrip) return Perform([this] { SwitchSignal(); });
-  Perform([&] {
-    if (command == Command::EditWindow) {
-      FormStyleNomal();
-      activateWindow();
-      return;
-    }
-    const bool shown = session_.State().SequenceViewShown;
-    FrmPreview& preview = NeedPreview();
-    if (command == Command::TileVertically) {
-      FormStyleAlign();
-      // Beside the frame of this window, as far as the screen reaches. Before it is shown, so that the window
-      // manager counts its frame in.
-      const QRect area = screen()->availableGeometry();
-      const int left = x() + TwipsToPixels(kAlignedStyle.Window, this) + frameGeometry().width() - width();
-      const int frame = frameGeometry().width() - width();
-      preview.move(left, y());
-      preview.resize(std::max(preview.minimumSizeHint().width(), area.right() + 1 - left - frame), height());
-    }
-    preview.showNormal();
-    ShowFields();
-    ShowViewStates();
-    preview.ShowElapsedTime(session_.State().ElapsedTime);
-    preview.PicDisp();
-    // A run that began without the view is followed from now on, a held one when it goes on.
-    if (!shown && session_.State().RunState != RunState::Stopped) preview.MeasureStart();
-    preview.raise();
-    preview.activateWindow();
-  });
 }
 
 void MainWindow::ChangeMode(OperationMode mode) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include <QAction>
 #include <QCloseEvent>
@@ -67,6 +68,7 @@ class FrmPreview::Impl {
 
   CommandMenu* runMenu = nullptr;
   CommandMenu* display = nullptr;
+  std::vector<QAction*> windowKeys;  // of the main window's view menu
   RunButtons* buttons = nullptr;
   RunFields* fields = nullptr;
   AreaSettings* settings = nullptr;
@@ -95,6 +97,16 @@ void FrmPreview::Impl::BuildMenus() {
   QAction* areas = display->Item(Command::AreaSettings);
   areas->setCheckable(true);
   areas->setChecked(true);
+  for (const CommandRow& row : WindowCommands()) {
+    if (row.menu != MenuPlace::View) continue;
+    auto* action = new QAction(&form);
+    form.addAction(action);
+    action->setShortcuts(KeysOf(row));
+    QObject::connect(action, &QAction::triggered, &form, [this, command = row.id] {
+      if (handlers.command) handlers.command(command);
+    });
+    windowKeys.push_back(action);
+  }
 }
 
 void FrmPreview::Impl::Do(Command command) {
@@ -239,20 +251,38 @@ void FrmPreview::MeasureEnd() {
   impl_->FollowRun();
 }
 
-void FrmPreview::FormStyleNomal(const QRect& screen) {
-  if (isMinimized()) showNormal();
-  const QSize edges = frameGeometry().size() - size();
+void FrmPreview::Dock(QWidget* pane) {
+  setParent(pane, pane != nullptr ? Qt::Widget : Qt::Window);
+  const bool alone = pane == nullptr;
+  menuBar()->setVisible(alone);
+  statusBar()->setVisible(alone);
+  impl_->buttons->setVisible(alone);
+  impl_->fields->setVisible(alone);
+  for (QAction* action : impl_->windowKeys) action->setEnabled(alone);
+}
+
+CommandMenu& FrmPreview::DisplayMenu() const {
+  return *impl_->display;
+}
+
+void FrmPreview::FocusPicture() {
+  impl_->canvas->setFocus(Qt::OtherFocusReason);
+}
+
+void FrmPreview::FormStyleNomal(const QRect& screen, const QSize& frame) {
+  if (isMinimized() || isMaximized()) showNormal();
+  const QSize edges = (frameGeometry().size() - size()).expandedTo(frame);
   const QSize wanted = kNormalSize.boundedTo(screen.size() - edges).expandedTo(minimumSizeHint());
   resize(wanted);
   const QSize free = screen.size() - wanted - edges;
   move(screen.x() + free.width() / 2, screen.y() + free.height() / 2);
 }
 
-void FrmPreview::FormStyleAlign(const QRect& leftWindow) {
-  if (isMinimized()) showNormal();
+void FrmPreview::FormStyleAlign(const QRect& leftWindow, const QSize& frame) {
+  if (isMinimized() || isMaximized()) showNormal();
   const QScreen* on = QGuiApplication::screenAt(leftWindow.center());
   const QRect area = (on ? on : screen())->availableGeometry();
-  const QSize edges = frameGeometry().size() - size();
+  const QSize edges = (frameGeometry().size() - size()).expandedTo(frame);
   const int left = leftWindow.right() + 1;
   const QSize free(area.right() + 1 - left, leftWindow.height());
   const QSize wanted = (free - edges).expandedTo(minimumSizeHint());
@@ -288,7 +318,7 @@ bool FrmPreview::EnterFields(EntryEnd end) {
 }
 
 void FrmPreview::ReturnFocus() {
-  impl_->focus->Return();
+  if (!Docked()) impl_->focus->Return();
 }
 
 void FrmPreview::ShowTotalTime(double milliseconds) {
@@ -303,7 +333,7 @@ void FrmPreview::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
   if (event->spontaneous()) return;
   impl_->state.SequenceViewShown = true;
-  impl_->canvas->setFocus();
+  if (!Docked()) impl_->canvas->setFocus();
 }
 
 void FrmPreview::closeEvent(QCloseEvent* event) {

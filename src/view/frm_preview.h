@@ -20,6 +20,8 @@
 
 namespace corlune {
 
+class CommandMenu;
+
 // What the view asks of the main window; every press forwards to the same handlers as the main window's.
 struct PreviewHandlers {
   std::function<void(int)> runButton;    // CmdBtn1 index 0..5
@@ -53,8 +55,18 @@ class FrmPreview : public QMainWindow {
 
   // Layout of the window alone, on a screen's available area, and tiled to the right of the main window,
   // whose frame is `leftWindow`. Both restore a minimised window; neither shows a hidden one.
-  void FormStyleNomal(const QRect& screen);
-  void FormStyleAlign(const QRect& leftWindow);
+  // `frame`: width and height that the frame adds, as far as this window does not know them before it is
+  // shown.
+  void FormStyleNomal(const QRect& screen, const QSize& frame = {});
+  void FormStyleAlign(const QRect& leftWindow, const QSize& frame = {});
+
+  // Inside another window, as a child of `pane`: only the picture with its choices, without menu, buttons,
+  // fields and status bar. Or, without a pane, a window again. Hidden either way until it is shown.
+  void Dock(QWidget* pane);
+  bool Docked() const { return !isWindow(); }
+  // The commands of the picture, for the window that it is docked in.
+  CommandMenu& DisplayMenu() const;
+  void FocusPicture();
 
   // Also redraws: what the controls follow may have changed the sequence.
   void ShowStates(const ControlStates& states);
