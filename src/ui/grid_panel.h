@@ -50,6 +50,10 @@ class GridPanel : public QWidget {
   void ScrollTo(GridRow top);
   // Selects the first cell of the common area and opens its editor (Timer2 after loading).
   void SelectFirstCell();
+  // Makes the row of a step (or a cell) the current one, as the sequence view asks. What is being typed must
+  // have been stored; the focus stays where it is.
+  void SelectRow(GridRow row);
+  void SelectCell(const CellPlace& place);
   // Reduces the selections to the current cell (execution mode).
   void ReduceSelection();
 

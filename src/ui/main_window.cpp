@@ -100,7 +100,7 @@ void MainWindow::RefreshControls() {
     read_->setEnabled(states_.Read.Enabled);
     grids_->ShowStates(states_);
   });
-  if (preview_ && session_.State().SequenceViewShown) preview_->ShowStates(states_);
+  ShowViewStates();
   statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceTip()});
   // On a copy: the run times of the steps belong to what was sent last.
   ShowTotalTime(
@@ -116,6 +116,13 @@ void MainWindow::ShowSignal() {
   const int step = running ? state.CurrentStep : IndexOf(GridRow{editor_.Cursor().CurrentRow}).value;
   signal_->Show(BuildSignalSubject(session_.Sequence(), session_.Definition(), session_.Catalogue(),
                                    {EditedChannels(state), step, running, WaveformFolder(state)}));
+}
+
+void MainWindow::ShowViewStates() {
+  if (!preview_ || !session_.State().SequenceViewShown) return;
+  const bool steps = session_.Sequence().StepCount > 0;
+  preview_->ShowSelectedStep(steps ? std::optional(editor_.Cursor().CurrentRow - 1) : std::nullopt);
+  preview_->ShowStates(states_);
 }
 
 void MainWindow::RefreshCaption() {

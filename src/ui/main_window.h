@@ -30,6 +30,7 @@ namespace corlune {
 
 class CommandMenu;
 class FrmPreview;
+struct GraphHandlers;
 class GridPanel;
 class RunButtons;
 class RunFields;
@@ -105,6 +106,8 @@ class MainWindow : public QMainWindow {
   CommandMenu& MenuOf(MenuPlace place) const { return *menus_[static_cast<std::size_t>(place)]; }
   void ShowMenuStates();
   void ShowRecentFiles();
+  void MarkColors(WindowColors colors);
+  void ChooseColors(WindowColors colors);
   void RememberRecent();
 
   // main_window_fields.cpp
@@ -141,9 +144,11 @@ class MainWindow : public QMainWindow {
   std::string DeviceTip() const;
   bool CanOpenNow() const;
   FrmPreview& NeedPreview();
+  GraphHandlers HandlersOfGraphs();
   void ClosePreview();
 
   // main_window.cpp
+  void ShowViewStates();
   void PlaceInitially();
   void AdaptWidths();
   void FinishClosing();

@@ -85,6 +85,12 @@ void MainWindow::Do(Command command) {
       return ChangeMode(OperationMode::Edit);
     case Command::ExecutionMode:
       return ChangeMode(OperationMode::Execution);
+    case Command::ColorsDesktop:
+      return ChooseColors(WindowColors::Desktop);
+    case Command::ColorsLight:
+      return ChooseColors(WindowColors::Light);
+    case Command::ColorsDark:
+      return ChooseColors(WindowColors::Dark);
     case Command::About:
       return ShowAbout();
     case Command::Shortcuts:
@@ -171,6 +177,7 @@ FrmPreview& MainWindow::NeedPreview() {
       RefreshControls();
       return session_.Sequence().ViewAreas == areas;
     };
+    handlers.graphs = HandlersOfGraphs();
     handlers.closed = [this] {
       if (!closed_) RefreshControls();
     };
@@ -179,6 +186,27 @@ FrmPreview& MainWindow::NeedPreview() {
     preview_->setWindowIcon(windowIcon());
   }
   return *preview_;
+}
+
+// The graphs of the view are a third grid: what is selected or dragged there goes the way of a press or an
+// entry in a cell.
+GraphHandlers MainWindow::HandlersOfGraphs() {
+  GraphHandlers handlers;
+  handlers.selectStep = [this](int step) {
+    if (!CommitEntries()) return false;
+    grids_->SelectRow(RowOf(StepIndex{step}));
+    return true;
+  };
+  handlers.goToCell = [this] {
+    if (preview_->isActiveWindow()) BringForward(*this);
+    grids_->FocusCell();
+  };
+  handlers.enterValue = [this](const CellPlace& place, const std::string& text) {
+    if (!CommitEntries() || !states_.EditCells) return;
+    grids_->SelectCell(place);
+    grids_->Apply(editor_.EnterText(place, text));
+  };
+  return handlers;
 }
 
 void MainWindow::ClosePreview() {
@@ -214,7 +242,7 @@ void MainWindow::ViewCommand(Command command) {
     }
     preview.showNormal();
     ShowFields();
-    preview.ShowStates(states_);
+    ShowViewStates();
     preview.ShowElapsedTime(session_.State().ElapsedTime);
     preview.PicDisp();
     // A run that began without the view is followed from now on, a held one when it goes on.
@@ -298,7 +326,12 @@ void MainWindow::ShowAbout() {
 }
 
 void MainWindow::ShowShortcuts() {
-  Perform([&] { FrmShortcuts(session_.Catalogue(), CellKeyLines(session_.Catalogue()), this).exec(); });
+  const MessageCatalogue& texts = session_.Catalogue();
+  Perform([&] {
+    FrmShortcuts(
+        texts, {{TextId::KeysOfGrids, CellKeyLines(texts)}, {TextId::KeysOfView, GraphKeyLines(texts)}}, this)
+        .exec();
+  });
 }
 
 std::string MainWindow::CommLogPath() const {

@@ -11,6 +11,7 @@ namespace corlune {
 namespace {
 constexpr const char* kFileName = "CorluneWindow.ini";
 constexpr const char* kSignalKey = "Window/Signal";
+constexpr const char* kColorsKey = "Window/Colors";
 // Beyond every real desktop; a value outside is damage.
 constexpr int kFarthest = 32768;
 }  // namespace
@@ -33,6 +34,13 @@ std::optional<WindowPlace> WindowSettings::Place() const {
   if (!left || !top || !width || !height) return std::nullopt;
   return WindowPlace{QRect(*left, *top, *width, *height),
                      settings.value(QStringLiteral("Window/Maximized")).toBool()};
+}
+
+std::optional<int> WindowSettings::Number(const char* key, int least, int most) const {
+  bool isNumber = false;
+  const int value = QSettings(path_, QSettings::IniFormat).value(QString::fromUtf8(key)).toInt(&isNumber);
+  if (!isNumber || value < least || value > most) return std::nullopt;
+  return value;
 }
 
 QStringList WindowSettings::RecentFiles() const {
@@ -62,6 +70,23 @@ void WindowSettings::Write(const std::optional<WindowPlace>& place, const QStrin
     settings.setValue(QStringLiteral("Window/Maximized"), place->maximized);
   }
   settings.setValue(QStringLiteral("Recent/Files"), recentFiles);
+}
+
+void WindowSettings::WriteNumber(const char* key, std::optional<int> number) const {
+  QSettings settings(path_, QSettings::IniFormat);
+  if (number) {
+    settings.setValue(QString::fromUtf8(key), *number);
+  } else {
+    settings.remove(QString::fromUtf8(key));
+  }
+}
+
+WindowColors WindowSettings::Colors() const {
+  return static_cast<WindowColors>(Number(kColorsKey, 0, kWindowColors - 1).value_or(0));
+}
+
+void WindowSettings::WriteColors(WindowColors colors) const {
+  WriteNumber(kColorsKey, static_cast<int>(colors));
 }
 
 QStringList WithRecentFile(QStringList files, const QString& path) {

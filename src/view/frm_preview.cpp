@@ -22,7 +22,6 @@
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
 #include "view/time_panel.h"
-#include "view/to_qcolor.h"
 #include "view/warning_line.h"
 #include "view/window_focus.h"
 
@@ -52,6 +51,7 @@ class FrmPreview::Impl {
   void Do(Command command);
   QWidget* BuildContent();
   void BuildStatusBar();
+  GraphPicture PictureOf(const SequenceData& shown) const;
   void Draw();
   void FollowRun();
   bool StepUnderWay() const {
@@ -71,6 +71,8 @@ class FrmPreview::Impl {
   RunFields* fields = nullptr;
   AreaSettings* settings = nullptr;
   GraphCanvas* canvas = nullptr;
+  std::unique_ptr<GraphHand> hand;
+  std::optional<int> selected;
   TimePanel* total = nullptr;
   TimePanel* elapsed = nullptr;
   WarningLine* warning = nullptr;
@@ -131,10 +133,16 @@ QWidget* FrmPreview::Impl::BuildContent() {
                               content);
   settings->setObjectName(QStringLiteral("AreaSettings"));
   canvas = new GraphCanvas(
-      [this](std::size_t area, int step) {
-        return GraphTip(sequence, definition, catalogue, canvas->Picture(), area, step);
-      },
+      GraphTexts{
+          [this](std::size_t area, int step) {
+            return GraphTip(sequence, definition, catalogue, canvas->Picture(), area, step);
+          },
+          [this](const LoopBracket& bracket) { return LoopTipText(catalogue, canvas->Picture(), bracket); },
+          [this](const std::string& label) { return catalogue.GetResString(TextId::ViewStepName, {label}); },
+          catalogue.GetResString(TextId::CellRunning)},
       content);
+  hand = std::make_unique<GraphHand>(*canvas, state, definition, sequence, catalogue, handlers.graphs,
+                                     [this](const SequenceData& shown) { return PictureOf(shown); });
   canvas->setObjectName(QStringLiteral("PicView"));
   canvas->setAccessibleName(Text(TextId::GraphsName));
   rows->addWidget(buttons);
@@ -159,24 +167,32 @@ void FrmPreview::Impl::BuildStatusBar() {
   bar->addWidget(warning, 1);
 }
 
-void FrmPreview::Impl::Draw() {
-  const int channels = EditedChannels(state);
+GraphPicture FrmPreview::Impl::PictureOf(const SequenceData& shown) const {
   // Run times are those of the last download; while the sequence is edited only the entered ones are true.
   const StepLength length =
       state.OperationMode == OperationMode::Execution ? StepLength::RunTime : StepLength::Entered;
-  GraphPicture picture = BuildGraphPicture(sequence, definition, catalogue, {channels, axis, length});
+  GraphPicture picture =
+      BuildGraphPicture(shown, definition, catalogue, {EditedChannels(state), axis, length});
   if (picture.Note.empty() && picture.Areas.empty()) {
     picture.Note = catalogue.GetResString(TextId::GraphAllAreasOff);
   }
-  canvas->ShowPicture(std::move(picture));
+  return picture;
+}
+
+void FrmPreview::Impl::Draw() {
+  const int channels = EditedChannels(state);
+  // Whatever is drawn anew may have changed what a drag began with.
+  hand->Cancel();
+  canvas->ShowPicture(PictureOf(sequence));
+  canvas->ShowSelectedStep(selected);
   settings->ShowAreas(definition, AreasInEffect(sequence, definition, channels), axis);
 }
 
 void FrmPreview::Impl::FollowRun() {
   const bool shown = measuring && StepUnderWay();
   canvas->ShowCurrentStep(shown ? std::optional<int>(state.CurrentStep) : std::nullopt,
-                          ToQColor(definition.CurrentStep));
-  if (!shown) canvas->ShowMarker(std::nullopt, ToQColor(definition.Indicator));
+                          definition.CurrentStep);
+  if (!shown) canvas->ShowMarker(std::nullopt, definition.Indicator);
 }
 
 FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const SequenceData& sequence,
@@ -209,7 +225,7 @@ void FrmPreview::MoveShape(std::uint32_t tick) {
   impl_->FollowRun();
   const auto position = MarkerPosition(impl_->canvas->Picture().Spans, impl_->state.CurrentStep,
                                        impl_->state.StepChangedAt, tick);
-  impl_->canvas->ShowMarker(position, ToQColor(impl_->definition.Indicator));
+  impl_->canvas->ShowMarker(position, impl_->definition.Indicator);
 }
 
 void FrmPreview::MeasureStart() {
@@ -252,8 +268,14 @@ void FrmPreview::ShowStates(const ControlStates& states) {
     impl_->fields->ShowStates(states);
     impl_->runMenu->ShowStates(states);
   });
+  impl_->hand->AllowEntries(states.EditCells);
   impl_->warning->ShowState(impl_->state);
   PicDisp();
+}
+
+void FrmPreview::ShowSelectedStep(std::optional<int> step) {
+  impl_->selected = step;
+  impl_->canvas->ShowSelectedStep(step);
 }
 
 void FrmPreview::ShowFields(const std::string& sequenceNumber, const std::string& startStep,

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <QMainWindow>
@@ -15,6 +16,7 @@
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 #include "view/entry_field.h"
+#include "view/graph_hand.h"
 
 namespace corlune {
 
@@ -29,6 +31,7 @@ struct PreviewHandlers {
   // View areas as chosen in the view, to be stored in the sequence; false: refused. Without it the areas are
   // shown as they are and cannot be chosen.
   std::function<bool(const decltype(SequenceData::ViewAreas)&)> enterViewAreas = {};
+  GraphHandlers graphs = {};
 };
 
 class FrmPreview : public QMainWindow {
@@ -55,6 +58,8 @@ class FrmPreview : public QMainWindow {
 
   // Also redraws: what the controls follow may have changed the sequence.
   void ShowStates(const ControlStates& states);
+  // The current step (slot) of the grids; none without steps.
+  void ShowSelectedStep(std::optional<int> step);
   // Copies of the main window's fields and status texts.
   void ShowFields(const std::string& sequenceNumber, const std::string& startStep,
                   const std::string& branchChannel);
