@@ -4,7 +4,7 @@
 
 namespace corlune {
 
-std::vector<LoopBracket> LoopRows(const std::vector<Loop>& loops, int most) {
+std::vector<LoopBracket> NestLoops(const std::vector<Loop>& loops, int most) {
   std::vector<LoopBracket> brackets;
   std::vector<LoopBracket> outer;
   for (const Loop& loop : loops) {

@@ -22,7 +22,7 @@ struct LoopBracket {
 
 // By row, then by first step; `most` at least 1. Loops that are nested deeper than the rows reach share the
 // last row: those that overlap become one bracket. Two brackets of a row never share a step.
-std::vector<LoopBracket> LoopRows(const std::vector<Loop>& loops, int most = kMostLoopRows);
+std::vector<LoopBracket> NestLoops(const std::vector<Loop>& loops, int most = kMostLoopRows);
 
 // Rows that the brackets take.
 int LoopRows(const std::vector<LoopBracket>& brackets);

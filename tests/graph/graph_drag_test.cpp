@@ -124,12 +124,12 @@ TEST(GraphDragTest, GivesRoundValuesWithinTheBounds) {
 
 TEST(LoopBracketsTest, ShareTheOutermostRowWhereTheyNestTooDeep) {
   const std::vector<Loop> loops{{0, 1, 3, 0}, {4, 5, 0, 0}, {0, 3, 2, 1}, {0, 6, 4, 2}, {5, 9, 0, 3}};
-  EXPECT_EQ(LoopRows(loops), (std::vector<LoopBracket>{{0, 1, 0, 3, 1, false},
-                                                       {4, 5, 0, 0, 1, true},
-                                                       {0, 3, 1, 2, 1, false},
-                                                       {0, 6, 2, 4, 1, false},
-                                                       {5, 9, 3, 0, 1, true}}));
-  const std::vector<LoopBracket> two = LoopRows(loops, 2);
+  EXPECT_EQ(NestLoops(loops), (std::vector<LoopBracket>{{0, 1, 0, 3, 1, false},
+                                                        {4, 5, 0, 0, 1, true},
+                                                        {0, 3, 1, 2, 1, false},
+                                                        {0, 6, 2, 4, 1, false},
+                                                        {5, 9, 3, 0, 1, true}}));
+  const std::vector<LoopBracket> two = NestLoops(loops, 2);
   EXPECT_EQ(two.back(), (LoopBracket{0, 9, 1, 2, 3, true}));
   EXPECT_EQ(LoopRows(two), 2);
 }
