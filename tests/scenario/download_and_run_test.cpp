@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "scenario/bench_rig.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -45,7 +45,7 @@ std::vector<int> RowsFollowed(const EventList& events) {
 }
 
 TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
-  BenchRig rig("QM2220:QM000001", {.communicationLog = true});
+  ProgramRig rig("QM2220:QM000001", {.communicationLog = true});
   rig.ConnectWithExample("arb-burst.dat");
   ASSERT_TRUE(rig.Download());
   rig.ExpectPrompts({kAsksName});
@@ -84,7 +84,7 @@ TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
 }
 
 TEST(DownloadAndRun, EveryStepIsSeenAtItsTime) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({0.5, 1, 0.3, 0.7});
   rig.DownloadAndStart();
@@ -123,7 +123,7 @@ TEST(DownloadAndRun, EveryStepIsSeenAtItsTime) {
 TEST(DownloadAndRun, EverySequenceMemory) {
   for (const int number : {0, 3, 10}) {
     SCOPED_TRACE(number);
-    BenchRig rig("QM2210:QM000001");
+    ProgramRig rig("QM2210:QM000001");
     rig.Connect();
     rig.UseSteps({0.5, 0.25});
     rig.session->Sequence().SequenceNumber = static_cast<std::int16_t>(number);
@@ -151,7 +151,7 @@ TEST(DownloadAndRun, EverySequenceMemory) {
 
 // The window program's day: start, open, run, close, and the next start finds everything again.
 TEST(DownloadAndRun, FromTheStartOfTheProgramToItsClose) {
-  BenchRig rig("QM2220:QM000001", {.writeSettings = true});
+  ProgramRig rig("QM2220:QM000001", {.writeSettings = true});
   rig.folder.Write("Corlune.ini", "[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n");
   rig.Restart();
   ASSERT_EQ(rig.session->StartUp({}), StartUpResult::Show);
@@ -189,12 +189,12 @@ TEST(DownloadAndRun, FromTheStartOfTheProgramToItsClose) {
 
 // Without any instrument: the response file answers, the log is as with a real one.
 TEST(DownloadAndRun, SimulatedInstrument) {
-  BenchOptions options;
+  ProgramOptions options;
   options.communicationLog = true;
   options.responses =
       "[ADRS0]\r\n:SOUR1:SEQ:STAT?=1\r\n:STAT:OPER:CH1:COND?=2\r\n:SYST:ERR?=0,\"No error\"\r\n"
       "spoll=128\r\n:OUTP2?=1\r\n:SOUR1:SEQ:CST?=-1\r\n:SYST:BUSY?=0\r\n";
-  BenchRig rig("", options);
+  ProgramRig rig("", options);
   rig.ConnectWithExample("quick-tour.dat");
   EXPECT_EQ(rig.session->State().Online, 1);
   ASSERT_TRUE(rig.Download());

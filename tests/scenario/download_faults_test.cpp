@@ -1,8 +1,8 @@
 // Each exchange of a download fails in turn. The table says what the program does about it: what it still
 // sends, what it says, and in which state it is left. Afterwards it must be usable.
 #include "compile/download_outcome_text.h"
-#include "scenario/bench_rig.h"
 #include "scenario/exchange_table.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -61,7 +61,7 @@ EventList Lines(std::size_t from = 0, std::size_t to = kDownload.size()) {
 }
 
 // Connected, with two steps, of which one plays an arbitrary waveform, for memory 1.
-struct DownloadBench : BenchRig {
+struct DownloadBench : ProgramRig {
   DownloadBench() {
     Connect();
     UseSteps({0.5, 0.25});

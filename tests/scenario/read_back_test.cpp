@@ -2,7 +2,7 @@
 #include <random>
 
 #include "compile/sequence_text.h"
-#include "scenario/bench_rig.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -82,7 +82,7 @@ TEST(ReadBack, GivesBackWhatWasSent) {
   for (unsigned seed = 1; seed <= 60; ++seed) {
     SCOPED_TRACE(seed);
     const bool twoChannels = seed % 2 == 0;
-    BenchRig rig(twoChannels ? "QM2220:QM000001" : "QM2210:QM000001");
+    ProgramRig rig(twoChannels ? "QM2220:QM000001" : "QM2210:QM000001");
     rig.Connect();
     Generator generator(seed);
     SequenceData& sequence = rig.session->Sequence();
@@ -122,7 +122,7 @@ TEST(ReadBack, AFaultLeavesTheSequenceAsItWas) {
        {"timeout=1", "timeout=2", "error=1:0xBFFF003E", "error=2:0xBFFF003E", "gone=0", "gone=1", "drop=1",
         "late=1:9000", "empty=1", "long=1", "binary=1", "text=1:SEQ=1,SYNC,0,STAR,POS"}) {
     SCOPED_TRACE(fault);
-    BenchRig rig;
+    ProgramRig rig;
     rig.Connect();
     rig.UseSteps({0.5, 0.25});
     ASSERT_TRUE(rig.Download());
@@ -148,7 +148,7 @@ TEST(ReadBack, AFaultLeavesTheSequenceAsItWas) {
 
 // A close request, a file command or another read in the wait for the answer is refused.
 TEST(ReadBack, NothingComesInBetween) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({0.5});
   ASSERT_TRUE(rig.Download());

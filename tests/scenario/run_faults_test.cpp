@@ -1,7 +1,7 @@
 // Each exchange of a run fails in turn: start, two polls, hold, resume, branch, stop. The table says what the
 // program does about it. Afterwards it must be usable.
-#include "scenario/bench_rig.h"
 #include "scenario/exchange_table.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -69,7 +69,7 @@ EventList Lines(std::size_t from = 0, std::size_t to = kRun.size()) {
 }
 
 // Downloaded; three steps of a minute, the first branches to the third.
-struct RunBench : BenchRig {
+struct RunBench : ProgramRig {
   RunBench() {
     Connect();
     UseSteps({60, 60, 60});
@@ -275,12 +275,12 @@ TEST(RunFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
 
     // Still unplugged: going on needs an answer; a download tells so and changes nothing.
     if (rest.mayStillRun) {
-      rig.prompts.answers.push_back(PromptAnswer::Cancel);
+      rig.prompts.Answer(PromptAnswer::Cancel);
       EXPECT_FALSE(rest.mode == OperationMode::Edit
                        ? rig.session->NewSequence()
                        : rig.session->Control().SetOperationMode(OperationMode::Edit));
       EXPECT_EQ(std::exchange(rig.prompts.said, {}), (EventList{kAsksToGoOn}));
-      EXPECT_EQ(rig.prompts.escape, PromptAnswer::Cancel);
+      EXPECT_EQ(rig.prompts.messages.back().escape, PromptAnswer::Cancel);
     }
     if (rest.mode == OperationMode::Execution) {
       ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));

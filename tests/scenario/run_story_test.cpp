@@ -1,5 +1,5 @@
 // What happens at the instrument while the program follows a run, and what the person does about it.
-#include "scenario/bench_rig.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -8,7 +8,7 @@ using ::testing::Contains;
 using ::testing::Not;
 
 TEST(RunStory, HoldAndResumeAtTheProgram) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({1, 1});
   rig.DownloadAndStart();
@@ -40,7 +40,7 @@ TEST(RunStory, HoldAndResumeAtTheProgram) {
 }
 
 TEST(RunStory, HoldAtTheInstrument) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({1, 1});
   rig.DownloadAndStart();
@@ -59,7 +59,7 @@ TEST(RunStory, HoldAtTheInstrument) {
 
 // A step with auto hold is a hold made at the instrument, too. Stopping from there needs no tick.
 TEST(RunStory, AutoHoldThenStop) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({0.5, 60});
   rig.session->Sequence().Steps[0].AutoHold = 1;
@@ -74,7 +74,7 @@ TEST(RunStory, AutoHoldThenStop) {
 }
 
 TEST(RunStory, BranchAtTheProgramAndAtTheInstrument) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({60, 60, 60, 0.5});
   SequenceData& sequence = rig.session->Sequence();
@@ -113,7 +113,7 @@ TEST(RunStory, AnOutputTrips) {
   };
   for (const Case& c : {Case{"QM2220", 0}, Case{"QM2220", 2}, Case{"QM2210", 1}}) {
     SCOPED_TRACE(std::string(c.model) + " channel " + std::to_string(c.channel));
-    BenchRig rig(std::string(c.model) + ":QM000001");
+    ProgramRig rig(std::string(c.model) + ":QM000001");
     rig.Connect();
     rig.UseSteps({60});
     if (c.channel == 0) rig.Faults("trip=900");
@@ -139,7 +139,7 @@ TEST(RunStory, AnOutputTrips) {
 
 // The outputs are switched off in the 1.5 s between the last step and the message of the end.
 TEST(RunStory, AnOutputFoundOffAtTheEndEndsTheRunSilently) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({1});
   rig.DownloadAndStart();
@@ -151,7 +151,7 @@ TEST(RunStory, AnOutputFoundOffAtTheEndEndsTheRunSilently) {
 
 // The instrument waits for the stop phase: it asks for a stop, and still names the step.
 TEST(RunStory, StopAtTheInstrument) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({60, 60});
   SequenceData& sequence = rig.session->Sequence();
@@ -172,7 +172,7 @@ TEST(RunStory, StopAtTheInstrument) {
 TEST(RunStory, ABusyInstrument) {
   for (const int busy : {1200, 9000}) {
     SCOPED_TRACE(busy);
-    BenchRig rig;
+    ProgramRig rig;
     rig.Connect();
     rig.UseSteps({1});
     ASSERT_TRUE(rig.Download());

@@ -1,8 +1,8 @@
 // Two and five instruments: downloads and questions go to the first, run commands to all.
 #include <random>
 
-#include "scenario/bench_rig.h"
 #include "scenario/exchange_table.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -17,8 +17,8 @@ std::string Instruments(int count) {
 }
 
 // All instruments hold the same sequence, as after a download of each in turn.
-struct Bench : BenchRig {
-  explicit Bench(int instruments) : BenchRig(Instruments(instruments)), count(instruments) {
+struct Bench : ProgramRig {
+  explicit Bench(int instruments) : ProgramRig(Instruments(instruments)), count(instruments) {
     ConnectAll();
     UseSteps({1, 0.5});
     EXPECT_TRUE(Download());
@@ -279,7 +279,7 @@ TEST(SeveralInstruments, NoneIsLeft) {
 
 // The reason stands beside the message, also of a kind that is not the first.
 TEST(SeveralInstruments, AnInterfaceThatCannotBeOpenedSaysWhy) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   SystemSettings setup = SettingsOf(rig.session->State());
   setup.InstrumentCount = 2;
@@ -324,7 +324,7 @@ TEST(SeveralInstruments, StoppedWithoutAWarningMeansStopped) {
           rig.pump.OnCall(rig.pump.Calls() + 1 + below(4), press);
           break;
         case 4:
-          if (!below(3)) rig.prompts.answers.push_back(PromptAnswer::Cancel);
+          if (!below(3)) rig.prompts.Answer(PromptAnswer::Cancel);
           rig.session->Control().Button(below(6));
           break;
         case 5:
@@ -364,12 +364,12 @@ TEST(SeveralInstruments, TheModelCheckNamesTheOneThatDoesNotAnswer) {
                         Case{"text=1:TAVRIN,QM2210,7,1.00",
                              "question: The model name 2 is not correct. It starts in off-line mode?"}}) {
     SCOPED_TRACE(c.fault);
-    BenchRig rig(Instruments(3));
+    ProgramRig rig(Instruments(3));
     rig.ConnectAll();
     rig.Faults(std::string(c.fault) + "@*IDN?", 1);
     EXPECT_FALSE(rig.Reconnect());
     rig.ExpectPrompts({c.said});
-    EXPECT_EQ(rig.prompts.escape, PromptAnswer::Yes) << "the other answer ends the program";
+    EXPECT_EQ(rig.prompts.messages.back().escape, PromptAnswer::Yes) << "the other answer ends the program";
     EXPECT_EQ(rig.session->State().Online, 0);
     EXPECT_EQ(rig.CountSent("3 < *IDN?"), 0);
     // Off-line, the program can still be used: the run times are shown, nothing is sent.
