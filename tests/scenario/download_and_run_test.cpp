@@ -119,36 +119,6 @@ TEST(DownloadAndRun, EveryStepIsSeenAtItsTime) {
   rig.ExpectAtRest(OperationMode::Edit, false);
 }
 
-// Memory 0 is the working memory alone; another number is recorded too and can be read back.
-TEST(DownloadAndRun, EverySequenceMemory) {
-  for (const int number : {0, 3, 10}) {
-    SCOPED_TRACE(number);
-    ProgramRig rig("QM2210:QM000001");
-    rig.Connect();
-    rig.UseSteps({0.5, 0.25});
-    rig.session->Sequence().SequenceNumber = static_cast<std::int16_t>(number);
-    ASSERT_TRUE(rig.Download());
-    rig.ExpectPrompts({"input: Seq" + std::to_string(number)});
-    const std::string record = "1 < :TRAC:SEQ:REC " + std::to_string(number);
-    EXPECT_EQ(rig.CountSent(record), number == 0 ? 0 : 1);
-    const EventList sent = rig.TakeSent();
-    const std::string transfer = "1 < :TRAC:SEQ " + std::to_string(number) + ",\"E2E\",#3";
-    EXPECT_THAT(sent, Contains(::testing::StartsWith(transfer)));
-    EXPECT_THAT(sent, Contains("1 < :OUTP1?"));  // a QM2210 has one output
-    ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
-
-    rig.session->Sequence().StepCount = 1;
-    ASSERT_TRUE(rig.session->ReadBack());
-    EXPECT_EQ(rig.session->Sequence().StepCount, 2);
-    EXPECT_EQ(rig.session->Sequence().Steps[1].StepTime, 0.25);
-    // A memory that nobody filled.
-    rig.session->Sequence().SequenceNumber = 7;
-    EXPECT_FALSE(rig.session->ReadBack());
-    EXPECT_EQ(rig.session->Sequence().StepCount, 2);
-    rig.ExpectPrompts({"critical: The error was detected while receiving data. "});
-  }
-}
-
 // The window program's day: start, open, run, close, and the next start finds everything again.
 TEST(DownloadAndRun, FromTheStartOfTheProgramToItsClose) {
   ProgramRig rig("QM2220:QM000001", {.writeSettings = true});
@@ -222,6 +192,17 @@ TEST(DownloadAndRun, SimulatedInstrument) {
   // It holds no sequences.
   EXPECT_FALSE(rig.session->ReadBack());
   rig.ExpectPrompts({"critical: The error was detected while receiving data. "});
+  // It is not searched for, and has no address that could change: a file does not connect anew.
+  const std::string before = rig.Log();
+  ASSERT_TRUE(rig.session->WriteFile(rig.folder.File("a.dat"), true));
+  rig.session->State().Instruments[0].Address = 7;
+  EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
+  EXPECT_EQ(rig.Log(), before);
+  rig.Restart();
+  ASSERT_EQ(rig.session->StartUp({}), StartUpResult::Show);
+  EXPECT_EQ(rig.session->State().Online, 1);
+  EXPECT_THAT(rig.progress.waits, ::testing::IsEmpty());
+  rig.ExpectPrompts({"exclamation: Initialization file doesn't exist"});
 }
 
 }  // namespace

@@ -98,6 +98,9 @@ TEST(ReadBack, GivesBackWhatWasSent) {
     }
     ++accepted;
     rig.ExpectPrompts({"input: Seq" + number});
+    // Memory 0 is the working memory alone; another one is recorded too.
+    EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ " + number + ",\"E2E\",#"), 1);
+    EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ:REC"), number == "0" ? 0 : 1);
     ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
     const int channels = twoChannels ? 2 : 1;
     const std::string sent = TextOf(sequence, channels);
@@ -137,8 +140,13 @@ TEST(ReadBack, AFaultLeavesTheSequenceAsItWas) {
     EXPECT_FALSE(rig.session->State().Modified);
     rig.ExpectAtRest(OperationMode::Edit, false);
 
-    // The next one works, and finds no rest of the failed one.
+    // Nor does a memory that nobody filled. The next one works, and finds no rest of the failed ones.
     rig.Replug();
+    rig.session->Sequence().SequenceNumber = 7;
+    EXPECT_FALSE(rig.session->ReadBack());
+    rig.ExpectPrompts({kNotReceived});
+    rig.session->Sequence().SequenceNumber = 0;
+    EXPECT_TRUE(rig.session->Sequence() == *before);
     ASSERT_TRUE(rig.session->ReadBack());
     EXPECT_EQ(rig.session->Sequence().StepCount, 2);
     EXPECT_EQ(rig.session->Sequence().Steps[1].StepTime, 0.25);

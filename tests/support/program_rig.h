@@ -258,9 +258,9 @@ class ProgramRig {
     backends[2] = std::make_unique<Usb488Mdl>(services, Usb488Loader(none, {}));
     backends[3] = std::move(usbTmc);
     backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
-    const bool simulated = !options_.responses.empty();
-    auto frontEnd = std::make_unique<GpFrontEnd>(state, std::move(backends), simulated ? nullptr : search);
-    if (simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);
+    auto frontEnd =
+        std::make_unique<GpFrontEnd>(state, std::move(backends), options.simulated ? nullptr : search);
+    if (options.simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);
     return frontEnd;
   }
 
