@@ -7,14 +7,11 @@
 #include <string>
 
 #include "compile/sequence_text.h"
-#include "sequence/start_values.h"
-#include "support/instrument_rig.h"
-#include "support/temp_folder.h"
+#include "sequence/defaults.h"
+#include "support/program_rig.h"
 
 namespace corlune {
 namespace {
-
-using ::testing::ElementsAre;
 
 std::string TextOf(const SequenceData& sequence, int channels) {
   std::string text;
@@ -91,36 +88,29 @@ TEST(ReadSequenceText, TheFirstOfTwoLinesCounts) {
   EXPECT_EQ(received.to_ullong(), 1u);
 }
 
-struct ReadRig : corlune::testing::InstrumentRig {
-  ReadRig() {
-    state.AppFolder = folder.Path();
-    sequence->StepCount = 3;
-    sequence->Steps[0].StepTime = 5;
-  }
-  corlune::testing::TempFolder folder;
-  std::unique_ptr<SequenceData> sequence = std::make_unique<SequenceData>();
-};
-
 TEST(ReadBackSequence, TakesOverTheStepsThatDifferFromNewOnes) {
-  ReadRig rig;
+  testing::ProgramRig rig;
+  rig.Connect();
+  SequenceData& sequence = rig.session->Sequence();
+  sequence.StepCount = 3;
+  sequence.Steps[0].StepTime = 5;
   auto held = std::make_unique<SequenceData>();
+  ResetSequence(*held, rig.session->Definition());
   held->Steps[6].AutoHold = 1;
   held->Cell(1, 8, kSlotFrequency).ChangeMode = kModeSweep;
   held->Cell(1, 8, kSlotFrequency).Value = 7;
-  rig.script.FileReply(TextOf(*held, 2));
-  ASSERT_TRUE(ReadBackSequence(rig.commands, rig.prompts, rig.catalogue, 3, *rig.sequence));
-  EXPECT_THAT(rig.script.Log(), ElementsAre("0 < :TRACe:SEQuence? 3", "0 file recvdata.bin"));
-  EXPECT_EQ(rig.clock.Now(), 6500u);
-  EXPECT_EQ(rig.sequence->StepCount, 9);
-  EXPECT_EQ(rig.sequence->Steps[0].StepTime, 0);
-  held->StepCount = 9;
-  ComputeStartValues(*held);
-  EXPECT_TRUE(*rig.sequence == *held);
+  rig.Faults("text:" + TextOf(*held, 2) + "@SEQuence?");
+  ASSERT_TRUE(rig.session->ReadBack());
+  EXPECT_EQ(sequence.StepCount, 9);
+  EXPECT_EQ(sequence.Steps[0].StepTime, held->Steps[0].StepTime);
+  EXPECT_EQ(sequence.Steps[6].AutoHold, 1);
+  EXPECT_EQ(sequence.Cell(1, 8, kSlotFrequency).Value, 7);
 
   // The second channel does not exist for a one-channel instrument.
-  rig.state.Instruments[0].ChannelCount = 1;
-  ASSERT_TRUE(ReadBackSequence(rig.commands, rig.prompts, rig.catalogue, 0, *rig.sequence));
-  EXPECT_EQ(rig.sequence->StepCount, 7);
+  rig.session->State().Modified = false;
+  rig.session->State().Instruments[0].ChannelCount = 1;
+  ASSERT_TRUE(rig.session->ReadBack());
+  EXPECT_EQ(sequence.StepCount, 7);
 }
 
 }  // namespace

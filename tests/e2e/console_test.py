@@ -305,6 +305,8 @@ class Files(Bench):
             (virtual + ["--name", 'quo"te'], {}, "Input value Error!"),
             (virtual + ["--name", "a name of 21 letters."], {}, "--name"),
             (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
+            (["--compiler", os.path.join(PROGRAMS, "libcorlune-virtual-visa.so"), *virtual, "--yes"], {},
+             "CompileSeqData"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
             # Without a person as with --yes: the other answer would end the program at once.
