@@ -1,4 +1,5 @@
 // A run, tick by tick: every exchange, message, display and timer switch in one list, in order.
+#include "scenario/exchange_table.h"
 #include "support/program_rig.h"
 
 namespace corlune::testing {
@@ -15,16 +16,6 @@ constexpr const char* kAskStatus = "1 < :STAT:OPER:CH1:COND?|1 > ";
 // The end of a run while step row 1 is highlighted, and what a stop adds.
 const std::string kEnding = "timer off|unhighlight 1|elapsed 0|scroll 1|";
 const std::string kStop = "1 < :TRIG1:SEL:EXEC STOP|" + kEnding + kAskStatus;
-
-EventList Split(const std::string& text) {
-  EventList events;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t bar = std::min(text.find('|', at), text.size());
-    events.push_back(text.substr(at, bar - at));
-    at = bar + 1;
-  }
-  return events;
-}
 
 // Downloaded, with outputs off; steps of a minute.
 struct RunRig : ProgramRig {
@@ -311,7 +302,10 @@ TEST(RunInOrder, ScrollsWithTheStep) {
 TEST(RunInOrder, RunsOffLineWithoutTraffic) {
   RunRig rig;
   rig.session->Sequence().Steps[0].BranchStep[0] = 2;
+  ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
   rig.state.Online = 0;
+  EXPECT_TRUE(rig.Download());
+  EXPECT_EQ(rig.state.TotalTime, 180000) << "the run times are shown, nothing is sent";
   rig.StartRun();
   EXPECT_EQ(rig.Tick(), Split("elapsed 101"));
   rig.Press(Run::Branch);

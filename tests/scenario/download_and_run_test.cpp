@@ -202,7 +202,7 @@ TEST(DownloadAndRun, SimulatedInstrument) {
   ASSERT_EQ(rig.session->StartUp({}), StartUpResult::Show);
   EXPECT_EQ(rig.session->State().Online, 1);
   EXPECT_THAT(rig.progress.waits, ::testing::IsEmpty());
-  rig.ExpectPrompts({"exclamation: Initialization file doesn't exist"});
+  rig.ExpectPrompts({kAsksToGoOn, "exclamation: Initialization file doesn't exist"});
 }
 
 }  // namespace

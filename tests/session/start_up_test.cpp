@@ -207,7 +207,8 @@ TEST(StartUp, ConnectsTheInstrumentsOfTheWorkFile) {
     EXPECT_EQ(rig.session->State().Online, answer ? 0 : 1);
     EXPECT_EQ(rig.end.ended, answer == PromptAnswer::No);
     EXPECT_EQ(rig.CountSent("2 < *IDN?"), 1);
-    EXPECT_EQ(rig.Messages().size(), answer ? 1U : 0U);
+    if (!answer) continue;
+    EXPECT_THAT(rig.Messages(), ElementsAre("Cannot find the instrument 2. It starts in off-line mode?"));
   }
 }
 
