@@ -6,18 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "compile/sequence_text.h"
-#include "sequence/defaults.h"
-#include "support/program_rig.h"
-
 namespace corlune {
 namespace {
-
-std::string TextOf(const SequenceData& sequence, int channels) {
-  std::string text;
-  AppendSequenceText(text, sequence, ModelDefinition{}, "QM2220", channels);
-  return text;
-}
 
 struct LineCase {
   const char* line;
@@ -81,36 +71,14 @@ TEST(ReadSequenceText, Lines) {
 TEST(ReadSequenceText, TheFirstOfTwoLinesCounts) {
   auto read = std::make_unique<SequenceData>();
   const std::string line = ",CONT,0,0,0,1,0,1,0,1,INF,1,0,0\r\n";
-  const ReceivedSteps received = ReadSequenceText(
-      "[DATA]\r\nSTEP#0=2" + line + "STEP#0=3" + line + "STEP#1=x" + line, 1, ModelDefinition{}, *read);
+  const std::string beyond =
+      "CHAN#2#2=USER,5,INV,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS\r\n";  // of one channel
+  const ReceivedSteps received =
+      ReadSequenceText("[DATA]\r\nSTEP#0=2" + line + "STEP#0=3" + line + "STEP#1=x" + line + beyond, 1,
+                       ModelDefinition{}, *read);
   EXPECT_EQ(read->Steps[0].StepTime, 2);
   EXPECT_EQ(read->Steps[1].StepTime, 0);
   EXPECT_EQ(received.to_ullong(), 1u);
-}
-
-TEST(ReadBackSequence, TakesOverTheStepsThatDifferFromNewOnes) {
-  testing::ProgramRig rig;
-  rig.Connect();
-  SequenceData& sequence = rig.session->Sequence();
-  sequence.StepCount = 3;
-  sequence.Steps[0].StepTime = 5;
-  auto held = std::make_unique<SequenceData>();
-  ResetSequence(*held, rig.session->Definition());
-  held->Steps[6].AutoHold = 1;
-  held->Cell(1, 8, kSlotFrequency).ChangeMode = kModeSweep;
-  held->Cell(1, 8, kSlotFrequency).Value = 7;
-  rig.Faults("text:" + TextOf(*held, 2) + "@SEQuence?");
-  ASSERT_TRUE(rig.session->ReadBack());
-  EXPECT_EQ(sequence.StepCount, 9);
-  EXPECT_EQ(sequence.Steps[0].StepTime, held->Steps[0].StepTime);
-  EXPECT_EQ(sequence.Steps[6].AutoHold, 1);
-  EXPECT_EQ(sequence.Cell(1, 8, kSlotFrequency).Value, 7);
-
-  // The second channel does not exist for a one-channel instrument.
-  rig.session->State().Modified = false;
-  rig.session->State().Instruments[0].ChannelCount = 1;
-  ASSERT_TRUE(rig.session->ReadBack());
-  EXPECT_EQ(sequence.StepCount, 7);
 }
 
 }  // namespace

@@ -235,6 +235,9 @@ TEST(RunInOrder, EveryRowOfATick) {
     EXPECT_EQ(rig.state.OperationMode, row.after.mode);
     EXPECT_EQ(rig.state.OutputOn, row.after.outputOn);
     EXPECT_EQ(rig.state.CurrentStep, row.after.step);
+    if (row.after.ends == End::No && row.after.step != 0) {
+      EXPECT_EQ(rig.state.StepChangedAt, rig.clock.Now());
+    }
     EXPECT_EQ(rig.timer.enabled, row.after.run == RunState::Running);
     EXPECT_EQ(rig.state.PendingRequest, PendingRequest::None);
     EXPECT_FALSE(rig.session->Control().Busy());

@@ -46,7 +46,7 @@ std::vector<int> RowsFollowed(const EventList& events) {
 
 TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
   ProgramRig rig("QM2220:QM000001", {.communicationLog = true});
-  rig.ConnectWithExample("arb-burst.dat");
+  rig.Connect("arb-burst.dat");
   ASSERT_TRUE(rig.Download());
   rig.ExpectPrompts({kAsksName});
   rig.ExpectAtRest(OperationMode::Execution, false);
@@ -165,7 +165,7 @@ TEST(DownloadAndRun, SimulatedInstrument) {
       "[ADRS0]\r\n:SOUR1:SEQ:STAT?=1\r\n:STAT:OPER:CH1:COND?=2\r\n:SYST:ERR?=0,\"No error\"\r\n"
       "spoll=128\r\n:OUTP2?=1\r\n:SOUR1:SEQ:CST?=-1\r\n:SYST:BUSY?=0\r\n";
   ProgramRig rig("", options);
-  rig.ConnectWithExample("quick-tour.dat");
+  rig.Connect("quick-tour.dat");
   EXPECT_EQ(rig.session->State().Online, 1);
   ASSERT_TRUE(rig.Download());
   rig.ExpectPrompts({kAsksName});

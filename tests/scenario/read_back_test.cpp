@@ -2,6 +2,7 @@
 #include <random>
 
 #include "compile/sequence_text.h"
+#include "sequence/start_values.h"
 #include "support/program_rig.h"
 
 namespace corlune::testing {
@@ -113,6 +114,9 @@ TEST(ReadBack, GivesBackWhatWasSent) {
     ASSERT_TRUE(rig.session->ReadBack());
     EXPECT_EQ(TextOf(sequence, channels), sent);
     EXPECT_EQ(sequence.StepCount, count);
+    const auto computed = std::make_unique<SequenceData>(sequence);
+    ComputeStartValues(*computed);
+    EXPECT_TRUE(sequence.Cells == computed->Cells) << "start values";
     EXPECT_TRUE(rig.session->State().Modified);
     rig.ExpectSent({"1 < :TRACe:SEQuence? " + number});
     rig.session->State().Modified = false;

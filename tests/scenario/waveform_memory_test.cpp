@@ -91,8 +91,12 @@ TEST(WaveformMemory, TheInstrumentTakesTwoAndSaysSo) {
 
   // Sent again, one takes its own place; one is deleted, the third one takes its place.
   WaveformTransfer& waveforms = rig.session->Waveforms();
+  rig.Faults("late:20000@:SYST:ERR?");  // such a block may take its time
   EXPECT_EQ(waveforms.TransferOne(entries[1], 2), ArbTransfer::Done);
+  EXPECT_EQ(rig.recorder.exchanges.back(), "1 > 0,\"No error\"");
+  rig.Faults("");
   EXPECT_FALSE(Failed(waveforms.ClearOne(entries[0], 1)));
+  EXPECT_EQ(entries[0].InInstrument, 0);
   EXPECT_EQ(waveforms.TransferOne(entries[2], 3), ArbTransfer::Done);
   ArbFileEntry found;
   EXPECT_TRUE(waveforms.QueryArbInfo(found, 3));

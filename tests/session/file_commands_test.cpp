@@ -36,27 +36,37 @@ TEST(FileCommands, TheSaveQuestionGuardsTheWork) {
   for (const Row& row : {Row{PromptAnswer::No, "", true}, Row{PromptAnswer::Cancel, "", false},
                          Row{PromptAnswer::Yes, "kept.dat", true}, Row{PromptAnswer::Yes, "", false},
                          Row{PromptAnswer::Yes, "none/kept.dat", false}}) {
-    for (const bool open : {false, true}) {
-      SCOPED_TRACE(std::to_string(static_cast<int>(row.answer)) + row.chosen + (open ? ", open" : ", new"));
+    for (const std::string action : {"new", "open", "close"}) {
+      SCOPED_TRACE(std::to_string(static_cast<int>(row.answer)) + row.chosen + action);
       const bool unwritable = *row.chosen && !row.done;
+      const bool closing = action == "close";
+      // Closed without a name, the sequence is kept in the work file alone.
+      const bool goesOn = row.done || (closing && row.answer == PromptAnswer::Yes && !unwritable);
       EditedRig rig;
+      std::filesystem::remove(rig.folder.File("Corlune.ini"));
       rig.Answer(row.answer);
       if (row.answer == PromptAnswer::Yes) {
         rig.files.save.push_back(*row.chosen ? std::optional(rig.folder.File(row.chosen)) : std::nullopt);
       }
       if (unwritable) rig.Answer(PromptAnswer::Ok);
       rig.prompts.WhileOpen([&] { EXPECT_FALSE(rig.session->RequestClose()); });
-      if (open && row.done) rig.files.open.push_back(std::nullopt);
-      const bool done = open ? rig.session->OpenWithDialog() : rig.session->NewSequence();
-      EXPECT_EQ(done, row.done && !open);
-      EXPECT_EQ(rig.prompts.messages.at(0).text, kSaveFirst);
+      if (action == "open" && row.done) rig.files.open.push_back(std::nullopt);
+      const bool done = closing            ? rig.session->RequestClose()
+                        : action == "open" ? rig.session->OpenWithDialog()
+                                           : rig.session->NewSequence();
+      EXPECT_EQ(done, goesOn && action != "open");
+      EXPECT_EQ(rig.prompts.messages.at(0).text, closing ? kSaveChanges : kSaveFirst);
       EXPECT_EQ(rig.prompts.messages.at(0).buttons, PromptButtons::YesNoCancel);
-      EXPECT_EQ(rig.session->Sequence().StepCount, done ? 0 : 2);
+      EXPECT_EQ(rig.session->Sequence().StepCount, done && !closing ? 0 : 2);
       EXPECT_EQ(FileExists(rig.folder.File("kept.dat")), row.done && *row.chosen);
+      EXPECT_EQ(FileExists(rig.WorkFile()), closing && goesOn);
+      // The model choice is written before the question.
+      EXPECT_EQ(TempFolder::Read(rig.folder.File("Corlune.ini")),
+                closing ? "[EDIT]\r\nEDIT_MODEL=0,QM2210\r\n" : "");
       if (unwritable) {
         EXPECT_THAT(rig.prompts.messages.at(1).text, StartsWith("The file could not be written."));
       }
-      if (!row.done) {
+      if (!goesOn) {
         EXPECT_TRUE(rig.State().Modified);
       }
     }
@@ -200,49 +210,6 @@ TEST(FileCommands, AnOnLineLoadChecksOrReconnectsTheInstruments) {
       EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
       EXPECT_EQ(state.Online, there ? 1 : 0);
     }
-  }
-}
-
-TEST(Closing, Table) {
-  struct Row {
-    const char* name;
-    bool modified;
-    std::optional<PromptAnswer> answer;
-    const char* chosen;
-    bool closes;
-    RunState run = RunState::Stopped;
-  };
-  const std::vector<Row> rows{
-      {"unmodified", false, {}, "", true},
-      {"no", true, PromptAnswer::No, "", true},
-      {"cancel", true, PromptAnswer::Cancel, "", false},
-      {"yes", true, PromptAnswer::Yes, "my.dat", true},
-      {"yes, dialog cancelled", true, PromptAnswer::Yes, "", true},
-      {"running", true, {}, "", false, RunState::Running},
-      {"held", true, {}, "", false, RunState::Held},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    SessionRig rig;
-    rig.Plug("QM2210:1000001");
-    ASSERT_EQ(rig.Start(), StartUpResult::Show);
-    rig.session->State().Modified = row.modified;
-    rig.session->State().RunState = row.run;
-    std::filesystem::remove(rig.folder.File("Corlune.ini"));
-    if (row.answer) rig.Answer(*row.answer);
-    if (row.answer == PromptAnswer::Yes) {
-      rig.files.save.push_back(*row.chosen ? std::optional(rig.folder.File(row.chosen)) : std::nullopt);
-    }
-    EXPECT_EQ(rig.session->RequestClose(), row.closes);
-    EXPECT_THAT(rig.Messages(), ElementsAreArray(row.answer ? std::vector<std::string>{kSaveChanges}
-                                                            : std::vector<std::string>{}));
-    // The model choice is written before the question.
-    EXPECT_EQ(TempFolder::Read(rig.folder.File("Corlune.ini")),
-              row.run == RunState::Stopped ? "[EDIT]\r\nEDIT_MODEL=0,QM2210\r\n" : "");
-    EXPECT_EQ(FileExists(rig.WorkFile()), row.closes);
-    EXPECT_EQ(FileExists(rig.folder.File("my.dat")), *row.chosen != 0);
-    EXPECT_EQ(rig.recorder.connections.back(), row.closes ? "1 close" : "1 open");
-    EXPECT_EQ(rig.session->State().Connected, !row.closes);
   }
 }
 

@@ -145,6 +145,7 @@ TEST(StartUp, OneInstrumentGoesOnLine) {
 
   // The serial number that was found stays when the work file names another one.
   ASSERT_TRUE(rig.session->RequestClose());
+  EXPECT_EQ(rig.recorder.connections.back(), "1 close");
   rig.Restart();
   rig.Faults("gone");
   rig.Plug("QM2210:1000009");

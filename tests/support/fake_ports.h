@@ -2,6 +2,7 @@
 // pump that runs scripted presses inside a wait, and displays that record what they were told.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -20,19 +21,8 @@ namespace corlune::testing {
 using EventList = std::vector<std::string>;
 
 inline const char* IconName(PromptIcon icon) {
-  switch (icon) {
-    case PromptIcon::None:
-      return "none";
-    case PromptIcon::Information:
-      return "information";
-    case PromptIcon::Question:
-      return "question";
-    case PromptIcon::Exclamation:
-      return "exclamation";
-    case PromptIcon::Critical:
-      return "critical";
-  }
-  return "?";
+  constexpr std::array kNames{"none", "information", "question", "exclamation", "critical"};
+  return kNames.at(static_cast<std::size_t>(icon));
 }
 
 // Answers from queues; a message or input that nobody queued fails the test, unless the person agrees to all.
@@ -100,17 +90,11 @@ class ScriptedPrompts : public Prompts {
     if (agreesIn_) agreesIn_->HandlePending();
   }
   static bool Offers(PromptButtons buttons, PromptAnswer answer) {
-    switch (buttons) {
-      case PromptButtons::Ok:
-        return answer == PromptAnswer::Ok;
-      case PromptButtons::OkCancel:
-        return answer == PromptAnswer::Ok || answer == PromptAnswer::Cancel;
-      case PromptButtons::YesNo:
-        return answer == PromptAnswer::Yes || answer == PromptAnswer::No;
-      case PromptButtons::YesNoCancel:
-        return answer != PromptAnswer::Ok;
-    }
-    return false;
+    const bool ok = buttons == PromptButtons::Ok || buttons == PromptButtons::OkCancel;
+    if (answer == PromptAnswer::Ok) return ok;
+    if (answer == PromptAnswer::Cancel)
+      return buttons != PromptButtons::Ok && buttons != PromptButtons::YesNo;
+    return !ok;
   }
 
   EventList* events_;

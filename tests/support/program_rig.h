@@ -104,15 +104,10 @@ class ProgramRig {
 
   // ---- The person ----
 
-  // Starts with an empty sequence and connects to the first instrument.
-  void Connect() {
-    ASSERT_TRUE(session->StartUpWithoutFile()) << session->LoadProblem();
-    ASSERT_EQ(session->Connect(std::nullopt), ConnectResult::Connected);
-    Forget();
-  }
-  // Starts with a shipped example and connects to the only instrument.
-  void ConnectWithExample(const std::string& name) {
-    ASSERT_TRUE(session->StartUpFromFile(std::string(CORLUNE_DATA) + "/examples/" + name))
+  // Starts with an empty sequence, or with a shipped example, and connects to the first instrument.
+  void Connect(const std::string& example = {}) {
+    const std::string path = std::string(CORLUNE_DATA) + "/examples/" + example;
+    ASSERT_TRUE(example.empty() ? session->StartUpWithoutFile() : session->StartUpFromFile(path))
         << session->LoadProblem();
     ASSERT_EQ(session->Connect(std::nullopt), ConnectResult::Connected);
     Forget();
