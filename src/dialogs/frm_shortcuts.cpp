@@ -72,7 +72,7 @@ FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<
   list->setWordWrap(true);
   layout->addWidget(list);
 
-  auto* close = new QPushButton(text(TextId::ButtonClose), this);
+  auto* close = new QPushButton(text(TextId::ButtonCloseDialog), this);
   close->setDefault(true);
   connect(close, &QPushButton::clicked, this, &QDialog::accept);
   layout->addWidget(close, 0, Qt::AlignRight);

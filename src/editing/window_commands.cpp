@@ -37,8 +37,8 @@ constexpr CommandRow kCommands[] = {
     {Open, TextId::MenuOpen, kFile, 0, 1, "Ctrl+O", nullptr},
     {Save, TextId::MenuSave, kFile, 0, 2, "Ctrl+S", nullptr},
     {SaveAs, TextId::MenuSaveAs, kFile, 0, 3, "Ctrl+Shift+S", nullptr},
-    {ImportCsv, TextId::MenuImportCsv, kFile, 0, -1, "", "mnuImportCsv", false, &States::ImportCsv},
-    {ExportCsv, TextId::MenuExportCsv, kFile, 0, -1, "", "mnuExportCsv", false, &States::ExportCsv},
+    {ImportCsv, TextId::MenuImportCsv, kFile, 0, -1, "Ctrl+Shift+I", "mnuImportCsv", false, &States::ImportCsv},
+    {ExportCsv, TextId::MenuExportCsv, kFile, 0, -1, "Ctrl+Shift+E", "mnuExportCsv", false, &States::ExportCsv},
     {Exit, TextId::MenuExit, kFile, 1, 4, "Ctrl+Q", nullptr},
     {Undo, TextId::UndoWord, kEdit, 0, -1, "Ctrl+Z", "mnuUndo", false, &States::Undo, &Editor::Undo},
     {Redo, TextId::RedoWord, kEdit, 0, -1, "Ctrl+Y; Ctrl+Shift+Z", "mnuRedo", false, &States::Redo, &Editor::Redo},
@@ -82,7 +82,8 @@ constexpr CommandRow kCommands[] = {
     {AreaSettings, TextId::MenuAreaSettings, kDisplay, 1, -1, "", "mnuAreaSettings"},
     {About, TextId::MenuAbout, kHelp, 0, 0, "F1", nullptr},
     {Shortcuts, TextId::MenuShortcuts, kHelp, 0, -1, "Ctrl+F1", "mnuShortcuts"},
-    {CommLog, TextId::MenuCommLog, kHelp, 0, -1, "", "mnuCommLog"},
+    {Notices, TextId::MenuNotices, kHelp, 0, -1, "Ctrl+Shift+N", "mnuNotices"},
+    {CommLog, TextId::MenuCommLog, kHelp, 0, -1, "Ctrl+Shift+L", "mnuCommLog"},
 };
 // clang-format on
 

@@ -60,6 +60,7 @@ enum class Command {
   AreaSettings,
   About,
   Shortcuts,
+  Notices,
   CommLog,
 };
 

@@ -17,6 +17,7 @@ GridControl::GridControl(SequenceEditor& editor, Prompts& prompts, const GridTab
   connect(tables_.Tabs, &QTabWidget::currentChanged, this, &GridControl::ChangeTab);
 
   entry_.SetKeyHandler([this](QKeyEvent* event) { return HandleKey(*event); });
+  connect(&entry_, &CellEntry::NoticeGiven, this, &GridControl::NoticeGiven);
   connect(&entry_, &CellEntry::Operated, this, &GridControl::Apply);
   connect(&entry_, &CellEntry::Stored, this, [this] {
     emit Refreshed();

@@ -47,6 +47,8 @@ class GridControl : public QObject {
   // The sequence, the cursor or what can be undone changed.
   void Changed();
   void CommandRequested(corlune::Command command);
+  // Something to say that must not interrupt.
+  void NoticeGiven(const std::string& text);
   void MenuRequested(const QPoint& global);
   // Queued to itself: the editor takes the focus over, which is not for the middle of a focus change.
   void FocusCame(corlune::GridTable* table, QPrivateSignal);

@@ -140,6 +140,7 @@ void GridPanel::Impl::BuildRowAdd() {
 void GridPanel::Impl::Connect() {
   QObject::connect(control_.get(), &GridControl::Refreshed, &panel_, [this] { Refresh(); });
   QObject::connect(control_.get(), &GridControl::Changed, &panel_, &GridPanel::Changed);
+  QObject::connect(control_.get(), &GridControl::NoticeGiven, &panel_, &GridPanel::NoticeGiven);
   QObject::connect(control_.get(), &GridControl::CommandRequested, &panel_,
                    [this](Command command) { Run(command); });
   QObject::connect(control_.get(), &GridControl::MenuRequested, &panel_,

@@ -64,6 +64,8 @@ class GridPanel : public QWidget {
  signals:
   // Something about the sequence, the cursor, undo or the copy buffer changed: refresh titles and menus.
   void Changed();
+  // Something to say that must not interrupt.
+  void NoticeGiven(const std::string& text);
   // A command of the window was chosen from the context menu.
   void WindowCommand(corlune::Command command);
 

@@ -6,12 +6,13 @@
 #include <QCloseEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QVBoxLayout>
 
+#include "dialogs/app_icon.h"
 #include "sequence/channel_tabs.h"
 #include "sequence/run_times.h"
 #include "sequence/waveform_path.h"
-#include "ui/app_icon.h"
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
 #include "ui/stat_bar.h"
@@ -76,6 +77,12 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
 
   connect(grids_, &GridPanel::Changed, this, &MainWindow::RefreshControls);
   connect(grids_, &GridPanel::WindowCommand, this, &MainWindow::Do);
+  connect(grids_, &GridPanel::NoticeGiven, this,
+          [this](const std::string& text) { ShowNotice(NoticeLevel::Warning, text); });
+  connect(
+      statBar_, &StatBar::NoticesWanted, this, [this] { Do(Command::Notices); }, Qt::QueuedConnection);
+  // Fields and cells with an entry to take back keep the key.
+  connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, statBar_, &StatBar::CloseNotice);
   timer2_.setObjectName(QStringLiteral("Timer2"));
   timer2_.setInterval(kTimer2Interval);
   timer2_.setSingleShot(true);
@@ -101,7 +108,9 @@ void MainWindow::RefreshControls() {
     grids_->ShowStates(states_);
   });
   if (preview_ && session_.State().SequenceViewShown) preview_->ShowStates(states_);
-  statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceTip()});
+  const auto output = static_cast<std::size_t>(PanelButton::Output);
+  statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceText(), DeviceTip(),
+                                       session_.Definition().Buttons[output].Color2});
   // On a copy: the run times of the steps belong to what was sent last.
   ShowTotalTime(
       ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition()).Total);
@@ -141,6 +150,10 @@ void MainWindow::ShowTotalTime(double milliseconds) {
 void MainWindow::ShowElapsedTime(std::int32_t milliseconds) {
   statBar_->ElapsTime(milliseconds);
   if (preview_) preview_->ShowElapsedTime(milliseconds);
+}
+
+void MainWindow::ShowNotice(NoticeLevel level, const std::string& text) {
+  statBar_->ShowNotice(level, text);
 }
 
 void MainWindow::SequenceReplaced(SequenceChange change) {

@@ -74,6 +74,7 @@ class MainWindow : public QMainWindow {
   void ShowModeLayout(int operationMode);
   void ShowTotalTime(double milliseconds);
   void ShowElapsedTime(std::int32_t milliseconds);
+  void ShowNotice(NoticeLevel level, const std::string& text);
   void SequenceReplaced(SequenceChange change);
   void ShowWaitCursor(bool on);
   // The signal of the running step, else of the current one.
@@ -137,9 +138,13 @@ class MainWindow : public QMainWindow {
   void ExportCsv();
   void ShowAbout();
   void ShowShortcuts();
+  void ShowNotices();
   void ShowCommLog();
   std::string CommLogPath() const;
   std::string ConnectionTip() const;
+  // An instrument as the status bar names it: interface and serial number or address.
+  std::string InterfaceOf(const InstrumentEntry& entry) const;
+  std::string DeviceText() const;
   std::string DeviceTip() const;
   bool CanOpenNow() const;
   FrmPreview& NeedPreview();

@@ -13,6 +13,7 @@
 #include "compile/download_outcome_text.h"
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_comm_log.h"
+#include "dialogs/frm_notices.h"
 #include "dialogs/frm_shortcuts.h"
 #include "sequence/sequence_file.h"
 #include "ui/form_style.h"
@@ -49,7 +50,7 @@ void BringForward(QWidget& window) {
 
 void MainWindow::Perform(const std::function<void()>& command, Entries entries) {
   if (entries == Entries::Taken && !CommitEntries()) return;
-  statBar_->ShowNotice({});
+  statBar_->CloseNotice();
   command();
   if (closed_) return;
   session_.NoticeLostConnection();
@@ -95,6 +96,8 @@ void MainWindow::Do(Command command) {
       return ShowAbout();
     case Command::Shortcuts:
       return ShowShortcuts();
+    case Command::Notices:
+      return ShowNotices();
     case Command::CommLog:
       return ShowCommLog();
     default:
@@ -126,7 +129,8 @@ bool MainWindow::CanOpenNow() const {
 
 void MainWindow::OpenPath(const std::string& path) {
   if (!CanOpenNow()) {
-    statBar_->ShowNotice(session_.Catalogue().GetResString(TextId::NotOpenedNow, {path}));
+    statBar_->ShowNotice(NoticeLevel::Warning,
+                         session_.Catalogue().GetResString(TextId::NotOpenedNow, {path}));
     return;
   }
   Perform([&] {
@@ -239,7 +243,11 @@ void MainWindow::ChangeMode(OperationMode mode) {
         mode == OperationMode::Execution && session_.Sequence().StepCount > 0 && session_.Idle();
     session_.Download().ForgetOutcome();
     if (!session_.Control().SetOperationMode(mode) && downloads) {
-      statBar_->ShowNotice(DownloadOutcomeText(session_.Download().Outcome(), session_.Catalogue()));
+      const std::string why = DownloadOutcomeText(session_.Download().Outcome(), session_.Catalogue());
+      if (!why.empty()) statBar_->ShowNotice(NoticeLevel::Error, why);
+      if (session_.Download().Outcome().End == DownloadEnd::Cancelled) {
+        statBar_->ShowNotice(NoticeLevel::Information, Text(TextId::TransferEnded));
+      }
     }
   });
 }
@@ -255,8 +263,7 @@ void MainWindow::RunButton(int index) {
     const bool edit = session_.State().OperationMode == OperationMode::Edit;
     ChangeMode(edit ? OperationMode::Execution : OperationMode::Edit);
   } else if (index == static_cast<int>(PanelButton::Output)) {
-    const bool off = session_.State().OutputOn || session_.State().MayStillRun;
-    RunItem(off ? Run::OutputOff : Run::OutputOn);
+    RunItem(OutputSwitchesOff(session_.State()) ? Run::OutputOff : Run::OutputOn);
   } else {
     RunItem(static_cast<Run>(index - 1));  // the others stand as in the menu
   }
@@ -307,6 +314,12 @@ void MainWindow::ShowShortcuts() {
   Perform([&] { FrmShortcuts(session_.Catalogue(), CellKeyLines(session_.Catalogue()), this).exec(); });
 }
 
+void MainWindow::ShowNotices() {
+  // As they stand now: the command itself takes the present one away.
+  const std::deque<Notice> notices = statBar_->LastNotices();
+  Perform([&] { FrmNotices(session_.Catalogue(), notices, this).exec(); });
+}
+
 std::string MainWindow::CommLogPath() const {
   return InitOptions(session_.Definition().Commands.LibraryInit).LogPath(session_.State().AppFolder);
 }
@@ -326,22 +339,31 @@ std::string MainWindow::ConnectionTip() const {
   return tip;
 }
 
+std::string MainWindow::InterfaceOf(const InstrumentEntry& entry) const {
+  if (entry.InterfaceKind == InterfaceKind::Simulated) return Text(TextId::SimulatedInterface);
+  const auto& names = session_.Definition().InterfaceOf(session_.State().ModelIndex).InterfaceNames;
+  const bool listed = entry.Interface >= 0 && entry.Interface < static_cast<int>(names.size());
+  const std::string name = listed ? names[static_cast<std::size_t>(entry.Interface)] + " " : "";
+  return name +
+         (entry.InterfaceKind == InterfaceKind::UsbTmc ? entry.SerialNo : std::to_string(entry.Address));
+}
+
+std::string MainWindow::DeviceText() const {
+  const AppState& state = session_.State();
+  std::string text = state.ModelName + "  " + InterfaceOf(state.Instruments[0]);
+  if (state.InstrumentCount > 1) text += "  (+" + std::to_string(state.InstrumentCount - 1) + ")";
+  return text;
+}
+
 std::string MainWindow::DeviceTip() const {
   const AppState& state = session_.State();
-  const ModelInterfaceSpec& model = session_.Definition().InterfaceOf(state.ModelIndex);
+  const auto count = static_cast<std::size_t>(std::clamp<int>(state.InstrumentCount, 0, kMaxInstruments));
   std::string tip;
-  for (std::size_t i = 0;
-       i < static_cast<std::size_t>(std::clamp<int>(state.InstrumentCount, 0, kMaxInstruments)); ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     const InstrumentEntry& entry = state.Instruments[i];
-    const bool listed =
-        entry.Interface >= 0 && entry.Interface < static_cast<int>(model.InterfaceNames.size());
-    const std::string name = listed ? model.InterfaceNames[static_cast<std::size_t>(entry.Interface)] : "";
-    const bool usbTmc = entry.InterfaceKind == InterfaceKind::UsbTmc;
     if (!tip.empty()) tip += "\n";
     tip += session_.Catalogue().GetResString(
-        TextId::TipDevice,
-        {std::to_string(i + 1), name, usbTmc ? entry.SerialNo : std::to_string(entry.Address),
-         std::to_string(entry.ChannelCount)});
+        TextId::TipDevice, {std::to_string(i + 1), InterfaceOf(entry), std::to_string(entry.ChannelCount)});
   }
   return tip;
 }

@@ -159,8 +159,10 @@ TEST(DownloadFaults, TheTableIsTheDownloadWithoutFaults) {
   // 1 s for the waveform, 10 s for the block, 5 s for the memory; preparation, queries, polls.
   EXPECT_EQ(rig.clock.Now() - before, 17700U);
   const std::string sequence = "Transmitting the sequence data.";
-  EXPECT_EQ(rig.progress.texts,
-            (EventList{"Transmitting the arbitrary wave data.....ARB 1", sequence, sequence}));
+  EXPECT_EQ(
+      rig.progress.texts,
+      (EventList{"Preparing the instrument.", "Transmitting the arbitrary wave data.....ARB 1", sequence,
+                 sequence, rig.session->Catalogue().GetResString(TextId::WaitingForCompilation)}));
   EXPECT_EQ(rig.progress.advances, 16);
   EXPECT_FALSE(TempFolder::Read(rig.folder.File("UseStep.txt")).empty());
   // An unchanged waveform is sent once.

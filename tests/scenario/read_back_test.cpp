@@ -177,6 +177,18 @@ TEST(ReadBack, NothingComesInBetween) {
   EXPECT_TRUE(rig.session->ReadBack());
   EXPECT_GT(waits, 0);
   rig.pump.OnEveryCall({});
+  EXPECT_EQ(rig.progress.texts.back(), "Reading the sequence 0 back from the instrument.");
+  EXPECT_EQ(rig.progress.depth, 0);
+
+  // Cancelled within a second; the answer that is under way is dropped.
+  rig.session->State().Modified = false;
+  rig.Forget();
+  const std::uint32_t before = rig.clock.Now();
+  rig.pump.At(before + 1500, [&] { rig.progress.cancel = true; });
+  EXPECT_FALSE(rig.session->ReadBack());
+  EXPECT_EQ(rig.clock.Now() - before, 2000U);
+  EXPECT_EQ(rig.recorder.exchanges, (EventList{"1 < :TRACe:SEQuence? 0", "1 clear"}));
+  EXPECT_FALSE(rig.session->State().Modified);
 }
 
 }  // namespace

@@ -123,6 +123,11 @@ TEST(StartUp, GivesWayToOtherPrograms) {
   EXPECT_EQ(title, "Tavrin Plindor for QM2210/20");
   EXPECT_THAT(rig.Messages(), ElementsAre("Tavrin Plindor is running. Please restart after terminating it."));
   EXPECT_THAT(rig.recorder.searches, IsEmpty());
+  // A search without its library is not waited for.
+  rig.library = false;
+  rig.Restart();
+  ASSERT_EQ(rig.Start(), StartUpResult::Show);
+  EXPECT_THAT(rig.progress.waits, IsEmpty());
 }
 
 TEST(StartUp, OneInstrumentGoesOnLine) {

@@ -236,6 +236,7 @@ class ProgramRig {
   VirtualBench bench{[this] { return clock.Now(); }};
   VisaFace face{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
   VisaRecorder recorder{bench};
+  bool library = true;  // VISA is there
   SessionOptions options;
   EndProgram* sessionEnd = nullptr;
   LinkedCompiler* compiler = nullptr;
@@ -244,7 +245,8 @@ class ProgramRig {
  private:
   std::unique_ptr<GpFrontEnd> MakeFrontEnd(AppState& state, EndProgram& endProgram) {
     const BackendServices services{state, prompts, endProgram, clock};
-    auto usbTmc = std::make_unique<UsbTmcMdl>(services, [this](std::string*) { return &recorder.Table(); });
+    auto usbTmc = std::make_unique<UsbTmcMdl>(
+        services, [this](std::string*) { return library ? &recorder.Table() : nullptr; });
     InstrumentSearch* search = usbTmc.get();
     const LibraryChoice none{true, {}};
     std::array<std::unique_ptr<GpFamily>, 5> backends;

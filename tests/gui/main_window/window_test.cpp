@@ -285,6 +285,7 @@ TEST(WindowState, TheReasonForBeingOffLineCanBeRead) {
   EXPECT_EQ(online.window->Status().PanelText(StatBar::Connection), "on-line mode");
   EXPECT_THAT(online.window->findChild<QLabel*>("Panel1")->toolTip().toStdString(),
               HasSubstr("Device1: USBTMC 1000001, Ch: 2"));
+  EXPECT_EQ(online.window->Status().PanelText(StatBar::Device), "Device1:QM2220  USBTMC 1000001");
   const AboutFacts facts{"1.2.3", QDate(2018, 9, 5), "libvisa.so: not found", ""};
   EXPECT_EQ(VersionLine(MessageCatalogue(10000), facts), "Version 1.2.3.0 Sept.5,2018");
   EXPECT_EQ(LibraryLines(MessageCatalogue(10000), facts),
