@@ -323,6 +323,21 @@ CatalogueText TextOf(TextId id) {
     case KeyNextOption: return {"Next option of the cell", "セルの選択肢を切り換える"};
     case KeyNextGrid: return {"Next, previous grid", "次／前の表へ"};
     case KeyLeaveGrids: return {"Leave the grids", "表から出る"};
+    case MenuViewBelow: return {"Sequence view below the grids(&B)", "シーケンスビューを表の下に配置(&B)"};
+    case MenuViewBeside: return {"Sequence view beside the grids(&S)", "シーケンスビューを表の右に配置(&S)"};
+    case MenuViewFloat: return {"Sequence view in its own window(&F)", "シーケンスビューを別画面で表示(&F)"};
+    case MenuViewClose: return {"Close sequence view(&C)", "シーケンスビューを閉じる(&C)"};
+    case MenuViewSwitch: return {"Between grids and sequence view(&G)", "表とシーケンスビューの切換(&G)"};
+    case LoopSignTimes: return {"x$1", "$1回"};
+    case LoopSignEndless: return {"∞", "∞"};
+    case ViewStepName: return {"Step $1", "ステップ$1"};
+    case KeysOfView: return {"Graphs of the sequence view", "シーケンスビューのグラフ"};
+    case KeyViewStep: return {"Previous, next step", "前／次のステップへ"};
+    case KeyViewEnds: return {"First, last step", "先頭／末尾のステップへ"};
+    case KeyViewScroll: return {"Scroll along the time axis", "時間軸に沿ってスクロール"};
+    case KeyViewToCell: return {"To the cell of the step", "ステップのセルへ"};
+    case KeyViewDrag: return {"Change a value or a step time", "値またはステップ時間を変更"};
+    case KeyViewDragKeys: return {"Drag the line or the end of the step (Shift: fine, Esc: cancel)", "線またはステップの終端をドラッグ（Shift：微調整、Esc：取消）"};
     // The window's colours, loops, and cells as assistive tools name them.
     case MenuColorsDesktop: return {"Colors of the Desktop(&D)", "配色：デスクトップに合わせる(&D)"};
     case MenuColorsLight: return {"Light Colors(&L)", "配色：ライト(&L)"};

@@ -248,6 +248,25 @@ enum class TextId : int {
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
 
+  // Where the sequence view stands.
+  MenuViewBelow = 7804,
+  MenuViewBeside = 7805,
+  MenuViewFloat = 7806,
+  MenuViewClose = 7807,
+  MenuViewSwitch = 7808,
+
+  // Steps of the sequence view: the signs of the loops above them, what reads them out, their keys.
+  LoopSignTimes = 7820,
+  LoopSignEndless = 7821,
+  ViewStepName = 7822,
+  KeysOfView = 7823,
+  KeyViewStep = 7824,
+  KeyViewEnds = 7825,
+  KeyViewScroll = 7826,
+  KeyViewToCell = 7827,
+  KeyViewDrag = 7828,
+  KeyViewDragKeys = 7829,
+
   // The window's colours.
   MenuColorsDesktop = 7840,
   MenuColorsLight = 7841,

@@ -6,7 +6,6 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QScreen>
 #include <QUrl>
 
 #include "comm/init_options.h"
@@ -16,7 +15,6 @@
 #include "dialogs/frm_notices.h"
 #include "dialogs/frm_shortcuts.h"
 #include "sequence/sequence_file.h"
-#include "ui/form_style.h"
 #include "ui/grid_keys.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
@@ -181,18 +179,35 @@ FrmPreview& MainWindow::NeedPreview() {
       RefreshControls();
       return session_.Sequence().ViewAreas == areas;
     };
-    handlers.closed = [this] {
-      if (!closed_) RefreshControls();
-    };
+    handlers.graphs = HandlersOfGraphs();
+    handlers.closed = [this] { PreviewClosed(); };
     preview_ = std::make_unique<FrmPreview>(session_.State(), session_.Definition(), session_.Sequence(),
                                             session_.Catalogue(), std::move(handlers));
     preview_->setWindowIcon(windowIcon());
+    focus_->Watch(preview_->DisplayMenu());
   }
   return *preview_;
 }
 
-void MainWindow::ClosePreview() {
-  if (preview_) preview_->close();
+// The graphs of the view are a third grid: what is selected or dragged there goes the way of a press or an
+// entry in a cell.
+GraphHandlers MainWindow::HandlersOfGraphs() {
+  GraphHandlers handlers;
+  handlers.selectStep = [this](int step) {
+    if (!CommitEntries()) return false;
+    grids_->SelectRow(RowOf(StepIndex{step}));
+    return true;
+  };
+  handlers.goToCell = [this] {
+    if (preview_->isActiveWindow()) BringForward(*this);
+    grids_->FocusCell();
+  };
+  handlers.enterValue = [this](const CellPlace& place, const std::string& text) {
+    if (!CommitEntries() || !states_.EditCells) return;
+    grids_->SelectCell(place);
+    grids_->Apply(editor_.EnterText(place, text));
+  };
+  return handlers;
 }
 
 void MainWindow::SwitchSignal() {
@@ -200,38 +215,6 @@ void MainWindow::SwitchSignal() {
   signal_->setVisible(shown);
   MenuOf(MenuPlace::View).Item(Command::SignalStrip)->setChecked(shown);
   settings_.WriteSignalShown(shown);
-}
-
-void MainWindow::ViewCommand(Command command) {
-  if (command == Command::SignalStrip) return Perform([this] { SwitchSignal(); });
-  Perform([&] {
-    if (command == Command::EditWindow) {
-      FormStyleNomal();
-      activateWindow();
-      return;
-    }
-    const bool shown = session_.State().SequenceViewShown;
-    FrmPreview& preview = NeedPreview();
-    if (command == Command::TileVertically) {
-      FormStyleAlign();
-      // Beside the frame of this window, as far as the screen reaches. Before it is shown, so that the window
-      // manager counts its frame in.
-      const QRect area = screen()->availableGeometry();
-      const int left = x() + TwipsToPixels(kAlignedStyle.Window, this) + frameGeometry().width() - width();
-      const int frame = frameGeometry().width() - width();
-      preview.move(left, y());
-      preview.resize(std::max(preview.minimumSizeHint().width(), area.right() + 1 - left - frame), height());
-    }
-    preview.showNormal();
-    ShowFields();
-    preview.ShowStates(states_);
-    preview.ShowElapsedTime(session_.State().ElapsedTime);
-    preview.PicDisp();
-    // A run that began without the view is followed from now on, a held one when it goes on.
-    if (!shown && session_.State().RunState != RunState::Stopped) preview.MeasureStart();
-    preview.raise();
-    preview.activateWindow();
-  });
 }
 
 void MainWindow::ChangeMode(OperationMode mode) {
@@ -311,7 +294,12 @@ void MainWindow::ShowAbout() {
 }
 
 void MainWindow::ShowShortcuts() {
-  Perform([&] { FrmShortcuts(session_.Catalogue(), CellKeyLines(session_.Catalogue()), this).exec(); });
+  const MessageCatalogue& texts = session_.Catalogue();
+  Perform([&] {
+    FrmShortcuts(
+        texts, {{TextId::KeysOfGrids, CellKeyLines(texts)}, {TextId::KeysOfView, GraphKeyLines(texts)}}, this)
+        .exec();
+  });
 }
 
 void MainWindow::ShowNotices() {
