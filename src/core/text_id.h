@@ -248,6 +248,48 @@ enum class TextId : int {
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
 
+  // The window's colours.
+  MenuColorsDesktop = 7840,
+  MenuColorsLight = 7841,
+  MenuColorsDark = 7842,
+
+  // Loops beside the step numbers, and cells as assistive tools name them.
+  LoopOnce = 7843,
+  LoopTimes = 7844,
+  LoopEndless = 7845,
+  GridCommonArea = 7846,
+  CellOfStep = 7847,
+  BranchOfStep = 7848,
+  CellWithText = 7849,
+  CellNotInUse = 7850,
+  CellRunning = 7851,
+  CellOfCurrentStep = 7852,
+  CellSpare = 7853,
+
+  // The signal of the current step.
+  MenuSignalStrip = 7870,
+  SignalName = 7871,
+  SignalOpenCircuit = 7872,
+  SignalIntoLoad = 7873,
+  SignalWholeStep = 7874,
+  SignalBegin = 7875,
+  SignalSection = 7876,
+  SignalReading = 7877,
+  SignalNoArbNumber = 7878,
+  SignalNoFile = 7879,
+  SignalFileRefused = 7880,
+  SignalNoTime = 7881,
+  SignalNoStep = 7882,
+  SignalShaded = 7883,
+  SignalNoise = 7884,
+  SignalExternal = 7885,
+  SignalPointPairs = 7886,
+  SignalHint = 7887,
+  SignalRunningStep = 7888,
+  SignalNotShown = 7889,
+  SignalKept = 7890,
+  SignalWaveformFile = 7891,
+
   // Execution panel: the buttons in their order, then the fields.
   ButtonChangeMode = 8000,
   ButtonStart = 8001,

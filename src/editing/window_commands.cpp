@@ -59,6 +59,7 @@ constexpr CommandRow kCommands[] = {
     {EditWindow, TextId::MenuEditWindow, kView, 0, 0, "", nullptr},
     {SequenceView, TextId::MenuViewWindow, kView, 0, 1, "", nullptr},
     {TileVertically, TextId::MenuTile, kView, 0, 2, "", nullptr},
+    {SignalStrip, TextId::MenuSignalStrip, kView, 1, -1, "Ctrl+G", "mnuSignalStrip"},
     {EditMode, TextId::MenuEditMode, kMode, 0, 0, "F9", nullptr},
     {ExecutionMode, TextId::MenuExecutionMode, kMode, 0, 1, "F9", nullptr},
     {Start, TextId::MenuStart, kRun, 0, 0, "F5", nullptr},

@@ -25,6 +25,9 @@ class WindowSettings {
   // nullopt when the file names no usable place.
   std::optional<WindowPlace> Place() const;
   QStringList RecentFiles() const;
+  // The signal strip is kept by itself, when it is switched.
+  bool SignalShown() const;
+  void WriteSignalShown(bool shown) const;
   // A file that cannot be written is no reason to complain: the next start then begins at the default place.
   void Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const;
 
