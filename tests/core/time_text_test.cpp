@@ -18,6 +18,7 @@ TEST(TimeText, RoundsToTenthsAndCarries) {
 }
 
 TEST(AboutDate, MonthPartFollowsTheMonth) {
+  EXPECT_EQ(AboutDate(2018, 1, 5), "Jan.5,2018");
   EXPECT_EQ(AboutDate(2018, 6, 15), "June 15,2018");
   EXPECT_EQ(AboutDate(2018, 13, 5), "");
 }
