@@ -37,7 +37,15 @@ enum class Command {
   EditWindow,
   SequenceView,
   TileVertically,
+  ViewBelow,
+  ViewBeside,
+  ViewFloat,
+  ViewClose,
+  ViewSwitch,
   SignalStrip,
+  ColorsDesktop,
+  ColorsLight,
+  ColorsDark,
   EditMode,
   ExecutionMode,
   Start,
@@ -57,6 +65,7 @@ enum class Command {
   AreaSettings,
   About,
   Shortcuts,
+  Notices,
   CommLog,
 };
 

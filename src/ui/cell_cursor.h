@@ -35,12 +35,18 @@ class CellCursor {
   // The end of the selection; false: it is there already.
   bool DragTo(GridPosition cell);
   void FirstCell();
-  void Reduce();  // to the current cell
+  // The column of each grid and the active grid stay.
+  void SelectRow(GridRow row);
+  void SelectCell(const CellPlace& place);  // of the step grids
+  void Reduce();                            // to the current cell
 
   // Shows current cell and selection; in sight is the current cell or the `end` of the selection. Another
   // definition or a shorter sequence can have left the cursor outside: it comes back in.
   void Show(bool end);
   void Highlight(GridRow row, bool on);
+  // Marks the running step, else the current one, in the step grids; the branch area shows its branches.
+  // True: another step than before.
+  bool MarkStep();
   // Makes `top` the first row of the step grids, as far as each of them then shows the highlighted row.
   void ScrollTo(GridRow top);
   // Scrolls as little as possible until every step grid shows the highlighted row, else the current one.
@@ -56,6 +62,7 @@ class CellCursor {
   void KeepInside();
   int FirstRow() const;
   int RowInSight() const;
+  GridRow StepAt() const;
   void ShowRow(int row, int top);
 
   SequenceEditor& editor_;

@@ -18,6 +18,8 @@ class CellCombo : public QComboBox {
   CellCombo(const char* name, QWidget* parent);
   // True: an entry found by typing is reported as chosen; false: it waits until the cell is left.
   void ChooseAtOnce(bool on) { atOnce_ = on; }
+  // As low as its text allows: it gives the grids' rows their height.
+  QSize sizeHint() const override;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;
@@ -40,8 +42,14 @@ class CellOption : public QRadioButton {
   QSize sizeHint() const override;
 
  protected:
+  void changeEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   bool hitButton(const QPoint& at) const override;
+
+ private:
+  void ShowColors();
+
+  Color background_ = kWindowColor;  // as the definition has it
 };
 
 }  // namespace corlune

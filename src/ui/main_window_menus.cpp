@@ -20,6 +20,7 @@ void MainWindow::BuildMenus() {
   QAction* signal = MenuOf(MenuPlace::View).Item(Command::SignalStrip);
   signal->setCheckable(true);
   signal->setChecked(settings_.SignalShown());
+  MarkColors(settings_.Colors());
   // The menu is told anew whenever it opens: a log is switched by the model definition.
   connect(&MenuOf(MenuPlace::Help), &QMenu::aboutToShow, this,
           [this] { MenuOf(MenuPlace::Help).Item(Command::CommLog)->setVisible(!CommLogPath().empty()); });
@@ -35,6 +36,21 @@ void MainWindow::AddRecentMenu() {
   ShowRecentFiles();
 }
 
+void MainWindow::MarkColors(WindowColors colors) {
+  for (int i = 0; i < kWindowColors; ++i) {
+    const auto command = static_cast<Command>(static_cast<int>(Command::ColorsDesktop) + i);
+    QAction* item = MenuOf(MenuPlace::View).Item(command);
+    item->setCheckable(true);
+    item->setChecked(i == static_cast<int>(colors));
+  }
+}
+
+void MainWindow::ChooseColors(WindowColors colors) {
+  ShowColors(colors);
+  MarkColors(colors);
+  settings_.WriteColors(colors);
+}
+
 void MainWindow::ShowMenuStates() {
   for (CommandMenu* menu : menus_) menu->ShowStates(states_);
   for (QAction* tool : MenuOf(MenuPlace::Tool).actions()) {
@@ -43,6 +59,9 @@ void MainWindow::ShowMenuStates() {
     tool->setStatusTip(Caption(TextId::NotInThisVersion));
   }
   MenuOf(MenuPlace::Edit).ShowUndoNames(editor_);
+  for (const Command command : {Command::ViewClose, Command::ViewSwitch}) {
+    MenuOf(MenuPlace::View).Item(command)->setEnabled(PreviewOpen());
+  }
   recentMenu_->setEnabled(!recentFiles_.isEmpty() && StateOf(RowOf(Command::Open), states_).Enabled);
 }
 

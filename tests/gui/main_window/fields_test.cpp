@@ -50,6 +50,7 @@ TEST(WindowFields, EntriesAreCheckedAndTheOldTextComesBack) {
     EXPECT_EQ(field->selectedText(), field->text());
   }
   EXPECT_FALSE(rig.session->State().Modified) << "the fields are no change of the sequence";
+  const QRect grids = rig.window->Grids().geometry();
   // A press elsewhere stores as well, or names the reason without a message.
   type("TxtStrStep", "7");
   rig.Click(rig.Field("TxtBranch"));
@@ -59,6 +60,16 @@ TEST(WindowFields, EntriesAreCheckedAndTheOldTextComesBack) {
   EXPECT_EQ(rig.session->Sequence().BranchChannel, 3);
   EXPECT_EQ(rig.Field("TxtBranch")->text(), "3");
   EXPECT_TRUE(rig.window->Status().Notice().contains("99"));
+  EXPECT_EQ(rig.window->Grids().geometry(), grids) << "a notice moves nothing";
+  // Escape belongs to an entry first, then to the notice.
+  rig.Type("4");
+  rig.Key(Qt::Key_Escape);
+  EXPECT_EQ(rig.Field("TxtStrStep")->text(), "7");
+  EXPECT_TRUE(rig.window->Status().Notice().contains("99"));
+  rig.Key(Qt::Key_Escape);
+  EXPECT_TRUE(rig.window->Status().Notice().isEmpty());
+  ASSERT_EQ(rig.window->Status().LastNotices().size(), 1U);
+  EXPECT_THAT(rig.window->Status().LastNotices()[0].text, ::testing::HasSubstr("99"));
 }
 
 TEST(WindowFields, TheSequenceNumberGoesIntoTheDownload) {
