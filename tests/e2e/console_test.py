@@ -4,6 +4,7 @@ virtual instrument in real time.
 usage: console_test.py <folder of the programs> <folder of the shipped data> files|runs
 """
 import os
+import pty
 import re
 import shutil
 import signal
@@ -11,6 +12,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import threading
 import time
 import unittest
@@ -54,9 +56,9 @@ class Bench(unittest.TestCase):
         clean = {key: value for key, value in os.environ.items() if not key.startswith("CORLUNE_")}
         return {**clean, "TMPDIR": self.temporary, **more}
 
-    def start(self, *arguments, **more):
-        return subprocess.Popen([CONSOLE, "--folder", self.folder, "--lang", "en", *arguments],
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+    def start(self, *arguments, before=(), stdin=subprocess.DEVNULL, **more):
+        return subprocess.Popen([*before, CONSOLE, "--folder", self.folder, "--lang", "en", *arguments],
+                                stdin=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                 cwd=self.out, env=self.environment(**more))
 
     def run_console(self, *arguments, code=0, **more):
@@ -357,11 +359,16 @@ class Runs(Bench):
 
 class RunToItsEnd(Runs):
     def test_run(self):
-        out, err = self.run_console("run", self.quick_sequence(0.4), "--virtual-instrument", "--yes", "--name", "E2E",
-                                    "--number", "3")
-        text = out.decode()
+        # Started so that it survives its terminal.
+        process = self.start("run", self.quick_sequence(0.4), "--virtual-instrument", "--yes", "--name", "E2E",
+                             "--number", "3", before=["nohup"])
+        text = process.stdout.readline().decode()
+        process.send_signal(signal.SIGHUP)
+        out, err = process.communicate(timeout=100)
+        self.assertEqual(process.returncode, 0, err)
+        text += out.decode()
         # The question that --yes answers.
-        self.assertEqual(err, "Output switch truns to 'on' and sequence will start. Is it OK?\n")
+        self.assertEqual(err.decode(), "Output switch truns to 'on' and sequence will start. Is it OK?\n")
         for line in ("Transmitting the arbitrary wave data.....ARB 1", "Transmitting the sequence data.",
                      "The sequence execution was ended."):
             self.assertIn(line, text)
@@ -373,42 +380,51 @@ class RunToItsEnd(Runs):
 
 
 class RunIsStopped(Runs):
-    def interrupt(self, pattern):
-        """Runs until a line of the output matches, presses Ctrl+C there; what was said, and what was sent."""
+    # In the foreground of a terminal, in a shell that says how it was left.
+    TERMINAL = ["setsid", "-c", "sh", "-c", 'trap : INT; "$@"; code=$?; stty -a >&2; exit $code', "sh"]
+
+    def interrupt(self, pattern, press):
+        """Runs until a line of the output matches; there press(terminal, output); what was said, and what was sent."""
         self.switch_log_on()
-        process = self.start("run", self.quick_sequence(5), "--virtual-instrument", "--yes")
+        master, terminal = pty.openpty()
+        process = self.start("run", self.quick_sequence(5), "--virtual-instrument", "--yes", "--name", "E2E",
+                             before=self.TERMINAL, stdin=terminal)
+        os.close(terminal)
         guard = threading.Timer(90, process.kill)
         guard.start()
-        lines = []
-        pressed = False
-        for line in process.stdout:
-            lines.append(line.decode())
-            if not pressed and re.search(pattern, line.decode()):
-                process.send_signal(signal.SIGINT)
-                pressed = True
-        process.wait()
+        said = ""
+        while not re.search(pattern, said, re.M):
+            line = process.stdout.readline().decode()
+            if not line:
+                self.fail(said + process.stderr.read().decode())
+            said += line
+        self.assertFalse(termios.tcgetattr(master)[3] & (termios.ICANON | termios.ECHO))
+        press(master, process.stdout)
+        said += process.communicate(timeout=90)[1].decode()
         guard.cancel()
-        said = "".join(lines) + process.stderr.read().decode()
-        process.stdout.close()
-        process.stderr.close()
-        self.assertTrue(pressed, said)
         self.assertEqual(process.returncode, 1, said)
-        self.assertNotIn("The sequence execution was ended.", said)
         self.assert_clean("UseStep.txt", "comm.log")
         return said, self.log()
 
-    def test_control_c(self):
-        said, sent = self.interrupt(r"  Step[^\d]*\d$")
+    def test_interrupt(self):
+        # Control and C; as in "run ... | tee log" the reader ends as well.
+        def press(terminal, output):
+            os.write(terminal, b"\x03")
+            output.close()
+        said, sent = self.interrupt(r"  Step[^\d]*\d$", press)
         self.assertEqual(sent.count(":TRIG1:SEL:EXEC STOP"), 1, said)
         # The stop is the last command; the status behind it is read, and the connection is closed.
         self.assertEqual(sent[-3:], [":TRIG1:SEL:EXEC STOP", ":STAT:OPER:CH1:COND?", "ALL < GP_END"])
+        self.assertRegex(said, r" icanon (.|\n)* echo ", "the terminal is given back as it was")
 
 
 class DownloadIsStopped(RunIsStopped):
-    def test_control_c(self):
-        said, sent = self.interrupt("ARB 1")
-        self.assertIn("Nothing was started.", said)
-        self.assertEqual(sent[-2:], [":SYST:ERR?", "ALL < GP_END"], said)
+    """The terminal goes away."""
+    TERMINAL = ["setsid", "-c"]
+
+    def test_interrupt(self):
+        _, sent = self.interrupt("ARB 1", lambda terminal, _: os.close(terminal))
+        self.assertEqual(sent[-2:], [":SYST:ERR?", "ALL < GP_END"])
 
 
 class RunBreaksOff(Runs):
@@ -429,7 +445,7 @@ class ReadIsInterrupted(Runs):
         while b":TRACe:SEQ" not in (read(log) if os.path.exists(log := os.path.join(self.folder, "comm.log")) else b""):
             self.assertIsNone(process.poll())
             time.sleep(0.05)
-        process.send_signal(signal.SIGINT)
+        process.send_signal(signal.SIGTERM)
         process.communicate(timeout=60)
         self.assertEqual(process.returncode, 1)
         self.assert_clean("comm.log")

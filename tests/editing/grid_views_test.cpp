@@ -25,13 +25,6 @@ TEST(GridViews, RowsAndNumbers) {
   rig.editor->EnterStartStep("7");
   EXPECT_EQ(views.ChannelCell(1, GridRow{3}, 0).Text, "9");
   EXPECT_EQ(views.TabCaption(1), "Ch2");
-
-  rig.definition.Common.MaxSteps = 3;
-  EXPECT_EQ(views.RowCount(), 4) << "no spare row at the maximum";
-  EXPECT_EQ(views.CommonHeader(3), "Stop\nPhs[deg]");
-  EXPECT_EQ(views.ChannelHeader(0, kColFrequency), "Frequency\nHz");
-  rig.state.Instruments[0].ChannelCount = 1;
-  EXPECT_EQ(views.ChannelGrids(), 1);
 }
 
 TEST(GridViews, JumpColours) {
@@ -266,20 +259,6 @@ TEST(ControlStates, BySituation) {
     EXPECT_EQ(EnabledOf(state, activity, {row.steps, false}), row.enabled) << row.name;
   }
   EXPECT_EQ(EnabledOf({}, {}, {3, true}).substr(6, 2), "xx") << "paste needs something copied";
-}
-
-TEST(ControlStates, VisibilityComesFromTheDefinition) {
-  ModelDefinition definition = ShippedDefinition();
-  definition.Menus[static_cast<std::size_t>(Menu::Run)].Visible = false;
-  definition.Menus[static_cast<std::size_t>(Menu::File)].Items[1] = false;
-  definition.Buttons[static_cast<std::size_t>(PanelButton::Hold)].Visible = false;
-  const ControlStates states = ControlStatesOf({}, {}, definition, {256, false});
-  EXPECT_FALSE(states.Menus[static_cast<std::size_t>(Menu::Run)].Visible);
-  EXPECT_FALSE(states.MenuItems[static_cast<std::size_t>(Menu::Run)][0].Visible);
-  EXPECT_FALSE(states.MenuItems[static_cast<std::size_t>(Menu::File)][1].Visible);
-  EXPECT_TRUE(states.MenuItems[static_cast<std::size_t>(Menu::File)][0].Visible);
-  EXPECT_FALSE(states.Buttons[static_cast<std::size_t>(PanelButton::Hold)].Visible);
-  EXPECT_FALSE(states.RowAdd.Visible) << "hidden at the maximum step count";
 }
 
 }  // namespace

@@ -224,21 +224,6 @@ TEST(Layout, AWideWindowShowsTheChannelsSideBySide) {
   EXPECT_FALSE(rig.Channel(1).isVisible());
 }
 
-TEST(Scrolling, StepGridsShowTheSameSteps) {
-  GridsRig rig(100);
-  const auto top = [](const QTableView& grid) { return grid.verticalScrollBar()->value(); };
-  rig.panel->ScrollTo({40});
-  EXPECT_EQ(top(rig.Common()), 39);
-  EXPECT_EQ(top(rig.Channel(0)), 39);
-  rig.Channel(0).verticalScrollBar()->setValue(20);
-  EXPECT_EQ(top(rig.Common()), 20);
-  rig.Named<ChannelTabs>("SSTab1").setCurrentIndex(1);
-  QApplication::processEvents();
-  EXPECT_EQ(top(rig.Channel(1)), 20);
-  rig.GoTo(GridArea::Common, 90, 1);
-  EXPECT_EQ(top(rig.Common()), top(rig.Channel(1)));
-}
-
 TEST(Scrolling, TheCurrentRowIsInSightInEveryGrid) {
   for (const int steps : {8, 12, 40}) {
     GridsRig rig(steps);
