@@ -59,6 +59,7 @@ constexpr CommandRow kCommands[] = {
     {EditWindow, TextId::MenuEditWindow, kView, 0, 0, "", nullptr},
     {SequenceView, TextId::MenuViewWindow, kView, 0, 1, "", nullptr},
     {TileVertically, TextId::MenuTile, kView, 0, 2, "", nullptr},
+    {SignalStrip, TextId::MenuSignalStrip, kView, 1, -1, "Ctrl+G", "mnuSignalStrip"},
     {ColorsDesktop, TextId::MenuColorsDesktop, kView, 2, -1, "Ctrl+7", "mnuColorsDesktop"},
     {ColorsLight, TextId::MenuColorsLight, kView, 2, -1, "Ctrl+8", "mnuColorsLight"},
     {ColorsDark, TextId::MenuColorsDark, kView, 2, -1, "Ctrl+9", "mnuColorsDark"},

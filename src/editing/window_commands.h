@@ -37,6 +37,7 @@ enum class Command {
   EditWindow,
   SequenceView,
   TileVertically,
+  SignalStrip,
   ColorsDesktop,
   ColorsLight,
   ColorsDark,

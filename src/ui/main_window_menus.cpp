@@ -18,6 +18,9 @@ void MainWindow::BuildMenus() {
     menuBar()->addMenu(menus_[i]);
   }
   AddRecentMenu();
+  QAction* signal = MenuOf(MenuPlace::View).Item(Command::SignalStrip);
+  signal->setCheckable(true);
+  signal->setChecked(settings_.SignalShown());
   AddColorChoice();
   // The menu is told anew whenever it opens: a log is switched by the model definition.
   connect(&MenuOf(MenuPlace::Help), &QMenu::aboutToShow, this,

@@ -10,6 +10,7 @@ namespace corlune {
 
 namespace {
 constexpr const char* kFileName = "CorluneWindow.ini";
+constexpr const char* kSignalKey = "Window/Signal";
 constexpr const char* kColorsKey = "Window/Colors";
 // Beyond every real desktop; a value outside is damage.
 constexpr int kFarthest = 32768;
@@ -49,6 +50,14 @@ QStringList WindowSettings::RecentFiles() const {
     if (!file.isEmpty() && !files.contains(file) && files.size() < kRecentFiles) files.append(file);
   }
   return files;
+}
+
+bool WindowSettings::SignalShown() const {
+  return QSettings(path_, QSettings::IniFormat).value(QString::fromUtf8(kSignalKey)).toBool();
+}
+
+void WindowSettings::WriteSignalShown(bool shown) const {
+  QSettings(path_, QSettings::IniFormat).setValue(QString::fromUtf8(kSignalKey), shown);
 }
 
 void WindowSettings::Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const {

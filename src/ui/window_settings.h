@@ -27,6 +27,9 @@ class WindowSettings {
   // nullopt when the file names no usable place.
   std::optional<WindowPlace> Place() const;
   QStringList RecentFiles() const;
+  // The signal strip is kept by itself, when it is switched.
+  bool SignalShown() const;
+  void WriteSignalShown(bool shown) const;
   // A number by "section/key"; nullopt: none, or outside `least` to `most`.
   std::optional<int> Number(const char* key, int least, int most) const;
   // A file that cannot be written is no reason to complain: the next start then begins at the default place.
