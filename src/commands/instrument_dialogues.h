@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -23,8 +24,9 @@ class InstrumentDialogues {
   // Sequence operation on, a running or held sequence stopped. False when a query or the stop failed.
   [[nodiscard]] bool PrepareSequenceMode();
   // Waits for the instrument's own compilation after ":TRIG:COMP", about 20 s at most, and no longer once it
-  // was unplugged. Shows message RefusedByInstrument when the instrument refused the sequence (error -222).
-  [[nodiscard]] bool WaitCompileDone();
+  // was unplugged or `goOn`, asked about every 100 ms, says no. Shows message RefusedByInstrument when the
+  // instrument refused the sequence (error -222).
+  [[nodiscard]] bool WaitCompileDone(const std::function<bool()>& goOn = {});
 
  private:
   std::int32_t Address() const;  // of the current instrument (instrument 0)

@@ -59,6 +59,9 @@ void MainWindow::ShowMenuStates() {
     tool->setStatusTip(Caption(TextId::NotInThisVersion));
   }
   MenuOf(MenuPlace::Edit).ShowUndoNames(editor_);
+  for (const Command command : {Command::ViewClose, Command::ViewSwitch}) {
+    MenuOf(MenuPlace::View).Item(command)->setEnabled(PreviewOpen());
+  }
   recentMenu_->setEnabled(!recentFiles_.isEmpty() && StateOf(RowOf(Command::Open), states_).Enabled);
 }
 

@@ -35,7 +35,7 @@ TEST(Download, WholeExchangeInOrder) {
   rig.pump.OnEveryCall({});
   EXPECT_THAT(rig.script.Log(), ElementsAreArray(kWholeDownload));
   EXPECT_THAT(rig.events,
-              ElementsAre("refresh", "input: " + rig.Text(9208),
+              ElementsAre("refresh", "input: " + rig.Text(9208), "progress 0: Preparing the instrument.",
                           "progress 1: Transmitting the arbitrary wave data.....ARB 3",
                           "progress 10: Transmitting the sequence data.",
                           "progress 5: Transmitting the sequence data.", "refresh", "total 2000"));

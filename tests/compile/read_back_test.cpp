@@ -97,7 +97,12 @@ struct ReadRig : corlune::testing::InstrumentRig {
     sequence->StepCount = 3;
     sequence->Steps[0].StepTime = 5;
   }
+  ReadBackEnd Read(int number) {
+    return ReadBackSequence(commands, prompts, progress, catalogue, number, *sequence);
+  }
   corlune::testing::TempFolder folder;
+  corlune::testing::EventList events;
+  corlune::testing::RecordedProgress progress{&events};
   std::unique_ptr<SequenceData> sequence = std::make_unique<SequenceData>();
 };
 
@@ -108,7 +113,10 @@ TEST(ReadBackSequence, TakesOverTheStepsThatDifferFromNewOnes) {
   held->Cell(1, 8, kSlotFrequency).ChangeMode = kModeSweep;
   held->Cell(1, 8, kSlotFrequency).Value = 7;
   rig.script.FileReply(TextOf(*held, 2));
-  ASSERT_TRUE(ReadBackSequence(rig.commands, rig.prompts, rig.catalogue, 3, *rig.sequence));
+  ASSERT_EQ(rig.Read(3), ReadBackEnd::Done);
+  EXPECT_THAT(rig.events, ElementsAre("progress 6: Reading the sequence 3 back from the instrument."));
+  EXPECT_EQ(rig.progress.advances, 6);
+  EXPECT_EQ(rig.progress.depth, 0);
   EXPECT_THAT(rig.script.Log(), ElementsAre("0 < :TRACe:SEQuence? 3", "0 file recvdata.bin"));
   EXPECT_EQ(rig.clock.Now(), 6500u);
   EXPECT_EQ(rig.sequence->StepCount, 9);
@@ -119,7 +127,16 @@ TEST(ReadBackSequence, TakesOverTheStepsThatDifferFromNewOnes) {
 
   // The second channel does not exist for a one-channel instrument.
   rig.state.Instruments[0].ChannelCount = 1;
-  ASSERT_TRUE(ReadBackSequence(rig.commands, rig.prompts, rig.catalogue, 0, *rig.sequence));
+  ASSERT_EQ(rig.Read(0), ReadBackEnd::Done);
+  EXPECT_EQ(rig.sequence->StepCount, 7);
+
+  // Cancelled within a second; the answer that is under way is dropped.
+  rig.script.ClearLog();
+  rig.pump.OnCall(rig.pump.Calls() + 2, [&] { rig.progress.cancel = true; });
+  const std::uint32_t before = rig.clock.Now();
+  EXPECT_EQ(rig.Read(3), ReadBackEnd::Cancelled);
+  EXPECT_EQ(rig.clock.Now() - before, 2000U);
+  EXPECT_THAT(rig.script.Log(), ElementsAre("0 < :TRACe:SEQuence? 3", "dcl"));
   EXPECT_EQ(rig.sequence->StepCount, 7);
 }
 

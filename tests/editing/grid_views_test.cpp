@@ -234,9 +234,11 @@ TEST(ControlStates, BySituation) {
       {"edit, full", "es", 256, "xxxxx x.xx..xxx .x ...... xxxx. x..... .xxx"},
       {"edit, downloading", "eso", 3, "..... ......... .. ...... ..... ...... ....", Work::Download},
       {"edit, may still run", "eso!", 3, "xxxxx x.xxxxxxx .x .x...x xxxx. x.x..x xxxx"},
+      {"edit, output unknown", "eso?", 3, "xxxxx x.xxxxxxx .x .....x xxxx. x....x xxxx"},
       {"the same, downloading", "eso!", 3, "..... ......... .. .x.... ..... ..x... ....", Work::Download},
       {"execution, stopped", "xso", 3, "..xxx ......... x. x...x. .xx.. xx...x ..xx"},
       {"execution, output on", "xso+", 3, "..xxx ......... x. x....x .xx.. xx...x ..xx"},
+      {"execution, output unknown", "xso?", 3, "..xxx ......... x. x....x .xx.. xx...x ..xx"},
       {"execution, may still run", "xso!", 3, "..xxx ......... x. .x...x .xx.. x.x..x ..xx"},
       {"execution, output command", "xso", 3, "..x.. ......... .. ...... ..... ...... ...x", Work::Output},
       {"execution, starting", "xso", 3, "..x.. ......... .. .x.... ..... ..x... ...x", Work::Start},
@@ -256,6 +258,7 @@ TEST(ControlStates, BySituation) {
     state.Online = has('o') ? 1 : 0;
     state.OutputOn = has('+');
     state.MayStillRun = has('!');
+    state.OutputInDoubt = has('?');
     state.CurrentFilePath = "named.dat";
     Activity activity;
     std::optional<WorkGuard> work;

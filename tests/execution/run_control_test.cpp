@@ -40,7 +40,7 @@ TEST(RunControl, StartHoldAndResume) {
                           "refresh", "0 < :STEP?", "0 > 4", "unhighlight 5", "highlight 5", "scroll 4"));
   rig.Forget();
   const std::uint32_t before = rig.clock.Now();
-  rig.control.Button(1);
+  rig.control.MenuItem(0);
   EXPECT_THAT(rig.events, ElementsAre("refresh", "0 < :TRIG1:SEL:EXEC RES", "[0] 9 < :TRIG1:SEL:EXEC RES",
                                       "scroll 4", "timer on", "refresh"));
   EXPECT_EQ(rig.clock.Now() - before, 800U);
@@ -117,6 +117,9 @@ TEST(RunControl, BranchSendsTheChosenEntry) {
     EXPECT_EQ(rig.control.RunCommand(Run::Branch), !row.sent.empty());
     EXPECT_THAT(rig.script.Sent(), ElementsAreArray(row.sent));
     EXPECT_EQ(rig.state.BranchRequested, !row.sent.empty());
+    const std::string notice = "notice: No branch: the step has no branch step for branch channel " +
+                               std::to_string(row.channel) + ".";
+    EXPECT_EQ(std::count(rig.events.begin(), rig.events.end(), notice), row.sent.empty() ? 1 : 0);
     if (!row.sent.empty()) {
       EXPECT_EQ(rig.state.BranchTarget, 10 + row.channel);
     }

@@ -145,9 +145,9 @@ TEST(InterruptionOnTheWay, ItIsRefused) {
          // In a tick it is carried out behind it; everywhere else it is ignored.
          if (!way.session->Activity().Under(Work::Tick)) way.Press(Run::OutputOff);
        }},
-      {"run buttons in a download",
+      {"run commands in a download",
        [](WholeWay& way) {
-         for (int button = 0; button <= 5 && way.inDownload; ++button) way.session->Control().Button(button);
+         for (int item = 0; item <= 5 && way.inDownload; ++item) way.session->Control().MenuItem(item);
        }},
   };
   const Undisturbed& record = PlayUndisturbed();

@@ -325,7 +325,18 @@ TEST(SeveralInstruments, StoppedWithoutAWarningMeansStopped) {
           break;
         case 4:
           if (!below(3)) rig.prompts.answers.push_back(PromptAnswer::Cancel);
-          rig.session->Control().Button(below(6));
+          switch (const int button = below(6)) {
+            case 0:
+              rig.session->Control().SetOperationMode(state.OperationMode == OperationMode::Edit
+                                                          ? OperationMode::Execution
+                                                          : OperationMode::Edit);
+              break;
+            case 5:
+              rig.session->Control().MenuItem(OutputSwitchesOff(state) ? 5 : 4);
+              break;
+            default:
+              rig.session->Control().MenuItem(button - 1);
+          }
           break;
         case 5:
         case 6:
@@ -343,6 +354,9 @@ TEST(SeveralInstruments, StoppedWithoutAWarningMeansStopped) {
       rig.session->NoticeLostConnection();
       ran += state.RunState == RunState::Running;
       warned += state.MayStillRun;
+      for (int i = 1; i <= rig.count && !OutputSwitchesOff(state) && rig.session->Idle(); ++i) {
+        EXPECT_FALSE(rig.Instrument(i).Output(1) || rig.Instrument(i).Output(2)) << "shown as off: " << i;
+      }
       if (state.RunState != RunState::Stopped || state.MayStillRun || !rig.session->Idle()) continue;
       for (int i = 1; i <= rig.count; ++i) {
         EXPECT_EQ(rig.Instrument(i).Phase(), RunPhase::Idle) << "instrument " << i << ", action " << action;

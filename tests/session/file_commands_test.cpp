@@ -92,7 +92,9 @@ TEST(FileCommands, AFileThatCannotBeWrittenStaysAndTheSequenceStaysModified) {
   rig.State().CurrentFilePath = rig.folder.File("old.dat");
   rig.Answer(PromptAnswer::Ok);
   EXPECT_FALSE(rig.session->Save());
-  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("old.dat")));
+  rig.Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.session->WriteFile(rig.folder.File("old.dat"), true));
+  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("old.dat"), HasSubstr("old.dat")));
   EXPECT_TRUE(rig.State().Modified);
 }
 
@@ -130,6 +132,11 @@ TEST(FileCommands, OpenReplacesTheSequenceOrLeavesItAlone) {
     EXPECT_EQ(rig.State().CurrentFilePath, row.message ? "" : rig.folder.File(row.file));
     rig.display.changes.clear();
   }
+  rig.State().Modified = true;
+  rig.Answer(PromptAnswer::No);
+  EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("two.dat")));
+  EXPECT_FALSE(rig.State().Modified);
+  rig.Messages();
   // A model that the definition file describes wrongly is not called unknown as well.
   const std::string definition = TempFolder::Read(rig.folder.File("Corlune_Std.ini"));
   rig.folder.Write("Corlune_Std.ini",

@@ -19,6 +19,7 @@ namespace corlune::testing {
 // Finds what the test put on the bus, by resource prefix.
 class FakeSearch : public InstrumentSearch {
  public:
+  bool CanSearch() override { return library; }
   int GP_Find_Devices(const std::string& expression) override {
     expressions.push_back(expression);
     found_.clear();
@@ -35,6 +36,7 @@ class FakeSearch : public InstrumentSearch {
     bus.push_back({prefix + serial + "::INSTR", serial});
   }
   std::vector<FoundInstrument> bus;
+  bool library = true;
   std::vector<std::string> expressions;
 
  private:

@@ -266,6 +266,11 @@ TEST(StartUp, Simulated) {
   EXPECT_EQ(rig.session->State().Online, 1);
   EXPECT_EQ(rig.script.CountOf("[4] init"), 1);
   EXPECT_THAT(rig.progress.waits, IsEmpty());
+  // Nor is a search waited for that has no library.
+  rig.options.simulated = rig.search.library = false;
+  rig.Restart();
+  ASSERT_EQ(rig.Start(), StartUpResult::Show);
+  EXPECT_THAT(rig.progress.waits, IsEmpty());
 }
 
 // Without a file the instrument tells its model; a serial number names an instrument of any model.

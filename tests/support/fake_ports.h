@@ -191,15 +191,16 @@ class RecordedProgress : public Progress {
   void Advance() override { ++advances; }
   void End() override {
     --depth;
-    cancelled_ = waiting_ = false;
+    cancel = cancelled_ = waiting_ = false;
   }
   void ShowWait(const std::string& text, const std::string&, int, int) override {
     if (!std::exchange(waiting_, true)) ++depth;
     waits.push_back(text);
     cancelled_ = text == cancelAt;
   }
-  bool Cancelled() const override { return cancelled_; }
+  bool Cancelled() const override { return cancelled_ || cancel; }
   std::vector<std::string> waits;
+  bool cancel = false;   // pressed, until the end
   std::string cancelAt;  // the wait in which Cancel is pressed
   int depth = 0;
   int advances = 0;
@@ -222,6 +223,7 @@ class RecordedDisplay : public RunDisplay {
   void ScrollTo(GridRow top) override { Note("scroll " + std::to_string(top.value)); }
   void ShowTotalTime(double ms) override { Note("total " + std::to_string(static_cast<long long>(ms))); }
   void ShowElapsedTime(std::int32_t ms) override { Note("elapsed " + std::to_string(ms)); }
+  void ShowNotice(NoticeLevel, const std::string& text) override { Note("notice: " + text); }
 
  private:
   void Note(std::string what) {

@@ -189,7 +189,7 @@ TEST(CellEntry, AnotherWindowOrAMenuDoesNotEndIt) {
 
 TEST(CellEntry, ATabWithARefusedEntryStays) {
   GridsRig rig(5);
-  auto& tabs = rig.Named<QTabWidget>("SSTab1");
+  auto& tabs = rig.Named<ChannelTabs>("SSTab1");
   rig.GoTo(GridArea::Sequence, 2, 3);
   rig.Type("x");
   rig.prompts.Answer(PromptAnswer::Ok);

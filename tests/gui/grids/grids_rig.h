@@ -15,7 +15,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <QTabWidget>
 #include <QTableView>
 #include <QTest>
 #include <QVBoxLayout>
@@ -24,6 +23,7 @@
 #include "sequence/defaults.h"
 #include "sequence/start_values.h"
 #include "support/fake_ports.h"
+#include "ui/channel_tabs.h"
 #include "ui/grid_panel.h"
 
 namespace corlune::testing {
@@ -55,7 +55,6 @@ class GridsRig {
       ShowStates();
     });
     ShowStates();
-    panel->SetWidths(8415, 10215, 10575);
     window.resize(733, 600);
     window.show();
     window.activateWindow();
@@ -127,7 +126,7 @@ class GridsRig {
     QTableView& grid = area == GridArea::Common     ? Common()
                        : area == GridArea::Sequence ? Channel(channel)
                                                     : Branch();
-    if (area == GridArea::Sequence) Named<QTabWidget>("SSTab1").setCurrentIndex(channel);
+    if (area == GridArea::Sequence) Named<ChannelTabs>("SSTab1").setCurrentIndex(channel);
     QApplication::processEvents();
     Click(grid, row, column);
   }

@@ -67,6 +67,7 @@ TEST(WindowFields, LeavingAFieldStoresOrNamesTheReasonWithoutAMessage) {
   rig.Start();
   EntryField* start = rig.Field("TxtStrStep");
   EntryField* branch = rig.Field("TxtBranch");
+  const QRect grids = rig.window->Grids().geometry();
   start->setFocus();
   start->selectAll();
   rig.Type("7");
@@ -78,6 +79,16 @@ TEST(WindowFields, LeavingAFieldStoresOrNamesTheReasonWithoutAMessage) {
   EXPECT_EQ(rig.session->Sequence().BranchChannel, 1);
   EXPECT_EQ(branch->text(), "1");
   EXPECT_TRUE(rig.window->Status().Notice().contains("99"));
+  EXPECT_EQ(rig.window->Grids().geometry(), grids) << "a notice moves nothing";
+  // Escape belongs to an entry first, then to the notice.
+  rig.Type("4");
+  rig.Key(Qt::Key_Escape);
+  EXPECT_EQ(start->text(), "7");
+  EXPECT_TRUE(rig.window->Status().Notice().contains("99"));
+  rig.Key(Qt::Key_Escape);
+  EXPECT_TRUE(rig.window->Status().Notice().isEmpty());
+  ASSERT_EQ(rig.window->Status().LastNotices().size(), 1U);
+  EXPECT_THAT(rig.window->Status().LastNotices()[0].text, ::testing::HasSubstr("99"));
 }
 
 TEST(WindowFields, TheSequenceNumberGoesIntoTheDownload) {

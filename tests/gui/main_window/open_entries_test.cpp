@@ -6,6 +6,7 @@
 
 #include "gui/main_window/window_rig.h"
 #include "view/frm_preview.h"
+#include "view/graph_canvas.h"
 
 namespace corlune::testing {
 namespace {
@@ -48,6 +49,44 @@ TEST(OpenEntries, ARefusedOneStopsTheCommand) {
   refuse([&] { rig.Item("mnuModeItem_1")->trigger(); });
   refuse([&] { rig.Item("mnuImportCsv")->trigger(); });
   refuse([&] { rig.window->close(); });
+}
+
+TEST(OpenEntries, AreTakenBeforeAStepIsSelectedOrDraggedInTheView) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(3);
+  rig.Item("mnuViewItem_1")->trigger();
+  auto& canvas = *rig.window->Preview()->findChild<GraphCanvas*>();
+  const auto levelAt = [&](int step) {
+    const PlotScale scale = canvas.Scale(0);
+    return QPointF(canvas.StepRect(step).center().x(), scale.YOf(1000)).toPoint();
+  };
+  const auto type = [&](const char* text) {
+    rig.window->activateWindow();
+    rig.window->Grids().SelectFirstCell();
+    rig.Type(QString::fromUtf8(text));
+  };
+  type("0.5");
+  QTest::mouseClick(canvas.viewport(), Qt::LeftButton, {}, levelAt(2));
+  EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 0.5);
+  EXPECT_EQ(rig.editor->Cursor().CurrentRow, 3);
+  EXPECT_EQ(canvas.SelectedStep(), 2);
+  type("x");
+  rig.prompts.Answer(PromptAnswer::Ok);
+  QTest::mouseClick(canvas.viewport(), Qt::LeftButton, {}, levelAt(1));
+  EXPECT_EQ(rig.Messages(), std::vector<std::string>{rig.Text(9108)});
+  EXPECT_EQ(rig.editor->Cursor().CurrentRow, 1);
+  EXPECT_EQ(canvas.SelectedStep(), 0);
+
+  const std::size_t levels = rig.editor->History().Levels();
+  QTest::mousePress(canvas.viewport(), Qt::LeftButton, {}, levelAt(1));
+  for (const int up : {5, 10, 20}) QTest::mouseMove(canvas.viewport(), levelAt(1) - QPoint(0, up));
+  QTest::mouseRelease(canvas.viewport(), Qt::LeftButton);
+  EXPECT_GT(rig.session->Sequence().Cell(0, 1, kSlotFrequency).Value, 1000);
+  EXPECT_EQ(rig.editor->History().Levels(), levels + 1);
+  EXPECT_EQ(SelectedBlock(rig.editor->Cursor()), (GridBlock{GridArea::Sequence, 0, 2, 2, 3, 3}));
+  rig.editor->Undo();
+  EXPECT_EQ(rig.session->Sequence().Cell(0, 1, kSlotFrequency).Value, 1000);
 }
 
 TEST(OpenEntries, OfEitherWindowHoldUpABranchButNotWhatEndsTheRun) {

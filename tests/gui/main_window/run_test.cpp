@@ -78,6 +78,7 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
   EXPECT_EQ(Possible(rig), "0----- EFC");
   EXPECT_FALSE(rig.Button(2)->font().bold()) << "nothing is stopped in edit mode";
   EXPECT_TRUE(rig.session->State().OutputOn && rig.Button(5)->font().bold());
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "Output: ----") << "of no instrument";
 }
 
 TEST(WindowRun, NothingCanBePressedDuringADownload) {
@@ -93,7 +94,7 @@ TEST(WindowRun, NothingCanBePressedDuringADownload) {
     rig.window->OpenPath(rig.folder.File("Corlune_Std.ini"));
     EXPECT_FALSE(rig.window->close());
     EXPECT_FALSE(rig.window->EndOfDesktopSession());
-    rig.session->Control().Button(0);
+    rig.session->Control().SetOperationMode(OperationMode::Execution);
   });
   rig.EnterExecution();
   rig.pump.OnEveryCall({});
@@ -149,7 +150,7 @@ TEST(WindowRun, AFailedDownloadIsNamedInTheStatusBarUntilTheNextCommand) {
     EXPECT_EQ(rig.session->State().OperationMode, OperationMode::Edit);
     EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr(test.notice));
     EXPECT_EQ(rig.window->Status().Notice().isEmpty(), test.notice.empty());
-    EXPECT_EQ(Possible(rig), "0----- EFC");
+    EXPECT_EQ(Possible(rig), "0----5 EFC") << "nobody has asked the outputs yet";
     rig.window->Grids().Run(Command::AddRow);
     rig.prompts.Answer(PromptAnswer::No);
     rig.Key(Qt::Key_N, Qt::ControlModifier);
@@ -190,6 +191,7 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.Tick();
   EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
   EXPECT_EQ(Possible(rig), "0-2--5 EFC");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Mode), "Edit mode");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Elapsed), "Elapsed time:00:00:00.0");
   const auto* warning = rig.window->findChild<QLabel*>("LabWarning");
@@ -201,6 +203,7 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.Key(Qt::Key_F8);
   EXPECT_EQ(rig.script.CountOf("0 < :OUTP1 OFF;:OUTP2 OFF"), 1);
   EXPECT_TRUE(warning->isVisible()) << "switched off, but not stopped";
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25CB\u200AOutput: OFF");
   rig.Key(Qt::Key_F5, Qt::ShiftModifier);
   EXPECT_EQ(rig.script.CountOf("0 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_FALSE(warning->isVisible());
@@ -231,7 +234,8 @@ TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {
     EXPECT_EQ(rig.window->Status().PanelText(StatBar::Connection), "off-line mode");
     EXPECT_FALSE(rig.window->findChild<QPushButton*>("CmdRead")->isEnabled());
     // A start that was not answered may have been taken.
-    EXPECT_EQ(Possible(rig), download ? "0----- EFC" : "0-2--5 EFC");
+    EXPECT_EQ(Possible(rig), download ? "0----5 EFC" : "0-2--5 EFC");
+    EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
     EXPECT_FALSE(rig.session->State().Connected);
   }
 }

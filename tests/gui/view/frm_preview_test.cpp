@@ -105,22 +105,28 @@ TEST(SequenceViewPaintTest, FillsTheEnvelopeBetweenItsEdges) {
   EXPECT_EQ(at(5.7), colors.Background);
 }
 
-TEST(SequenceViewPaintTest, StaysReadableInADarkScheme) {
-  QPalette dark;
-  dark.setColor(QPalette::Window, QColor(40, 40, 40));
-  dark.setColor(QPalette::Base, QColor(25, 25, 25));
-  dark.setColor(QPalette::WindowText, Qt::white);
-  dark.setColor(QPalette::Text, Qt::white);
-  for (const QPalette& palette : {QApplication::palette(), dark}) {
+TEST(SequenceViewPaintTest, StandsOutInEveryScheme) {
+  const auto scheme = [](QColor window, QColor base, QColor text) {
+    QPalette palette(text, window, window, window, window, text, text, base, window);
+    return palette;
+  };
+  for (const QPalette& palette :
+       {QApplication::palette(), scheme(QColor(40, 40, 40), QColor(25, 25, 25), Qt::white),
+        scheme(Qt::black, Qt::black, Qt::white), scheme(Qt::white, Qt::white, Qt::black),
+        scheme(QColor(90, 90, 90), QColor(120, 120, 120), QColor(230, 230, 230))}) {
     const GraphColors colors(palette);
-    const auto distance = [](const QColor& a, const QColor& b) {
-      return std::abs(qGray(a.rgb()) - qGray(b.rgb()));
+    const auto contrast = [](const QColor& a, const QColor& b) {
+      return ContrastRatio(ToColor(a), ToColor(b));
     };
     for (int channel = 0; channel < 2; ++channel) {
-      EXPECT_GT(distance(colors.Channel(channel), colors.Background), 80) << channel;
+      EXPECT_GE(contrast(colors.Channel(channel), colors.Background), kLineContrast) << channel;
     }
-    EXPECT_GT(distance(colors.Text, colors.Panel), 120);
-    EXPECT_GT(distance(colors.Faint, colors.Panel), 60);
+    EXPECT_GE(contrast(colors.Text, colors.Panel), kTextContrast);
+    EXPECT_GE(contrast(colors.Faint, colors.Background), kTextContrast);
+    for (const Color& loop : {Color{0xFF, 0xF2, 0xB3}, Color{0xE3, 0xD0, 0xF0}}) {
+      const QColor fill = colors.Meaning(loop);
+      EXPECT_GE(contrast(colors.TextOn(fill), fill), kTextContrast);
+    }
   }
 }
 
@@ -325,11 +331,11 @@ TEST(SequenceViewScrollTest, KeysScrollAndZoom) {
   QTest::keyClick(&canvas, Qt::Key_End);
   EXPECT_NEAR(canvas.Window().End, 256e3, 1e3);
   const int atEnd = canvas.TopRow();
-  QTest::keyClick(&canvas, Qt::Key_Left);
+  QTest::keyClick(&canvas, Qt::Key_PageUp);
   EXPECT_LT(canvas.TopRow(), atEnd);
   EXPECT_GT(canvas.TopRow(), 1);
   QTest::keyClick(&canvas, Qt::Key_Home);
-  QTest::keyClick(&canvas, Qt::Key_Right);
+  QTest::keyClick(&canvas, Qt::Key_PageDown);
   EXPECT_GT(canvas.TopRow(), 1);
 
   const double zoom = canvas.Zoom();

@@ -54,6 +54,15 @@ class ViewRig : public GraphRig {
       if (accept) sequence.ViewAreas = areas;
       return accept;
     };
+    handlers.graphs.selectStep = [this](int step) {
+      pressed.push_back("step " + std::to_string(step));
+      if (accept) view->ShowSelectedStep(step);
+      return accept;
+    };
+    handlers.graphs.goToCell = [this] { pressed.push_back("cell"); };
+    handlers.graphs.enterValue = [this](const CellPlace& place, const std::string& text) {
+      pressed.push_back(std::to_string(place.Row.value) + "/" + std::to_string(place.Column) + " = " + text);
+    };
     view = std::make_unique<FrmPreview>(state, definition, sequence, catalogue, std::move(handlers));
     view->ShowFields("3", "1", "2");
     view->resize(size);
