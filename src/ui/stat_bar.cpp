@@ -8,7 +8,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "editing/grid_views.h"
+#include "editing/color_theme.h"
 #include "execution/run_state.h"
 #include "ui/elided_label.h"
 #include "ui/notice_bar.h"
