@@ -71,7 +71,7 @@ void AddTexts(const SequenceData& sequence, const ModelDefinition& definition,
 
 void AddLoops(const SequenceData& sequence, const ModelDefinition& definition,
               const MessageCatalogue& catalogue, GraphPicture& picture) {
-  const std::vector<LoopBracket> brackets = LoopBrackets(LoopsOf(sequence));
+  const std::vector<LoopBracket> brackets = NestLoops(LoopsOf(sequence));
   picture.LoopRows = LoopRows(brackets);
   for (const LoopBracket& bracket : brackets) {
     std::string text = "...";

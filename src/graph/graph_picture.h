@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/catalogue.h"
-#include "graph/loop_brackets.h"
+#include "graph/loop_rows.h"
 #include "graph/step_graph.h"
 
 namespace corlune {

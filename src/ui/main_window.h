@@ -114,7 +114,7 @@ class MainWindow : public QMainWindow {
   CommandMenu& MenuOf(MenuPlace place) const { return *menus_[static_cast<std::size_t>(place)]; }
   void ShowMenuStates();
   void ShowRecentFiles();
-  void MarkColors(WindowColors colors);
+  void AddColorChoice();
   void ChooseColors(WindowColors colors);
   void RememberRecent();
 

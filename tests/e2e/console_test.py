@@ -237,6 +237,7 @@ class Files(Bench):
                  f"{DEFINITION} > odd/{DEFINITION}; {program} times tour.dat | head -1", 0, "3 "),
                 (program + " --virtual-instrument read 3", 1, "SPEC QM2210: key CM_STAR"),
                 ("$cli check absent.dat", 1, "The file could not be read. absent.dat"),
+                ("sed s/MODEL=QM2210/MODEL=QM1/ ramp.dat > q && $cli check q", 1, "The model name QM1 is not"),
                 (f"$cli check {DEFINITION}", 1, "The sequence data file error."),
                 (CONSOLE + " --folder absent check ramp.dat", 1, "Initialization file doesn't exist"),
                 ("$cli --virtual-instrument --visa none devices", 1, "VISA: switched off"),
@@ -306,6 +307,8 @@ class Files(Bench):
             (virtual + ["--name", 'quo"te'], {}, "Input value Error!"),
             (virtual + ["--name", "a name of 21 letters."], {}, "--name"),
             (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
+            (["--compiler", os.path.join(PROGRAMS, "libcorlune-virtual-visa.so"), *virtual, "--yes"], {},
+             "CompileSeqData"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
             # Without a person as with --yes: the other answer would end the program at once.

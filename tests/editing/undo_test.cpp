@@ -180,13 +180,6 @@ class RandomEdits {
   std::mt19937 random_;
 };
 
-// Answers every question with OK.
-class Agreeing : public Prompts {
- public:
-  PromptAnswer Message(const MessageRequest&) override { return PromptAnswer::Ok; }
-  std::optional<std::string> Input(const InputRequest&) override { return std::nullopt; }
-};
-
 void ExpectInvariants(EditingRig& rig) {
   const SequenceData& sequence = *rig.sequence;
   const auto computed = std::make_unique<SequenceData>(sequence);
@@ -222,7 +215,10 @@ TEST(Undo, RandomEditsKeepTheInvariantsAndGoBackExactly) {
   for (unsigned seed = 1; seed <= 12; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     EditingRig rig(3);
-    Agreeing agreeing;
+    testing::FakeClock clock;
+    testing::FakePump pump(clock);
+    testing::ScriptedPrompts agreeing;
+    agreeing.AgreeToAll(pump);
     rig.editor =
         std::make_unique<SequenceEditor>(rig.state, rig.definition, *rig.sequence, rig.catalogue, agreeing);
     RandomEdits edits(rig, seed);

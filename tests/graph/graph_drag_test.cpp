@@ -80,7 +80,7 @@ TEST(GraphDragTest, GivesRoundValuesWithinTheBounds) {
   offset.Set(0, kSlotAmplitude, 12);
   DragRig shown(kAmplitude, 0, 20);
   shown.sequence.Channels.Loads[0] = {1, 50};
-  shown.Set(0, kSlotAmplitude, 4);  // shown as 2
+  shown.Set(0, kSlotAmplitude, 4);    // shown as 2
   DragRig level(kFrequency, 0, 200);  // 1 dB a pixel
   level.sequence.Channels.UserUnits[0][kSlotFrequency] = {1, 1, "dB", 20, 0};
   level.definition.UserUnitCapability[0][kSlotFrequency] = 1;
@@ -124,12 +124,12 @@ TEST(GraphDragTest, GivesRoundValuesWithinTheBounds) {
 
 TEST(LoopBracketsTest, ShareTheOutermostRowWhereTheyNestTooDeep) {
   const std::vector<Loop> loops{{0, 1, 3, 0}, {4, 5, 0, 0}, {0, 3, 2, 1}, {0, 6, 4, 2}, {5, 9, 0, 3}};
-  EXPECT_EQ(LoopBrackets(loops), (std::vector<LoopBracket>{{0, 1, 0, 3, 1, false},
-                                                           {4, 5, 0, 0, 1, true},
-                                                           {0, 3, 1, 2, 1, false},
-                                                           {0, 6, 2, 4, 1, false},
-                                                           {5, 9, 3, 0, 1, true}}));
-  const std::vector<LoopBracket> two = LoopBrackets(loops, 2);
+  EXPECT_EQ(NestLoops(loops), (std::vector<LoopBracket>{{0, 1, 0, 3, 1, false},
+                                                        {4, 5, 0, 0, 1, true},
+                                                        {0, 3, 1, 2, 1, false},
+                                                        {0, 6, 2, 4, 1, false},
+                                                        {5, 9, 3, 0, 1, true}}));
+  const std::vector<LoopBracket> two = NestLoops(loops, 2);
   EXPECT_EQ(two.back(), (LoopBracket{0, 9, 1, 2, 3, true}));
   EXPECT_EQ(LoopRows(two), 2);
 }

@@ -23,6 +23,7 @@
 #include "sequence/defaults.h"
 #include "sequence/start_values.h"
 #include "support/fake_ports.h"
+#include "support/samples.h"
 #include "ui/channel_tabs.h"
 #include "ui/grid_panel.h"
 
@@ -33,10 +34,7 @@ class GridsRig {
   explicit GridsRig(int steps = 5, const std::string& definitionFile = CORLUNE_DATA "/Corlune_Std.ini",
                     bool english = true)
       : catalogue(english ? 10000 : 0) {
-    state.ModelName = "QM2220";
-    state.Instruments[0].ChannelCount = 2;
     EXPECT_EQ(ReadModelDefinition(definitionFile, state.ModelName, !english, definition), DefinitionLoad::Ok);
-    state.ModelIndex = static_cast<std::int16_t>(definition.IndexOfModel(state.ModelName));
     ResetSequence(sequence, definition);
     sequence.StepCount = static_cast<std::int16_t>(steps);
     ComputeStartValues(sequence);
@@ -144,7 +142,7 @@ class GridsRig {
     prompts.messages.clear();
   }
 
-  AppState state;
+  AppState state = TwoChannelState();
   ModelDefinition definition;
   SequenceData sequence;
   MessageCatalogue catalogue;

@@ -86,7 +86,7 @@ TEST(WindowFields, TheSequenceNumberGoesIntoTheDownload) {
   rig.Key(Qt::Key_Return);
   EXPECT_EQ(number->text(), "4");
   rig.EnterExecution();
-  EXPECT_EQ(rig.script.CountOf("0 < :TRAC:SEQ:REC 4"), 1);
+  EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ:REC 4"), 1);
 }
 
 }  // namespace

@@ -100,7 +100,7 @@ TEST(WindowRun, NothingCanBePressedDuringADownload) {
   rig.pump.OnEveryCall({});
   ASSERT_GT(seen.size(), 10U) << "a download waits";
   EXPECT_THAT(seen, ::testing::Each(std::string("------ ---")));
-  EXPECT_EQ(rig.script.CountOf("0 block "), 1);
+  EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ 0,"), 1);
   EXPECT_EQ(rig.closed, 0);
   EXPECT_EQ(Possible(rig), "01---5 --C");
 }
@@ -114,15 +114,16 @@ TEST(WindowRun, EndingFromOutsideKeepsTheWorkThenStopsThenCloses) {
   EXPECT_FALSE(rig.window->EndOfDesktopSession()) << "a question is allowed: the run comes first";
   rig.Field("TxtBranch")->setText("3");
   rig.folder.Write("Corlune.ini", "");
-  rig.script.ClearLog();
+  rig.Forget();
   std::string kept;
-  rig.script.onExchange = [&](const std::string&) {
+  rig.recorder.onExchange = [&](const std::string&) {
     if (kept.empty()) kept = TempFolder::Read(rig.folder.File("Corlune_QM2220.ini"));
   };
   EXPECT_TRUE(rig.window->EndFromOutside());
-  EXPECT_THAT(kept, HasSubstr("FI_BRCHCHN=3\r")) << "before the first exchange";
+  EXPECT_THAT(kept, HasSubstr("FI_BRCHCHN=3\r")) << "before the stop";
   EXPECT_THAT(TempFolder::Read(rig.folder.File("Corlune.ini")), HasSubstr("EDIT_MODEL=1,QM2220"));
-  EXPECT_THAT(rig.script.Log(), ElementsAre("timeout 10", "0 < :TRIG1:SEL:EXEC STOP", "end"));
+  EXPECT_THAT(rig.recorder.exchanges, ElementsAre("1 < :TRIG1:SEL:EXEC STOP"));
+  EXPECT_THAT(rig.recorder.connections, ElementsAre("1 close"));
 }
 
 TEST(WindowRun, AFailedDownloadIsNamedInTheStatusBarUntilTheNextCommand) {
@@ -130,7 +131,7 @@ TEST(WindowRun, AFailedDownloadIsNamedInTheStatusBarUntilTheNextCommand) {
   rig.Start();
   rig.AddSteps(1);
   rig.prompts.Type("A");
-  rig.script.Reply(":SYST:ERR?", {"-102,\"Syntax error\""});
+  rig.Faults("text:-102,\"Syntax error\"@:SYST:ERR?");
   rig.Click(rig.Button(0));
   EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr("-102"));
   EXPECT_EQ(Possible(rig), "0----5 EFC");
@@ -157,11 +158,11 @@ TEST(WindowRun, StopWorksWhileTheStartIsStillWaiting) {
     QTest::mouseClick(rig.Button(2), Qt::LeftButton);
     EXPECT_FALSE(rig.window->close()) << "closing during a command wait";
   });
-  rig.script.ClearLog();
+  rig.Forget();
   rig.Key(Qt::Key_F5);
   EXPECT_TRUE(pressed) << "the start command has a wait";
   EXPECT_EQ(rig.session->State().RunState, RunState::Stopped);
-  EXPECT_EQ(rig.script.CountOf("0 < :TRIG1:SEL:EXEC STOP"), 1);
+  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_EQ(Possible(rig), "01---5 --C");
 }
 
@@ -172,7 +173,7 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.AddSteps(2);
   rig.EnterExecution();
   rig.StartRun();
-  rig.script.FailOn("0 < :SOUR1:SEQ:CST?", CommStatus::Error, 99);
+  rig.Faults("error:0xBFFF003E@:SOUR1:SEQ:CST?");
   rig.prompts.Answer(PromptAnswer::Ok);
   rig.Tick();
   EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
@@ -185,13 +186,13 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   EXPECT_THAT(warning->text().toStdString(), HasSubstr("may still be running"));
   rig.prompts.Answer(PromptAnswer::Cancel);
   EXPECT_FALSE(rig.window->close());
-  rig.script.ClearLog();
+  rig.Forget();
   rig.Key(Qt::Key_F8);
-  EXPECT_EQ(rig.script.CountOf("0 < :OUTP1 OFF;:OUTP2 OFF"), 1);
+  EXPECT_EQ(rig.CountSent("1 < :OUTP1 OFF;:OUTP2 OFF"), 1);
   EXPECT_TRUE(warning->isVisible()) << "switched off, but not stopped";
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25CB\u200AOutput: OFF");
   rig.Key(Qt::Key_F5, Qt::ShiftModifier);
-  EXPECT_EQ(rig.script.CountOf("0 < :TRIG1:SEL:EXEC STOP"), 1);
+  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_FALSE(warning->isVisible());
   EXPECT_EQ(Possible(rig), "0----- EFC");
 }
@@ -205,14 +206,14 @@ TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {
     rig.AddSteps(2);
     if (download) {
       rig.prompts.Type("Seq0");
-      rig.script.onExchange = [&](const std::string& line) {
-        if (line.find(" block ") != std::string::npos) rig.script.Unplug();
+      rig.recorder.onExchange = [&](const std::string& line) {
+        if (line.starts_with("1 < :TRAC:SEQ ")) rig.Faults("gone");
       };
       rig.Click(rig.Button(0));
       EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr("instrument 1"));
     } else {
       rig.EnterExecution();
-      rig.script.Unplug();
+      rig.Faults("gone");
       rig.prompts.Answer(PromptAnswer::Ok);
       rig.Key(Qt::Key_F5);
       EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
@@ -230,9 +231,9 @@ TEST(WindowRun, ReadBackLocksEditingAndIsOneUndoEntry) {
   WindowRig rig(WindowRig::Bus::OneInstrument);
   rig.Start();
   rig.AddSteps(2);
-  rig.script.FileReply(
-      "[DATA]\r\nSEQ=1,SYNC,OFF,STAR,OFF\r\n"
-      "STEP#0=7.5,CONT,OFF,0,OFF,1,OFF,1,OFF,1,INF,1,OFF,0\r\n");
+  rig.Faults(
+      "text:[DATA]\r\nSEQ=1,SYNC,OFF,STAR,OFF\r\n"
+      "STEP#0=7.5,CONT,OFF,0,OFF,1,OFF,1,OFF,1,INF,1,OFF,0\r\n@SEQuence?");
   std::vector<std::string> seen;
   rig.pump.OnEveryCall([&] { seen.push_back(Possible(rig)); });
   rig.Click(rig.window->findChild<QPushButton*>("CmdRead"));

@@ -21,11 +21,7 @@ namespace corlune::testing {
 class ViewRig : public GraphRig {
  public:
   explicit ViewRig(int steps = 4, bool english = true)
-      : GraphRig(steps, english), catalogue(english ? 10000 : 0) {
-    state.ModelName = "QM2220";
-    state.ModelIndex = 1;
-    state.Instruments[0].ChannelCount = 2;
-  }
+      : GraphRig(steps, english), catalogue(english ? 10000 : 0) {}
 
   void Load(const std::string& name) {
     ASSERT_EQ(ReadSeqFile(std::string(CORLUNE_DATA "/examples/") + name, SequenceFileForm::User,
@@ -94,7 +90,7 @@ class ViewRig : public GraphRig {
   GraphCanvas& Canvas() { return *view->findChild<GraphCanvas*>(); }
   std::vector<std::string> TakePressed() { return std::exchange(pressed, {}); }
 
-  AppState state;
+  AppState state = TwoChannelState();
   MessageCatalogue catalogue;
   std::vector<std::string> pressed;
   bool accept = true;

@@ -1,10 +1,10 @@
-#include "graph/loop_brackets.h"
+#include "graph/loop_rows.h"
 
 #include <algorithm>
 
 namespace corlune {
 
-std::vector<LoopBracket> LoopBrackets(const std::vector<Loop>& loops, int most) {
+std::vector<LoopBracket> NestLoops(const std::vector<Loop>& loops, int most) {
   std::vector<LoopBracket> brackets;
   std::vector<LoopBracket> outer;
   for (const Loop& loop : loops) {

@@ -1,4 +1,4 @@
-// LoopBrackets: the loops of the sequence as rows of brackets above the steps, in as many rows as they need,
+// LoopRows: the loops of the sequence as rows of brackets above the steps, in as many rows as they need,
 // up to a limit.
 #pragma once
 
@@ -22,7 +22,7 @@ struct LoopBracket {
 
 // By row, then by first step; `most` at least 1. Loops that are nested deeper than the rows reach share the
 // last row: those that overlap become one bracket. Two brackets of a row never share a step.
-std::vector<LoopBracket> LoopBrackets(const std::vector<Loop>& loops, int most = kMostLoopRows);
+std::vector<LoopBracket> NestLoops(const std::vector<Loop>& loops, int most = kMostLoopRows);
 
 // Rows that the brackets take.
 int LoopRows(const std::vector<LoopBracket>& brackets);
