@@ -328,8 +328,6 @@ CatalogueText TextOf(TextId id) {
     case MenuViewFloat: return {"Sequence view in its own window(&F)", "シーケンスビューを別画面で表示(&F)"};
     case MenuViewClose: return {"Close sequence view(&C)", "シーケンスビューを閉じる(&C)"};
     case MenuViewSwitch: return {"Between grids and sequence view(&G)", "表とシーケンスビューの切換(&G)"};
-    case LoopSignTimes: return {"x$1", "$1回"};
-    case LoopSignEndless: return {"∞", "∞"};
     case ViewStepName: return {"Step $1", "ステップ$1"};
     case KeysOfView: return {"Graphs of the sequence view", "シーケンスビューのグラフ"};
     case KeyViewStep: return {"Previous, next step", "前／次のステップへ"};

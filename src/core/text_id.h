@@ -255,9 +255,7 @@ enum class TextId : int {
   MenuViewClose = 7807,
   MenuViewSwitch = 7808,
 
-  // Steps of the sequence view: the signs of the loops above them, what reads them out, their keys.
-  LoopSignTimes = 7820,
-  LoopSignEndless = 7821,
+  // Steps of the sequence view: what reads them out, their keys.
   ViewStepName = 7822,
   KeysOfView = 7823,
   KeyViewStep = 7824,

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "execution/run_state.h"
+#include "core/output_state.h"
 #include "sequence/sequence_data.h"
 
 namespace corlune {

@@ -69,16 +69,11 @@ void AddTexts(const SequenceData& sequence, const ModelDefinition& definition,
   if (lists) picture.Choices = ChannelChoices(definition, picture.Graph.Curves.front().Slot).Texts;
 }
 
-void AddLoops(const SequenceData& sequence, const ModelDefinition& definition,
-              const MessageCatalogue& catalogue, GraphPicture& picture) {
+void AddLoops(const SequenceData& sequence, const ModelDefinition& definition, GraphPicture& picture) {
   const std::vector<LoopBracket> brackets = NestLoops(LoopsOf(sequence));
   picture.LoopRows = LoopRows(brackets);
   for (const LoopBracket& bracket : brackets) {
-    std::string text = "...";
-    if (bracket.Loops == 1) {
-      text = bracket.Endless ? catalogue.GetResString(TextId::LoopSignEndless)
-                             : catalogue.GetResString(TextId::LoopSignTimes, {std::to_string(bracket.Count)});
-    }
+    std::string text = bracket.Loops == 1 ? LoopSign(bracket.Count) : "...";
     picture.Loops.push_back(
         {bracket, std::move(text), bracket.Endless ? definition.EndlessSequence : definition.LoopSequence});
   }
@@ -123,7 +118,7 @@ GraphPicture BuildGraphPicture(const SequenceData& sequence, const ModelDefiniti
     const StepNumber number = NumberOf(StepIndex{static_cast<int>(i)});
     picture.StepLabels.push_back(std::to_string(ShownNumber(number, sequence.StartStep)));
   }
-  AddLoops(sequence, definition, catalogue, picture);
+  AddLoops(sequence, definition, picture);
   if (definition.ReferenceFlag) {
     picture.ReferenceLine = ParseNumber(definition.ReferenceText);
     picture.ReferenceText = definition.ReferenceText;

@@ -28,4 +28,8 @@ std::vector<Loop> LoopsOf(const SequenceData& sequence) {
   return loops;
 }
 
+std::string LoopSign(int count) {
+  return count == 0 ? "∞" : "×" + std::to_string(count);
+}
+
 }  // namespace corlune

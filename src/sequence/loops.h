@@ -2,6 +2,7 @@
 // above the steps of the sequence view.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "sequence/sequence_data.h"
@@ -19,5 +20,8 @@ struct Loop {
 // The loops of the used steps, by level, then by first step. A jump to itself, forward or without a target is
 // no loop: it colours no rows either.
 std::vector<Loop> LoopsOf(const SequenceData& sequence);
+
+// The sign of a loop at its bracket, in every language: "×3", "∞" for one without end.
+std::string LoopSign(int count);
 
 }  // namespace corlune

@@ -10,6 +10,7 @@
 
 #include "comm/init_options.h"
 #include "compile/download_outcome_text.h"
+#include "core/output_state.h"
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_comm_log.h"
 #include "dialogs/frm_notices.h"
@@ -214,7 +215,7 @@ void MainWindow::SwitchSignal() {
   const bool shown = signal_->isHidden();
   signal_->setVisible(shown);
   MenuOf(MenuPlace::View).Item(Command::SignalStrip)->setChecked(shown);
-  settings_.WriteSignalShown(shown);
+  settings_.WriteNumber(WindowSettings::kSignalShown, shown ? 1 : 0);
 }
 
 void MainWindow::ChangeMode(OperationMode mode) {

@@ -60,7 +60,7 @@ QWidget* MainWindow::BuildMiddle(QWidget* parent) {
   middle_->addWidget(grids_);
   middle_->setStretchFactor(0, 1);
   signal_ = new SignalStrip(session_.Catalogue());
-  signal_->setVisible(settings_.SignalShown());
+  signal_->setVisible(settings_.Number(WindowSettings::kSignalShown, 1, 1).has_value());
   middle_->addWidget(signal_);
   pane_ = new ViewPane(session_.Catalogue(), [this](Command command) { Do(command); });
   pane_->hide();

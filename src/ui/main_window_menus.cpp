@@ -20,7 +20,7 @@ void MainWindow::BuildMenus() {
   AddRecentMenu();
   QAction* signal = MenuOf(MenuPlace::View).Item(Command::SignalStrip);
   signal->setCheckable(true);
-  signal->setChecked(settings_.SignalShown());
+  signal->setChecked(!signal_->isHidden());
   AddColorChoice();
   // The menu is told anew whenever it opens: a log is switched by the model definition.
   connect(&MenuOf(MenuPlace::Help), &QMenu::aboutToShow, this,

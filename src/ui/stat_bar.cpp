@@ -8,8 +8,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+#include "core/output_state.h"
 #include "editing/color_theme.h"
-#include "execution/run_state.h"
 #include "ui/elided_label.h"
 #include "ui/notice_bar.h"
 #include "view/time_panel.h"

@@ -4,6 +4,8 @@
 
 #include <QPainterPath>
 
+#include "sequence/loops.h"
+
 namespace corlune {
 
 namespace {
@@ -48,7 +50,7 @@ void PaintPart(QPainter& painter, const QRect& cell, const LoopPart& part, int l
 QString CountOf(const std::vector<LoopPart>& loops) {
   const auto last = std::find_if(loops.begin(), loops.end(), [](const LoopPart& part) { return part.Ends; });
   if (last == loops.end()) return {};
-  return last->Count == 0 ? QStringLiteral("∞") : QStringLiteral("×%1").arg(last->Count);
+  return QString::fromStdString(LoopSign(last->Count));
 }
 
 QFont Small(QFont font) {

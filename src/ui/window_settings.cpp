@@ -10,7 +10,6 @@ namespace corlune {
 
 namespace {
 constexpr const char* kFileName = "CorluneWindow.ini";
-constexpr const char* kSignalKey = "Window/Signal";
 constexpr const char* kColorsKey = "Window/Colors";
 // Beyond every real desktop; a value outside is damage.
 constexpr int kFarthest = 32768;
@@ -41,13 +40,6 @@ std::optional<int> WindowSettings::Number(const char* key, int least, int most) 
   return value;
 }
 
-std::optional<int> WindowSettings::Number(const char* key, int least, int most) const {
-  bool isNumber = false;
-  const int value = QSettings(path_, QSettings::IniFormat).value(QString::fromUtf8(key)).toInt(&isNumber);
-  if (!isNumber || value < least || value > most) return std::nullopt;
-  return value;
-}
-
 QStringList WindowSettings::RecentFiles() const {
   const QSettings settings(path_, QSettings::IniFormat);
   QStringList files;
@@ -55,14 +47,6 @@ QStringList WindowSettings::RecentFiles() const {
     if (!file.isEmpty() && !files.contains(file) && files.size() < kRecentFiles) files.append(file);
   }
   return files;
-}
-
-bool WindowSettings::SignalShown() const {
-  return QSettings(path_, QSettings::IniFormat).value(QString::fromUtf8(kSignalKey)).toBool();
-}
-
-void WindowSettings::WriteSignalShown(bool shown) const {
-  QSettings(path_, QSettings::IniFormat).setValue(QString::fromUtf8(kSignalKey), shown);
 }
 
 void WindowSettings::Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const {
@@ -78,15 +62,6 @@ void WindowSettings::WritePlace(const char* window, const WindowPlace& place) co
   settings.setValue(section + QStringLiteral("/Width"), place.geometry.width());
   settings.setValue(section + QStringLiteral("/Height"), place.geometry.height());
   settings.setValue(section + QStringLiteral("/Maximized"), place.maximized);
-}
-
-void WindowSettings::WriteNumber(const char* key, std::optional<int> number) const {
-  QSettings settings(path_, QSettings::IniFormat);
-  if (number) {
-    settings.setValue(QString::fromUtf8(key), *number);
-  } else {
-    settings.remove(QString::fromUtf8(key));
-  }
 }
 
 void WindowSettings::WriteNumber(const char* key, std::optional<int> number) const {

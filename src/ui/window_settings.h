@@ -29,9 +29,6 @@ class WindowSettings {
   // nullopt when the file names no usable place. `window`: the section of the main window or of the view.
   std::optional<WindowPlace> Place(const char* window = kMainSection) const;
   QStringList RecentFiles() const;
-  // The signal strip is kept by itself, when it is switched.
-  bool SignalShown() const;
-  void WriteSignalShown(bool shown) const;
   // A number by "section/key"; nullopt: none, or outside `least` to `most`.
   std::optional<int> Number(const char* key, int least, int most) const;
   // A file that cannot be written is no reason to complain: the next start then begins at the default place.
@@ -44,6 +41,7 @@ class WindowSettings {
 
   static constexpr const char* kMainSection = "Window";
   static constexpr const char* kViewSection = "View";
+  static constexpr const char* kSignalShown = "Window/Signal";
 
  private:
   QString path_;
