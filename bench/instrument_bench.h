@@ -14,6 +14,7 @@
 #include "comm/usbtmc_backend.h"
 #include "session/session.h"
 #include "standins/cmplseq/compile_file.h"
+#include "standins/virtual_instrument/chosen_face.h"
 #include "standins/virtual_instrument/visa_face.h"
 #include "support/fake_ports.h"
 #include "support/temp_folder.h"
@@ -56,7 +57,7 @@ class InstrumentBench {
   InstrumentBench() {
     std::string problem;
     if (!bench.AddFromText("QM2220:QM000001", "", &problem)) Fail(problem);
-    SetVisaFace(&face);
+    SetFace(&face);
     folder.Write("Corlune_Std.ini", testing::TempFolder::Read(CORLUNE_DATA "/Corlune_Std.ini"));
     SessionOptions options;
     options.appFolder = folder.Path();
@@ -72,7 +73,7 @@ class InstrumentBench {
   }
   ~InstrumentBench() {
     session.reset();
-    SetVisaFace(nullptr);
+    SetFace<VisaFace>(nullptr);
   }
   InstrumentBench(const InstrumentBench&) = delete;
   InstrumentBench& operator=(const InstrumentBench&) = delete;

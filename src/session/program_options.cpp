@@ -9,11 +9,11 @@
 namespace corlune {
 namespace {
 
-constexpr const char* kVirtualVisa =
+constexpr const char* kVirtualInstrument =
 #ifdef _WIN32
-    "corlune-virtual-visa.dll";
+    "corlune-virtual-instrument.dll";
 #else
-    "libcorlune-virtual-visa.so";
+    "libcorlune-virtual-instrument.so";
 #endif
 
 void AddLibrary(CLI::App& app, const std::string& name, const std::string& what, LibraryChoice& option) {
@@ -70,10 +70,8 @@ std::optional<int> ParseWindowOptions(int argc, char** argv, ProgramOptions& opt
 
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder) {
   if (!options.virtualInstrument) return;
-  if (options.visa.file.empty() && !options.visa.none)
-    options.visa = {false, JoinPath(programFolder, kVirtualVisa)};
-  for (LibraryChoice* other : {&options.gpib, &options.usb488, &options.ieee32m}) {
-    if (other->file.empty()) other->none = true;
+  for (LibraryChoice* library : {&options.visa, &options.gpib, &options.usb488, &options.ieee32m}) {
+    if (library->file.empty() && !library->none) library->file = JoinPath(programFolder, kVirtualInstrument);
   }
 }
 

@@ -33,8 +33,8 @@ void AddProgramOptions(CLI::App& app, ProgramOptions& options);
 // program ends here: after the help, which is printed, or after wrong options.
 std::optional<int> ParseWindowOptions(int argc, char** argv, ProgramOptions& options, std::string& file);
 
-// After the parse: --virtual-instrument turns every I/O library that was not named into the virtual
-// instrument's face in `programFolder`, or into none where it has no face.
+// After the parse: --virtual-instrument turns every I/O library that was not named into that of the virtual
+// instruments in `programFolder`, which has the interfaces of all four.
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder);
 
 // The outside parts that `options` (after ResolveProgramOptions) ask for. `prompts` and `clock` must outlive

@@ -20,6 +20,7 @@
 #include "comm/usbtmc_backend.h"
 #include "scenario/visa_recorder.h"
 #include "session/session.h"
+#include "standins/virtual_instrument/chosen_face.h"
 #include "standins/cmplseq/compile_file.h"
 #include "support/fake_ports.h"
 #include "support/temp_folder.h"
@@ -107,7 +108,7 @@ class BenchRig {
       : options_(std::move(benchOptions)) {
     std::string problem;
     EXPECT_TRUE(bench.AddFromText(instruments, "", &problem)) << problem;
-    SetVisaFace(&face);
+    SetFace(&face);
     std::string definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
     if (options_.communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
     if (options_.queriesWait) {
@@ -122,7 +123,7 @@ class BenchRig {
     session.reset();
     EXPECT_EQ(face.OpenObjects(), 0u) << "sessions are left open";
     EXPECT_THAT(prompts.said, ::testing::IsEmpty()) << "messages that the scenario did not expect";
-    SetVisaFace(nullptr);
+    SetFace<VisaFace>(nullptr);
   }
   BenchRig(const BenchRig&) = delete;
   BenchRig& operator=(const BenchRig&) = delete;
