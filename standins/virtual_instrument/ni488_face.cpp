@@ -68,8 +68,11 @@ int Ni488Face::Find(const char* name) {
   return kBoard;
 }
 
-int Ni488Face::Config(int ud, int /*option*/, int /*value*/) {
-  return OnBoard(ud, [] { return Exchanged{}; });
+int Ni488Face::Config(int ud, int option, int value) {
+  return OnBoard(ud, [&] {
+    if (option == NI488_IBC_AUTOPOLL) autoPoll_ = value != 0;
+    return Exchanged{};
+  });
 }
 
 int Ni488Face::SendInterfaceClear(int ud) {

@@ -31,6 +31,9 @@ class Ni488Face {
   int RegisterGlobals(int* ibsta, int* iberr, int* ibcnt, long* ibcntl);
   int UnregisterGlobals();
 
+  bool AutoPoll() const { return autoPoll_; }
+  bool Registered() const { return statusPlace_ != nullptr; }
+
  private:
   // Sets status word, error code and count, also in the registered variables; the status word.
   int Finish(int bits, int error, long count);
@@ -42,6 +45,7 @@ class Ni488Face {
   std::uint32_t timeOut_ = 10'000;  // ms
   std::optional<char> terminator_;
   bool endOnWrite_ = true;
+  bool autoPoll_ = true;
   int ibsta_ = NI488_CMPL;
   int iberr_ = 0;
   long ibcnt_ = 0;
