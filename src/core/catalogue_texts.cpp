@@ -323,6 +323,21 @@ CatalogueText TextOf(TextId id) {
     case KeyNextOption: return {"Next option of the cell", "セルの選択肢を切り換える"};
     case KeyNextGrid: return {"Next, previous grid", "次／前の表へ"};
     case KeyLeaveGrids: return {"Leave the grids", "表から出る"};
+    // The window's colours, loops, and cells as assistive tools name them.
+    case MenuColorsDesktop: return {"Colors of the Desktop(&D)", "配色：デスクトップに合わせる(&D)"};
+    case MenuColorsLight: return {"Light Colors(&L)", "配色：ライト(&L)"};
+    case MenuColorsDark: return {"Dark Colors(&K)", "配色：ダーク(&K)"};
+    case LoopOnce: return {"Steps $1 to $2 are repeated once (2 passes)", "ステップ$1～$2を1回繰り返し（計2回実行）"};
+    case LoopTimes: return {"Steps $1 to $2 are repeated $3 times ($4 passes)", "ステップ$1～$2を$3回繰り返し（計$4回実行）"};
+    case LoopEndless: return {"Steps $1 to $2 are repeated without end", "ステップ$1～$2を無限に繰り返し"};
+    case GridCommonArea: return {"Common area", "共通エリア"};
+    case CellOfStep: return {"$1, step $2", "$1、ステップ$2"};
+    case BranchOfStep: return {"Branch channel $1, step $2", "ブランチチャネル$1、ステップ$2"};
+    case CellWithText: return {"$1: $2", "$1：$2"};
+    case CellNotInUse: return {"not in use", "未使用"};
+    case CellRunning: return {"running", "実行中"};
+    case CellOfCurrentStep: return {"current step", "現在のステップ"};
+    case CellSpare: return {"empty row", "空き行"};
     case TooManySteps: return {"The sequence cannot hold more than $1 steps.", "シーケンスのステップ数は最大$1です。"};
     case StepMessage: return {"Step $1, $2: $3", "ステップ$1、$2：$3"};
     case LineMessage: return {"Line $1, column $2: $3", "$1行目、列 $2：$3"};

@@ -248,6 +248,24 @@ enum class TextId : int {
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
 
+  // The window's colours.
+  MenuColorsDesktop = 7840,
+  MenuColorsLight = 7841,
+  MenuColorsDark = 7842,
+
+  // Loops beside the step numbers, and cells as assistive tools name them.
+  LoopOnce = 7843,
+  LoopTimes = 7844,
+  LoopEndless = 7845,
+  GridCommonArea = 7846,
+  CellOfStep = 7847,
+  BranchOfStep = 7848,
+  CellWithText = 7849,
+  CellNotInUse = 7850,
+  CellRunning = 7851,
+  CellOfCurrentStep = 7852,
+  CellSpare = 7853,
+
   // Execution panel: the buttons in their order, then the fields.
   ButtonChangeMode = 8000,
   ButtonStart = 8001,

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cmath>
 #include <utility>
 
 #include "core/numbers.h"
@@ -70,15 +69,6 @@ std::string CommonText(const ModelDefinition& definition, const SequenceData& se
   if (IsTargetColumn(column)) return TargetText(static_cast<int>(value), sequence.StartStep);
   const ChoiceList list = CommonChoices(definition, column);
   return list.Texts.empty() ? IntegerText(value) : ChoiceText(list, value);
-}
-
-// Relative luminance of an sRGB colour, 0 black to 1 white.
-double Luminance(Color color) {
-  const auto linear = [](std::uint8_t part) {
-    const double value = part / 255.0;
-    return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(color.Red) + 0.7152 * linear(color.Green) + 0.0722 * linear(color.Blue);
 }
 
 }  // namespace
@@ -279,12 +269,6 @@ bool GridViews::RefreshRowColors() {
   if (colors == colors_) return false;
   colors_ = colors;
   return true;
-}
-
-Color TextColorOn(Color background) {
-  // The luminance whose contrast to black and to white is the same.
-  constexpr double kEqualContrast = 0.179;
-  return Luminance(background) > kEqualContrast ? Color{0, 0, 0} : Color{0xFF, 0xFF, 0xFF};
 }
 
 }  // namespace corlune

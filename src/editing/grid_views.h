@@ -103,7 +103,4 @@ class GridViews {
   std::optional<GridRow> highlight_;
 };
 
-// Black or white, whichever stands out more against `background`.
-Color TextColorOn(Color background);
-
 }  // namespace corlune

@@ -8,6 +8,7 @@
 #include <QStylePainter>
 #include <QWheelEvent>
 
+#include "editing/color_theme.h"
 #include "view/to_qcolor.h"
 
 namespace corlune {

@@ -4,7 +4,9 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "editing/color_theme.h"
 #include "ui/grid_model.h"
+#include "view/theme.h"
 #include "view/to_qcolor.h"
 
 namespace corlune {
@@ -16,11 +18,6 @@ constexpr int kFrameWidth = 2;
 
 int Mix(int under, int over) {
   return qRound(under * (1 - kSelectionOpacity) + over * kSelectionOpacity);
-}
-
-Color ToColor(const QColor& color) {
-  return {static_cast<std::uint8_t>(color.red()), static_cast<std::uint8_t>(color.green()),
-          static_cast<std::uint8_t>(color.blue())};
 }
 
 // A triangle that points at the number of the running step. It is drawn, because not every font has one.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "editing/color_theme.h"
 #include "view/to_qcolor.h"
 
 namespace corlune {

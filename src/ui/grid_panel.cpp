@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "core/files.h"
+#include "editing/color_theme.h"
 #include "ui/grid_control.h"
 #include "ui/grid_side.h"
 #include "view/command_menu.h"

@@ -2,7 +2,7 @@
 
 #include <QPushButton>
 
-#include "editing/grid_views.h"
+#include "editing/color_theme.h"
 #include "view/flow_layout.h"
 #include "view/to_qcolor.h"
 

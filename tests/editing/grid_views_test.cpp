@@ -84,9 +84,6 @@ TEST(GridViews, CellColours) {
   EXPECT_FALSE(views.CommonCell(GridRow{1}, 0).Running);
   EXPECT_EQ(views.Highlight(std::nullopt), GridRow{2});
   EXPECT_EQ(views.ChannelCell(0, GridRow{2}, kColFrequency), before);
-
-  EXPECT_EQ(TextColorOn({0, 0, 0x80}), (Color{0xFF, 0xFF, 0xFF}));
-  EXPECT_EQ(TextColorOn({0xFF, 0xF2, 0xB3}), (Color{0, 0, 0}));
 }
 
 TEST(EditorFor, ByColumn) {
