@@ -94,6 +94,11 @@ std::string GpFrontEnd::LibraryProblem() const {
   return problem;
 }
 
+bool GpFrontEnd::CarriesBlocks() const {
+  const InterfaceKind kind = route_.value_or(state_.CurrentInterface);
+  return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
+}
+
 bool GpFrontEnd::ConnectionLost(std::int16_t address) const {
   const GpFamily* backend = Current();
   return backend && backend->ConnectionLost(address);

@@ -58,6 +58,8 @@ class GpFrontEnd {
   std::string OwnLibraryProblem() const;
   // The same, else that of the search.
   std::string LibraryProblem() const;
+  // Of the current back-end: whether GP_Send_AsciiBinary_Data and Gp_Recv_ToFile do anything.
+  bool CarriesBlocks() const;
   // Of the current back-end.
   bool ConnectionLost(std::int16_t address) const;
 

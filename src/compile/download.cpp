@@ -25,10 +25,6 @@ constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
 
-bool CarriesBlocks(InterfaceKind kind) {
-  return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
-}
-
 // What may stand between quotation marks in a command.
 bool IsNameText(const std::string& name) {
   return std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"'; });
@@ -83,19 +79,26 @@ bool Downloader::DownloadSequence() {
   if (UnderWay()) return false;
   endRequested_ = false;
   outcome_ = {};
+  const bool held = commands_.Online() && !commands_.CarriesBlocks();
   if (commands_.Online()) {
-    if (!AgreeToInterface()) {
+    if (held && !AgreeToHeldSequence()) {
       outcome_.End = DownloadEnd::Cancelled;
       return false;
     }
     {
       const WorkGuard downloading(ports_.activity, Work::Download);
       ports_.display.RefreshControls();
-      outcome_.End = Send();
+      outcome_.End = held ? TakeUpHeldSequence() : Send();
     }
     ports_.display.RefreshControls();
   }
   if (outcome_.End != DownloadEnd::Done) return false;
+  state_.HeldSequence = held;
+  if (held) {
+    state_.TotalTime = state_.TotalTimeSecond = -1;
+    ports_.display.ShowTotalTime(state_.TotalTime);
+    return true;
+  }
   const RunTimes times = ComputeRunTimes(sequence_, definition_);
   state_.TotalTime = times.Total;
   state_.TotalTimeSecond = times.Second;
@@ -104,8 +107,7 @@ bool Downloader::DownloadSequence() {
 }
 
 // GPIB and USB488 send commands but no blocks; the person may still want to run what the instrument holds.
-bool Downloader::AgreeToInterface() {
-  if (CarriesBlocks(state_.Instruments[0].InterfaceKind)) return true;
+bool Downloader::AgreeToHeldSequence() {
   return ShowMessage(ports_.prompts, catalogue_, TextId::NoBlocksQuestion, PromptIcon::Question,
                      PromptButtons::OkCancel) == PromptAnswer::Ok;
 }
@@ -115,17 +117,28 @@ DownloadEnd Downloader::Send() {
   const std::string workFile = TransferFile(state_, kSendFileName);
   if (CompileSequence(workFile) != 0) return DownloadEnd::Refused;
 
+  DownloadEnd end = Prepare();
+  if (GoesOn(end)) end = SendWaveforms();
+  if (GoesOn(end)) end = SendBlock(workFile);
+  if (GoesOn(end) && sequence_.SequenceNumber != 0) end = RecordInMemory();
+  if (GoesOn(end)) end = TakeOver();
+  return end;
+}
+
+// One that is compiled already starts as it is; what was transferred since has to be taken over first.
+DownloadEnd Downloader::TakeUpHeldSequence() {
+  DownloadEnd end = Prepare();
+  if (GoesOn(end) && !dialogues_.HoldsCompiledSequence()) end = TakeOver();
+  return end;
+}
+
+DownloadEnd Downloader::Prepare() {
   const CommandEntry& prepare = definition_.Commands.Device.Entries[0];
   if (!prepare.Template.empty() &&
       Failed(commands_.SendCommand(commands_.SelectInstrument(0), prepare.Template, prepare.Wait))) {
     return DownloadEnd::NotSent;
   }
-  if (!dialogues_.PrepareSequenceMode()) return DownloadEnd::NotSent;
-  DownloadEnd end = SendWaveforms();
-  if (GoesOn(end)) end = SendBlock(workFile);
-  if (GoesOn(end) && sequence_.SequenceNumber != 0) end = RecordInMemory();
-  if (GoesOn(end)) end = TakeOver();
-  return end;
+  return dialogues_.PrepareSequenceMode() ? DownloadEnd::Done : DownloadEnd::NotSent;
 }
 
 bool Downloader::GoesOn(DownloadEnd& end) const {

@@ -96,9 +96,13 @@ void MainWindow::RefreshControls() {
   });
   if (preview_ && session_.State().SequenceViewShown) preview_->ShowStates(states_);
   statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceTip()});
-  // On a copy: the run times of the steps belong to what was sent last.
+  // On a copy: the run times of the steps belong to what was sent last. How long a sequence of the
+  // instrument's own takes nobody knows.
   ShowTotalTime(
-      ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition()).Total);
+      RunsHeldSequence(session_.State())
+          ? -1
+          : ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition())
+                .Total);
   RefreshCaption();
 }
 

@@ -16,7 +16,7 @@
 #include "comm/usb488_backend.h"
 #include "comm/usbtmc_backend.h"
 #include "comm_fixture.h"
-#include "standins/virtual_instrument/virtual_faces.h"
+#include "support/bench_tables.h"
 
 namespace corlune::testing {
 
@@ -79,34 +79,6 @@ inline const std::vector<Kind>& Kinds() {
 }
 // clang-format on
 
-// The libraries as a back-end binds them; a test may put functions of its own in.
-struct Tables {
-  VisaTable visa{&viOpenDefaultRM, &viFindRsrc, &viFindNext,   &viOpen,    &viClose, &viSetAttribute,
-                 &viRead,          &viWrite,    &viReadToFile, &viReadSTB, &viClear, &viGpibControlREN};
-  Ni488Table ni488{&ibfind,
-                   &ibconfig,
-                   &ibsic,
-                   &ibsre,
-                   &ibcmd,
-                   &ibwrt,
-                   &ibrd,
-                   &ibeos,
-                   &ibeot,
-                   &ibtmo,
-                   &ReadStatusByte,
-                   &ThreadIbsta,
-                   &ThreadIberr,
-                   &ThreadIbcntl,
-                   &RegisterGpibGlobalsForThread,
-                   &UnregisterGpibGlobalsForThread};
-  Usb488Table usb488{&UsbInitialize,   &UsbFinalize,        &UsbOpenDevice,   &UsbCloseDevice,
-                     &UsbSendTextData, &UsbReceiveTextData, &UsbGetDataCount, &UsbGetStatus,
-                     &UsbGetErrorCode, &UsbSTBQuery,        &UsbSetTimeout,   &UsbDevClear,
-                     &UsbSetIFC,       &UsbEnableRemote,    &UsbEnableLocal,  &UsbCLS};
-  Ieee32mTable ieee32m{&_ieee_board_present, &_ieee_initialize, &_ieee_transmit,   &_ieee_receive,
-                       &_ieee_spoll,         &_ieee_settimeout, &_ieee_setinputEOS};
-};
-
 inline std::string Joined(const std::vector<std::string>& lines) {
   std::string text;
   for (const std::string& line : lines) text += (text.empty() ? "" : "|") + line;
@@ -140,19 +112,15 @@ struct InterfaceRig : CommWorld {
   InterfaceRig(const InterfaceRig&) = delete;
   InterfaceRig& operator=(const InterfaceRig&) = delete;
 
-  template <class Table>
-  static LibraryLoader<Table> Loader(const Table& table) {
-    return [&table](std::string*) { return &table; };
-  }
   void Make() {
     if (kind.kind == InterfaceKind::NiGpib) {
-      gp = std::make_unique<NiGpibMdl>(Services(), Loader(tables.ni488));
+      gp = std::make_unique<NiGpibMdl>(Services(), LoaderOf(tables.ni488));
     } else if (kind.kind == InterfaceKind::KiGpib) {
-      gp = std::make_unique<Ieee32mMdl>(Services(), Loader(tables.ieee32m));
+      gp = std::make_unique<Ieee32mMdl>(Services(), LoaderOf(tables.ieee32m));
     } else if (kind.kind == InterfaceKind::Usb488) {
-      gp = std::make_unique<Usb488Mdl>(Services(), Loader(tables.usb488));
+      gp = std::make_unique<Usb488Mdl>(Services(), LoaderOf(tables.usb488));
     } else if (kind.kind == InterfaceKind::UsbTmc) {
-      gp = std::make_unique<UsbTmcMdl>(Services(), Loader(tables.visa));
+      gp = std::make_unique<UsbTmcMdl>(Services(), LoaderOf(tables.visa));
     } else {
       gp = std::make_unique<SimulatedMdl>(Services(), "");
     }
@@ -201,7 +169,7 @@ struct InterfaceRig : CommWorld {
   const Kind& kind;
   VirtualBench bench{[this] { return clock.Now(); }};
   VirtualFaces faces{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
-  Tables tables;
+  BenchTables tables;  // a test may put functions of its own in
   // "A<*RST\n^|B>1\n^|": bytes to and from the instruments, "^" is END.
   std::string wire;
   std::string block;  // the last one

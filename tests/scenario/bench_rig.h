@@ -20,8 +20,8 @@
 #include "comm/usbtmc_backend.h"
 #include "scenario/visa_recorder.h"
 #include "session/session.h"
-#include "standins/virtual_instrument/chosen_face.h"
 #include "standins/cmplseq/compile_file.h"
+#include "support/bench_tables.h"
 #include "support/fake_ports.h"
 #include "support/temp_folder.h"
 
@@ -98,6 +98,7 @@ struct BenchOptions {
   bool communicationLog = false;  // "comm.log" in the folder
   bool writeSettings = false;     // as the window program does
   std::string responses = {};     // response file: every instrument is simulated
+  bool allInterfaces = false;     // GPIB and USB488 libraries beside VISA
   bool queriesWait = false;       // 20 ms before the reply is read, so that something can come in between
 };
 
@@ -108,7 +109,6 @@ class BenchRig {
       : options_(std::move(benchOptions)) {
     std::string problem;
     EXPECT_TRUE(bench.AddFromText(instruments, "", &problem)) << problem;
-    SetFace(&face);
     std::string definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
     if (options_.communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
     if (options_.queriesWait) {
@@ -121,9 +121,8 @@ class BenchRig {
   }
   ~BenchRig() {
     session.reset();
-    EXPECT_EQ(face.OpenObjects(), 0u) << "sessions are left open";
+    EXPECT_EQ(faces.visa.OpenObjects(), 0u) << "sessions are left open";
     EXPECT_THAT(prompts.said, ::testing::IsEmpty()) << "messages that the scenario did not expect";
-    SetFace<VisaFace>(nullptr);
   }
   BenchRig(const BenchRig&) = delete;
   BenchRig& operator=(const BenchRig&) = delete;
@@ -268,7 +267,8 @@ class BenchRig {
   NoFiles files;
   SessionDisplay sessionDisplay;
   VirtualBench bench{[this] { return clock.Now(); }};
-  VisaFace face{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
+  VirtualFaces faces{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
+  BenchTables tables;
   VisaRecorder recorder{bench};
   std::unique_ptr<Session> session;
 
@@ -284,10 +284,13 @@ class BenchRig {
     auto usbTmc = std::make_unique<UsbTmcMdl>(services, [this](std::string*) { return &recorder.Table(); });
     InstrumentSearch* search = usbTmc.get();
     const LibraryChoice none{true, {}};
+    const bool all = options_.allInterfaces;
     std::array<std::unique_ptr<GpFamily>, 5> backends;
-    backends[0] = std::make_unique<NiGpibMdl>(services, Ni488Loader(none, {}));
-    backends[1] = std::make_unique<Ieee32mMdl>(services, Ieee32mLoader(none, {}));
-    backends[2] = std::make_unique<Usb488Mdl>(services, Usb488Loader(none, {}));
+    backends[0] = std::make_unique<NiGpibMdl>(services, all ? LoaderOf(tables.ni488) : Ni488Loader(none, {}));
+    backends[1] =
+        std::make_unique<Ieee32mMdl>(services, all ? LoaderOf(tables.ieee32m) : Ieee32mLoader(none, {}));
+    backends[2] =
+        std::make_unique<Usb488Mdl>(services, all ? LoaderOf(tables.usb488) : Usb488Loader(none, {}));
     backends[3] = std::move(usbTmc);
     backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
     const bool simulated = !options_.responses.empty();
