@@ -40,6 +40,7 @@ WindowProgram::WindowProgram(const ProgramOptions& options, bool english, std::s
     session_->NoticeLostConnection();
   });
   files_.SetPresentFile([this] { return session_->State().CurrentFilePath; });
+  ShowColors(settings_->Colors());
   QApplication::setFont(UiFont(session_->State()));
   ListenToEndRequests();
   ListenToDesktopSession();

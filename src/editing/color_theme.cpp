@@ -141,4 +141,14 @@ Color StandingOut(Color wished, Color background, double contrast) {
   return Shifted(ToneOf(wished), step, background, contrast, end);
 }
 
+Color LineIn(Color definition, Color background) {
+  // In a pale colour every thin line looks grey or white.
+  constexpr double kStrong = 0.15;
+  constexpr double kLightest = 0.8;
+  Tone tone = ToneOf(definition);
+  tone.Chroma = std::max(tone.Chroma, std::min(2 * tone.Chroma, kStrong));
+  tone.Lightness = std::min(tone.Lightness, kLightest);
+  return StandingOut(ColorOf(tone), background, kLineContrast);
+}
+
 }  // namespace corlune

@@ -38,4 +38,8 @@ Color TextIn(const ColorTheme& theme, Color background);
 // colour has the contrast: black or white.
 Color StandingOut(Color wished, Color background, double contrast);
 
+// A colour of the definition for a thin line on `background`: a pale one gets stronger, so that its hue
+// shows.
+Color LineIn(Color definition, Color background);
+
 }  // namespace corlune

@@ -79,7 +79,8 @@ GridViews::GridViews(const AppState& state, const ModelDefinition& definition, c
       definition_(definition),
       sequence_(sequence),
       catalogue_(catalogue),
-      colors_(JumpColorSet(sequence, definition)) {}
+      colors_(JumpColorSet(sequence, definition)),
+      loops_(sequence) {}
 
 int GridViews::MaxSteps() const {
   return std::clamp<int>(definition_.Common.MaxSteps, 0, MAX_STEPS);
@@ -266,9 +267,15 @@ std::optional<GridRow> GridViews::Highlight(std::optional<GridRow> row) {
 
 bool GridViews::RefreshRowColors() {
   const RowColors colors = JumpColorSet(sequence_, definition_);
-  if (colors == colors_) return false;
+  LoopBrackets loops(sequence_);
+  if (colors == colors_ && loops == loops_) return false;
   colors_ = colors;
+  loops_ = std::move(loops);
   return true;
+}
+
+std::string GridViews::LoopText(GridRow row) const {
+  return loops_.Text(IndexOf(row).value, sequence_.StartStep, catalogue_);
 }
 
 }  // namespace corlune

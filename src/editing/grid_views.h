@@ -1,5 +1,6 @@
 // GridViews: what the three grids show, computed from the sequence and the model definition. Nothing is kept
-// but the row colours and the marked row, so that a cell always shows what a rebuild from scratch would.
+// but the row colours, the loops and the running row, so that a cell always shows what a rebuild from scratch
+// would.
 //
 // Rows and columns as in grid_place.h. Widths and heights are twips (15 to a pixel at 96 dpi). Texts are
 // UTF-8, lines separated by "\n".
@@ -12,6 +13,7 @@
 #include "core/app_state.h"
 #include "core/catalogue.h"
 #include "editing/grid_place.h"
+#include "editing/loop_brackets.h"
 #include "editing/row_colors.h"
 
 namespace corlune {
@@ -81,8 +83,14 @@ class GridViews {
   std::optional<GridRow> HighlightedRow() const { return highlight_; }
 
   const RowColors& Colors() const { return colors_; }
-  // Returns true when a colour changed.
+  // Returns true when a colour or a loop changed.
   bool RefreshRowColors();
+
+  // Brackets beside the step numbers; up to date as the row colours are.
+  int LoopLanes() const { return loops_.Lanes(); }
+  std::vector<LoopPart> LoopParts(GridRow row) const { return loops_.At(IndexOf(row).value); }
+  // The loops around a step in words, a line each; empty: none.
+  std::string LoopText(GridRow row) const;
 
   const AppState& State() const { return state_; }
   const ModelDefinition& Definition() const { return definition_; }
@@ -100,6 +108,7 @@ class GridViews {
   const SequenceData& sequence_;
   const MessageCatalogue& catalogue_;
   RowColors colors_{};
+  LoopBrackets loops_;
   std::optional<GridRow> highlight_;
 };
 

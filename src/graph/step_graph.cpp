@@ -5,6 +5,7 @@
 
 #include "core/numbers.h"
 #include "editing/param_rules.h"
+#include "graph/output_swing.h"
 #include "sequence/units.h"
 #include "sequence/user_units.h"
 
@@ -13,8 +14,7 @@ namespace corlune {
 namespace {
 
 constexpr double kMsPerSecond = 1000;
-constexpr int kLogarithmic = 1;  // form of a user unit
-constexpr int kLogPoints = 16;   // lines that stand for a ramp in a logarithmic unit
+constexpr int kLogPoints = 16;  // lines that stand for a ramp in a logarithmic unit
 
 int UsedSteps(const SequenceData& sequence) {
   return std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
@@ -81,34 +81,6 @@ GraphCurve BuildCurve(const SequenceData& sequence, const ModelDefinition& defin
     }
   }
   return curve;
-}
-
-// The part of a full swing that lies below and above the offset: the range FS reaches to both sides, PFS only
-// above, MFS only below.
-std::array<double, 2> SwingParts(const SequenceData& sequence, int channel, int step) {
-  constexpr int kRanges = 3;
-  const double code = sequence.Cell(channel, step, kSlotPolarityRange).Value;
-  switch (ToInt16(code).value_or(0) % kRanges) {
-    case 1:
-      return {0, 1};
-    case 2:
-      return {-1, 0};
-    default:
-      return {-0.5, 0.5};
-  }
-}
-
-// Amplitude and offset can be added: both are in volts, or in user units that scale volts alike.
-bool SameUnit(const SequenceData& sequence, const ModelDefinition& definition, int channel) {
-  const UserUnits units(sequence, definition);
-  const bool active = units.Active(channel, kSlotAmplitude);
-  if (active != units.Active(channel, kSlotOffset)) return false;
-  if (!active) return true;
-  const auto& table = sequence.Channels.UserUnits[Index(channel)];
-  const UserUnitDef& swing = table[kSlotAmplitude];
-  const UserUnitDef& middle = table[kSlotOffset];
-  return swing.Form != kLogarithmic && middle.Form != kLogarithmic && swing.UnitText == middle.UnitText &&
-         swing.M == middle.M && swing.N == 0;
 }
 
 bool DrawsEnvelope(const SequenceData& sequence, const ModelDefinition& definition, int channel,

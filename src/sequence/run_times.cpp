@@ -44,16 +44,20 @@ double LoopTime(const SequenceData& sequence, const ModelDefinition& definition,
 
 }  // namespace
 
+double RunTimeOf(const SequenceData& sequence, const ModelDefinition& definition, int slot) {
+  const StepRow& row = sequence.Step(slot);
+  const ParamCell& frequency = sequence.Cell(0, slot, kSlotFrequency);
+  return StepRunTimeOf(row, StepTimeMs(row, definition), BaseValue(definition, kSlotFrequency, frequency));
+}
+
 RunTimes ComputeRunTimes(SequenceData& sequence, const ModelDefinition& definition) {
   double total = 0;
   bool endless = false;
   const int used = std::clamp<int>(sequence.StepCount, 0, MAX_STEPS);
   for (int slot = 0; slot < used; ++slot) {
     StepRow& row = sequence.Step(slot);
-    const double stepTime = StepTimeMs(row, definition);
-    total += stepTime;
-    const ParamCell& frequency = sequence.Cell(0, slot, kSlotFrequency);
-    row.StepRunTime = StepRunTimeOf(row, stepTime, BaseValue(definition, kSlotFrequency, frequency));
+    total += StepTimeMs(row, definition);
+    row.StepRunTime = RunTimeOf(sequence, definition, slot);
     if (row.JumpOn != 1) continue;
     if (row.JumpCountOn == 0) endless = true;
     if (row.JumpCount > 0) total += row.JumpCount * LoopTime(sequence, definition, slot);

@@ -20,4 +20,7 @@ inline constexpr double kEndless = -1;
 // step behind it, adds nothing. The time does not grow with the jump counts.
 RunTimes ComputeRunTimes(SequenceData& sequence, const ModelDefinition& definition);
 
+// What ComputeRunTimes stores for the step in `slot` (0..255): its length with the stop phase, ms.
+double RunTimeOf(const SequenceData& sequence, const ModelDefinition& definition, int slot);
+
 }  // namespace corlune

@@ -16,7 +16,6 @@ constexpr std::array<int, kUserUnitQuantities> kQuantitySlots{kSlotFrequency, kS
                                                               kSlotPhase, kSlotDuty};
 constexpr std::int32_t kHighImpedance = 0;
 constexpr std::int32_t kVariableLoad = 1;
-constexpr std::int32_t kLogarithmic = 1;
 // Values of the polarity and range slot with the full range; in the others the amplitude counts half.
 constexpr double kNormalFullScale = 0;
 constexpr double kInvertedFullScale = 3;
@@ -81,9 +80,14 @@ std::optional<double> UserUnits::Load(int channel, int slot) const {
   return load.LoadValue;
 }
 
+double UserUnits::Volts(double value, int channel, int step, int slot) const {
+  const double inRange = HalvesAmplitude(channel, step, slot) ? value / 2 : value;
+  const auto load = Load(channel, slot);
+  return load ? inRange * *load / (*load + kSourceResistance) : inRange;
+}
+
 double UserUnits::SystemToUser(double value, int channel, int step, int slot) const {
-  double shown = HalvesAmplitude(channel, step, slot) ? value / 2 : value;
-  if (const auto load = Load(channel, slot)) shown = shown * *load / (*load + kSourceResistance);
+  const double shown = Volts(value, channel, step, slot);
   if (!Active(channel, slot)) {
     return FromBase(SlotColumn(definition_, slot), shown, ShownUnit(definition_, sequence_, channel, slot));
   }

@@ -18,6 +18,7 @@ inline constexpr double kMinLoad = 1;            // ohms
 inline constexpr double kMaxLoad = 10000;
 inline constexpr double kDefaultLoad = 50;
 inline constexpr std::size_t kMaxUnitText = 4;
+inline constexpr std::int32_t kLogarithmic = 1;  // form of a user unit
 
 // The quantities that can have a user unit, in the order of the channel settings dialog: frequency,
 // amplitude, offset, phase, duty.
@@ -40,6 +41,8 @@ class UserUnits {
 
   // The displayed number of a base value. A logarithmic unit returns 0 and negative values unconverted.
   double SystemToUser(double value, int channel, int step, int slot) const;
+  // A stored amplitude or offset in volts at the load, whatever unit shows it.
+  double Volts(double value, int channel, int step, int slot) const;
   // The base value of a displayed number; the inverse of SystemToUser.
   double UserToSystem(double value, int channel, int step, int slot) const;
   // The cell text of a base value; "Inf" for 0 and "Over" below 0 in a logarithmic unit.

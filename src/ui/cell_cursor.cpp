@@ -157,7 +157,7 @@ void CellCursor::Show(bool end) {
   const GridPosition shown = end ? cursor.SelectionEnd() : cursor.Current();
   const GridTable& active = Table();
   if (cursor.ActiveGrid == GridArea::Sequence) tables_.Tabs->setCurrentIndex(cursor.CurrentChannel);
-  tables_.Branch->Model().ShowStep({cursor.CurrentRow});
+  MarkStep();
   for (GridTable* table : tables_.All()) {
     QItemSelectionModel& selection = *table->selectionModel();
     if (table != &active || LastRow() < 1) {
@@ -185,6 +185,18 @@ void CellCursor::Highlight(GridRow row, bool on) {
     if (on && before != row) table->Model().RowsChanged(row.value, row.value);
   }
   if (on) KeepInSight();
+}
+
+GridRow CellCursor::StepAt() const {
+  const std::optional<GridRow> running = editor_.Views().HighlightedRow();
+  const bool isStep = running && running->value >= 1 && running->value <= editor_.Views().StepCount();
+  return isStep ? *running : GridRow{At().CurrentRow};
+}
+
+bool CellCursor::MarkStep() {
+  bool other = false;
+  for (const GridTable* table : tables_.All()) other |= table->Model().ShowStep(StepAt());
+  return other;
 }
 
 void CellCursor::ScrollTo(GridRow top) {

@@ -41,6 +41,9 @@ class CellCursor {
   // definition or a shorter sequence can have left the cursor outside: it comes back in.
   void Show(bool end);
   void Highlight(GridRow row, bool on);
+  // Marks the running step, else the current one, in the step grids; the branch area shows its branches.
+  // True: another step than before.
+  bool MarkStep();
   // Makes `top` the first row of the step grids, as far as each of them then shows the highlighted row.
   void ScrollTo(GridRow top);
   // Scrolls as little as possible until every step grid shows the highlighted row, else the current one.
@@ -56,6 +59,7 @@ class CellCursor {
   void KeepInside();
   int FirstRow() const;
   int RowInSight() const;
+  GridRow StepAt() const;
   void ShowRow(int row, int top);
 
   SequenceEditor& editor_;

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QAbstractScrollArea>
+#include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -136,7 +137,10 @@ void CellEditors::Open(QAbstractScrollArea& grid, const QRect& cell, const CellP
   Place(cell);
   const std::vector<QWidget*> now = Shown();
   for (QWidget* editor : now) {
-    editor->setAccessibleName(name);
+    const auto* option = qobject_cast<const CellOption*>(editor);
+    editor->setAccessibleName(option != nullptr ? name + QStringLiteral(": ") + option->text() : name);
+    // X11 tools are told the entry as the name of a list.
+    if (qobject_cast<const QComboBox*>(editor) != nullptr) editor->setAccessibleDescription(name);
     editor->show();
     editor->raise();
   }
@@ -215,7 +219,14 @@ QWidget* CellEditors::Main() const {
 }
 
 void CellEditors::Focus() {
-  if (open_) Main()->setFocus(Qt::OtherFocusReason);
+  if (!open_) return;
+  const bool stays = Main()->hasFocus();
+  Main()->setFocus(Qt::OtherFocusReason);
+  // The cursor has moved with the editor, which assistive tools take for the same control as before.
+  if (stays && QAccessible::isActive()) {
+    QAccessibleEvent event(Main(), QAccessible::Focus);
+    QAccessible::updateAccessibility(&event);
+  }
 }
 
 bool CellEditors::HasFocus() const {

@@ -60,7 +60,7 @@ void CellEntry::Put(const CellPlace& place, const EditorSpec& spec) {
   GridTable& table = tables_.Of(place.Area, place.Channel);
   const GridPosition cell = place.Position();
   editors_.Open(table, table.visualRect(table.At(cell.Row, cell.Column)), place, spec,
-                table.Model().headerData(cell.Column, Qt::Horizontal).toString().simplified());
+                table.Model().CellName(table.At(cell.Row, cell.Column)));
 }
 
 void CellEntry::FollowCell() {

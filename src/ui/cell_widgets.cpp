@@ -8,8 +8,7 @@
 #include <QStylePainter>
 #include <QWheelEvent>
 
-#include "editing/color_theme.h"
-#include "view/to_qcolor.h"
+#include "view/theme.h"
 
 namespace corlune {
 
@@ -76,16 +75,25 @@ CellOption::CellOption(const char* name, QWidget* parent) : QRadioButton(parent)
 void CellOption::Offer(const EditorOption& option) {
   QString caption = QString::fromStdString(option.Caption);
   setText(caption.replace(QLatin1Char('&'), QLatin1String("&&")));
-  const QColor background = ToQColor(option.Background);
-  const QColor text = ToQColor(TextColorOn(option.Background));
-  QPalette colors = QApplication::palette();
+  background_ = option.Background;
+  ShowColors();
+}
+
+void CellOption::ShowColors() {
+  const DefinitionColors::Look look = DefinitionColors().Of(QApplication::palette(), background_);
+  QPalette colors = palette();
   for (const auto role : {QPalette::Window, QPalette::Button, QPalette::Base}) {
-    colors.setColor(role, background);
+    colors.setColor(role, look.Background);
   }
   for (const auto role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text}) {
-    colors.setColor(role, text);
+    colors.setColor(role, look.Text);
   }
-  setPalette(colors);
+  if (colors != palette()) setPalette(colors);
+}
+
+void CellOption::changeEvent(QEvent* event) {
+  QRadioButton::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) ShowColors();
 }
 
 void CellOption::paintEvent(QPaintEvent*) {
@@ -94,7 +102,8 @@ void CellOption::paintEvent(QPaintEvent*) {
   initStyleOption(&option);
   option.rect.setLeft(kOptionPadding);
   painter.drawControl(QStyle::CE_RadioButton, option);
-  painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid));
+  painter.setPen(LineOn(palette().color(QPalette::Window),
+                        palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid)));
   painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 

@@ -40,8 +40,14 @@ class CellOption : public QRadioButton {
   QSize sizeHint() const override;
 
  protected:
+  void changeEvent(QEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
   bool hitButton(const QPoint& at) const override;
+
+ private:
+  void ShowColors();
+
+  Color background_ = kWindowColor;  // as the definition has it
 };
 
 }  // namespace corlune

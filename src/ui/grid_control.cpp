@@ -113,6 +113,21 @@ void GridControl::SelectFirstCell() {
   Moved(true);
 }
 
+void GridControl::HighlightRow(GridRow row, bool on) {
+  cursor_.Highlight(row, on);
+  if (on) {
+    MarkStep();
+  } else {
+    // The monitor takes the mark away and sets it again at once: nothing is to go to the current row in
+    // between.
+    QMetaObject::invokeMethod(this, &GridControl::MarkStep, Qt::QueuedConnection);
+  }
+}
+
+void GridControl::MarkStep() {
+  if (cursor_.MarkStep()) emit Refreshed();
+}
+
 void GridControl::ReduceSelection() {
   cursor_.Reduce();
   ShowCursor(entry_.Allowed());

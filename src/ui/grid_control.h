@@ -32,7 +32,7 @@ class GridControl : public QObject {
   void ShowCursor(bool open);
   void SelectFirstCell();
   void ReduceSelection();
-  void HighlightRow(GridRow row, bool on) { cursor_.Highlight(row, on); }
+  void HighlightRow(GridRow row, bool on);
   void ScrollTo(GridRow top) { cursor_.ScrollTo(top); }
   // Gives the focus to the current cell, with its editor where it can be edited.
   void FocusCell();
@@ -57,6 +57,7 @@ class GridControl : public QObject {
  private:
   void Connect(GridTable& table);
   bool FocusInside() const;
+  void MarkStep();
   // Shows the cursor where a key or press has taken it.
   void Moved(bool open);
 

@@ -2,11 +2,9 @@
 
 #include <QAbstractItemView>
 #include <QPainter>
-#include <QPainterPath>
 
-#include "editing/color_theme.h"
 #include "ui/grid_model.h"
-#include "view/theme.h"
+#include "ui/step_number_painter.h"
 #include "view/to_qcolor.h"
 
 namespace corlune {
@@ -15,23 +13,10 @@ namespace {
 
 constexpr double kSelectionOpacity = 0.3;
 constexpr int kFrameWidth = 2;
+constexpr int kRowLine = 2;  // above and below the marked row
 
 int Mix(int under, int over) {
   return qRound(under * (1 - kSelectionOpacity) + over * kSelectionOpacity);
-}
-
-// A triangle that points at the number of the running step. It is drawn, because not every font has one.
-void PaintRunningMark(QPainter& painter, QRect& text) {
-  const int side = text.height() * 2 / 5;
-  const QPoint middle(text.left(), text.center().y());
-  QPainterPath mark(QPointF(middle.x(), middle.y() - side / 2.0));
-  mark.lineTo(middle.x() + side * 0.85, middle.y());
-  mark.lineTo(middle.x(), middle.y() + side / 2.0);
-  mark.closeSubpath();
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.fillPath(mark, painter.pen().color());
-  painter.setRenderHint(QPainter::Antialiasing, false);
-  text.setLeft(text.left() + side);
 }
 
 }  // namespace
@@ -46,16 +31,28 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
   if (model == nullptr) return;
   const CellView cell = model->Cell(index);
   const QColor highlight = option.palette.color(QPalette::Highlight);
-  QColor background = ToQColor(cell.Background);
-  if (option.state.testFlag(QStyle::State_Selected)) background = SelectedColor(background, highlight);
+  DefinitionColors::Look look = colors_.Of(option.palette, cell.Background);
+  if (option.state.testFlag(QStyle::State_Selected)) {
+    look.Background = SelectedColor(look.Background, highlight);
+    look.Text = ToQColor(TextIn(colors_.Theme(option.palette), ToColor(look.Background)));
+  }
 
   painter->save();
-  painter->fillRect(option.rect, background);
-  painter->setFont(option.font);
-  painter->setPen(ToQColor(TextColorOn(ToColor(background))));
-  QRect text = option.rect.adjusted(kCellPadding, 0, -kCellPadding, 0);
-  if (cell.Running && index.column() == 0) PaintRunningMark(*painter, text);
-  if (!cell.Text.empty()) {
+  painter->fillRect(option.rect, look.Background);
+  const bool marked = model->IsMarked(index);
+  QFont font = option.font;
+  font.setBold(marked && index.column() == 0);
+  painter->setFont(font);
+  const QColor accent = LineOn(look.Background, highlight);
+  if (marked) {
+    painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), kRowLine)), accent);
+    painter->fillRect(option.rect.adjusted(0, option.rect.height() - kRowLine, 0, 0), accent);
+  }
+  if (index.column() == 0 && model->Area() != GridArea::Branch) {
+    PaintNumber(*painter, option.rect, *model, index, cell, look);
+  } else if (!cell.Text.empty()) {
+    painter->setPen(look.Text);
+    const QRect text = option.rect.adjusted(kCellPadding, 0, -kCellPadding, 0);
     const QString shown =
         option.fontMetrics.elidedText(QString::fromStdString(cell.Text), Qt::ElideRight, text.width());
     const auto alignment = static_cast<int>(index.data(Qt::TextAlignmentRole).toInt());
@@ -64,10 +61,27 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
   // The frame stays when the focus is elsewhere: it tells where the row commands act.
   const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
   if (view != nullptr && view->currentIndex() == index) {
-    painter->setPen(QPen(highlight, kFrameWidth, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter->setPen(QPen(accent, kFrameWidth, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
   }
   painter->restore();
+}
+
+void GridDelegate::PaintNumber(QPainter& painter, const QRect& rect, const GridModel& model,
+                               const QModelIndex& index, const CellView& cell,
+                               const DefinitionColors::Look& look) {
+  const GridViews& views = model.Views();
+  StepNumberCell shown;
+  shown.Number = QString::fromStdString(cell.Text);
+  shown.Running = cell.Running;
+  shown.Text = look.Text;
+  if (cell.State == CellState::Value) {
+    shown.Lanes = views.LoopLanes();
+    shown.Loops = views.LoopParts({index.row() + 1});
+    shown.LoopColor = LineOn(look.Background, views.Definition().LoopSequence);
+    shown.EndlessColor = LineOn(look.Background, views.Definition().EndlessSequence);
+  }
+  PaintStepNumber(painter, rect, shown);
 }
 
 }  // namespace corlune

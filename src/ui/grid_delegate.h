@@ -1,10 +1,15 @@
 // GridDelegate: paints the cells of a step or branch grid. The cell's colour always shows; selection and
-// current cell lie over it.
+// current cell and the marked row lie over it.
 #pragma once
 
 #include <QStyledItemDelegate>
 
+#include "editing/grid_views.h"
+#include "view/theme.h"
+
 namespace corlune {
+
+class GridModel;
 
 // Blank pixels beside a cell's text.
 inline constexpr int kCellPadding = 3;
@@ -15,6 +20,12 @@ class GridDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+ private:
+  static void PaintNumber(QPainter& painter, const QRect& rect, const GridModel& model,
+                          const QModelIndex& index, const CellView& cell, const DefinitionColors::Look& look);
+
+  mutable DefinitionColors colors_;
 };
 
 // `over` laid over `under` with the opacity of the selection.

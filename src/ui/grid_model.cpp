@@ -1,8 +1,8 @@
 #include "ui/grid_model.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "editing/color_theme.h"
 #include "view/to_qcolor.h"
 
 namespace corlune {
@@ -63,9 +63,18 @@ CellPlace GridModel::PlaceOf(const QModelIndex& index) const {
 
 bool GridModel::ShowStep(GridRow step) {
   if (step == step_) return false;
-  step_ = step;
-  RowsChanged(1, rows_);
+  const GridRow before = std::exchange(step_, step);
+  if (area_ == GridArea::Branch) {
+    CellsChanged(1, rows_);
+  } else {
+    CellsChanged(before.value, before.value);
+    CellsChanged(step.value, step.value);
+  }
   return true;
+}
+
+bool GridModel::IsMarked(const QModelIndex& index) const {
+  return area_ != GridArea::Branch && index.row() + 1 == step_.value && step_.value <= views_.StepCount();
 }
 
 void GridModel::Reset() {
@@ -89,11 +98,16 @@ void GridModel::SyncRows() {
 }
 
 void GridModel::RowsChanged(int first, int last) {
+  CellsChanged(first, last);
+  // Headed by the first step's unit.
+  if (first <= 1 && rows_ > 0 && columns_ > 0) emit headerDataChanged(Qt::Horizontal, 0, columns_ - 1);
+}
+
+// Without the header, after which a table lays all its rows out anew.
+void GridModel::CellsChanged(int first, int last) {
   const int top = std::max(first, 1) - 1;
   const int bottom = std::min(last, rows_) - 1;
-  if (top > bottom || columns_ == 0) return;
-  emit dataChanged(index(top, 0), index(bottom, columns_ - 1));
-  if (top == 0) emit headerDataChanged(Qt::Horizontal, 0, columns_ - 1);  // headed by the first step's unit
+  if (top <= bottom && columns_ > 0) emit dataChanged(index(top, 0), index(bottom, columns_ - 1));
 }
 
 int GridModel::rowCount(const QModelIndex& parent) const {
@@ -115,16 +129,52 @@ QVariant GridModel::data(const QModelIndex& index, int role) const {
     }
     case Qt::BackgroundRole:
       return ToQColor(Cell(index).Background);
-    case Qt::ForegroundRole:
-      return ToQColor(TextColorOn(Cell(index).Background));
     case Qt::TextAlignmentRole:
       return static_cast<int>(AlignmentOf(Cell(index).Alignment));
+    case Qt::ToolTipRole:
+      return index.column() == 0 && area_ != GridArea::Branch
+                 ? QVariant(QString::fromStdString(views_.LoopText({index.row() + 1})))
+                 : QVariant();
     case Qt::AccessibleTextRole:
-      return QString(Header(index.column()).simplified() + QLatin1Char(' ') +
-                     data(index, Qt::DisplayRole).toString());
+      return Text(TextId::CellWithText, {CellName(index).toStdString(), Cell(index).Text});
+    case Qt::AccessibleDescriptionRole:
+      return State(index);
     default:
       return {};
   }
+}
+
+QString GridModel::Text(TextId id, const std::vector<std::string>& arguments) const {
+  return QString::fromStdString(views_.Catalogue().GetResString(id, arguments));
+}
+
+QString GridModel::CellName(const QModelIndex& index) const {
+  const CellPlace place = PlaceOf(index);
+  const std::string step = std::to_string(views_.Sequence().StartStep + IndexOf(place.Row).value);
+  if (area_ == GridArea::Branch) {
+    return index.column() == 0 ? Header(0).simplified()
+                               : Text(TextId::BranchOfStep, {std::to_string(place.BranchRow), step});
+  }
+  const QString header = Header(index.column()).simplified();
+  return index.column() == 0 ? header : Text(TextId::CellOfStep, {header.toStdString(), step});
+}
+
+// What the cell tells by its colour, its marks and its brackets.
+QString GridModel::State(const QModelIndex& index) const {
+  const CellView cell = Cell(index);
+  if (cell.State == CellState::Spare) return Text(TextId::CellSpare);
+  QStringList states;
+  if (cell.State == CellState::NotInUse) states << Text(TextId::CellNotInUse);
+  if (cell.Running) {
+    states << Text(TextId::CellRunning);
+  } else if (IsMarked(index)) {
+    states << Text(TextId::CellOfCurrentStep);
+  }
+  if (area_ != GridArea::Branch) {
+    const QString loops = QString::fromStdString(views_.LoopText({index.row() + 1}));
+    if (!loops.isEmpty()) states << loops.split(QLatin1Char('\n'));
+  }
+  return states.join(QStringLiteral(", "));
 }
 
 QString GridModel::Header(int column) const {

@@ -24,10 +24,13 @@ class GridModel : public QAbstractTableModel {
   CellPlace PlaceOf(const QModelIndex& index) const;
   CellView Cell(const QModelIndex& index) const { return views_.Cell(PlaceOf(index)); }
 
-  // Branch area: the step whose branches are shown, as its row in the step grids. Returns true when another
-  // step is shown now.
+  // The step that the window is at, as its row in the step grids: there it is marked, the branch area shows
+  // its branches. Returns true when it is another one now.
   bool ShowStep(GridRow step);
   GridRow Step() const { return step_; }
+  // Cell of a step row that is marked.
+  bool IsMarked(const QModelIndex& index) const;
+  const GridViews& Views() const { return views_; }
 
   // Everything may be different.
   void Reset();
@@ -43,13 +46,18 @@ class GridModel : public QAbstractTableModel {
   // The spare row can be neither selected nor made current.
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 
+  // Column and step of a cell, for assistive tools.
+  QString CellName(const QModelIndex& index) const;
   // Width of a column in twips.
   int ColumnTwips(int column) const;
 
  private:
   int RowsNow() const;
   int ColumnsNow() const;
+  void CellsChanged(int first, int last);
   QString Header(int column) const;
+  QString Text(TextId id, const std::vector<std::string>& arguments = {}) const;
+  QString State(const QModelIndex& index) const;
 
   const GridViews& views_;
   GridArea area_;

@@ -15,10 +15,10 @@
 #include <QVBoxLayout>
 
 #include "core/files.h"
-#include "editing/color_theme.h"
 #include "ui/grid_control.h"
 #include "ui/grid_side.h"
 #include "view/command_menu.h"
+#include "view/theme.h"
 
 namespace corlune {
 
@@ -172,12 +172,12 @@ void GridPanel::Impl::ShowSameRows(int tab) {
 }
 
 void GridPanel::Impl::Refresh() {
-  side_->Refresh({editor_.Cursor().CurrentRow});
+  side_->Refresh();
   for (GridTable* table : {tables_.Common, tables_.Channels[0], tables_.Channels[1], tables_.Branch}) {
     const GridModel& model = table->Model();
     QString name = model.Area() == GridArea::Branch ? Text(TextId::BranchGridTitle).simplified() : QString();
     if (model.Area() == GridArea::Sequence) name = tables_.Tabs->tabText(model.Channel());
-    if (model.Area() == GridArea::Common) name = model.headerData(0, Qt::Horizontal).toString();
+    if (model.Area() == GridArea::Common) name = Text(TextId::GridCommonArea);
     table->setAccessibleName(name);
   }
   PlaceRowAdd();
@@ -186,12 +186,7 @@ void GridPanel::Impl::Refresh() {
 
 void GridPanel::Impl::ColorRowAdd() {
   const Color face = editor_.Views().Definition().Common.ButtonColors[rowAdd_->isDown() ? 1 : 0];
-  const Color text = TextColorOn(face);
-  QPalette palette = rowAdd_->palette();
-  palette.setColor(QPalette::Button, {face.Red, face.Green, face.Blue});
-  palette.setColor(QPalette::Active, QPalette::ButtonText, {text.Red, text.Green, text.Blue});
-  palette.setColor(QPalette::Inactive, QPalette::ButtonText, {text.Red, text.Green, text.Blue});
-  if (palette != rowAdd_->palette()) rowAdd_->setPalette(palette);
+  ColorButton(*rowAdd_, panel_.palette(), face);
 }
 
 // CmdRowAdd follows the end of the grid until that would leave the grid.
@@ -368,6 +363,7 @@ void GridPanel::changeEvent(QEvent* event) {
     impl_->control_->LayOut();
     impl_->LimitWidths();
   }
+  if (event->type() == QEvent::PaletteChange) impl_->ColorRowAdd();
 }
 
 bool GridPanel::event(QEvent* event) {

@@ -102,8 +102,8 @@ void GridSide::ShowStates(const ControlStates& states) {
   down_->ShowState(states.Down);
 }
 
-void GridSide::Refresh(GridRow row) {
-  stepNumber_->setText(QString::fromStdString(views_.BranchStepNumber(row)));
+void GridSide::Refresh() {
+  stepNumber_->setText(QString::fromStdString(views_.BranchStepNumber(branch_->Model().Step())));
   branchFrame_->setVisible(views_.BranchVisible());
 }
 

@@ -32,8 +32,8 @@ class GridSide : public QWidget {
 
   GridTable& Branch() const { return *branch_; }
   void ShowStates(const ControlStates& states);
-  // The branch area belongs to the step of this row.
-  void Refresh(GridRow row);
+  // The branch area belongs to the step that its model shows.
+  void Refresh();
 
  private:
   QWidget* BuildBranch(GridModel& model);

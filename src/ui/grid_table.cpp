@@ -203,7 +203,8 @@ bool GridTable::viewportEvent(QEvent* event) {
     const QModelIndex index = indexAt(help->pos());
     const QString text = index.data().toString();
     const bool cut = TextWidth(fontMetrics(), text) > visualRect(index).width() - 2 * kCellPadding;
-    QToolTip::showText(help->globalPos(), cut ? text : QString(), this);
+    const QString about = index.data(Qt::ToolTipRole).toString();
+    QToolTip::showText(help->globalPos(), about.isEmpty() && cut ? text : about, this);
     return true;
   }
   return QTableView::viewportEvent(event);

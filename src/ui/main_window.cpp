@@ -8,7 +8,9 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include "sequence/channel_tabs.h"
 #include "sequence/run_times.h"
+#include "sequence/waveform_path.h"
 #include "ui/app_icon.h"
 #include "ui/form_style.h"
 #include "ui/grid_panel.h"
@@ -17,6 +19,7 @@
 #include "view/frm_preview.h"
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
+#include "view/signal_strip.h"
 #include "view/window_focus.h"
 
 namespace corlune {
@@ -61,6 +64,9 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
   grids_->setObjectName(QStringLiteral("GridPanel"));
   grids_->SetBeforeCommand([this] { return CommitEntries(); });
   rows->addWidget(grids_, 1);
+  signal_ = new SignalStrip(session_.Catalogue(), central);
+  signal_->setVisible(settings_.SignalShown());
+  rows->addWidget(signal_);
   whole->addLayout(rows, 1);
   statBar_ = new StatBar(session_.Catalogue(), central);
   whole->addWidget(statBar_);
@@ -104,6 +110,16 @@ void MainWindow::RefreshControls() {
           : ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition())
                 .Total);
   RefreshCaption();
+  ShowSignal();
+}
+
+void MainWindow::ShowSignal() {
+  if (signal_->isHidden()) return;
+  const AppState& state = session_.State();
+  const bool running = state.RunState != RunState::Stopped;
+  const int step = running ? state.CurrentStep : IndexOf(GridRow{editor_.Cursor().CurrentRow}).value;
+  signal_->Show(BuildSignalSubject(session_.Sequence(), session_.Definition(), session_.Catalogue(),
+                                   {EditedChannels(state), step, running, WaveformFolder(state)}));
 }
 
 void MainWindow::RefreshCaption() {

@@ -33,6 +33,7 @@ class FrmPreview;
 class GridPanel;
 class RunButtons;
 class RunFields;
+class SignalStrip;
 class StatBar;
 class WindowFocus;
 
@@ -75,6 +76,8 @@ class MainWindow : public QMainWindow {
   void ShowElapsedTime(std::int32_t milliseconds);
   void SequenceReplaced(SequenceChange change);
   void ShowWaitCursor(bool on);
+  // The signal of the running step, else of the current one.
+  void ShowSignal();
 
   GridPanel& Grids() { return *grids_; }
   StatBar& Status() { return *statBar_; }
@@ -102,6 +105,8 @@ class MainWindow : public QMainWindow {
   CommandMenu& MenuOf(MenuPlace place) const { return *menus_[static_cast<std::size_t>(place)]; }
   void ShowMenuStates();
   void ShowRecentFiles();
+  void MarkColors(WindowColors colors);
+  void ChooseColors(WindowColors colors);
   void RememberRecent();
 
   // main_window_fields.cpp
@@ -123,6 +128,7 @@ class MainWindow : public QMainWindow {
   void Do(Command command);
   void FileCommand(Command command);
   void ViewCommand(Command command);
+  void SwitchSignal();
   void ChangeMode(OperationMode mode);
   void RunItem(Run item);
   void RunButton(int index);
@@ -164,6 +170,7 @@ class MainWindow : public QMainWindow {
   std::int16_t sequenceNumber_ = 0;  // of the fields
   QPushButton* read_ = nullptr;
   GridPanel* grids_ = nullptr;
+  SignalStrip* signal_ = nullptr;
   StatBar* statBar_ = nullptr;
   std::unique_ptr<FrmPreview> preview_;
   std::unique_ptr<WindowFocus> focus_;

@@ -20,8 +20,10 @@
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
 #include "ui/stat_bar.h"
+#include "view/command_menu.h"
 #include "view/frm_preview.h"
 #include "view/run_fields.h"
+#include "view/signal_strip.h"
 #include "view/window_focus.h"
 
 namespace corlune {
@@ -83,6 +85,12 @@ void MainWindow::Do(Command command) {
       return ChangeMode(OperationMode::Edit);
     case Command::ExecutionMode:
       return ChangeMode(OperationMode::Execution);
+    case Command::ColorsDesktop:
+      return ChooseColors(WindowColors::Desktop);
+    case Command::ColorsLight:
+      return ChooseColors(WindowColors::Light);
+    case Command::ColorsDark:
+      return ChooseColors(WindowColors::Dark);
     case Command::About:
       return ShowAbout();
     case Command::Shortcuts:
@@ -183,7 +191,15 @@ void MainWindow::ClosePreview() {
   if (preview_) preview_->close();
 }
 
+void MainWindow::SwitchSignal() {
+  const bool shown = signal_->isHidden();
+  signal_->setVisible(shown);
+  MenuOf(MenuPlace::View).Item(Command::SignalStrip)->setChecked(shown);
+  settings_.WriteSignalShown(shown);
+}
+
 void MainWindow::ViewCommand(Command command) {
+  if (command == Command::SignalStrip) return Perform([this] { SwitchSignal(); });
   Perform([&] {
     if (command == Command::EditWindow) {
       FormStyleNomal();

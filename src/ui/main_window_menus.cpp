@@ -17,6 +17,10 @@ void MainWindow::BuildMenus() {
     menuBar()->addMenu(menus_[i]);
   }
   AddRecentMenu();
+  QAction* signal = MenuOf(MenuPlace::View).Item(Command::SignalStrip);
+  signal->setCheckable(true);
+  signal->setChecked(settings_.SignalShown());
+  MarkColors(settings_.Colors());
   // The menu is told anew whenever it opens: a log is switched by the model definition.
   connect(&MenuOf(MenuPlace::Help), &QMenu::aboutToShow, this,
           [this] { MenuOf(MenuPlace::Help).Item(Command::CommLog)->setVisible(!CommLogPath().empty()); });
@@ -30,6 +34,21 @@ void MainWindow::AddRecentMenu() {
   file.insertMenu(exit, recentMenu_);
   file.insertSeparator(exit);
   ShowRecentFiles();
+}
+
+void MainWindow::MarkColors(WindowColors colors) {
+  for (int i = 0; i < kWindowColors; ++i) {
+    const auto command = static_cast<Command>(static_cast<int>(Command::ColorsDesktop) + i);
+    QAction* item = MenuOf(MenuPlace::View).Item(command);
+    item->setCheckable(true);
+    item->setChecked(i == static_cast<int>(colors));
+  }
+}
+
+void MainWindow::ChooseColors(WindowColors colors) {
+  ShowColors(colors);
+  MarkColors(colors);
+  settings_.WriteColors(colors);
 }
 
 void MainWindow::ShowMenuStates() {

@@ -20,7 +20,9 @@ void WindowDisplay::ShowModeLayout(int operationMode) {
   if (window_) window_->ShowModeLayout(operationMode);
 }
 void WindowDisplay::HighlightRow(GridRow row, bool on) {
-  if (window_) window_->Grids().HighlightRow(row, on);
+  if (!window_) return;
+  window_->Grids().HighlightRow(row, on);
+  window_->ShowSignal();
 }
 void WindowDisplay::ScrollTo(GridRow top) {
   if (window_) window_->Grids().ScrollTo(top);

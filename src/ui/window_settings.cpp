@@ -10,6 +10,8 @@ namespace corlune {
 
 namespace {
 constexpr const char* kFileName = "CorluneWindow.ini";
+constexpr const char* kSignalKey = "Window/Signal";
+constexpr const char* kColorsKey = "Window/Colors";
 // Beyond every real desktop; a value outside is damage.
 constexpr int kFarthest = 32768;
 }  // namespace
@@ -34,6 +36,13 @@ std::optional<WindowPlace> WindowSettings::Place() const {
                      settings.value(QStringLiteral("Window/Maximized")).toBool()};
 }
 
+std::optional<int> WindowSettings::Number(const char* key, int least, int most) const {
+  bool isNumber = false;
+  const int value = QSettings(path_, QSettings::IniFormat).value(QString::fromUtf8(key)).toInt(&isNumber);
+  if (!isNumber || value < least || value > most) return std::nullopt;
+  return value;
+}
+
 QStringList WindowSettings::RecentFiles() const {
   const QSettings settings(path_, QSettings::IniFormat);
   QStringList files;
@@ -41,6 +50,14 @@ QStringList WindowSettings::RecentFiles() const {
     if (!file.isEmpty() && !files.contains(file) && files.size() < kRecentFiles) files.append(file);
   }
   return files;
+}
+
+bool WindowSettings::SignalShown() const {
+  return QSettings(path_, QSettings::IniFormat).value(QString::fromUtf8(kSignalKey)).toBool();
+}
+
+void WindowSettings::WriteSignalShown(bool shown) const {
+  QSettings(path_, QSettings::IniFormat).setValue(QString::fromUtf8(kSignalKey), shown);
 }
 
 void WindowSettings::Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const {
@@ -53,6 +70,23 @@ void WindowSettings::Write(const std::optional<WindowPlace>& place, const QStrin
     settings.setValue(QStringLiteral("Window/Maximized"), place->maximized);
   }
   settings.setValue(QStringLiteral("Recent/Files"), recentFiles);
+}
+
+void WindowSettings::WriteNumber(const char* key, std::optional<int> number) const {
+  QSettings settings(path_, QSettings::IniFormat);
+  if (number) {
+    settings.setValue(QString::fromUtf8(key), *number);
+  } else {
+    settings.remove(QString::fromUtf8(key));
+  }
+}
+
+WindowColors WindowSettings::Colors() const {
+  return static_cast<WindowColors>(Number(kColorsKey, 0, kWindowColors - 1).value_or(0));
+}
+
+void WindowSettings::WriteColors(WindowColors colors) const {
+  WriteNumber(kColorsKey, static_cast<int>(colors));
 }
 
 QStringList WithRecentFile(QStringList files, const QString& path) {

@@ -9,6 +9,8 @@
 #include <QRect>
 #include <QStringList>
 
+#include "view/window_colors.h"
+
 namespace corlune {
 
 inline constexpr int kRecentFiles = 8;
@@ -25,8 +27,17 @@ class WindowSettings {
   // nullopt when the file names no usable place.
   std::optional<WindowPlace> Place() const;
   QStringList RecentFiles() const;
+  // The signal strip is kept by itself, when it is switched.
+  bool SignalShown() const;
+  void WriteSignalShown(bool shown) const;
+  // A number by "section/key"; nullopt: none, or outside `least` to `most`.
+  std::optional<int> Number(const char* key, int least, int most) const;
   // A file that cannot be written is no reason to complain: the next start then begins at the default place.
   void Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const;
+  void WriteNumber(const char* key, std::optional<int> number) const;
+  // How the windows are coloured.
+  WindowColors Colors() const;
+  void WriteColors(WindowColors colors) const;
 
  private:
   QString path_;

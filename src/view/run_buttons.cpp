@@ -1,10 +1,10 @@
 #include "view/run_buttons.h"
 
+#include <QEvent>
 #include <QPushButton>
 
-#include "editing/color_theme.h"
 #include "view/flow_layout.h"
-#include "view/to_qcolor.h"
+#include "view/theme.h"
 
 namespace corlune {
 
@@ -12,10 +12,6 @@ namespace {
 
 constexpr int kSpacing = 4;
 constexpr int kCaptionMargin = 8;  // pixels on each side of a caption
-
-QColor Mixed(const QColor& a, const QColor& b) {
-  return {(a.red() + b.red()) / 2, (a.green() + b.green()) / 2, (a.blue() + b.blue()) / 2};
-}
 
 // The second colour of a run button shows that the state it brings about applies.
 bool RunButtonApplies(PanelButton button, const AppState& state) {
@@ -38,16 +34,8 @@ bool RunButtonApplies(PanelButton button, const AppState& state) {
   return false;
 }
 
-// Colour, readable text on it, and a bold caption while the state applies.
-void ShowRunButtonState(QPushButton* button, bool applies, const ButtonSpec& spec) {
-  const Color& color = applies ? spec.Color2 : spec.Color1;
-  const QColor face = ToQColor(color);
-  const QColor text = ToQColor(TextColorOn(color));
-  QPalette palette = button->palette();
-  palette.setColor(QPalette::Button, face);
-  palette.setColor(QPalette::ButtonText, text);
-  palette.setColor(QPalette::Disabled, QPalette::ButtonText, Mixed(face, text));
-  if (palette != button->palette()) button->setPalette(palette);
+// A bold caption while the state applies.
+void ShowRunButtonState(QPushButton* button, bool applies) {
   QFont font = button->font();
   if (font.bold() != applies) {
     font.setBold(applies);
@@ -86,9 +74,20 @@ void RunButtons::ShowStates(const ControlStates& states, const AppState& state,
                             const ModelDefinition& definition) {
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
     QPushButton* button = buttons_[i];
-    ShowRunButtonState(button, RunButtonApplies(static_cast<PanelButton>(i), state), definition.Buttons[i]);
+    const bool applies = RunButtonApplies(static_cast<PanelButton>(i), state);
+    faces_[i] = applies ? definition.Buttons[i].Color2 : definition.Buttons[i].Color1;
+    ColorButton(*button, palette(), faces_[i]);
+    ShowRunButtonState(button, applies);
     button->setVisible(states.Buttons[i].Visible);
     button->setEnabled(states.Buttons[i].Enabled);
+  }
+}
+
+void RunButtons::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() != QEvent::PaletteChange) return;
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    if (buttons_[i] != nullptr) ColorButton(*buttons_[i], palette(), faces_[i]);
   }
 }
 

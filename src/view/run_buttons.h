@@ -25,7 +25,11 @@ class RunButtons : public QWidget {
 
   void ShowStates(const ControlStates& states, const AppState& state, const ModelDefinition& definition);
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
+  std::array<Color, kPanelButtonCount> faces_{};
   std::array<QPushButton*, kPanelButtonCount> buttons_{};
 };
 

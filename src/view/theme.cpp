@@ -1,5 +1,7 @@
 #include "view/theme.h"
 
+#include <QPushButton>
+
 #include "view/to_qcolor.h"
 
 namespace corlune {
@@ -23,8 +25,48 @@ ColorTheme ThemeOf(const QPalette& palette) {
   return theme;
 }
 
-QColor BackgroundIn(const QPalette& palette, Color definition) {
-  return ToQColor(BackgroundIn(ThemeOf(palette), definition));
+const ColorTheme& DefinitionColors::Theme(const QPalette& palette) {
+  if (palette.cacheKey() != key_) {
+    key_ = palette.cacheKey();
+    if (const ColorTheme theme = ThemeOf(palette); theme != theme_) {
+      theme_ = theme;
+      looks_.clear();
+    }
+  }
+  return theme_;
+}
+
+DefinitionColors::Look DefinitionColors::Of(const QPalette& palette, Color definition) {
+  const ColorTheme& theme = Theme(palette);
+  const QColor color = ToQColor(definition);
+  const auto [found, isNew] = looks_.try_emplace(color.rgb());
+  if (isNew) {
+    const Color background = BackgroundIn(theme, definition);
+    found->second = {ToQColor(background), ToQColor(TextIn(theme, background))};
+  }
+  return found->second;
+}
+
+QColor LineOn(const QColor& background, const QColor& color) {
+  return ToQColor(StandingOut(ToColor(color), ToColor(background), kLineContrast));
+}
+
+QColor LineOn(const QColor& background, Color definition) {
+  return ToQColor(LineIn(definition, ToColor(background)));
+}
+
+void ColorButton(QPushButton& button, const QPalette& desktop, Color face) {
+  const ColorTheme theme = ThemeOf(desktop);
+  const Color background = BackgroundIn(theme, face);
+  const Color text = TextIn(theme, background);
+  const Color faint{static_cast<std::uint8_t>((background.Red + text.Red) / 2),
+                    static_cast<std::uint8_t>((background.Green + text.Green) / 2),
+                    static_cast<std::uint8_t>((background.Blue + text.Blue) / 2)};
+  QPalette palette = button.palette();
+  palette.setColor(QPalette::Button, ToQColor(background));
+  palette.setColor(QPalette::ButtonText, ToQColor(text));
+  palette.setColor(QPalette::Disabled, QPalette::ButtonText, ToQColor(faint));
+  if (palette != button.palette()) button.setPalette(palette);
 }
 
 }  // namespace corlune

@@ -57,7 +57,8 @@ TEST(ColorTheme, TextOnEveryColour) {
       ASSERT_GE(ContrastRatio(TextIn(theme, background), background), theme.Contrast());
       ASSERT_GE(ContrastRatio(StandingOut(color, background, kLineContrast), background), kLineContrast);
       const auto before = Hue(color);
-      for (const auto& after : {Hue(background), Hue(StandingOut(color, theme.Base, kTextContrast))}) {
+      for (const auto& after : {Hue(background), Hue(StandingOut(color, theme.Base, kTextContrast)),
+                                Hue(LineIn(color, background))}) {
         if (before && after) {
           ASSERT_LT(std::abs(std::remainder(*before - *after, 360)), 45);
         }

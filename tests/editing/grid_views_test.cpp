@@ -86,6 +86,38 @@ TEST(GridViews, CellColours) {
   EXPECT_EQ(views.ChannelCell(0, GridRow{2}, kColFrequency), before);
 }
 
+// Brackets beside the numbers: inner loops next to them, deep ones together, and all of them in words.
+TEST(GridViews, LoopBrackets) {
+  EditingRig rig(8);
+  const auto jump = [&](int row, int target, std::optional<int> count) {
+    StepRow& step = rig.sequence->Steps[static_cast<std::size_t>(row - 1)];
+    step.JumpOn = 1;
+    step.JumpTo = static_cast<std::int16_t>(target);
+    step.JumpCountOn = count ? 1 : 0;
+    step.JumpCount = static_cast<std::int16_t>(count.value_or(0));
+  };
+  GridViews& views = rig.editor->Views();
+  EXPECT_EQ(views.LoopLanes(), 0);
+  jump(3, 2, 5);
+  jump(5, 2, std::nullopt);
+  jump(6, 1, 1);
+  jump(8, 1, 2);
+  rig.sequence->StartStep = 10;
+  EXPECT_TRUE(views.RefreshRowColors());
+  EXPECT_EQ(views.LoopLanes(), kLoopLanes);
+  const std::vector<LoopPart> third{
+      {2, false, false, 2}, {2, false, false, 1}, {1, false, false, 0}, {0, false, true, 5}};
+  EXPECT_EQ(views.LoopParts({3}), third);
+  EXPECT_EQ(views.LoopParts({8}), (std::vector<LoopPart>{{2, false, true, 2}}));
+  EXPECT_TRUE(views.LoopParts({9}).empty()) << "the spare row";
+  EXPECT_EQ(views.LoopText({3}),
+            "Steps 11 to 12 are repeated 5 times (6 passes)\nSteps 11 to 14 are repeated without "
+            "end\nSteps 10 to 15 are repeated once (2 passes)\nSteps 10 to 17 are repeated 2 "
+            "times (3 passes)");
+  jump(3, 2, 6);
+  EXPECT_TRUE(views.RefreshRowColors()) << "the count stands beside the bracket, the colours are the same";
+}
+
 TEST(EditorFor, ByColumn) {
   struct Row {
     CellPlace place;
