@@ -28,6 +28,7 @@ int Main(int argc, char** argv) {
   bool work = false;
   RunOptions run;
   ReadOptions read;
+  DevicesOptions list;
   ConsoleAnswers answers;
   const auto addOutput = [](CLI::App* sub, std::string& value, const char* what) {
     return sub->add_option("-o,--output", value, what)
@@ -73,6 +74,10 @@ int Main(int argc, char** argv) {
   readApp->add_option("--setup", read.setup, "Sequence file that names model and set-up")->type_name("FILE");
   readApp->add_option("--serial", read.serial, "Serial number of the USBTMC instrument")->type_name("S");
   CLI::App* devices = command("devices", "Lists the instruments found, or why none could be");
+  devices->add_flag("--verbose", list.verbose,
+                    "Also the I/O libraries: the file of each, or why none serves");
+  devices->add_option("--setup", list.setup, "Sequence file; its GPIB and USB488 addresses are asked, too")
+      ->type_name("FILE");
 
   try {
     app.parse(argc, argv);
@@ -102,7 +107,7 @@ int Main(int argc, char** argv) {
   if (times->parsed()) code = TimesCommand(program, file);
   if (runApp->parsed()) code = RunSequenceCommand(program, run);
   if (readApp->parsed()) code = ReadCommand(program, read);
-  if (devices->parsed()) code = DevicesCommand(program);
+  if (devices->parsed()) code = DevicesCommand(program, list);
   return CheckOutput(program.Catalogue(), code);
 }
 

@@ -124,6 +124,26 @@ TEST(UsbTmc, SearchesInstruments) {
   EXPECT_EQ(rig.faces.visa.OpenObjects(), 0U);
 }
 
+// The program's own VISA: ids from the system's list, the driver's parts and limits, refused rights.
+TEST(BuiltinVisa, FindsAndOpensTheKernelsDevices) {
+  InterfaceRig rig(Kinds().at(5));
+  auto& search = dynamic_cast<UsbTmcMdl&>(*rig.gp);
+  EXPECT_EQ(search.GP_Find_Devices("usb0::0x3a1f::0x2210::?*INSTR"), 1);
+  EXPECT_THAT(search.Found(), ElementsAre(FoundInstrument{"USB0::0x3A1F::0x2210::B::INSTR", "B"}));
+  EXPECT_EQ(search.GP_Find_Devices("USB0::?*::INSTR"), 2);
+  EXPECT_EQ(search.GP_Find_Devices("USB1?*"), 0);
+  rig.devices.refused = EACCES;
+  EXPECT_EQ(rig.Init(), kError);
+  EXPECT_THAT(rig.gp->LibraryProblem(), HasSubstr("60-corlune.rules"));
+  rig.devices.refused = 0;
+  rig.devices.longestWrite = 7;
+  rig.Use();
+  EXPECT_EQ(rig.Ask(0), "60");
+  EXPECT_EQ(rig.TakeWire(), "A<*ESE?\n^|A>60\n^|");
+  rig.devices.longestWrite = 3;
+  EXPECT_EQ(rig.Ask(0), "60") << "in three parts";
+}
+
 TEST(Log, IsEmptiedOnlyWhenAsked) {
   Rig rig(InterfaceKind::Usb488);
   rig.folder.Write("Comm Log.txt", "old\r\n");

@@ -32,7 +32,7 @@ TEST_P(EveryInterface, OpensAndEnds) {
   EXPECT_EQ(rig.gp->GP_End(), kOk);
   EXPECT_FALSE(rig.bench.At(0).Remote());
   EXPECT_THAT(rig.TakeLog(), ::testing::EndsWith("|ALL < GP_END"));
-  EXPECT_EQ(rig.faces.visa.OpenObjects(), 0U);
+  EXPECT_EQ(rig.faces.visa.OpenObjects() + rig.devices.OpenDevices(), 0U);
   rig.gp.reset();
   EXPECT_FALSE(rig.faces.ni488.Registered()) << "the variables are gone";
 }
@@ -76,7 +76,7 @@ TEST_P(EveryInterface, LogsAsTheSimulatedInterfaceDoes) {
     }
     return Joined(lines);
   };
-  InterfaceRig simulated(Kinds().back());
+  InterfaceRig simulated(Kinds().at(4));
   simulated.folder.Write("replies.ini", "[ADRS5]\n*ESE?=60\nspoll=0\n");
   std::string expected = session(simulated);
   if (kind.kind == InterfaceKind::KiGpib) {  // the board's shortest time-out
@@ -290,7 +290,7 @@ TEST_P(EveryInterface, OutlivesALostDevice) {
   EXPECT_EQ(rig.Ask(kind.second), "36") << "the other one stays";
   if (kind.kind == InterfaceKind::Usb488) rig.gp->GP_Send_Str(kind.first, "A");
   EXPECT_EQ(rig.gp->GP_End(), kind.kind == InterfaceKind::UsbTmc ? kind.lostEnd : kOk);
-  EXPECT_EQ(rig.faces.visa.OpenObjects(), 0U);
+  EXPECT_EQ(rig.faces.visa.OpenObjects() + rig.devices.OpenDevices(), 0U);
   rig.Faults("");
   rig.bench.At(0).DeviceClear();
   EXPECT_EQ(rig.Init(), kOk);
@@ -319,7 +319,7 @@ TEST_P(EveryInterface, IsThereWithoutADevice) {
   rig.Faults("gone");
   const CommStatus opened = kind.kind == InterfaceKind::UsbTmc ? kError : kOk;
   EXPECT_EQ(rig.Init(), opened);
-  EXPECT_EQ(rig.faces.visa.OpenObjects(), 0U);
+  EXPECT_EQ(rig.faces.visa.OpenObjects() + rig.devices.OpenDevices(), 0U);
   EXPECT_EQ(rig.gp->GP_Send_Str(kind.first, "*CLS"), kind.lostWrite);
   rig.Faults("");
   rig.Use();

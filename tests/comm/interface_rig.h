@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "bench_devices.h"
+#include "comm/builtin_visa.h"
 #include "comm/ieee32m_backend.h"
 #include "comm/ni_gpib_backend.h"
 #include "comm/simulated_backend.h"
@@ -74,7 +76,14 @@ inline const std::vector<Kind>& Kinds() {
      {1, 1, 1, 1, 1, 1, 3, 10, 30, 100, 300, 1000, 3000, 10000, 30000, kEndless, kEndless, kEndless, 0},
      {{"0xBFFF0015", kTimeOut}, {"0xBFFF003E", kError}, {"0x3FFF0006", kOk}}},
     {"Simulated", InterfaceKind::Simulated, 5, 6, "5", false, openBoard + "GP_INIT", "", "", false, true,
-     kOk, kOk, kOk, kOk, kOk, kOk, {}, {}}};
+     kOk, kOk, kOk, kOk, kOk, kOk, {}, {}},
+    // The same back-end over the program's own VISA.
+    {"UsbTmcBuiltin", InterfaceKind::UsbTmc, 0, 1, "USB0::0X3A1F::0X2220::A::INSTR", true,
+     "ALL < GP_REN|ALL < GP_MTerm\"LF\"|VISA library: built in|GP_INIT", "", "A clear|B clear|", true, true,
+     kTimeOut, kError, kError, kError, kError, kError,
+     {100, 100, 100, 100, 100, 100, 100, 100, 100, 100, 300, 1000, 3000, 10000, 30000, kEndless, kEndless, kEndless,
+      100},
+     {{"110", kTimeOut}, {"5", kError}}}};
   return kinds;
 }
 // clang-format on
@@ -120,6 +129,7 @@ struct InterfaceRig : CommWorld {
     } else if (kind.kind == InterfaceKind::Usb488) {
       gp = std::make_unique<Usb488Mdl>(Services(), LoaderOf(tables.usb488));
     } else if (kind.kind == InterfaceKind::UsbTmc) {
+      if (kind.name == "UsbTmcBuiltin") tables.visa = BuiltinVisa(devices);
       gp = std::make_unique<UsbTmcMdl>(Services(), LoaderOf(tables.visa));
     } else {
       gp = std::make_unique<SimulatedMdl>(Services(), "");
@@ -169,6 +179,7 @@ struct InterfaceRig : CommWorld {
   const Kind& kind;
   VirtualBench bench{[this] { return clock.Now(); }};
   VirtualFaces faces{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
+  BenchDevices devices{bench, faces.io};
   BenchTables tables;  // a test may put functions of its own in
   // "A<*RST\n^|B>1\n^|": bytes to and from the instruments, "^" is END.
   std::string wire;

@@ -284,13 +284,15 @@ class BenchRig {
     auto usbTmc = std::make_unique<UsbTmcMdl>(services, [this](std::string*) { return &recorder.Table(); });
     InstrumentSearch* search = usbTmc.get();
     const LibraryChoice none{true, {}};
+    const auto told = [](const char* title) { return std::make_shared<LibraryState>(LibraryState{title}); };
     const bool all = options_.allInterfaces;
     std::array<std::unique_ptr<GpFamily>, 5> backends;
-    backends[0] = std::make_unique<NiGpibMdl>(services, all ? LoaderOf(tables.ni488) : Ni488Loader(none, {}));
-    backends[1] =
-        std::make_unique<Ieee32mMdl>(services, all ? LoaderOf(tables.ieee32m) : Ieee32mLoader(none, {}));
-    backends[2] =
-        std::make_unique<Usb488Mdl>(services, all ? LoaderOf(tables.usb488) : Usb488Loader(none, {}));
+    backends[0] = std::make_unique<NiGpibMdl>(
+        services, all ? LoaderOf(tables.ni488) : Ni488Loader(none, {}, told("NI-488.2")));
+    backends[1] = std::make_unique<Ieee32mMdl>(
+        services, all ? LoaderOf(tables.ieee32m) : Ieee32mLoader(none, {}, told("IEEE_32M")));
+    backends[2] = std::make_unique<Usb488Mdl>(
+        services, all ? LoaderOf(tables.usb488) : Usb488Loader(none, {}, told("USB488")));
     backends[3] = std::move(usbTmc);
     backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
     const bool simulated = !options_.responses.empty();
