@@ -54,7 +54,6 @@ class Grids {
     conditions.StepCount = steps;
     conditions.CanUndo = true;
     panel->ShowStates(ControlStatesOf(state, {}, ShippedDefinition(), conditions));
-    panel->SetWidths(8415, 10215, 10575);
     window.resize(kWindow);
     window.show();
     window.activateWindow();

@@ -13,10 +13,10 @@
 #include "comm/simulated_backend.h"
 #include "comm/usbtmc_backend.h"
 #include "session/session.h"
-#include "standins/cmplseq/compile_file.h"
 #include "standins/virtual_instrument/chosen_face.h"
 #include "standins/virtual_instrument/visa_face.h"
 #include "support/fake_ports.h"
+#include "support/program_doubles.h"
 #include "support/temp_folder.h"
 
 namespace corlune::bench {
@@ -33,25 +33,6 @@ class AgreeingPrompts : public Prompts {
   std::optional<std::string> Input(const InputRequest& request) override { return request.defaultText; }
 };
 
-class NoFileDialogs : public FileDialogs {
- public:
-  std::optional<std::string> ChooseOpen(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> ChooseSave(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-};
-
-// The compiler library's work without a library.
-class LinkedCompiler : public CompilerLibrary {
- public:
-  CompilerCall CompileSeqData(const std::string& workFile, const std::array<ArbInformation, 128>& arbs,
-                              CompileErrorRecord& record, std::int32_t& result) override {
-    result = static_cast<std::int32_t>(CompileSequenceFile(workFile, arbs, record));
-    return CompilerCall::Done;
-  }
-  std::string Problem() const override { return {}; }
-};
-
 class InstrumentBench {
  public:
   InstrumentBench() {
@@ -66,7 +47,7 @@ class InstrumentBench {
     const SessionPorts ports{prompts, clock, pump, timer, progress,
                              display, view,  end,  files, sessionDisplay};
     session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram& endProgram) {
-      return OutsideParts{MakeFrontEnd(state, endProgram), std::make_unique<LinkedCompiler>()};
+      return OutsideParts{MakeFrontEnd(state, endProgram), std::make_unique<testing::LinkedCompiler>()};
     });
     if (!session->StartUpWithoutFile()) Fail(session->LoadProblem());
     if (session->Connect(std::nullopt) != ConnectResult::Connected) Fail("no connection");
@@ -95,7 +76,7 @@ class InstrumentBench {
   testing::RecordedDisplay display;
   testing::RecordedView view;
   testing::RecordedEnd end;
-  NoFileDialogs files;
+  testing::ScriptedFiles files;
   SessionDisplay sessionDisplay;
   VirtualBench bench{[this] { return clock.Now(); }};
   VisaFace face{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};

@@ -153,6 +153,8 @@ ROWS = [
     ("grids: undo of it / same", "grids_undo", "grids_reference", Limit(16e3)),
     ("grids: paste 256 x 9 cells as text / same", "grids_paste", "grids_reference", Limit(50e3)),
     ("grids: move the running step's mark / same", "grids_highlight", "grids_reference", Limit(16e3)),
+    ("view: drag a level, 256 x 2, one frame / lines", "view_drag_level", "view_reference", Limit(16e3)),
+    ("view: drag a step's end, one frame / same", "view_drag_end", "view_reference", Limit(16e3)),
     ("signal: repaint, 2 x 524288 points / strokes", "signal_repaint", "signal_reference", Limit(16e3)),
 ]
 

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Makes the pictures of the main window's states in both languages: docs/images/<state>-<language>.png.
+# Makes the pictures of the main window's states in both languages: docs/images/<state>-<language>.png, at its first
+# size on a screen of 1366x768, and one on 1920x1080 with the sequence view docked (wide).
 #   docs/make_screenshots.sh [FOLDER OF THE PROGRAM] [LANGUAGE...]
 # Needs what setup.sh installs (Xvfb, openbox, xdotool, wmctrl, ImageMagick). Takes about a minute: a download to
 # the virtual instrument lasts as long as to a real one.
@@ -35,9 +36,10 @@ download_ended() {
   done
 }
 
-for language in "${languages[@]}"; do
-  begin_x 760 720
-  folder=$work/$language
+# start_on WIDTH HEIGHT: a screen of that size and the program with the example sequence.
+start_on() {
+  begin_x "$1" "$2"
+  folder=$work/$language-$1
   mkdir -p "$folder"
   cp "$bin/Corlune_Std.ini" "$folder/"
   printf '[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n' > "$folder/Corlune.ini"
@@ -49,6 +51,15 @@ for language in "${languages[@]}"; do
   main=$(window_named "$main_title")
   activate "$main"
   sleep 0.5
+}
+
+for language in "${languages[@]}"; do
+  start_on 1920 1080
+  xdotool key ctrl+4
+  shoot wide
+  end_x
+
+  start_on 1366 768
   shoot edit
 
   xdotool key F1

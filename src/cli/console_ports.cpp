@@ -65,10 +65,17 @@ std::optional<std::string> ConsolePrompts::Input(const InputRequest& request) {
   return line->empty() ? request.defaultText : *line;
 }
 
-ConsoleProgress::ConsoleProgress() : terminal_(isatty(STDOUT_FILENO) != 0) {}
+ConsoleProgress::ConsoleProgress() : out_(&std::cout), terminal_(isatty(STDOUT_FILENO) != 0) {}
+
+void ConsoleProgress::UseStandardError() {
+  out_ = &std::cerr;
+  terminal_ = isatty(STDERR_FILENO) != 0;
+}
 
 void ConsoleProgress::Draw(char end) const {
-  std::cout << (terminal_ ? "\r" : "") << text_ << " " << done_ << "/" << steps_ << " s" << end << std::flush;
+  *out_ << "\r" << text_;
+  if (steps_ > 0) *out_ << " " << done_ << "/" << steps_ << " s";
+  *out_ << end << std::flush;
 }
 
 void ConsoleProgress::Begin(const std::string& text, int steps) {
@@ -77,8 +84,10 @@ void ConsoleProgress::Begin(const std::string& text, int steps) {
   done_ = 0;
   if (terminal_) {
     Draw(' ');
+  } else if (steps_ > 0) {
+    *out_ << text_ << " (" << steps_ << " s)" << std::endl;
   } else {
-    std::cout << text_ << " (" << steps_ << " s)" << std::endl;
+    *out_ << text_ << std::endl;
   }
 }
 
@@ -138,6 +147,10 @@ void ConsoleDisplay::ScrollTo(GridRow) {}
 
 void ConsoleDisplay::ShowTotalTime(double milliseconds) {
   std::cout << TimePanelText(*catalogue_, TextId::TotalTime, milliseconds) << std::endl;
+}
+
+void ConsoleDisplay::ShowNotice(NoticeLevel, const std::string& text) {
+  std::cerr << text << std::endl;
 }
 
 void ConsoleDisplay::ShowElapsedTime(std::int32_t milliseconds) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iosfwd>
 #include <optional>
 #include <string>
 
@@ -41,12 +42,15 @@ class ConsolePrompts : public Prompts {
 class ConsoleProgress : public Progress {
  public:
   ConsoleProgress();
+  // For commands whose result goes to standard output.
+  void UseStandardError();
   void Begin(const std::string& text, int steps) override;
   void Advance() override;
   void End() override;
 
  private:
   void Draw(char end) const;
+  std::ostream* out_;  // never null
   bool terminal_;
   std::string text_;
   int steps_ = 0;
@@ -64,6 +68,7 @@ class ConsoleDisplay : public RunDisplay {
   void HighlightRow(GridRow row, bool on) override;
   void ScrollTo(GridRow top) override;
   void ShowTotalTime(double milliseconds) override;
+  void ShowNotice(NoticeLevel level, const std::string& text) override;
   void ShowElapsedTime(std::int32_t milliseconds) override;
 
  private:

@@ -46,6 +46,7 @@ class ConsoleProgram {
 
   Session& GetSession() { return *session_; }
   ConsoleLoop& Loop() { return loop_; }
+  ConsoleProgress& ProgressLine() { return progress_; }
   const MessageCatalogue& Catalogue() const { return session_->Catalogue(); }
 
   // Loads the file with its model and set-up; shows its problem. False: failed.

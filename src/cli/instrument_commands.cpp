@@ -10,6 +10,7 @@ namespace corlune {
 
 int ReadCommand(ConsoleProgram& program, const ReadOptions& options) {
   Session& session = program.GetSession();
+  if (options.out.empty()) program.ProgressLine().UseStandardError();
   if (options.setup.empty() ? !program.StartWithoutFile() : !program.Load(options.setup)) return kExitFailed;
   // The instrument only waits to be read, so a read can be given up at any time.
   program.Loop().OnInterrupt([&](int) {

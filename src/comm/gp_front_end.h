@@ -28,6 +28,8 @@ struct FoundInstrument {
 class InstrumentSearch {
  public:
   virtual ~InstrumentSearch() = default;
+  // Binds the library. False: there is none that can be used, and a search finds nothing at once.
+  virtual bool CanSearch() = 0;
   // Number of instruments that match the VISA expression; 0 when the search fails. At most 21 are kept.
   virtual int GP_Find_Devices(const std::string& expression) = 0;
   virtual const std::vector<FoundInstrument>& Found() const = 0;
@@ -61,6 +63,7 @@ class GpFrontEnd {
   CommStatus Gp_Recv_ToFile(std::int16_t address, const std::string& fileName, std::uint32_t byteCount,
                             std::uint32_t& bytesRead);
   // Whatever CurrentInterface is: a search belongs to no instrument.
+  bool CanSearch() { return search_ && search_->CanSearch(); }
   int GP_Find_Devices(const std::string& expression);
   const std::vector<FoundInstrument>& Found() const;
   // Of the current back-end.

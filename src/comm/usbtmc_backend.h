@@ -31,6 +31,7 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
                                       bool swapBytes) override;
   CommStatus Gp_Recv_ToFile(std::int16_t address, const std::string& fileName, std::uint32_t byteCount,
                             std::uint32_t& bytesRead) override;
+  bool CanSearch() override { return BindLibrary(); }
   int GP_Find_Devices(const std::string& expression) override;
   const std::vector<FoundInstrument>& Found() const override { return found_; }
   std::string LibraryProblem() const override { return problem_; }

@@ -83,13 +83,14 @@ bool InstrumentDialogues::HoldsCompiledSequence() {
   return QueryNumber(":STAT:OPER:CH1:COND?", 100, condition) && condition == kConditionCompiled;
 }
 
-bool InstrumentDialogues::WaitCompileDone() {
+bool InstrumentDialogues::WaitCompileDone(const std::function<bool()>& goOn) {
   const std::uint32_t start = commands_.Clock().Now();
   for (int poll = 0; poll < kCompilePolls; ++poll) {
     if (TicksSince(commands_.Clock().Now(), start) >= kCompileLimit) break;
     const std::int16_t statusByte = SerialPoll();
     if (commands_.InstrumentLost(0)) return false;
     commands_.DelayMs(kCompilePollWait);
+    if (goOn && !goOn()) return false;
     if (statusByte == 0) continue;
     if ((statusByte & kStatusCompiled) != 0) {
       const CommandEntry& query = commands_.Definition().Commands.Status;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -25,8 +26,9 @@ class InstrumentDialogues {
   // The instrument is stopped and can start as it is; false also when the query fails.
   [[nodiscard]] bool HoldsCompiledSequence();
   // Waits for the instrument's own compilation after ":TRIG:COMP", about 20 s at most, and no longer once it
-  // was unplugged. Shows message RefusedByInstrument when the instrument refused the sequence (error -222).
-  [[nodiscard]] bool WaitCompileDone();
+  // was unplugged or `goOn`, asked about every 100 ms, says no. Shows message RefusedByInstrument when the
+  // instrument refused the sequence (error -222).
+  [[nodiscard]] bool WaitCompileDone(const std::function<bool()>& goOn = {});
 
  private:
   std::int32_t Address() const;  // of the current instrument (instrument 0)

@@ -24,6 +24,7 @@ namespace {
 constexpr std::size_t kLongestName = 20;
 constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has stored a sequence block
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
+constexpr std::int32_t kQuietTime = 300;       // ms of a compilation that need no words
 
 // What may stand between quotation marks in a command.
 bool IsNameText(const std::string& name) {
@@ -116,7 +117,6 @@ DownloadEnd Downloader::Send() {
   if (!AskName()) return DownloadEnd::NoName;
   const std::string workFile = TransferFile(state_, kSendFileName);
   if (CompileSequence(workFile) != 0) return DownloadEnd::Refused;
-
   DownloadEnd end = Prepare();
   if (GoesOn(end)) end = SendWaveforms();
   if (GoesOn(end)) end = SendBlock(workFile);
@@ -125,7 +125,7 @@ DownloadEnd Downloader::Send() {
   return end;
 }
 
-// One that is compiled already starts as it is; what was transferred since has to be taken over first.
+// One that is compiled already starts as it is.
 DownloadEnd Downloader::TakeUpHeldSequence() {
   DownloadEnd end = Prepare();
   if (GoesOn(end) && !dialogues_.HoldsCompiledSequence()) end = TakeOver();
@@ -133,12 +133,14 @@ DownloadEnd Downloader::TakeUpHeldSequence() {
 }
 
 DownloadEnd Downloader::Prepare() {
+  BeginProgress(catalogue_.GetResString(TextId::PreparingInstrument), 0);
   const CommandEntry& prepare = definition_.Commands.Device.Entries[0];
-  if (!prepare.Template.empty() &&
-      Failed(commands_.SendCommand(commands_.SelectInstrument(0), prepare.Template, prepare.Wait))) {
-    return DownloadEnd::NotSent;
-  }
-  return dialogues_.PrepareSequenceMode() ? DownloadEnd::Done : DownloadEnd::NotSent;
+  const bool prepared =
+      (prepare.Template.empty() ||
+       !Failed(commands_.SendCommand(commands_.SelectInstrument(0), prepare.Template, prepare.Wait))) &&
+      dialogues_.PrepareSequenceMode();
+  EndProgress();
+  return prepared ? DownloadEnd::Done : DownloadEnd::NotSent;
 }
 
 bool Downloader::GoesOn(DownloadEnd& end) const {
@@ -300,22 +302,50 @@ DownloadEnd Downloader::WaitAndQueryError(std::int32_t milliseconds) {
 
 DownloadEnd Downloader::TakeOver() {
   dialogues_.ClearStatus();
+  if (endRequested_) return DownloadEnd::Cancelled;
   if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), ":TRIG:COMP", 0))) {
     return DownloadEnd::NotSent;
   }
-  if (dialogues_.WaitCompileDone()) return DownloadEnd::Done;
+  const bool done = WaitForCompilation();
+  if (done) return DownloadEnd::Done;
+  if (endRequested_) return DownloadEnd::Cancelled;
   return commands_.InstrumentLost(0) ? DownloadEnd::NotSent : DownloadEnd::NotCompiled;
+}
+
+bool Downloader::WaitForCompilation() {
+  const std::uint32_t begin = commands_.Clock().Now();
+  bool shown = false;
+  const bool done = dialogues_.WaitCompileDone([&] {
+    if (!shown && TicksSince(commands_.Clock().Now(), begin) >= kQuietTime) {
+      BeginProgress(catalogue_.GetResString(TextId::WaitingForCompilation), 0);
+      shown = true;
+    }
+    return !endRequested_ && !ports_.progress.Cancelled();
+  });
+  if (shown) EndProgress();
+  return done;
+}
+
+void Downloader::BeginProgress(const std::string& text, int seconds) {
+  ports_.progress.Begin(text, seconds);
+  ports_.progress.OfferCancel(catalogue_.GetResString(TextId::ButtonCancelTransfer),
+                              catalogue_.GetResString(TextId::EndsAfterTransfer));
+}
+
+void Downloader::EndProgress() {
+  if (ports_.progress.Cancelled()) endRequested_ = true;
+  ports_.progress.End();
 }
 
 void Downloader::ShowTimedProgress(std::int32_t milliseconds, const std::string& text) {
   const std::int32_t seconds = ToInt32(milliseconds / 1000.0 - 1).value_or(0) + 1;
-  ports_.progress.Begin(text, seconds);
+  BeginProgress(text, seconds);
   for (std::int32_t second = 0; second < seconds; ++second) {
     commands_.DelayMs(1000);
     ports_.progress.Advance();
     commands_.Pump().HandlePending();
   }
-  ports_.progress.End();
+  EndProgress();
 }
 
 void Downloader::ShowCritical(TextId id) {

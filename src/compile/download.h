@@ -67,7 +67,8 @@ class Downloader {
   [[nodiscard]] bool DownloadSequence();
   bool UnderWay() const { return ports_.activity.Under(Work::Download); }
   // Asks the download under way to end, which it does between two of its parts: between waveforms, before the
-  // sequence block, before the instrument takes the sequence over. A block under way is sent to its end.
+  // sequence block, before the instrument takes the sequence over, while it does. A block under way is sent
+  // to its end. The button of the progress does the same.
   void RequestEnd() { endRequested_ = true; }
   // Of the last download; nothing to tell before the first and after ForgetOutcome.
   const DownloadOutcome& Outcome() const { return outcome_; }
@@ -94,6 +95,10 @@ class Downloader {
   DownloadEnd SendBlock(const std::string& workFile);
   DownloadEnd RecordInMemory();
   DownloadEnd TakeOver();
+  bool WaitForCompilation();
+  // A progress with a button that has the effect of RequestEnd.
+  void BeginProgress(const std::string& text, int seconds);
+  void EndProgress();
   DownloadEnd WaitAndQueryError(std::int32_t milliseconds);
   // Between two parts: `end` is that of the first one, and becomes Cancelled after RequestEnd.
   bool GoesOn(DownloadEnd& end) const;

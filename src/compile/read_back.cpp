@@ -25,6 +25,7 @@ namespace corlune {
 namespace {
 
 constexpr std::int32_t kAnswerWait = 5500;           // ms until the instrument has put its answer together
+constexpr std::int32_t kSecond = 1000;               // ms
 constexpr std::uint32_t kLongestAnswer = 1'000'000;  // bytes
 constexpr std::size_t kValueLength = 1023;           // characters of one value
 constexpr std::size_t kCommonFields = 5;
@@ -197,17 +198,35 @@ void ReadEntry(const IniEntry& entry, int channels, const ModelDefinition& defin
   }
 }
 
-bool ReceiveIntoFile(CommandLayer& commands, int number, const std::string& path) {
-  const std::string query = ":TRACe:SEQuence? " + std::to_string(number);
-  if (Failed(commands.SendCommand(commands.SelectInstrument(0), query, kAnswerWait))) return false;
-  std::uint32_t bytesRead = 0;
-  const auto address = static_cast<std::int16_t>(commands.SelectInstrument(0));
-  return !Failed(commands.Gp().Gp_Recv_ToFile(address, path, kLongestAnswer, bytesRead));
+// False: cancelled.
+bool WaitForAnswer(CommandLayer& commands, Progress& progress) {
+  for (std::int32_t left = kAnswerWait; left > 0; left -= kSecond) {
+    commands.DelayMs(std::min(left, kSecond));
+    progress.Advance();
+    if (progress.Cancelled()) return false;
+  }
+  return true;
 }
 
-bool Refuse(Prompts& prompts, const MessageCatalogue& catalogue) {
+ReadBackEnd ReceiveIntoFile(CommandLayer& commands, Progress& progress, int number, const std::string& path) {
+  const std::string query = ":TRACe:SEQuence? " + std::to_string(number);
+  if (Failed(commands.SendCommand(commands.SelectInstrument(0), query, 0))) return ReadBackEnd::Failed;
+  const bool waited = WaitForAnswer(commands, progress);
+  // A handler that ran meanwhile may have addressed another instrument.
+  const auto address = static_cast<std::int16_t>(commands.SelectInstrument(0));
+  if (!waited) {
+    // Nobody reads the answer any more; the next command must not meet it.
+    commands.Gp().GP_DCL();
+    return ReadBackEnd::Cancelled;
+  }
+  std::uint32_t bytesRead = 0;
+  return Failed(commands.Gp().Gp_Recv_ToFile(address, path, kLongestAnswer, bytesRead)) ? ReadBackEnd::Failed
+                                                                                        : ReadBackEnd::Done;
+}
+
+ReadBackEnd Refuse(Prompts& prompts, const MessageCatalogue& catalogue) {
   ShowMessage(prompts, catalogue, TextId::ReadBackError, PromptIcon::Critical);
-  return false;
+  return ReadBackEnd::Failed;
 }
 
 }  // namespace
@@ -239,19 +258,24 @@ std::int16_t ReceivedStepCount(const ReceivedSteps& received, const SequenceData
   return 0;
 }
 
-bool ReadBackSequence(CommandLayer& commands, Prompts& prompts, const MessageCatalogue& catalogue, int number,
-                      SequenceData& sequence) {
-  if (!commands.Online()) return false;
+ReadBackEnd ReadBackSequence(CommandLayer& commands, Prompts& prompts, Progress& progress,
+                             const MessageCatalogue& catalogue, int number, SequenceData& sequence) {
+  if (!commands.Online()) return ReadBackEnd::Failed;
   const std::string path = TransferFile(commands.State(), kReceiveFileName);
   // The library that writes the file cannot say why it failed, so room for the longest answer is made first.
   std::string error;
   if (!ReplaceFile(path, std::string(kLongestAnswer, '\0'), &error)) {
     ShowMessage(prompts, catalogue, TextId::CannotWriteFile, PromptIcon::Exclamation, PromptButtons::Ok,
                 {path, error});
-    return false;
+    return ReadBackEnd::Failed;
   }
-  const bool arrived = ReceiveIntoFile(commands, number, path);
-  const std::optional<std::string> bytes = arrived ? ReadWholeFile(path) : std::nullopt;
+  progress.Begin(catalogue.GetResString(TextId::ReadingBack, {std::to_string(number)}),
+                 (kAnswerWait + kSecond - 1) / kSecond);
+  progress.OfferCancel(catalogue.GetResString(TextId::ButtonCancelTransfer), {});
+  const ReadBackEnd end = ReceiveIntoFile(commands, progress, number, path);
+  progress.End();
+  if (end == ReadBackEnd::Cancelled) return end;
+  const std::optional<std::string> bytes = end == ReadBackEnd::Done ? ReadWholeFile(path) : std::nullopt;
   if (!bytes) return Refuse(prompts, catalogue);
   const int channels = EditedChannels(commands.State());
   const auto read = std::make_unique<SequenceData>(sequence);
@@ -263,7 +287,7 @@ bool ReadBackSequence(CommandLayer& commands, Prompts& prompts, const MessageCat
   read->StepCount = ReceivedStepCount(received, *read, *fresh, definition, channels);
   ComputeStartValues(*read);
   sequence = *read;
-  return true;
+  return ReadBackEnd::Done;
 }
 
 }  // namespace corlune

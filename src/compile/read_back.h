@@ -8,6 +8,7 @@
 
 #include "comm/command_layer.h"
 #include "core/catalogue.h"
+#include "core/ports.h"
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 
@@ -16,12 +17,16 @@ namespace corlune {
 // Slots of which at least one line was taken over.
 using ReceivedSteps = std::bitset<MAX_STEPS>;
 
+enum class ReadBackEnd { Done, Failed, Cancelled };
+
 // Reads the whole memory `number` (0..10) of instrument 0 into `sequence`: exchange, text, step count and
 // start values. On failure, also when the answer holds no step, message ReadBackError (CannotWriteFile
-// without room for the answer) has been shown and `sequence` is as it was. Pumps events for 5.5 s; the caller
-// keeps edits away meanwhile. Off-line nothing happens and the result is false.
-[[nodiscard]] bool ReadBackSequence(CommandLayer& commands, Prompts& prompts,
-                                    const MessageCatalogue& catalogue, int number, SequenceData& sequence);
+// without room for the answer) has been shown and `sequence` is as it was. Shows progress, whose cancelling
+// has the instrument drop its answer, and pumps events for 5.5 s; the caller keeps edits away meanwhile.
+// Off-line nothing happens: Failed.
+[[nodiscard]] ReadBackEnd ReadBackSequence(CommandLayer& commands, Prompts& prompts, Progress& progress,
+                                           const MessageCatalogue& catalogue, int number,
+                                           SequenceData& sequence);
 
 // Takes the common parameters, steps and channel cells (channels 1..`channels`) of a sequence text over into
 // `sequence`, the values in the first unit of their columns. What the text lacks stays as it is; a line with

@@ -71,7 +71,10 @@ struct AppState {
   corlune::OperationMode OperationMode = corlune::OperationMode::Edit;
   corlune::RunState RunState = corlune::RunState::Stopped;
   std::int16_t CurrentStep = 0;  // slot index, 0-based; the end of a run can leave it beyond the last step
-  bool OutputOn = false;
+  bool OutputOn = false;         // as far as it is known
+  // Nobody can say whether an output is on: no answer yet since the connection was opened, a failed exchange,
+  // a lost connection. Until an answer, or a switch that every instrument took.
+  bool OutputInDoubt = false;
   corlune::PendingRequest PendingRequest = corlune::PendingRequest::None;
   bool BranchRequested = false;
   std::int16_t BranchTarget = 0;  // stored step number, 1-based

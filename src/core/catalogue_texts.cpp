@@ -276,7 +276,7 @@ CatalogueText TextOf(TextId id) {
     case CompilerGood: return {"Sequence compiler: no problem", "シーケンスコンパイラ：問題なし"};
     case CompilerProblem: return {"Sequence compiler:", "シーケンスコンパイラ："};
     case LibrariesFrame: return {"Libraries", "ライブラリの状態"};
-    case TipDevice: return {"Device$1: $2 $3, Ch: $4", "機器$1：$2 $3、Ch数：$4"};
+    case TipDevice: return {"Device$1: $2, Ch: $3", "機器$1：$2、Ch数：$3"};
     case CommLogEmpty: return {"The communication log is empty.", "通信ログは空です。"};
     case NotOpenedNow: return {"The file is not opened now, because the program is busy or not in edit mode: $1", "処理中または編集モード以外のため、ファイルを開けません：$1"};
 
@@ -297,8 +297,8 @@ CatalogueText TextOf(TextId id) {
     case EditPaste: return {"Paste", "貼り付け"};
     case EditInitialize: return {"Initialize", "初期化"};
     case EditImportCsv: return {"Import CSV", "CSV読み込み"};
-    case EditReadBack: return {"Download", "読出"};
-    case EditCommonParameters: return {"Common Sequence Parameters", "シーケンス共通パラメータ"};
+    case EditReadBack: return {"Read Back", "読出"};
+    case EditCommonParameters: return {"Common Sequence Parameters", "シーケンス共通パラメタ"};
     case EditChannelSettings: return {"Channel Settings", "チャネル設定"};
     case EditWaveforms: return {"Arbitrary Waveforms", "任意波形"};
     case EditModeSettings: return {"Mode Settings", "モード設定"};
@@ -323,6 +323,21 @@ CatalogueText TextOf(TextId id) {
     case KeyNextOption: return {"Next option of the cell", "セルの選択肢を切り換える"};
     case KeyNextGrid: return {"Next, previous grid", "次／前の表へ"};
     case KeyLeaveGrids: return {"Leave the grids", "表から出る"};
+    case MenuViewBelow: return {"Sequence view below the grids(&B)", "シーケンスビューを表の下に配置(&B)"};
+    case MenuViewBeside: return {"Sequence view beside the grids(&S)", "シーケンスビューを表の右に配置(&S)"};
+    case MenuViewFloat: return {"Sequence view in its own window(&F)", "シーケンスビューを別画面で表示(&F)"};
+    case MenuViewClose: return {"Close sequence view(&C)", "シーケンスビューを閉じる(&C)"};
+    case MenuViewSwitch: return {"Between grids and sequence view(&G)", "表とシーケンスビューの切換(&G)"};
+    case LoopSignTimes: return {"x$1", "$1回"};
+    case LoopSignEndless: return {"∞", "∞"};
+    case ViewStepName: return {"Step $1", "ステップ$1"};
+    case KeysOfView: return {"Graphs of the sequence view", "シーケンスビューのグラフ"};
+    case KeyViewStep: return {"Previous, next step", "前／次のステップへ"};
+    case KeyViewEnds: return {"First, last step", "先頭／末尾のステップへ"};
+    case KeyViewScroll: return {"Scroll along the time axis", "時間軸に沿ってスクロール"};
+    case KeyViewToCell: return {"To the cell of the step", "ステップのセルへ"};
+    case KeyViewDrag: return {"Change a value or a step time", "値またはステップ時間を変更"};
+    case KeyViewDragKeys: return {"Drag the line or the end of the step (Shift: fine, Esc: cancel)", "線またはステップの終端をドラッグ（Shift：微調整、Esc：取消）"};
     // The window's colours, loops, and cells as assistive tools name them.
     case MenuColorsDesktop: return {"Colors of the Desktop(&D)", "配色：デスクトップに合わせる(&D)"};
     case MenuColorsLight: return {"Light Colors(&L)", "配色：ライト(&L)"};
@@ -420,8 +435,8 @@ CatalogueText TextOf(TextId id) {
     case SeveralInstruments: return {"Several instruments were found. Name one with --serial:$1", "複数の機器が見つかりました。--serial で指定してください：$1"};
     case SerialNumberNotFound: return {"The instrument with the serial number $1 was not found.", "シリアル番号 $1 の機器が見つかりません。"};
     case EndsAfterBlock: return {"The program ends as soon as the block under way has been sent.", "送信中のブロックが終わり次第、終了します。"};
-    case DownloadErrorNumber: return {"The instrument reported the error number $1. The download has ended.", "機器がエラー番号 $1 を報告しました。ダウンロードを終了しました。"};
-    case DownloadNotTaken: return {"The instrument did not take the sequence over. The download has ended.", "機器がシーケンスを受け付けませんでした。ダウンロードを終了しました。"};
+    case DownloadErrorNumber: return {"The instrument reported the error number $1. Sending has ended.", "機器がエラー番号 $1 を報告しました。転送を中止しました。"};
+    case DownloadNotTaken: return {"The instrument did not take the sequence over. Sending has ended.", "機器がシーケンスを受け付けませんでした。転送を中止しました。"};
     case NoSequenceName: return {"No sequence name was given that the instrument can take. Use --name or --yes.", "機器が受け付けるシーケンス名が指定されていません。--name または --yes を使用してください。"};
     case ExecutionEndedBadly: return {"The sequence execution did not end as it should. Check the instrument.", "シーケンス実行は正常に終了しませんでした。機器の状態を確認してください。"};
     case ExecutionStopped: return {"The sequence execution was stopped.", "シーケンス実行を停止しました。"};
@@ -447,7 +462,7 @@ CatalogueText TextOf(TextId id) {
     // Added texts: files and session.
     case CannotWriteFile: return {"The file could not be written.\n$1\n$2", "ファイルに書き込めませんでした。\n$1\n$2"};
     case StateNotSavedQuestion: return {"The present state could not be saved for the next start.\n$1\n$2\nClose all the same?", "次回起動用の編集状態を保存できませんでした。\n$1\n$2\nこのまま終了しますか？"};
-    case BadModelDefinition: return {"The model definition file has an error.\n$1", "型名定義ファイルに誤りがあります。\n$1"};
+    case BadModelDefinition: return {"The model definition file has an error.\n$1", "機種定義ファイルに誤りがあります。\n$1"};
     case OverwriteQuestion: return {"The file exists already. Overwrite it?\n$1", "ファイルは既に存在します。上書きしますか？\n$1"};
     case CannotReadFile: return {"The file could not be read.\n$1", "ファイルを読み込めませんでした。\n$1"};
 
@@ -467,7 +482,40 @@ CatalogueText TextOf(TextId id) {
     case NoBlocksQuestion: return {"The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"};
     case CarriesNoBlocks: return {"The interface to the instrument carries neither sequences nor waveforms; they go over USBTMC.", "このインタフェースではシーケンスも波形も転送・読出できません。USBTMCで接続してください。"};
     case DeviceSilent: return {"no answer", "応答なし"};
-    case DownloadReplyUnreadable: return {"The instrument's answer to the error query cannot be read. The download has ended.", "エラー問い合わせに対する機器の応答を読み取れません。ダウンロードを終了しました。"};
+    case DownloadReplyUnreadable: return {"The instrument's answer to the error query cannot be read. Sending has ended.", "エラー問い合わせに対する機器の応答を読み取れません。転送を中止しました。"};
+
+    // Added texts: status bar.
+    case OutputIsOn: return {"Output: ON", "出力：ON"};
+    case OutputIsOff: return {"Output: OFF", "出力：OFF"};
+    case OutputUnknown: return {"Output: unknown", "出力：不明"};
+    case OutputNone: return {"Output: ----", "出力：----"};
+    case TipOutputIsOn: return {"The outputs of the instruments are on.", "機器の出力はオンです。"};
+    case TipOutputIsOff: return {"The outputs of the instruments are off.", "機器の出力はオフです。"};
+    case TipOutputUnknown: return {"It is not known whether an output is on. Output OFF (F8) switches all of them off.", "出力がオンかどうか不明です。出力OFF（F8）ですべての出力をオフにできます。"};
+    case TipOutputNone: return {"No instrument is connected.", "機器と接続していません。"};
+    case SimulatedInterface: return {"simulated", "シミュレーション"};
+
+    // Added texts: notices.
+    case MenuNotices: return {"Notices(&N)", "通知履歴(&N)"};
+    case ShowNotices: return {"All notices", "通知の履歴を表示"};
+    case CloseNotice: return {"Close the notice (Esc)", "通知を閉じる（Esc）"};
+    case SeverityInformation: return {"Information", "情報"};
+    case HeadTime: return {"Time", "時刻"};
+    case HeadNotice: return {"Notice", "通知"};
+    case NoNotices: return {"There are no notices.", "通知はありません。"};
+    case ButtonCloseDialog: return {"Close", "閉じる"};
+
+    // Added texts: what a transfer waits for.
+    case ReadingBack: return {"Reading the sequence $1 back from the instrument.", "機器からシーケンス$1を読み出しています。"};
+    case PreparingInstrument: return {"Preparing the instrument.", "機器を準備しています。"};
+    case WaitingForCompilation: return {"The instrument is compiling the sequence.", "機器がシーケンスをコンパイルしています。"};
+    case ButtonCancelTransfer: return {"Cancel", "キャンセル"};
+    case EndsAfterTransfer: return {"Ends as soon as the transfer under way is complete.", "実行中の転送が終わり次第、中止します。"};
+    case ReadBackCancelled: return {"The read-back was cancelled. The sequence is unchanged.", "読出を中止しました。シーケンスは変更されていません。"};
+
+    // Added texts: why nothing happens.
+    case BranchWithoutTarget: return {"No branch: the step has no branch step for branch channel $1.", "ブランチできません。このステップには、ブランチチャネル$1のブランチステップが設定されていません。"};
+    case NothingToEnter: return {"Nothing can be entered here: the step does not use this parameter.", "このステップでは使用しないパラメタのため、入力できません。"};
   }
   // clang-format on
   return {};

@@ -89,6 +89,7 @@ class TickSource {
 class Progress {
  public:
   virtual ~Progress() = default;
+  // `steps`: seconds; 0: not known.
   virtual void Begin(const std::string& text, int steps) = 0;
   virtual void Advance() = 0;
   virtual void End() = 0;
@@ -96,9 +97,17 @@ class Progress {
   // (0: not known). A button with the text `cancel` gives up. The default shows nothing.
   virtual void ShowWait(const std::string& /*text*/, const std::string& /*cancel*/, int /*done*/,
                         int /*steps*/) {}
-  // The button was pressed since the first ShowWait.
+  // Adds a button with the text `cancel` to what Begin has opened, until End. Once it was pressed, `pressed`
+  // says what comes before the end.
+  virtual void OfferCancel(const std::string& /*cancel*/, const std::string& /*pressed*/) {}
+  // The button was pressed since it was offered.
   virtual bool Cancelled() const { return false; }
+  // What was opened can be read on the screen. Events have to be handled for that.
+  virtual bool Painted() const { return true; }
 };
+
+// How much a notice matters.
+enum class NoticeLevel { Information, Warning, Error };
 
 // What the run commands and the monitor show in the main window.
 class RunDisplay {
@@ -116,6 +125,8 @@ class RunDisplay {
   // Total time in ms (-1: endless), elapsed time in ms; status bars of main window and sequence view.
   virtual void ShowTotalTime(double milliseconds) = 0;
   virtual void ShowElapsedTime(std::int32_t milliseconds) = 0;
+  // Says something that must not interrupt. The default says nothing.
+  virtual void ShowNotice(NoticeLevel /*level*/, const std::string& /*text*/) {}
 };
 
 // The sequence view's part in a run. Called only while AppState::SequenceViewShown.

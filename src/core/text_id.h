@@ -1,6 +1,6 @@
 // TextId: the names of all texts that a person sees. The number is the id of the Japanese text in the message
 // catalogue, English has id + 10000; both texts stand in catalogue_texts.cpp, which does not compile while
-// one is missing. New texts take free ids: captions 7700-7899 and 8100-8399, messages 9500-9799.
+// one is missing. New texts take free ids: captions 7700-7899 and 8100-8399, messages 9500-9899.
 #pragma once
 
 namespace corlune {
@@ -247,6 +247,25 @@ enum class TextId : int {
   KeyNextOption = 7801,
   KeyNextGrid = 7802,
   KeyLeaveGrids = 7803,
+
+  // Where the sequence view stands.
+  MenuViewBelow = 7804,
+  MenuViewBeside = 7805,
+  MenuViewFloat = 7806,
+  MenuViewClose = 7807,
+  MenuViewSwitch = 7808,
+
+  // Steps of the sequence view: the signs of the loops above them, what reads them out, their keys.
+  LoopSignTimes = 7820,
+  LoopSignEndless = 7821,
+  ViewStepName = 7822,
+  KeysOfView = 7823,
+  KeyViewStep = 7824,
+  KeyViewEnds = 7825,
+  KeyViewScroll = 7826,
+  KeyViewToCell = 7827,
+  KeyViewDrag = 7828,
+  KeyViewDragKeys = 7829,
 
   // The window's colours.
   MenuColorsDesktop = 7840,
@@ -499,6 +518,39 @@ enum class TextId : int {
 
   // Messages: the end of a run.
   DownloadReplyUnreadable = 9780,
+
+  // Status bar.
+  OutputIsOn = 9800,
+  OutputIsOff = 9801,
+  OutputUnknown = 9802,
+  OutputNone = 9803,
+  TipOutputIsOn = 9804,
+  TipOutputIsOff = 9805,
+  TipOutputUnknown = 9806,
+  TipOutputNone = 9807,
+  SimulatedInterface = 9808,
+
+  // Notices.
+  MenuNotices = 9810,
+  ShowNotices = 9811,
+  CloseNotice = 9812,
+  SeverityInformation = 9813,
+  HeadTime = 9814,
+  HeadNotice = 9815,
+  NoNotices = 9816,
+  ButtonCloseDialog = 9817,
+
+  // What a transfer waits for.
+  ReadingBack = 9820,
+  PreparingInstrument = 9821,
+  WaitingForCompilation = 9822,
+  ButtonCancelTransfer = 9823,
+  EndsAfterTransfer = 9824,
+  ReadBackCancelled = 9825,
+
+  // Why nothing happens.
+  BranchWithoutTarget = 9830,
+  NothingToEnter = 9831,
 };
 
 // Texts that exist only once, the same in both languages.

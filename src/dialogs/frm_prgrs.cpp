@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 
 #include "core/catalogue.h"
+#include "dialogs/app_icon.h"
 
 namespace corlune {
 
@@ -23,6 +24,8 @@ class FrmPrgrs::Window : public QDialog {
       : QDialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint) {
     setObjectName(QStringLiteral("frmPrgrs"));
     setWindowTitle(QString::fromUtf8(kApplicationTitle));
+    // At the start it is the only window of the program.
+    if (!owner) SetAppIcon(this, QString::fromUtf8(kApplicationIcon), false);
     setMinimumWidth(kLeastWidth * logicalDpiX() / 96);
     auto* layout = new QVBoxLayout(this);
     label_ = new QLabel(this);
@@ -47,30 +50,39 @@ class FrmPrgrs::Window : public QDialog {
     bar_->setRange(0, std::max(steps, 1));
     bar_->setValue(done);
   }
-  void OfferCancel(const QString& text) {
+  void OfferCancel(const QString& text, const QString& pressed = {}) {
+    pressed_ = pressed;
     cancel_->setText(text);
     cancel_->show();
   }
   void Advance() { bar_->setValue(bar_->value() + 1); }
   bool Cancelled() const { return cancelled_; }
+  bool Painted() const { return painted_; }
 
  protected:
+  void paintEvent(QPaintEvent* event) override {
+    QDialog::paintEvent(event);
+    painted_ = true;
+  }
   void closeEvent(QCloseEvent* event) override {
     event->ignore();
     reject();
   }
   // The button, Escape, closing: the window stays until the call under way has returned.
   void reject() override {
-    if (cancel_->isHidden()) return;
+    if (cancel_->isHidden() || cancelled_) return;
     cancelled_ = true;
     cancel_->setEnabled(false);
+    if (!pressed_.isEmpty()) ShowText(label_->text() + QLatin1Char('\n') + pressed_);
   }
 
  private:
   QLabel* label_;
   QProgressBar* bar_;
   QPushButton* cancel_;
+  QString pressed_;
   bool cancelled_ = false;
+  bool painted_ = false;
 };
 
 FrmPrgrs::FrmPrgrs() = default;
@@ -103,6 +115,14 @@ void FrmPrgrs::ShowWait(const std::string& text, const std::string& cancel, int 
   window_->ShowSteps(done, steps);
   window_->OfferCancel(QString::fromStdString(cancel));
   window_->show();
+}
+
+void FrmPrgrs::OfferCancel(const std::string& cancel, const std::string& pressed) {
+  if (window_) window_->OfferCancel(QString::fromStdString(cancel), QString::fromStdString(pressed));
+}
+
+bool FrmPrgrs::Painted() const {
+  return window_ && window_->Painted();
 }
 
 bool FrmPrgrs::Cancelled() const {

@@ -12,8 +12,8 @@ class QWidget;
 
 namespace corlune {
 
-// Progress as a window over the main window. A transfer can neither be closed nor cancelled: cut off it would
-// leave half a sequence in the instrument. A wait (ShowWait) can: by its button, Escape or closing. The
+// Progress as a window over the main window. It can be closed only where a button to cancel is offered: by
+// that button, Escape or closing, and stays until what is under way has come to a good place to end. The
 // window does not block the main window, whose controls are disabled by whoever transfers.
 class FrmPrgrs : public Progress {
  public:
@@ -27,7 +27,9 @@ class FrmPrgrs : public Progress {
   void Advance() override;
   void End() override;
   void ShowWait(const std::string& text, const std::string& cancel, int done, int steps) override;
+  void OfferCancel(const std::string& cancel, const std::string& pressed) override;
   bool Cancelled() const override;
+  bool Painted() const override;
 
  private:
   class Window;

@@ -48,7 +48,7 @@ std::vector<ShortcutLine> LinesOf(MenuPlace menu, const MessageCatalogue& catalo
 
 }  // namespace
 
-FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<ShortcutLine>& cells,
+FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<ShortcutSection>& sections,
                            QWidget* parent)
     : QDialog(parent) {
   const auto text = [&](TextId id) { return QString::fromStdString(catalogue.GetResString(id)); };
@@ -64,15 +64,19 @@ FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<
   for (const MenuRow& menu : WindowMenus()) {
     AddSection(*list, PlainCaption(catalogue.GetResString(menu.caption)), LinesOf(menu.place, catalogue));
   }
-  std::vector<ShortcutLine> spelled;
-  spelled.reserve(cells.size());
-  for (const ShortcutLine& line : cells) spelled.push_back({line.caption, Spelled(line.keys)});
-  AddSection(*list, catalogue.GetResString(TextId::KeysOfGrids), spelled);
+  for (const ShortcutSection& section : sections) {
+    std::vector<ShortcutLine> spelled;
+    spelled.reserve(section.lines.size());
+    for (const ShortcutLine& line : section.lines) {
+      spelled.push_back({line.caption, line.words.empty() ? Spelled(line.keys) : line.words});
+    }
+    AddSection(*list, catalogue.GetResString(section.title), spelled);
+  }
   list->header()->resizeSection(0, width() * 11 / 20);
   list->setWordWrap(true);
   layout->addWidget(list);
 
-  auto* close = new QPushButton(text(TextId::ButtonClose), this);
+  auto* close = new QPushButton(text(TextId::ButtonCloseDialog), this);
   close->setDefault(true);
   connect(close, &QPushButton::clicked, this, &QDialog::accept);
   layout->addWidget(close, 0, Qt::AlignRight);

@@ -12,15 +12,22 @@ namespace corlune {
 
 struct ShortcutLine {
   std::string caption;
-  std::string keys;  // in portable spelling, "; " between several
+  std::string keys;        // in portable spelling, "; " between several
+  std::string words = {};  // in place of keys: what the mouse does
+};
+
+// What keys do in one part of the windows.
+struct ShortcutSection {
+  TextId title{};
+  std::vector<ShortcutLine> lines;
 };
 
 class FrmShortcuts : public QDialog {
   Q_OBJECT
 
  public:
-  // The table of commands, menu by menu, and behind it what the keys do in `cells`.
-  FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<ShortcutLine>& cells,
+  // The table of commands, menu by menu, and `sections` behind it.
+  FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<ShortcutSection>& sections,
                QWidget* parent = nullptr);
 };
 

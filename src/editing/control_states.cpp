@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "execution/run_state.h"
 #include "sequence/sequence_data.h"
 
 namespace corlune {
@@ -20,6 +21,7 @@ struct Situation {
   bool Warning =
       false;  // an instrument may still be running: it can be stopped and switched off, not started
   bool OutputOn = false;
+  bool Doubt = false;  // of an output nobody can say that it is off: it can be switched off
   bool Online = false;
   bool HasSteps = false;
   bool CanGrow = false;
@@ -39,7 +41,8 @@ Situation SituationOf(const AppState& state, const Activity& activity, const Mod
   now.Output = now.Free && !activity.Under(Work::Output) && !activity.Under(Work::Start);
   now.Start = activity.Under(Work::Start);
   now.Warning = state.MayStillRun;
-  now.OutputOn = state.OutputOn;
+  now.OutputOn = OutputSwitchesOff(state);
+  now.Doubt = state.MayStillRun || state.OutputInDoubt;
   now.Online = state.Online != 0;
   now.HasSteps = conditions.StepCount > 0;
   now.CanGrow = conditions.StepCount < std::min<int>(definition.Common.MaxSteps, MAX_STEPS);
@@ -76,7 +79,7 @@ std::array<bool, 9> ModeItems(const Situation& now) {
 }
 
 bool CanOutput(const Situation& now) {
-  return (now.Stopped || now.Running || now.Held || now.Warning) && now.Output;
+  return (now.Stopped || now.Running || now.Held || now.Doubt) && now.Output;
 }
 
 std::array<bool, 9> RunItems(const Situation& now) {
@@ -86,8 +89,8 @@ std::array<bool, 9> RunItems(const Situation& now) {
           ((now.Running || now.Held || now.Start) && now.Free) || now.Warning,
           running,
           running,
-          CanOutput(now) && !now.OutputOn && !now.Warning,
-          CanOutput(now) && (now.OutputOn || now.Warning)};
+          CanOutput(now) && !now.OutputOn,
+          CanOutput(now) && now.OutputOn};
 }
 
 std::array<bool, 9> ToolItems(const Situation& now) {

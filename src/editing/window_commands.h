@@ -37,6 +37,11 @@ enum class Command {
   EditWindow,
   SequenceView,
   TileVertically,
+  ViewBelow,
+  ViewBeside,
+  ViewFloat,
+  ViewClose,
+  ViewSwitch,
   SignalStrip,
   ColorsDesktop,
   ColorsLight,
@@ -60,6 +65,7 @@ enum class Command {
   AreaSettings,
   About,
   Shortcuts,
+  Notices,
   CommLog,
 };
 

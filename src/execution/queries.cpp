@@ -1,5 +1,8 @@
 #include "execution/queries.h"
 
+#include <optional>
+#include <string_view>
+
 #include "core/numbers.h"
 #include "core/profile_file.h"
 
@@ -12,6 +15,17 @@ int SumOfTwo(const std::string& reply) {
   int sum = 0;
   for (std::size_t i = 0; i < 2 && i < parts.size(); ++i) sum += ParseInt16(parts[i]).value_or(0);
   return sum;
+}
+
+// Whether the outputs of one instrument are on; nullopt when they differ or the reply cannot be read.
+std::optional<bool> OutputsOn(const std::string& reply) {
+  std::optional<bool> all;
+  for (const std::string_view part : SplitList(reply, ';')) {
+    const auto on = ParseInt16(part);
+    if (!on || (*on != 0 && *on != 1) || (all && *all != (*on == 1))) return std::nullopt;
+    all = *on == 1;
+  }
+  return all;
 }
 }  // namespace
 
@@ -46,6 +60,7 @@ bool RunQueries::Query(int instrument, const CommandEntry& query, std::string& r
 void RunQueries::GiveUpRun() {
   // Nobody knows what became of it at the instruments.
   if (measure_.Monitoring()) run_.state.MayStillRun = true;
+  run_.state.OutputInDoubt = true;
   measure_.MeasureEnd();
   RefreshBoth(run_);
 }
@@ -68,7 +83,7 @@ void RunQueries::StopAllForOutputOff(int instrument) {
   const bool itself = stopped(instrument);
   if (!itself || failed >= 0) run_.state.MayStillRun = true;
   if (failed >= 0) {
-    run_.state.OutputOn = false;
+    DoubtOutput(run_.state);
     ShowCommunicationError(run_, failed, PromptIcon::Critical);
   } else {
     ShowMessage(run_.prompts, run_.catalogue, TextId::OutputTurnedOff, PromptIcon::Information,
@@ -76,6 +91,13 @@ void RunQueries::StopAllForOutputOff(int instrument) {
   }
   measure_.MeasureEnd();
   RefreshBoth(run_);
+}
+
+void RunQueries::NoteOutput(std::optional<bool> on) {
+  AppState& state = run_.state;
+  // The answer of one among several says nothing of the others, unless all were switched alike and it agrees.
+  const bool open = state.InstrumentCount > 1 && (state.OutputInDoubt || on != state.OutputOn);
+  state.OutputInDoubt = open || !on;
 }
 
 int RunQueries::OutputQuery(int instrument, OutputCheck check) {
@@ -86,6 +108,7 @@ int RunQueries::OutputQuery(int instrument, OutputCheck check) {
     GiveUpRun();
     return kQueryFailed;
   }
+  NoteOutput(OutputsOn(reply));
   if (reply.find(';') != std::string::npos) reply = SumOfTwo(reply) == 2 ? "1" : "0";
   const int result = ParseInt16(reply).value_or(0);
   if (result == 0 && check == OutputCheck::WhileRunning && run_.state.RunState == RunState::Running) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "execution/measure.h"
@@ -39,6 +40,8 @@ class RunQueries {
   bool Recover(std::int32_t address, const CommandEntry& query);
   void StopAllForOutputOff(int instrument);
   void BackToEditMode();
+  // What one instrument answers about its outputs; nullopt: nothing clear.
+  void NoteOutput(std::optional<bool> on);
   // After a failed query: the end of the run, if one was followed.
   void GiveUpRun();
 

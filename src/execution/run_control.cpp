@@ -68,6 +68,7 @@ bool RunControl::ChangeMode(OperationMode mode) {
     if (!download_()) return false;
     // What an instrument that may still run does with its output is known only when it is stopped.
     state.OutputOn = queries_.OutputQuery(0) == 1 && !state.MayStillRun;
+    if (state.MayStillRun) state.OutputInDoubt = true;
     SetRunState(state, RunState::Stopped);
   }
   state.OperationMode = mode;
@@ -126,7 +127,7 @@ int RunControl::SendToAll(const std::function<std::string(int)>& command, std::i
 }
 
 void RunControl::SayFailure(int instrument) {
-  run_.state.OutputOn = false;
+  DoubtOutput(run_.state);
   // The warning stands behind the message already.
   if (run_.state.MayStillRun) RefreshBoth(run_);
   ShowCommunicationError(run_, instrument, PromptIcon::Critical);
@@ -150,15 +151,16 @@ bool RunControl::SwitchOutputsForStart() {
   const CommandEntry& outputOn = run_.commands.Definition().Commands.OutputOn;
   const int failed = SendToAll([&](int) { return outputOn.Template; }, outputOn.Wait);
   if (failed >= 0) {
+    run_.state.OutputInDoubt = true;
     ShowCommunicationError(run_, failed, PromptIcon::Critical);
     return false;
   }
   if (failed == kBrokenOff) {
     // Some are on, some are not: together with the stop all go off.
-    SendToEach(run_, run_.commands.Definition().Commands.OutputOff);
+    SetOutput(false, SendToEach(run_, run_.commands.Definition().Commands.OutputOff) < 0);
     return false;
   }
-  run_.state.OutputOn = true;
+  SetOutput(true, true);
   return !stopWaits_;
 }
 
@@ -182,7 +184,7 @@ bool RunControl::Start() {
     const std::uint32_t endCount = measure_.EndCount();
     const int step = queries_.StepQuery(0);
     if (measure_.EndCount() != endCount) {
-      state.OutputOn = false;
+      DoubtOutput(state);
       state.MayStillRun = true;
       return false;
     }
@@ -253,9 +255,15 @@ bool RunControl::Branch() {
   AppState& state = run_.state;
   const StepRow* row = CurrentStepRow(run_);
   const int channel = std::exchange(pressedChannel_, std::nullopt).value_or(run_.sequence.BranchChannel);
-  if (state.RunState != RunState::Running || !row || channel < 1 || channel > kBranchEntries) return false;
-  const std::int16_t target = row->BranchStep[static_cast<std::size_t>(channel - 1)];
-  if (target == 0) return false;
+  if (state.RunState != RunState::Running || !row) return false;
+  const bool listed = channel >= 1 && channel <= kBranchEntries;
+  const std::int16_t target =
+      listed ? row->BranchStep[static_cast<std::size_t>(channel - 1)] : std::int16_t{0};
+  if (target == 0) {
+    run_.display.ShowNotice(NoticeLevel::Warning, run_.catalogue.GetResString(TextId::BranchWithoutTarget,
+                                                                              {std::to_string(channel)}));
+    return false;
+  }
   state.BranchRequested = true;
   state.BranchTarget = target;
   const std::int32_t wait = run_.commands.Definition().Commands.Branch.Wait;
@@ -265,16 +273,24 @@ bool RunControl::Branch() {
 }
 
 bool RunControl::SwitchOutput(bool on) {
-  if (run_.state.MayStillRun && !run_.commands.Online() && !(reopen_ && reopen_())) return false;
+  const bool unknown = run_.state.MayStillRun || run_.state.OutputInDoubt;
+  if (unknown && !run_.commands.Online() && !(reopen_ && reopen_())) return false;
   const CommandTable& table = run_.commands.Definition().Commands;
   const int failed = on ? SendToAll([&](int) { return table.OutputOn.Template; }, table.OutputOn.Wait)
                         : SendToEach(run_, table.OutputOff);
   if (failed >= 0) {
+    run_.state.OutputInDoubt = true;
     ShowCommunicationError(run_, failed, PromptIcon::Critical);
     return false;
   }
-  run_.state.OutputOn = on;
+  SetOutput(on, true);
   return true;
+}
+
+void RunControl::SetOutput(bool on, bool taken) {
+  run_.state.OutputOn = on && taken;
+  // Without a connection nobody took it.
+  if (run_.commands.Online() || !taken) run_.state.OutputInDoubt = !taken;
 }
 
 void RunControl::PressStop() {
@@ -310,7 +326,7 @@ void RunControl::PressAtNextTick(PendingRequest request) {
 
 void RunControl::PressAtOnce(Run command) {
   const AppState& state = run_.state;
-  const bool makesSafe = command == Run::OutputOff && state.MayStillRun;
+  const bool makesSafe = command == Run::OutputOff && (state.MayStillRun || state.OutputInDoubt);
   if (state.OperationMode != OperationMode::Execution && !makesSafe) return;
   // What makes safe waits for a Stop, Hold or Branch that is being carried out.
   if (command == Run::OutputOff && activity_.Under(Work::Command)) outputOffWaits_ = true;
@@ -345,17 +361,6 @@ void RunControl::MenuItem(int item) {
       break;
     default:
       break;
-  }
-}
-
-void RunControl::Button(int index) {
-  if (index == 0) {
-    SetOperationMode(run_.state.OperationMode == OperationMode::Edit ? OperationMode::Execution
-                                                                     : OperationMode::Edit);
-  } else if (index == 5) {
-    MenuItem(run_.state.OutputOn || run_.state.MayStillRun ? 5 : 4);
-  } else if (index >= 1 && index <= 4) {
-    MenuItem(index - 1);
   }
 }
 

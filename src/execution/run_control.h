@@ -43,10 +43,8 @@ class RunControl {
   //   Hold, Branch: at the monitor's next tick, Branch with the channel of the press; ignored unless running,
   //   and behind a waiting stop.
   //   Start, Output: at once; during a tick, at its end; during a command, ignored.
-  // Start and Output need execution mode; Output OFF does not while MayStillRun.
+  // Start and Output need execution mode; Output OFF does not while MayStillRun or OutputInDoubt.
   void MenuItem(int item);
-  // A press on button 0..5: change mode, Start, Stop, Hold, Branch, Output on/off (off while MayStillRun).
-  void Button(int index);
 
   // Something is under way that a close request, a file command or a mode change must not interrupt.
   bool Busy() const { return activity_.Busy(); }
@@ -75,6 +73,8 @@ class RunControl {
   bool Hold();
   bool Branch();
   bool SwitchOutput(bool on);
+  // What the outputs do after a switch that all instruments took, or not all.
+  void SetOutput(bool on, bool taken);
   // Sends to every instrument in index order; the index of the first that fails, -1 when none does,
   // kBrokenOff when a Start was stopped on the way.
   int SendToAll(const std::function<std::string(int)>& command, std::int32_t wait);

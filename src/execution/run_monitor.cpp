@@ -60,7 +60,7 @@ RunMonitor::Next RunMonitor::PollStep() {
   const std::uint32_t endCount = measure_.EndCount();
   step_ = queries_.StepQuery(0);
   if (measure_.EndCount() != endCount) {
-    run_.state.OutputOn = false;
+    DoubtOutput(run_.state);
     RefreshBoth(run_);
     return Next::EndOfTick;
   }
@@ -80,7 +80,7 @@ RunMonitor::Next RunMonitor::AfterLastStep() {
   run_.commands.DelayMs(kOutputsSettle);
   // The others run on their own clocks; the run is over when the first one says so.
   if (const int failed = SendToEach(run_, run_.commands.Definition().Commands.Stop, 1); failed >= 0) {
-    run_.state.OutputOn = false;
+    DoubtOutput(run_.state);
     run_.state.MayStillRun = true;
     ShowCommunicationError(run_, failed, PromptIcon::Critical);
     measure_.MeasureEnd();

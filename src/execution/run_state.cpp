@@ -26,6 +26,11 @@ int SendToEach(const RunContext& run, const CommandEntry& entry, int first) {
   return failed;
 }
 
+void DoubtOutput(AppState& state) {
+  state.OutputOn = false;
+  state.OutputInDoubt = true;
+}
+
 void ShowCommunicationError(const RunContext& run, int index, PromptIcon icon) {
   ShowMessage(run.prompts, run.catalogue, TextId::CommunicationError, icon, PromptButtons::Ok,
               {std::to_string(index + 1)});

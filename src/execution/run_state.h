@@ -41,6 +41,27 @@ const StepRow* CurrentStepRow(const RunContext& run);
 // failed, -1 when none did. Pumps events.
 int SendToEach(const RunContext& run, const CommandEntry& entry, int first = 0);
 
+enum class OutputState {
+  None,     // no instrument that could have outputs
+  Unknown,  // see AppState::OutputInDoubt
+  Off,
+  On,
+};
+constexpr OutputState OutputStateOf(const AppState& state) {
+  if (state.OutputInDoubt) return OutputState::Unknown;
+  if (state.Online != 1) return OutputState::None;
+  return state.OutputOn ? OutputState::On : OutputState::Off;
+}
+
+// The output button and F8 switch off: an output is on, or nobody can say that it is not. They switch on
+// otherwise.
+constexpr bool OutputSwitchesOff(const AppState& state) {
+  return state.OutputOn || state.OutputInDoubt || state.MayStillRun;
+}
+
+// An exchange that failed leaves open what the outputs do; OutputOn is then false.
+void DoubtOutput(AppState& state);
+
 // Message CommunicationError for instrument `index` (0-based). Pumps events.
 void ShowCommunicationError(const RunContext& run, int index, PromptIcon icon);
 

@@ -69,6 +69,21 @@ void AddTexts(const SequenceData& sequence, const ModelDefinition& definition,
   if (lists) picture.Choices = ChannelChoices(definition, picture.Graph.Curves.front().Slot).Texts;
 }
 
+void AddLoops(const SequenceData& sequence, const ModelDefinition& definition,
+              const MessageCatalogue& catalogue, GraphPicture& picture) {
+  const std::vector<LoopBracket> brackets = NestLoops(LoopsOf(sequence));
+  picture.LoopRows = LoopRows(brackets);
+  for (const LoopBracket& bracket : brackets) {
+    std::string text = "...";
+    if (bracket.Loops == 1) {
+      text = bracket.Endless ? catalogue.GetResString(TextId::LoopSignEndless)
+                             : catalogue.GetResString(TextId::LoopSignTimes, {std::to_string(bracket.Count)});
+    }
+    picture.Loops.push_back(
+        {bracket, std::move(text), bracket.Endless ? definition.EndlessSequence : definition.LoopSequence});
+  }
+}
+
 std::string ValueText(const SequenceData& sequence, const ModelDefinition& definition, int channel, int step,
                       int slot, double stored) {
   const ChoiceList choices = ChannelChoices(definition, slot);
@@ -108,6 +123,7 @@ GraphPicture BuildGraphPicture(const SequenceData& sequence, const ModelDefiniti
     const StepNumber number = NumberOf(StepIndex{static_cast<int>(i)});
     picture.StepLabels.push_back(std::to_string(ShownNumber(number, sequence.StartStep)));
   }
+  AddLoops(sequence, definition, catalogue, picture);
   if (definition.ReferenceFlag) {
     picture.ReferenceLine = ParseNumber(definition.ReferenceText);
     picture.ReferenceText = definition.ReferenceText;
@@ -155,6 +171,17 @@ std::string GraphTip(const SequenceData& sequence, const ModelDefinition& defini
     }
   }
   return tip;
+}
+
+std::string LoopTipText(const MessageCatalogue& catalogue, const GraphPicture& picture,
+                        const LoopBracket& bracket) {
+  const std::string& first = picture.StepLabels[static_cast<std::size_t>(bracket.First)];
+  const std::string& last = picture.StepLabels[static_cast<std::size_t>(bracket.Last)];
+  if (bracket.Loops > 1) return first + " - " + last;
+  if (bracket.Endless) return catalogue.GetResString(TextId::LoopEndless, {first, last});
+  if (bracket.Count == 1) return catalogue.GetResString(TextId::LoopOnce, {first, last});
+  return catalogue.GetResString(
+      TextId::LoopTimes, {first, last, std::to_string(bracket.Count), std::to_string(bracket.Count + 1)});
 }
 
 }  // namespace corlune

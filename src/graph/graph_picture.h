@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/catalogue.h"
+#include "graph/loop_rows.h"
 #include "graph/step_graph.h"
 
 namespace corlune {
@@ -20,10 +21,19 @@ struct AreaPicture {
   bool operator==(const AreaPicture&) const = default;
 };
 
+struct LoopPicture {
+  LoopBracket Bracket;
+  std::string Text;  // "x3"
+  Color Fill;        // of the definition
+  bool operator==(const LoopPicture&) const = default;
+};
+
 struct GraphPicture {
   TimeAxis Axis = TimeAxis::Time;
   std::vector<StepSpan> Spans;
   std::vector<std::string> StepLabels;  // step numbers as in column 0 of the grids
+  std::vector<LoopPicture> Loops;       // by row
+  int LoopRows = 0;
   std::vector<AreaPicture> Areas;
   std::string AxisTitle;                // of the time axis, with its unit
   std::optional<double> ReferenceLine;  // value
@@ -53,5 +63,9 @@ std::string ParameterText(const SequenceData& sequence, const ModelDefinition& d
 std::string GraphTip(const SequenceData& sequence, const ModelDefinition& definition,
                      const MessageCatalogue& catalogue, const GraphPicture& picture, std::size_t area,
                      int step);
+
+// What a pointer over a bracket reads.
+std::string LoopTipText(const MessageCatalogue& catalogue, const GraphPicture& picture,
+                        const LoopBracket& bracket);
 
 }  // namespace corlune

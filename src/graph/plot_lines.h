@@ -27,6 +27,7 @@ struct PlotScale {
 
   double XOf(double position) const { return Left + (position - AxisStart) / (AxisEnd - AxisStart) * Width; }
   double YOf(double value) const { return Top + (Values.High - value) / (Values.High - Values.Low) * Height; }
+  double ValueAt(double y) const { return Values.High - (y - Top) / Height * (Values.High - Values.Low); }
   double PositionAt(double x) const { return AxisStart + (x - Left) / Width * (AxisEnd - AxisStart); }
 };
 

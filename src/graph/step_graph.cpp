@@ -326,13 +326,18 @@ std::optional<TargetName> ParseTarget(std::string_view text) {
 
 std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDefinition& definition,
                                      int channel, int step, int slot) {
-  if (!ChannelInUse(definition, sequence, channel, step, slot)) return std::nullopt;
-  const Shown shown(sequence, definition, channel, slot);
-  const StepValue stored = StoredValue(definition, slot, sequence.Cell(channel, step, slot));
-  const auto from = shown(stored.From, step);
-  const auto to = shown(stored.To, step);
+  const auto from = ShownValue(sequence, definition, channel, step, slot, 0);
+  const auto to = ShownValue(sequence, definition, channel, step, slot, 1);
   if (!from || !to) return std::nullopt;
   return StepValue{*from, *to};
+}
+
+std::optional<double> ShownValue(const SequenceData& sequence, const ModelDefinition& definition, int channel,
+                                 int step, int slot, double along) {
+  if (!ChannelInUse(definition, sequence, channel, step, slot)) return std::nullopt;
+  const StepValue stored = StoredValue(definition, slot, sequence.Cell(channel, step, slot));
+  const double value = along == 1 ? stored.To : stored.From + (stored.To - stored.From) * along;
+  return Shown(sequence, definition, channel, slot)(value, step);
 }
 
 AreaGraph BuildAreaGraph(const SequenceData& sequence, const ModelDefinition& definition,

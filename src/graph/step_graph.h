@@ -123,5 +123,8 @@ StepValue StoredValue(const ModelDefinition& definition, int slot, const ParamCe
 // As shown; nullopt when the step does not use the parameter, or where a logarithmic user unit has no value.
 std::optional<StepValue> ValueInStep(const SequenceData& sequence, const ModelDefinition& definition,
                                      int channel, int step, int slot);
+// The same at a place of the step, 0 at its start, 1 at its end.
+std::optional<double> ShownValue(const SequenceData& sequence, const ModelDefinition& definition, int channel,
+                                 int step, int slot, double along);
 
 }  // namespace corlune

@@ -11,8 +11,10 @@ namespace corlune {
 namespace {
 
 constexpr int kMostChannels = 20;
-constexpr std::uint32_t kQuietTime = 300;   // ms that a reconnection takes before it shows what it waits for
-constexpr std::uint32_t kTimeToPaint = 50;  // ms until a window that was just opened can be read
+constexpr std::uint32_t kQuietTime = 300;  // ms that a reconnection takes before it shows what it waits for
+// ms: a window that was just opened is looked at this often until it can be read, and not longer than that.
+constexpr std::uint32_t kLookEvery = 2;
+constexpr std::uint32_t kLongestPaint = 300;
 
 bool OnGpib(const InstrumentEntry& entry) {
   return entry.InterfaceKind == InterfaceKind::NiGpib || entry.InterfaceKind == InterfaceKind::KiGpib;
@@ -47,11 +49,13 @@ bool Session::WaitFor(TextId text, const std::vector<std::string>& arguments, in
   if (!waitsFrom_ || options_.simulated || !TickReached(ports_.clock.Now(), *waitsFrom_)) return true;
   ports_.progress.ShowWait(catalogue_.GetResString(text, arguments),
                            catalogue_.GetResString(TextId::ButtonWorkOffLine), done, steps);
-  if (std::exchange(waitShown_, true)) {
-    ports_.pump.HandlePending();
-  } else {
-    ports_.pump.SleepUntil(ports_.clock.Now() + kTimeToPaint);
+  if (!std::exchange(waitShown_, true)) {
+    const std::uint32_t latest = ports_.clock.Now() + kLongestPaint;
+    while (!ports_.progress.Painted() && !TickReached(ports_.clock.Now(), latest)) {
+      ports_.pump.SleepUntil(ports_.clock.Now() + kLookEvery);
+    }
   }
+  ports_.pump.HandlePending();
   return !ports_.progress.Cancelled() || !HideWait();
 }
 
@@ -74,6 +78,7 @@ bool Session::OpenConnection() {
   wasOnline_ = false;
   if (commands_->OpenInstrumentInterface(&failed, &problem)) {
     state_.Connected = true;
+    state_.OutputInDoubt = true;
     return true;
   }
   state_.Online = 0;
@@ -90,10 +95,11 @@ void Session::Disconnect() {
   state_.Connected = false;
 }
 
-void Session::GoOffline() {
+void Session::GoOffline(bool lost) {
   Disconnect();
   state_.Online = 0;
   state_.OutputOn = false;
+  state_.OutputInDoubt = lost;
   state_.Lost = {};
   if (state_.OperationMode == OperationMode::Execution) {
     state_.OperationMode = OperationMode::Edit;
@@ -113,9 +119,10 @@ void Session::NoticeLostConnection() {
     oneLeft = oneLeft || !lost;
   }
   if (!oneLeft && Idle()) {
-    GoOffline();
+    GoOffline(true);
     wasOnline_ = true;
   } else if (state_.Lost != before) {
+    state_.OutputInDoubt = true;
     ports_.display.ConnectionChanged();
   }
 }

@@ -71,10 +71,14 @@ bool Session::ReadBack() {
   if (!MayReplaceSequence()) return false;
   const WorkGuard guard(activity_, Work::Download);
   ports_.display.ShowWaitCursor(true);
-  const bool received =
-      ReadBackSequence(*commands_, ports_.prompts, catalogue_, sequence_.SequenceNumber, sequence_);
+  const ReadBackEnd end = ReadBackSequence(*commands_, ports_.prompts, ports_.progress, catalogue_,
+                                           sequence_.SequenceNumber, sequence_);
   ports_.display.ShowWaitCursor(false);
-  if (!received) return false;
+  if (end == ReadBackEnd::Cancelled) {
+    ports_.runDisplay.ShowNotice(NoticeLevel::Information,
+                                 catalogue_.GetResString(TextId::ReadBackCancelled));
+  }
+  if (end != ReadBackEnd::Done) return false;
   state_.Modified = true;
   ports_.display.SequenceReplaced(SequenceChange::ReadBack);
   return true;

@@ -168,7 +168,8 @@ class Session {
 
   // connection.cpp
   bool OpenConnection();
-  void GoOffline();
+  // `lost`: not by choice, so that an output may have been left on.
+  void GoOffline(bool lost = false);
   // Says what the next blocking call is for, while start-up or a reconnection lets it, and pumps events.
   // False: the person gave up, and the program is off-line.
   bool WaitFor(TextId text, const std::vector<std::string>& arguments = {}, int done = 0, int steps = 0);

@@ -94,7 +94,9 @@ int Session::FindInstruments() {
 
 void Session::SearchAtStartUp(const StartUpChecks& checks) {
   SetUpUsbTmc();
-  if (options_.simulated || !WaitFor(TextId::SearchingInstruments)) return;
+  if (options_.simulated) return;
+  // Without a library the search has nothing to wait for.
+  if (Gp().CanSearch() && !WaitFor(TextId::SearchingInstruments)) return;
   const int found = FindInstruments();
   if (found == 0) {
     state_.Online = 0;

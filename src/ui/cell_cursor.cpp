@@ -6,7 +6,8 @@
 
 #include <QItemSelectionModel>
 #include <QScrollBar>
-#include <QTabWidget>
+
+#include "ui/channel_tabs.h"
 
 namespace corlune {
 
@@ -128,6 +129,17 @@ bool CellCursor::DragTo(GridPosition cell) {
 
 void CellCursor::FirstCell() {
   At() = GridCursor{};
+}
+
+void CellCursor::SelectRow(GridRow row) {
+  At().CurrentRow = row.value;
+  Reduce();
+}
+
+void CellCursor::SelectCell(const CellPlace& place) {
+  At().ActiveGrid = place.Area;
+  At().CurrentChannel = place.Channel;
+  At().MoveTo(place.Position());
 }
 
 void CellCursor::Reduce() {

@@ -35,7 +35,10 @@ class CellCursor {
   // The end of the selection; false: it is there already.
   bool DragTo(GridPosition cell);
   void FirstCell();
-  void Reduce();  // to the current cell
+  // The column of each grid and the active grid stay.
+  void SelectRow(GridRow row);
+  void SelectCell(const CellPlace& place);  // of the step grids
+  void Reduce();                            // to the current cell
 
   // Shows current cell and selection; in sight is the current cell or the `end` of the selection. Another
   // definition or a shorter sequence can have left the cursor outside: it comes back in.

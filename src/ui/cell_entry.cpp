@@ -101,6 +101,7 @@ bool CellEntry::Commit(EntryEnd end) {
     // The text goes back first: the message box takes the focus, which must not enter it once more.
     editors_.Restore();
     if (outcome.Message && end == EntryEnd::Key) Say(*outcome.Message);
+    if (outcome.Message && end == EntryEnd::Left) emit NoticeGiven(outcome.Message->Text);
     const auto own = OwnFocus();
     editors_.Focus();
     return false;
@@ -166,17 +167,30 @@ bool CellEntry::Type(QKeyEvent& event, const CellPlace& current) {
   if (!Types(event) || !allowed_) return false;
   if (!editors_.IsOpen()) {
     Open(current);
-    if (!editors_.IsOpen()) return false;
+    if (!editors_.IsOpen()) {
+      TellNotInUse(current);
+      return false;
+    }
   } else if (!editors_.Spec().Text || editors_.Spec().TextEnabled || !BeginsNumber(event)) {
     return false;
   }
   if (editors_.Spec().Text && !editors_.Spec().TextEnabled) {
-    if (!BeginsNumber(event) || static_cast<int>(editors_.Spec().Options.size()) <= kSwitchOn) return true;
+    const bool canSwitchOn = static_cast<int>(editors_.Spec().Options.size()) > kSwitchOn;
+    if (!canSwitchOn) TellNotInUse(current);
+    if (!BeginsNumber(event) || !canSwitchOn) return true;
     emit Operated(editor_.ChooseOption(editors_.Where(), kSwitchOn));
   }
   if (!editors_.IsOpen() || !editors_.HasFocus()) return true;
   QCoreApplication::sendEvent(panel_.window()->focusWidget(), &event);
   return true;
+}
+
+// A cell without a value takes none; nothing happening at all would look like a dead keyboard.
+void CellEntry::TellNotInUse(const CellPlace& place) {
+  const GridViews& views = editor_.Views();
+  if (views.Cell(place).Text == kNotInUseText) {
+    emit NoticeGiven(views.Catalogue().GetResString(TextId::NothingToEnter));
+  }
 }
 
 void CellEntry::EditText() {

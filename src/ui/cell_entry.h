@@ -50,6 +50,8 @@ class CellEntry : public QObject {
   bool Type(QKeyEvent& event, const CellPlace& current);
   void EditText();
   void Restore() { editors_.Restore(); }
+  // Something was typed that can be taken back.
+  bool CanRestore() const { return editors_.Changed() || editors_.InText(); }
   void OpenList() { editors_.OpenList(); }
   void NextOption();
 
@@ -62,6 +64,8 @@ class CellEntry : public QObject {
  signals:
   // An operation of the open editor was carried out or refused; it is still to be shown.
   void Operated(const corlune::EditOutcome& outcome);
+  // Something to say that must not interrupt.
+  void NoticeGiven(const std::string& text);
   // What was typed is stored and shown.
   void Stored();
   // The mouse was dragged out of the untouched text editor to a point of the screen, and let go.
@@ -71,6 +75,7 @@ class CellEntry : public QObject {
   void FocusWent(QPrivateSignal);
 
  private:
+  void TellNotInUse(const CellPlace& place);
   void Put(const CellPlace& place, const EditorSpec& spec);
   bool EndsEntry(const QWidget* now) const;
   void FocusChanged(const QWidget* now);

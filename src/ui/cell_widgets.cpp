@@ -26,6 +26,11 @@ CellCombo::CellCombo(const char* name, QWidget* parent) : QComboBox(parent) {
   hide();
 }
 
+QSize CellCombo::sizeHint() const {
+  const int height = std::max(fontMetrics().height() + 1, QFontInfo(font()).pixelSize() * 8 / 5);
+  return {QComboBox::sizeHint().width(), height};
+}
+
 void CellCombo::keyPressEvent(QKeyEvent* event) {
   const bool plain = (event->modifiers() & ~(Qt::ShiftModifier | Qt::KeypadModifier)) == Qt::NoModifier;
   const QString text = event->text();

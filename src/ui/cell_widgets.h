@@ -18,6 +18,8 @@ class CellCombo : public QComboBox {
   CellCombo(const char* name, QWidget* parent);
   // True: an entry found by typing is reported as chosen; false: it waits until the cell is left.
   void ChooseAtOnce(bool on) { atOnce_ = on; }
+  // As low as its text allows: it gives the grids' rows their height.
+  QSize sizeHint() const override;
 
  protected:
   void keyPressEvent(QKeyEvent* event) override;

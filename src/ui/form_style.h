@@ -15,6 +15,8 @@ struct FormStyle {
 inline constexpr FormStyle kNormalStyle{10995, 8415, 10215, 10575};
 inline constexpr FormStyle kAlignedStyle{7680, 5580, 7175, 7435};
 inline constexpr int kNormalHeight = 9900;
+// From this width of the window on the channels stand side by side.
+inline constexpr int kSideBySideWindow = 22500;
 // Below this nothing can be shown without being cut off.
 inline constexpr int kLeastWidth = 7680;
 inline constexpr int kLeastHeight = 7200;

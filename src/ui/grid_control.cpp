@@ -3,7 +3,10 @@
 #include <utility>
 
 #include <QApplication>
-#include <QTabWidget>
+#include <QLayout>
+#include <QScrollBar>
+
+#include "ui/channel_tabs.h"
 
 namespace corlune {
 
@@ -14,9 +17,10 @@ GridControl::GridControl(SequenceEditor& editor, Prompts& prompts, const GridTab
       cursor_(editor, tables),
       entry_(editor, prompts, tables, panel) {
   for (GridTable* table : tables_.All()) Connect(*table);
-  connect(tables_.Tabs, &QTabWidget::currentChanged, this, &GridControl::ChangeTab);
+  connect(tables_.Tabs, &ChannelTabs::currentChanged, this, &GridControl::ChangeTab);
 
   entry_.SetKeyHandler([this](QKeyEvent* event) { return HandleKey(*event); });
+  connect(&entry_, &CellEntry::NoticeGiven, this, &GridControl::NoticeGiven);
   connect(&entry_, &CellEntry::Operated, this, &GridControl::Apply);
   connect(&entry_, &CellEntry::Stored, this, [this] {
     emit Refreshed();
@@ -89,6 +93,21 @@ void GridControl::Rebuild() {
   Moved(true);
 }
 
+void GridControl::Rearrange(const std::function<void()>& change) {
+  const auto own = entry_.OwnFocus();
+  QWidget* before = panel_.window()->focusWidget();
+  const int top = tables_.Common->verticalScrollBar()->value();
+  change();
+  tables_.Tabs->layout()->activate();
+  // A grid that was out of sight had no room to scroll in.
+  for (GridTable* table : tables_.OfSteps()) {
+    table->doItemsLayout();
+    table->verticalScrollBar()->setValue(top);
+  }
+  entry_.FollowCell();
+  if (before != nullptr && panel_.window()->focusWidget() != before) before->setFocus(Qt::OtherFocusReason);
+}
+
 void GridControl::LayOut() {
   for (GridTable* table : tables_.All()) table->LayOut(entry_.RowHeight());
   entry_.FollowCell();
@@ -110,6 +129,16 @@ void GridControl::SelectFirstCell() {
     const auto own = entry_.OwnFocus();
     tables_.Common->setFocus(Qt::OtherFocusReason);
   }
+  Moved(true);
+}
+
+void GridControl::SelectRow(GridRow row) {
+  cursor_.SelectRow(row);
+  Moved(true);
+}
+
+void GridControl::SelectCell(const CellPlace& place) {
+  cursor_.SelectCell(place);
   Moved(true);
 }
 

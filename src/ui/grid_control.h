@@ -2,6 +2,7 @@
 // entries (CellEntry) and into commands, and brings the views up to date afterwards.
 #pragma once
 
+#include <functional>
 #include <optional>
 
 #include <QObject>
@@ -31,11 +32,15 @@ class GridControl : public QObject {
   // Shows cursor and selection; `open`: with the editor of the current cell.
   void ShowCursor(bool open);
   void SelectFirstCell();
+  void SelectRow(GridRow row);
+  void SelectCell(const CellPlace& place);
   void ReduceSelection();
   void HighlightRow(GridRow row, bool on);
   void ScrollTo(GridRow top) { cursor_.ScrollTo(top); }
   // Gives the focus to the current cell, with its editor where it can be edited.
   void FocusCell();
+  // Moves tables about: the cursor, an open editor with what is typed in it and the focus stay.
+  void Rearrange(const std::function<void()>& change);
   // Sizes of rows, header and columns anew, for another font or screen.
   void LayOut();
 
@@ -47,6 +52,8 @@ class GridControl : public QObject {
   // The sequence, the cursor or what can be undone changed.
   void Changed();
   void CommandRequested(corlune::Command command);
+  // Something to say that must not interrupt.
+  void NoticeGiven(const std::string& text);
   void MenuRequested(const QPoint& global);
   // Queued to itself: the editor takes the focus over, which is not for the middle of a focus change.
   void FocusCame(corlune::GridTable* table, QPrivateSignal);

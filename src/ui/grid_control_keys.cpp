@@ -12,7 +12,8 @@ bool GridControl::HandleKey(QKeyEvent& event) {
   const std::optional<GridKey> key = GridKeyOf(event);
   switch (event.type()) {
     case QEvent::ShortcutOverride:
-      return key && entry_.Leaves(*key);
+      // Without an entry to take back the key is the window's.
+      return key && entry_.Leaves(*key) && (key->kind != GridKey::Kind::Restore || entry_.CanRestore());
     case QEvent::KeyRelease:
       return ReleaseKey(event);
     default:

@@ -130,6 +130,15 @@ std::vector<ShortcutLine> CellKeyLines(const MessageCatalogue& catalogue) {
   return lines;
 }
 
+std::vector<ShortcutLine> GraphKeyLines(const MessageCatalogue& catalogue) {
+  const auto text = [&catalogue](TextId id) { return catalogue.GetResString(id); };
+  return {{text(TextId::KeyViewStep), "Left; Right"},
+          {text(TextId::KeyViewEnds), "Home; End"},
+          {text(TextId::KeyViewScroll), "PgUp; PgDown"},
+          {text(TextId::KeyViewToCell), "Enter"},
+          {text(TextId::KeyViewDrag), {}, text(TextId::KeyViewDragKeys)}};
+}
+
 std::optional<GridKey> GridKeyOf(const QKeyEvent& event) {
   static const std::map<int, GridKey> kKeys = AllKeys();
   // Keys of the number pad mean the same.

@@ -45,6 +45,8 @@ struct CellKeyRow {
 std::span<const CellKeyRow> CellKeyTable();
 // The same for the page of shortcuts.
 std::vector<ShortcutLine> CellKeyLines(const MessageCatalogue& catalogue);
+// And of the graphs of the sequence view.
+std::vector<ShortcutLine> GraphKeyLines(const MessageCatalogue& catalogue);
 
 // nullopt: a key for the editor's text, or one that means nothing here.
 std::optional<GridKey> GridKeyOf(const QKeyEvent& event);

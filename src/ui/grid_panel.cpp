@@ -10,13 +10,14 @@
 #include <QHBoxLayout>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QSplitter>
-#include <QTabWidget>
 #include <QVBoxLayout>
 
 #include "core/files.h"
+#include "ui/channel_tabs.h"
+#include "ui/form_style.h"
 #include "ui/grid_control.h"
 #include "ui/grid_side.h"
+#include "ui/grid_split.h"
 #include "view/command_menu.h"
 #include "view/theme.h"
 
@@ -27,7 +28,7 @@ namespace {
 constexpr int kSpacing = 4;        // pixels between the controls
 constexpr int kRowAddBelow = 550;  // twips from the top of the last step row to CmdRowAdd
 constexpr int kRowAddRows = 12;    // from this number of rows on CmdRowAdd stays where it is
-constexpr int kTabFrame = 3;       // pixels between a tab page and the edge of the tab control
+constexpr int kWindowSides = 16;   // pixels by which the window is wider than the panel
 
 }  // namespace
 
@@ -45,7 +46,7 @@ class GridPanel::Impl {
   void ColorRowAdd();
   void SyncScroll(GridTable* from, int value);
   void ShowSameRows(int tab);
-  void LimitWidths();
+  void FitWidths();
   void ShowFileProblem(TextId id, const std::string& path, const std::string& reason);
   QString Text(TextId id) const {
     return QString::fromStdString(editor_.Views().Catalogue().GetResString(id));
@@ -58,11 +59,10 @@ class GridPanel::Impl {
   std::array<GridModel, MAX_CHANNELS> channelModels_;
   GridModel branchModel_;
   GridTables tables_;
-  QSplitter* split_ = nullptr;
+  GridSplit* split_ = nullptr;
   QWidget* top_ = nullptr;
   QWidget* rowAddStrip_ = nullptr;
   GridSide* side_ = nullptr;
-  std::array<QVBoxLayout*, MAX_CHANNELS> pages_{};
   RowButton* rowAdd_ = nullptr;
   ControlStates states_;
   std::function<bool()> beforeCommand_;
@@ -86,10 +86,6 @@ GridPanel::Impl::Impl(GridPanel& panel, SequenceEditor& editor, Prompts& prompts
 void GridPanel::Impl::Build() {
   auto* layout = new QVBoxLayout(&panel_);
   layout->setContentsMargins(0, 0, 0, 0);
-  split_ = new QSplitter(Qt::Vertical);
-  split_->setChildrenCollapsible(false);
-  layout->addWidget(split_);
-
   top_ = new QWidget;
   auto* topLayout = new QHBoxLayout(top_);
   topLayout->setContentsMargins(0, 0, 0, 0);
@@ -103,25 +99,20 @@ void GridPanel::Impl::Build() {
   topLayout->addWidget(rowAddStrip_);
   topLayout->addWidget(side_);
   topLayout->addStretch(0);
-  split_->addWidget(top_);
 
-  tables_.Tabs = new QTabWidget;
-  tables_.Tabs->setObjectName(QStringLiteral("SSTab1"));
+  std::array<QWidget*, MAX_CHANNELS> grids{};
   for (std::size_t channel = 0; channel < MAX_CHANNELS; ++channel) {
     auto* table = new GridTable(channelModels_[channel]);
     tables_.Channels[channel] = table;
     table->setObjectName(QStringLiteral("MSFlexGrid2_%1").arg(channel));
-    auto* page = new QWidget;
-    pages_[channel] = new QVBoxLayout(page);
-    pages_[channel]->setContentsMargins(kTabFrame, kTabFrame, kTabFrame, kTabFrame);
-    pages_[channel]->addWidget(table);
-    tables_.Tabs->addTab(page, QString::fromStdString(editor_.Views().TabCaption(static_cast<int>(channel))));
+    grids[channel] = table;
   }
-  split_->addWidget(tables_.Tabs);
-  split_->setStretchFactor(0, 1);
-  split_->setStretchFactor(1, 1);
+  tables_.Tabs = new ChannelTabs(grids);
+  tables_.Tabs->setObjectName(QStringLiteral("SSTab1"));
+  split_ = new GridSplit(top_, tables_);
+  layout->addWidget(split_);
   // Before the cursor is shown there, which scrolls only as far as it has to.
-  QObject::connect(tables_.Tabs, &QTabWidget::currentChanged, &panel_,
+  QObject::connect(tables_.Tabs, &ChannelTabs::currentChanged, &panel_,
                    [this](int tab) { ShowSameRows(tab); });
 }
 
@@ -140,6 +131,7 @@ void GridPanel::Impl::BuildRowAdd() {
 void GridPanel::Impl::Connect() {
   QObject::connect(control_.get(), &GridControl::Refreshed, &panel_, [this] { Refresh(); });
   QObject::connect(control_.get(), &GridControl::Changed, &panel_, &GridPanel::Changed);
+  QObject::connect(control_.get(), &GridControl::NoticeGiven, &panel_, &GridPanel::NoticeGiven);
   QObject::connect(control_.get(), &GridControl::CommandRequested, &panel_,
                    [this](Command command) { Run(command); });
   QObject::connect(control_.get(), &GridControl::MenuRequested, &panel_,
@@ -202,10 +194,29 @@ void GridPanel::Impl::PlaceRowAdd() {
   rowAdd_->setGeometry(QRect(QPoint(0, top), size));
 }
 
-// The common grid grows with the window until all its columns show.
-void GridPanel::Impl::LimitWidths() {
-  tables_.Common->setMaximumWidth(
-      std::max(tables_.Common->ContentWidth(), tables_.Common->sizeHint().width()));
+// The widths of the two styles and between them; beyond the normal one the side keeps that of its texts, and
+// the grids take what their columns can use.
+void GridPanel::Impl::FitWidths() {
+  // Back from pixels to twips by the factor that TwipsToPixels uses.
+  constexpr int kProbe = 15000;
+  const int pixels = std::max(1, TwipsToPixels(kProbe, &panel_));
+  const int width = std::max(panel_.width(), 1);
+  const auto window = static_cast<int>(static_cast<long long>(width + kWindowSides) * kProbe / pixels);
+  const FormStyle style = StyleForWidth(window);
+  const auto inPixels = [this](int twips) { return TwipsToPixels(twips, &panel_); };
+  const int tab = inPixels(style.Tabs);
+  const int common = inPixels(style.CommonGrid);
+  tables_.Common->PreferWidth(common);
+  tables_.Common->setMaximumWidth(std::max(tables_.Common->MostWidth(), common));
+  const int side = tab - common - rowAddStrip_->width() - 2 * kSpacing;
+  side_->setFixedWidth(std::clamp(side, 1, std::max(side_->WidthOfTexts(), 1)));
+  panel_.layout()->setContentsMargins(0, 0, std::max(width - tab, 0), 0);
+  tables_.Tabs->SetMargin(std::max(tab - inPixels(style.ChannelGrid), 0));
+  const bool sideBySide = window >= kSideBySideWindow && editor_.Views().ChannelGrids() > 1;
+  if (sideBySide != tables_.Tabs->SideBySide()) {
+    control_->Rearrange([&] { tables_.Tabs->ShowSideBySide(sideBySide); });
+  }
+  split_->PlaceHandle();
 }
 
 void GridPanel::Impl::Run(Command command) {
@@ -269,12 +280,12 @@ GridPanel::~GridPanel() {
 
 void GridPanel::Rebuild() {
   impl_->control_->Rebuild();
-  impl_->LimitWidths();
+  impl_->FitWidths();
 }
 
 void GridPanel::Apply(const EditOutcome& outcome) {
   impl_->control_->Apply(outcome);
-  if (outcome.WholeWindow) impl_->LimitWidths();
+  if (outcome.WholeWindow) impl_->FitWidths();
 }
 
 bool GridPanel::CommitEntry(EntryEnd end) {
@@ -312,21 +323,32 @@ void GridPanel::SelectFirstCell() {
   impl_->control_->SelectFirstCell();
 }
 
+void GridPanel::SelectRow(GridRow row) {
+  impl_->control_->SelectRow(row);
+}
+
+void GridPanel::SelectCell(const CellPlace& place) {
+  impl_->control_->SelectCell(place);
+}
+
 void GridPanel::ReduceSelection() {
   impl_->control_->ReduceSelection();
 }
 
-void GridPanel::SetWidths(int commonTwips, int channelTwips, int tabTwips) {
-  const int tab = TwipsToPixels(tabTwips, this);
-  const int common = TwipsToPixels(commonTwips, this);
-  // In a panel as wide as the tab control the common grid has its width when the rest beside it has this one.
-  impl_->tables_.Common->PreferWidth(common);
-  const int side = tab - common - impl_->rowAddStrip_->width() - 2 * kSpacing;
-  impl_->side_->setFixedWidth(std::max(side, 1));
-  impl_->LimitWidths();
-  const int margins = std::max((tab - TwipsToPixels(channelTwips, this)) / 2 - kTabFrame, 0);
-  for (QVBoxLayout* page : impl_->pages_) page->setContentsMargins(margins, kTabFrame, margins, kTabFrame);
-  for (GridTable* table : impl_->tables_.Channels) table->PreferWidth(TwipsToPixels(channelTwips, this));
+QSize GridPanel::SizeFor(int rows, bool sideBySide) const {
+  const GridTables& tables = impl_->tables_;
+  const int channels = sideBySide ? impl_->editor_.Views().ChannelGrids() : 1;
+  const int channel = std::max(tables.Channels[0]->MostWidth(), tables.Channels[1]->MostWidth());
+  const int top = tables.Common->MostWidth() + impl_->rowAddStrip_->width() + impl_->side_->WidthOfTexts();
+  return {std::max(top + 2 * kSpacing, channels * (channel + kWindowSides)), impl_->split_->HeightFor(rows)};
+}
+
+std::optional<int> GridPanel::Share() const {
+  return impl_->split_->Share();
+}
+
+void GridPanel::SetShare(std::optional<int> permille) {
+  impl_->split_->SetShare(permille);
 }
 
 void GridPanel::Run(Command command) {
@@ -354,6 +376,7 @@ void GridPanel::ExportCsv(const std::string& path) {
 
 void GridPanel::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
+  impl_->FitWidths();
   impl_->PlaceRowAdd();
 }
 
@@ -361,7 +384,7 @@ void GridPanel::changeEvent(QEvent* event) {
   QWidget::changeEvent(event);
   if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
     impl_->control_->LayOut();
-    impl_->LimitWidths();
+    impl_->FitWidths();
   }
   if (event->type() == QEvent::PaletteChange) impl_->ColorRowAdd();
 }
@@ -370,7 +393,7 @@ bool GridPanel::event(QEvent* event) {
   // Another screen can have another resolution.
   if (event->type() == QEvent::ScreenChangeInternal) {
     impl_->control_->LayOut();
-    impl_->LimitWidths();
+    impl_->FitWidths();
   }
   return QWidget::event(event);
 }

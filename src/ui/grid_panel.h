@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <QWidget>
@@ -50,11 +51,19 @@ class GridPanel : public QWidget {
   void ScrollTo(GridRow top);
   // Selects the first cell of the common area and opens its editor (Timer2 after loading).
   void SelectFirstCell();
+  // Makes the row of a step (or a cell) the current one, as the sequence view asks. What is being typed must
+  // have been stored; the focus stays where it is.
+  void SelectRow(GridRow row);
+  void SelectCell(const CellPlace& place);
   // Reduces the selections to the current cell (execution mode).
   void ReduceSelection();
 
-  // Widths in twips, scaled to the screen: the common grid, every channel grid, the tab control.
-  void SetWidths(int commonTwips, int channelTwips, int tabTwips);
+  // The size that shows `rows` whole step rows and every column in all grids, in pixels; in a panel as wide
+  // as that the channels stand side by side if `sideBySide`.
+  QSize SizeFor(int rows, bool sideBySide) const;
+  // Share of the common grid in the height, in permille; nullopt: as many rows as the channels' grids.
+  std::optional<int> Share() const;
+  void SetShare(std::optional<int> permille);
 
   // A command of the Edit menu; nothing when its state forbids it.
   void Run(Command command);
@@ -64,6 +73,8 @@ class GridPanel : public QWidget {
  signals:
   // Something about the sequence, the cursor, undo or the copy buffer changed: refresh titles and menus.
   void Changed();
+  // Something to say that must not interrupt.
+  void NoticeGiven(const std::string& text);
   // A command of the window was chosen from the context menu.
   void WindowCommand(corlune::Command command);
 

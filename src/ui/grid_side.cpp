@@ -1,9 +1,12 @@
 #include "ui/grid_side.h"
 
+#include <algorithm>
+
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 namespace corlune {
@@ -47,7 +50,17 @@ GridSide::GridSide(const GridViews& views, GridModel& branchModel, const std::fu
   down_->setToolTip(Text(TextId::EditRowDown));
   down_->setAccessibleName(Text(TextId::EditRowDown));
 
-  auto* layout = new QVBoxLayout(this);
+  // In a very low window the side scrolls; the grids need every row there is.
+  auto* whole = new QVBoxLayout(this);
+  whole->setContentsMargins(0, 0, 0, 0);
+  auto* scroll = new QScrollArea;
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  scroll->setFocusPolicy(Qt::NoFocus);
+  scroll->setWidgetResizable(true);
+  whole->addWidget(scroll);
+  auto* content = new QWidget;
+  auto* layout = new QVBoxLayout(content);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->setSpacing(kSpacing);
   auto* moves = new QHBoxLayout;
@@ -58,6 +71,12 @@ GridSide::GridSide(const GridViews& views, GridModel& branchModel, const std::fu
   layout->addLayout(moves);
   layout->addWidget(BuildBranch(branchModel), 1);
   layout->addStretch(0);
+  scroll->setWidget(content);
+}
+
+int GridSide::WidthOfTexts() const {
+  const int branch = branch_->ContentWidth() + 2 * kSpacing;
+  return std::max({branch, insert_->sizeHint().width(), delete_->sizeHint().width()});
 }
 
 QWidget* GridSide::BuildBranch(GridModel& model) {

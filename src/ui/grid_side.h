@@ -31,6 +31,8 @@ class GridSide : public QWidget {
            QWidget* parent = nullptr);
 
   GridTable& Branch() const { return *branch_; }
+  // Width that its texts and the columns of the branch grid need, in pixels.
+  int WidthOfTexts() const;
   void ShowStates(const ControlStates& states);
   // The branch area belongs to the step that its model shows.
   void Refresh();

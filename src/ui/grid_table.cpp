@@ -20,7 +20,10 @@ namespace {
 constexpr int kHeaderPadding = 2;  // pixels on each side of a header text
 constexpr int kNarrowest = 75;     // percent
 constexpr int kChannelShare = 58;  // percent of a narrow branch grid
-constexpr int kLeastRows = 3;      // rows that stay visible in a small window
+constexpr int kLeastRows = 2;      // rows that stay visible in a small window
+constexpr int kUsualRows = 12;
+constexpr int kMostGrowth = 50;  // percent by which columns grow in a wide window
+constexpr int kGrowthSlack = 8;  // pixels that are left over before they grow
 
 int TextWidth(const QFontMetrics& metrics, const QString& text) {
   return metrics.size(0, text).width();
@@ -97,16 +100,34 @@ void GridTable::LayOut(int rowHeight) {
   verticalHeader()->setDefaultSectionSize(rowHeight);
   header_->setFixedHeight(std::max(TwipsToPixels(kHeaderHeight, this), header_->TwoLines()));
   if (model_.Area() == GridArea::Branch) setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  for (int column = 0; column < model_.columnCount(); ++column) {
-    header_->resizeSection(column, TwipsToPixels(model_.ColumnTwips(column), this));
-  }
   FitToFrame();
   updateGeometry();
 }
 
-// The frame around the branch grid decides about its width: the channel column leaves room for the step.
+int GridTable::NaturalLength() const {
+  int length = 0;
+  for (int column = 0; column < model_.columnCount(); ++column) {
+    length += TwipsToPixels(model_.ColumnTwips(column), this);
+  }
+  return length;
+}
+
+int GridTable::SidesWidth() const {
+  return 2 * frameWidth() + verticalScrollBar()->sizeHint().width();
+}
+
+// The columns of the step grids share the room that a wide window gives them. The frame around the branch
+// grid decides about its width: the channel column leaves room for the step.
 void GridTable::FitToFrame() {
-  if (model_.Area() != GridArea::Branch) return;
+  if (model_.Area() != GridArea::Branch) {
+    const int natural = std::max(NaturalLength(), 1);
+    const int spare = width() - SidesWidth() - natural - kGrowthSlack;
+    const int percent = 100 + std::clamp(spare * 100 / natural, 0, kMostGrowth);
+    for (int column = 0; column < model_.columnCount(); ++column) {
+      header_->resizeSection(column, TwipsToPixels(model_.ColumnTwips(column), this) * percent / 100);
+    }
+    return;
+  }
   const int room = viewport()->width();
   const int channel =
       std::clamp(TwipsToPixels(model_.ColumnTwips(0), this), 1, std::max(room * kChannelShare / 100, 1));
@@ -126,7 +147,16 @@ void GridTable::PreferWidth(int pixels) {
 }
 
 int GridTable::ContentWidth() const {
-  return header_->length() + 2 * frameWidth() + verticalScrollBar()->sizeHint().width();
+  return NaturalLength() + SidesWidth();
+}
+
+int GridTable::MostWidth() const {
+  return NaturalLength() * (100 + kMostGrowth) / 100 + SidesWidth() + kGrowthSlack;
+}
+
+int GridTable::HeightBesideRows() const {
+  const QScrollBar* bar = horizontalScrollBar();
+  return header_->height() + 2 * frameWidth() + (bar->maximum() > 0 ? bar->sizeHint().height() : 0);
 }
 
 int GridTable::VisibleRows() const {
@@ -135,7 +165,8 @@ int GridTable::VisibleRows() const {
 
 QSize GridTable::sizeHint() const {
   const int width = preferredWidth_ > 0 ? preferredWidth_ : ContentWidth();
-  return {width, header_->height() + 12 * rowHeight_};
+  const int rows = model_.Area() == GridArea::Branch ? kLeastRows : kUsualRows;
+  return {width, header_->height() + rows * rowHeight_};
 }
 
 QSize GridTable::minimumSizeHint() const {

@@ -40,8 +40,13 @@ class GridTable : public QTableView {
   void LayOut(int rowHeight);
   // The width the layouts ask for, in pixels.
   void PreferWidth(int pixels);
-  // Width that shows every column, with frame and scroll bar.
+  // Width that shows every column, with frame and scroll bar. In more room the columns of a step grid grow
+  // along, up to MostWidth.
   int ContentWidth() const;
+  int MostWidth() const;
+  int RowHeight() const { return rowHeight_; }
+  // Header, frame and the bar below the rows, where there is one.
+  int HeightBesideRows() const;
   // Rows that fit below the header.
   int VisibleRows() const;
   QModelIndex At(int row, int column) const { return model_.index(row - 1, column); }
@@ -78,6 +83,9 @@ class GridTable : public QTableView {
 
  private:
   void FitToFrame();
+  // The sum of the columns' own widths.
+  int NaturalLength() const;
+  int SidesWidth() const;
 
   GridModel& model_;
   GridHeader* header_;

@@ -7,15 +7,15 @@
 #include "editing/grid_place.h"
 #include "ui/grid_table.h"
 
-class QTabWidget;
-
 namespace corlune {
+
+class ChannelTabs;
 
 struct GridTables {
   GridTable* Common = nullptr;
   std::array<GridTable*, MAX_CHANNELS> Channels{};
   GridTable* Branch = nullptr;
-  QTabWidget* Tabs = nullptr;  // SSTab1, page i holds Channels[i]
+  ChannelTabs* Tabs = nullptr;  // SSTab1, channel i is Channels[i]
 
   std::array<GridTable*, MAX_CHANNELS + 2> All() const;
   // Those with a row for each step.

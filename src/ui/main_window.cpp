@@ -5,17 +5,18 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QPushButton>
-#include <QScreen>
+#include <QShortcut>
 #include <QVBoxLayout>
 
+#include "dialogs/app_icon.h"
 #include "sequence/channel_tabs.h"
 #include "sequence/run_times.h"
 #include "sequence/waveform_path.h"
-#include "ui/app_icon.h"
-#include "ui/form_style.h"
 #include "ui/grid_panel.h"
 #include "ui/stat_bar.h"
 #include "ui/ui_font.h"
+#include "ui/view_pane.h"
+#include "view/flow_layout.h"
 #include "view/frm_preview.h"
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
@@ -28,6 +29,7 @@ namespace {
 
 constexpr int kTimer2Interval = 100;  // ms
 constexpr int kMargin = 8;            // pixels
+constexpr int kControlGap = 20;       // pixels between run buttons and fields
 
 }  // namespace
 
@@ -39,12 +41,10 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
       files_(parts.files),
       settings_(parts.settings),
       version_(parts.version),
-      programDate_(parts.programDate),
-      place_(parts.settings.Place()) {
+      programDate_(parts.programDate) {
   setObjectName(QStringLiteral("frmMain"));
   setAcceptDrops(true);
   setFont(UiFont(session_.State()));
-  setMinimumSize(TwipsToPixels(kLeastWidth, this), TwipsToPixels(kLeastHeight, this));
   recentFiles_ = settings_.RecentFiles();
   SetAppIcon(this, QString::fromUtf8(kApplicationIcon), true);
 
@@ -57,25 +57,32 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
   rows->setSpacing(kMargin / 2);
   runButtons_ = new RunButtons(
       session_.Catalogue(), [this](int index) { RunButton(index); }, central);
-  rows->addWidget(runButtons_);
   BuildFields(central);
-  rows->addWidget(fields_);
+  // In one row where the window is wide enough.
+  auto* controls = new FlowLayout(nullptr, kControlGap);
+  controls->addWidget(runButtons_);
+  controls->addWidget(fields_);
+  rows->addLayout(controls);
   grids_ = new GridPanel(editor_, prompts_, central);
   grids_->setObjectName(QStringLiteral("GridPanel"));
   grids_->SetBeforeCommand([this] { return CommitEntries(); });
-  rows->addWidget(grids_, 1);
-  signal_ = new SignalStrip(session_.Catalogue(), central);
-  signal_->setVisible(settings_.SignalShown());
-  rows->addWidget(signal_);
+  rows->addWidget(BuildMiddle(central), 1);
   whole->addLayout(rows, 1);
   statBar_ = new StatBar(session_.Catalogue(), central);
   whole->addWidget(statBar_);
   setCentralWidget(central);
   BuildMenus();
   focus_ = std::make_unique<WindowFocus>(*this, *grids_, [this] { grids_->FocusCell(); });
+  focus_->AddHome(*pane_);
 
   connect(grids_, &GridPanel::Changed, this, &MainWindow::RefreshControls);
   connect(grids_, &GridPanel::WindowCommand, this, &MainWindow::Do);
+  connect(grids_, &GridPanel::NoticeGiven, this,
+          [this](const std::string& text) { ShowNotice(NoticeLevel::Warning, text); });
+  connect(
+      statBar_, &StatBar::NoticesWanted, this, [this] { Do(Command::Notices); }, Qt::QueuedConnection);
+  // Fields and cells with an entry to take back keep the key.
+  connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, statBar_, &StatBar::CloseNotice);
   timer2_.setObjectName(QStringLiteral("Timer2"));
   timer2_.setInterval(kTimer2Interval);
   timer2_.setSingleShot(true);
@@ -100,8 +107,10 @@ void MainWindow::RefreshControls() {
     read_->setEnabled(states_.Read.Enabled);
     grids_->ShowStates(states_);
   });
-  if (preview_ && session_.State().SequenceViewShown) preview_->ShowStates(states_);
-  statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceTip()});
+  ShowViewStates();
+  const auto output = static_cast<std::size_t>(PanelButton::Output);
+  statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceText(), DeviceTip(),
+                                       session_.Definition().Buttons[output].Color2});
   // On a copy: the run times of the steps belong to what was sent last. How long a sequence of the
   // instrument's own takes nobody knows.
   ShowTotalTime(
@@ -120,6 +129,13 @@ void MainWindow::ShowSignal() {
   const int step = running ? state.CurrentStep : IndexOf(GridRow{editor_.Cursor().CurrentRow}).value;
   signal_->Show(BuildSignalSubject(session_.Sequence(), session_.Definition(), session_.Catalogue(),
                                    {EditedChannels(state), step, running, WaveformFolder(state)}));
+}
+
+void MainWindow::ShowViewStates() {
+  if (!preview_ || !session_.State().SequenceViewShown) return;
+  const bool steps = session_.Sequence().StepCount > 0;
+  preview_->ShowSelectedStep(steps ? std::optional(editor_.Cursor().CurrentRow - 1) : std::nullopt);
+  preview_->ShowStates(states_);
 }
 
 void MainWindow::RefreshCaption() {
@@ -147,11 +163,16 @@ void MainWindow::ShowElapsedTime(std::int32_t milliseconds) {
   if (preview_) preview_->ShowElapsedTime(milliseconds);
 }
 
+void MainWindow::ShowNotice(NoticeLevel level, const std::string& text) {
+  statBar_->ShowNotice(level, text);
+}
+
 void MainWindow::SequenceReplaced(SequenceChange change) {
   const bool anotherSequence = change == SequenceChange::New || change == SequenceChange::Opened;
   grids_->HideEditors();
   if (anotherSequence) {
-    ClosePreview();
+    // A docked view is a part of this window, and shows the new sequence.
+    if (preview_ && !preview_->Docked()) ClosePreview();
     editor_.Restart();
   }
   // The set-up may have brought another model along: its menus and buttons.
@@ -170,53 +191,6 @@ void MainWindow::ShowWaitCursor(bool on) {
     QApplication::restoreOverrideCursor();
   }
   RefreshControls();
-}
-
-void MainWindow::FormStyleNomal() {
-  showNormal();
-  move(screen()->availableGeometry().topLeft());
-  resize(TwipsToPixels(kNormalStyle.Window, this), height());
-}
-
-void MainWindow::FormStyleAlign() {
-  showNormal();
-  move(screen()->availableGeometry().topLeft());
-  resize(TwipsToPixels(kAlignedStyle.Window, this), height());
-}
-
-void MainWindow::PlaceInitially() {
-  QList<QRect> screens;
-  for (const QScreen* screen : QApplication::screens()) screens.append(screen->availableGeometry());
-  const QPoint corner = screen()->availableGeometry().topLeft();
-  const QRect wanted = place_ ? place_->geometry
-                              : QRect(corner, QSize(TwipsToPixels(kNormalStyle.Window, this),
-                                                    TwipsToPixels(kNormalHeight, this)));
-  const QRect placed = ClampToScreens(wanted, screens, minimumSize());
-  resize(placed.size());
-  move(placed.topLeft());
-}
-
-void MainWindow::ShowAtPlace() {
-  PlaceInitially();
-  if (place_ && place_->maximized) {
-    showMaximized();
-  } else {
-    show();
-  }
-}
-
-void MainWindow::AdaptWidths() {
-  // Back from pixels to twips by the factor that TwipsToPixels uses.
-  constexpr int kProbe = 15000;
-  const int pixels = std::max(1, TwipsToPixels(kProbe, this));
-  const auto window = static_cast<int>(static_cast<long long>(width()) * kProbe / pixels);
-  const FormStyle style = StyleForWidth(window);
-  grids_->SetWidths(style.CommonGrid, style.ChannelGrid, style.Tabs);
-}
-
-void MainWindow::resizeEvent(QResizeEvent* event) {
-  QMainWindow::resizeEvent(event);
-  AdaptWidths();
 }
 
 bool MainWindow::EndOfDesktopSession() {
@@ -250,15 +224,8 @@ void MainWindow::FinishClosing() {
   closed_ = true;
   timer2_.stop();
   grids_->HideEditors();
-  ClosePreview();
   KeepPlace();
-}
-
-void MainWindow::KeepPlace() const {
-  // The frame belongs to the window manager; the place is that of move().
-  const bool normal = !isMaximized() && !isFullScreen() && !isMinimized();
-  const QRect place = normal ? QRect(pos(), size()) : normalGeometry();
-  settings_.Write(WindowPlace{place, isMaximized()}, recentFiles_);
+  ClosePreview();
 }
 
 }  // namespace corlune

@@ -8,6 +8,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,17 +26,25 @@
 class QLabel;
 class QMenu;
 class QPushButton;
+class QSplitter;
 
 namespace corlune {
 
 class CommandMenu;
 class FrmPreview;
+struct GraphHandlers;
 class GridPanel;
 class RunButtons;
 class RunFields;
+class ShareSplit;
 class SignalStrip;
 class StatBar;
+class ViewPane;
 class WindowFocus;
+struct FormStyle;
+
+// Where the sequence view stands. The codes are stored in a file.
+enum class ViewPlace { Floating = 0, Below = 1, Beside = 2 };
 
 // Everything the window works on. All must outlive it; `settings` is written when it closes.
 struct MainWindowParts {
@@ -55,7 +64,7 @@ class MainWindow : public QMainWindow {
   explicit MainWindow(const MainWindowParts& parts, QWidget* parent = nullptr);
   ~MainWindow() override;
 
-  // Shows the window where it was last time, or in its normal layout at the top left.
+  // Shows the window where it was last time, or at the top left in its first size, as large as is of use.
   void ShowAtPlace();
   // A second start: comes to the front and, when it may, opens the file (through the save question). A file
   // that cannot be opened now is named in the status bar.
@@ -74,6 +83,7 @@ class MainWindow : public QMainWindow {
   void ShowModeLayout(int operationMode);
   void ShowTotalTime(double milliseconds);
   void ShowElapsedTime(std::int32_t milliseconds);
+  void ShowNotice(NoticeLevel level, const std::string& text);
   void SequenceReplaced(SequenceChange change);
   void ShowWaitCursor(bool on);
   // The signal of the running step, else of the current one.
@@ -94,7 +104,6 @@ class MainWindow : public QMainWindow {
 
  protected:
   void closeEvent(QCloseEvent* event) override;
-  void resizeEvent(QResizeEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
 
@@ -105,7 +114,7 @@ class MainWindow : public QMainWindow {
   CommandMenu& MenuOf(MenuPlace place) const { return *menus_[static_cast<std::size_t>(place)]; }
   void ShowMenuStates();
   void ShowRecentFiles();
-  void MarkColors(WindowColors colors);
+  void AddColorChoice();
   void ChooseColors(WindowColors colors);
   void RememberRecent();
 
@@ -127,7 +136,6 @@ class MainWindow : public QMainWindow {
   bool CommitEntries();
   void Do(Command command);
   void FileCommand(Command command);
-  void ViewCommand(Command command);
   void SwitchSignal();
   void ChangeMode(OperationMode mode);
   void RunItem(Run item);
@@ -137,19 +145,43 @@ class MainWindow : public QMainWindow {
   void ExportCsv();
   void ShowAbout();
   void ShowShortcuts();
+  void ShowNotices();
   void ShowCommLog();
   std::string CommLogPath() const;
   std::string ConnectionTip() const;
+  // An instrument as the status bar names it: interface and serial number or address.
+  std::string InterfaceOf(const InstrumentEntry& entry) const;
+  std::string DeviceText() const;
   std::string DeviceTip() const;
   bool CanOpenNow() const;
   FrmPreview& NeedPreview();
+  GraphHandlers HandlersOfGraphs();
+
+  // main_window_layout.cpp
+  QWidget* BuildMiddle(QWidget* parent);
+  QMargins Frame() const;
+  void LimitSize();
+  QSize FirstSize() const;
+  void FitFrame(int looks);
+  void TakeStyle(const FormStyle& style);
+  WindowPlace PresentPlace() const;
+  void KeepPlace() const;
+  void KeepShare() const;
+  void KeepViewPlace() const;
+  void ViewCommand(Command command);
+  // Moves the view there; it is still to be shown.
+  void PlacePreview(ViewPlace place);
+  FrmPreview& ShowPreview(ViewPlace place);
+  bool PreviewOpen() const;
+  void FloatPreview();
   void ClosePreview();
+  void PreviewClosed();
+  void ShowDisplayMenu();
+  void SwitchPane();
 
   // main_window.cpp
-  void PlaceInitially();
-  void AdaptWidths();
+  void ShowViewStates();
   void FinishClosing();
-  void KeepPlace() const;
   std::string Text(TextId id) const { return session_.Catalogue().GetResString(id); }
   QString Caption(TextId id) const { return QString::fromStdString(Text(id)); }
 
@@ -169,6 +201,9 @@ class MainWindow : public QMainWindow {
   RunFields* fields_ = nullptr;
   std::int16_t sequenceNumber_ = 0;  // of the fields
   QPushButton* read_ = nullptr;
+  ShareSplit* outer_ = nullptr;  // the middle and a docked view
+  QSplitter* middle_ = nullptr;  // the grids and what stands under them
+  ViewPane* pane_ = nullptr;
   GridPanel* grids_ = nullptr;
   SignalStrip* signal_ = nullptr;
   StatBar* statBar_ = nullptr;
@@ -179,7 +214,13 @@ class MainWindow : public QMainWindow {
   ControlStates states_;
   bool waiting_ = false;  // the hourglass is shown
   bool closed_ = false;
-  std::optional<WindowPlace> place_;  // where the window was last time
+  ViewPlace viewPlace_ = ViewPlace::Floating;
+  bool viewTiled_ = false;
+  struct Tiled {
+    WindowPlace before;
+    QSize size;
+  };
+  std::optional<Tiled> tiled_;
 };
 
 }  // namespace corlune

@@ -6,16 +6,15 @@
 #include <QDropEvent>
 #include <QFileInfo>
 #include <QMimeData>
-#include <QScreen>
 #include <QUrl>
 
 #include "comm/init_options.h"
 #include "compile/download_outcome_text.h"
 #include "dialogs/frm_about.h"
 #include "dialogs/frm_comm_log.h"
+#include "dialogs/frm_notices.h"
 #include "dialogs/frm_shortcuts.h"
 #include "sequence/sequence_file.h"
-#include "ui/form_style.h"
 #include "ui/grid_keys.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
@@ -49,7 +48,7 @@ void BringForward(QWidget& window) {
 
 void MainWindow::Perform(const std::function<void()>& command, Entries entries) {
   if (entries == Entries::Taken && !CommitEntries()) return;
-  statBar_->ShowNotice({});
+  statBar_->CloseNotice();
   command();
   if (closed_) return;
   session_.NoticeLostConnection();
@@ -95,6 +94,8 @@ void MainWindow::Do(Command command) {
       return ShowAbout();
     case Command::Shortcuts:
       return ShowShortcuts();
+    case Command::Notices:
+      return ShowNotices();
     case Command::CommLog:
       return ShowCommLog();
     default:
@@ -126,7 +127,8 @@ bool MainWindow::CanOpenNow() const {
 
 void MainWindow::OpenPath(const std::string& path) {
   if (!CanOpenNow()) {
-    statBar_->ShowNotice(session_.Catalogue().GetResString(TextId::NotOpenedNow, {path}));
+    statBar_->ShowNotice(NoticeLevel::Warning,
+                         session_.Catalogue().GetResString(TextId::NotOpenedNow, {path}));
     return;
   }
   Perform([&] {
@@ -177,18 +179,35 @@ FrmPreview& MainWindow::NeedPreview() {
       RefreshControls();
       return session_.Sequence().ViewAreas == areas;
     };
-    handlers.closed = [this] {
-      if (!closed_) RefreshControls();
-    };
+    handlers.graphs = HandlersOfGraphs();
+    handlers.closed = [this] { PreviewClosed(); };
     preview_ = std::make_unique<FrmPreview>(session_.State(), session_.Definition(), session_.Sequence(),
                                             session_.Catalogue(), std::move(handlers));
     preview_->setWindowIcon(windowIcon());
+    focus_->Watch(preview_->DisplayMenu());
   }
   return *preview_;
 }
 
-void MainWindow::ClosePreview() {
-  if (preview_) preview_->close();
+// The graphs of the view are a third grid: what is selected or dragged there goes the way of a press or an
+// entry in a cell.
+GraphHandlers MainWindow::HandlersOfGraphs() {
+  GraphHandlers handlers;
+  handlers.selectStep = [this](int step) {
+    if (!CommitEntries()) return false;
+    grids_->SelectRow(RowOf(StepIndex{step}));
+    return true;
+  };
+  handlers.goToCell = [this] {
+    if (preview_->isActiveWindow()) BringForward(*this);
+    grids_->FocusCell();
+  };
+  handlers.enterValue = [this](const CellPlace& place, const std::string& text) {
+    if (!CommitEntries() || !states_.EditCells) return;
+    grids_->SelectCell(place);
+    grids_->Apply(editor_.EnterText(place, text));
+  };
+  return handlers;
 }
 
 void MainWindow::SwitchSignal() {
@@ -196,38 +215,6 @@ void MainWindow::SwitchSignal() {
   signal_->setVisible(shown);
   MenuOf(MenuPlace::View).Item(Command::SignalStrip)->setChecked(shown);
   settings_.WriteSignalShown(shown);
-}
-
-void MainWindow::ViewCommand(Command command) {
-  if (command == Command::SignalStrip) return Perform([this] { SwitchSignal(); });
-  Perform([&] {
-    if (command == Command::EditWindow) {
-      FormStyleNomal();
-      activateWindow();
-      return;
-    }
-    const bool shown = session_.State().SequenceViewShown;
-    FrmPreview& preview = NeedPreview();
-    if (command == Command::TileVertically) {
-      FormStyleAlign();
-      // Beside the frame of this window, as far as the screen reaches. Before it is shown, so that the window
-      // manager counts its frame in.
-      const QRect area = screen()->availableGeometry();
-      const int left = x() + TwipsToPixels(kAlignedStyle.Window, this) + frameGeometry().width() - width();
-      const int frame = frameGeometry().width() - width();
-      preview.move(left, y());
-      preview.resize(std::max(preview.minimumSizeHint().width(), area.right() + 1 - left - frame), height());
-    }
-    preview.showNormal();
-    ShowFields();
-    preview.ShowStates(states_);
-    preview.ShowElapsedTime(session_.State().ElapsedTime);
-    preview.PicDisp();
-    // A run that began without the view is followed from now on, a held one when it goes on.
-    if (!shown && session_.State().RunState != RunState::Stopped) preview.MeasureStart();
-    preview.raise();
-    preview.activateWindow();
-  });
 }
 
 void MainWindow::ChangeMode(OperationMode mode) {
@@ -239,7 +226,11 @@ void MainWindow::ChangeMode(OperationMode mode) {
         mode == OperationMode::Execution && session_.Sequence().StepCount > 0 && session_.Idle();
     session_.Download().ForgetOutcome();
     if (!session_.Control().SetOperationMode(mode) && downloads) {
-      statBar_->ShowNotice(DownloadOutcomeText(session_.Download().Outcome(), session_.Catalogue()));
+      const std::string why = DownloadOutcomeText(session_.Download().Outcome(), session_.Catalogue());
+      if (!why.empty()) statBar_->ShowNotice(NoticeLevel::Error, why);
+      if (session_.Download().Outcome().End == DownloadEnd::Cancelled) {
+        statBar_->ShowNotice(NoticeLevel::Information, Text(TextId::TransferEnded));
+      }
     }
   });
 }
@@ -255,8 +246,7 @@ void MainWindow::RunButton(int index) {
     const bool edit = session_.State().OperationMode == OperationMode::Edit;
     ChangeMode(edit ? OperationMode::Execution : OperationMode::Edit);
   } else if (index == static_cast<int>(PanelButton::Output)) {
-    const bool off = session_.State().OutputOn || session_.State().MayStillRun;
-    RunItem(off ? Run::OutputOff : Run::OutputOn);
+    RunItem(OutputSwitchesOff(session_.State()) ? Run::OutputOff : Run::OutputOn);
   } else {
     RunItem(static_cast<Run>(index - 1));  // the others stand as in the menu
   }
@@ -305,7 +295,18 @@ void MainWindow::ShowAbout() {
 }
 
 void MainWindow::ShowShortcuts() {
-  Perform([&] { FrmShortcuts(session_.Catalogue(), CellKeyLines(session_.Catalogue()), this).exec(); });
+  const MessageCatalogue& texts = session_.Catalogue();
+  Perform([&] {
+    FrmShortcuts(
+        texts, {{TextId::KeysOfGrids, CellKeyLines(texts)}, {TextId::KeysOfView, GraphKeyLines(texts)}}, this)
+        .exec();
+  });
+}
+
+void MainWindow::ShowNotices() {
+  // As they stand now: the command itself takes the present one away.
+  const std::deque<Notice> notices = statBar_->LastNotices();
+  Perform([&] { FrmNotices(session_.Catalogue(), notices, this).exec(); });
 }
 
 std::string MainWindow::CommLogPath() const {
@@ -327,22 +328,31 @@ std::string MainWindow::ConnectionTip() const {
   return tip;
 }
 
+std::string MainWindow::InterfaceOf(const InstrumentEntry& entry) const {
+  if (entry.InterfaceKind == InterfaceKind::Simulated) return Text(TextId::SimulatedInterface);
+  const auto& names = session_.Definition().InterfaceOf(session_.State().ModelIndex).InterfaceNames;
+  const bool listed = entry.Interface >= 0 && entry.Interface < static_cast<int>(names.size());
+  const std::string name = listed ? names[static_cast<std::size_t>(entry.Interface)] + " " : "";
+  return name +
+         (entry.InterfaceKind == InterfaceKind::UsbTmc ? entry.SerialNo : std::to_string(entry.Address));
+}
+
+std::string MainWindow::DeviceText() const {
+  const AppState& state = session_.State();
+  std::string text = state.ModelName + "  " + InterfaceOf(state.Instruments[0]);
+  if (state.InstrumentCount > 1) text += "  (+" + std::to_string(state.InstrumentCount - 1) + ")";
+  return text;
+}
+
 std::string MainWindow::DeviceTip() const {
   const AppState& state = session_.State();
-  const ModelInterfaceSpec& model = session_.Definition().InterfaceOf(state.ModelIndex);
+  const auto count = static_cast<std::size_t>(std::clamp<int>(state.InstrumentCount, 0, kMaxInstruments));
   std::string tip;
-  for (std::size_t i = 0;
-       i < static_cast<std::size_t>(std::clamp<int>(state.InstrumentCount, 0, kMaxInstruments)); ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     const InstrumentEntry& entry = state.Instruments[i];
-    const bool listed =
-        entry.Interface >= 0 && entry.Interface < static_cast<int>(model.InterfaceNames.size());
-    const std::string name = listed ? model.InterfaceNames[static_cast<std::size_t>(entry.Interface)] : "";
-    const bool usbTmc = entry.InterfaceKind == InterfaceKind::UsbTmc;
     if (!tip.empty()) tip += "\n";
     tip += session_.Catalogue().GetResString(
-        TextId::TipDevice,
-        {std::to_string(i + 1), name, usbTmc ? entry.SerialNo : std::to_string(entry.Address),
-         std::to_string(entry.ChannelCount)});
+        TextId::TipDevice, {std::to_string(i + 1), InterfaceOf(entry), std::to_string(entry.ChannelCount)});
   }
   return tip;
 }

@@ -37,7 +37,7 @@ void MainWindow::ShowFields() {
 
 bool MainWindow::Settle(const EditOutcome& outcome, EntryEnd end) {
   if (outcome.Accepted) {
-    statBar_->ShowNotice({});
+    statBar_->CloseNotice();
     return true;
   }
   if (outcome.Message && end == EntryEnd::Key) {
@@ -46,7 +46,7 @@ bool MainWindow::Settle(const EditOutcome& outcome, EntryEnd end) {
     request.icon = outcome.Message->Icon;
     prompts_.Message(request);
   } else if (outcome.Message) {
-    statBar_->ShowNotice(outcome.Message->Text);
+    statBar_->ShowNotice(NoticeLevel::Warning, outcome.Message->Text);
   }
   return false;
 }
@@ -60,7 +60,7 @@ bool MainWindow::EnterSequenceNumber(const std::string& text, EntryEnd end) {
 
 bool MainWindow::EnterStartStep(const std::string& text, EntryEnd end) {
   // What is being typed in a cell is meant in the present numbering.
-  grids_->CommitEntry();
+  grids_->CommitEntry(end);
   if (!Settle(editor_.EnterStartStep(text), end)) return false;
   // The first column and every target are shown in the new one.
   grids_->Rebuild();

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include <QAction>
+#include <QActionGroup>
 #include <QFileInfo>
 #include <QMenuBar>
 
@@ -20,7 +21,7 @@ void MainWindow::BuildMenus() {
   QAction* signal = MenuOf(MenuPlace::View).Item(Command::SignalStrip);
   signal->setCheckable(true);
   signal->setChecked(settings_.SignalShown());
-  MarkColors(settings_.Colors());
+  AddColorChoice();
   // The menu is told anew whenever it opens: a log is switched by the model definition.
   connect(&MenuOf(MenuPlace::Help), &QMenu::aboutToShow, this,
           [this] { MenuOf(MenuPlace::Help).Item(Command::CommLog)->setVisible(!CommLogPath().empty()); });
@@ -36,18 +37,17 @@ void MainWindow::AddRecentMenu() {
   ShowRecentFiles();
 }
 
-void MainWindow::MarkColors(WindowColors colors) {
-  for (int i = 0; i < kWindowColors; ++i) {
-    const auto command = static_cast<Command>(static_cast<int>(Command::ColorsDesktop) + i);
-    QAction* item = MenuOf(MenuPlace::View).Item(command);
+void MainWindow::AddColorChoice() {
+  auto* choice = new QActionGroup(this);
+  for (const Command command : {Command::ColorsDesktop, Command::ColorsLight, Command::ColorsDark}) {
+    QAction* item = choice->addAction(MenuOf(MenuPlace::View).Item(command));
     item->setCheckable(true);
-    item->setChecked(i == static_cast<int>(colors));
   }
+  choice->actions()[static_cast<int>(settings_.Colors())]->setChecked(true);
 }
 
 void MainWindow::ChooseColors(WindowColors colors) {
   ShowColors(colors);
-  MarkColors(colors);
   settings_.WriteColors(colors);
 }
 
@@ -59,6 +59,9 @@ void MainWindow::ShowMenuStates() {
     tool->setStatusTip(Caption(TextId::NotInThisVersion));
   }
   MenuOf(MenuPlace::Edit).ShowUndoNames(editor_);
+  for (const Command command : {Command::ViewClose, Command::ViewSwitch}) {
+    MenuOf(MenuPlace::View).Item(command)->setEnabled(PreviewOpen());
+  }
   recentMenu_->setEnabled(!recentFiles_.isEmpty() && StateOf(RowOf(Command::Open), states_).Enabled);
 }
 

@@ -1,65 +1,66 @@
 #include "ui/stat_bar.h"
 
+#include <algorithm>
+
+#include <QEvent>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPainter>
-#include <QStyle>
 #include <QVBoxLayout>
 
 #include "core/step_numbering.h"
+#include "editing/grid_views.h"
+#include "execution/run_state.h"
+#include "ui/elided_label.h"
+#include "ui/notice_bar.h"
 #include "view/time_panel.h"
+#include "view/to_qcolor.h"
 #include "view/warning_line.h"
 
 namespace corlune {
 
 namespace {
 
-// A label that may be narrower than its text and then ends in "...".
-class ElidedLabel : public QLabel {
- public:
-  using QLabel::QLabel;
-  QSize minimumSizeHint() const override {
-    return {fontMetrics().averageCharWidth() * 4, QLabel::minimumSizeHint().height()};
-  }
+constexpr int kPanelMargin = 1;        // pixels
+constexpr QColor kDoubt(255, 192, 0);  // amber, as the line that warns
 
- protected:
-  void paintEvent(QPaintEvent*) override {
-    QPainter painter(this);
-    drawFrame(&painter);
-    const QRect area = contentsRect().adjusted(margin(), 0, -margin(), 0);
-    style()->drawItemText(&painter, area, static_cast<int>(alignment()), palette(), isEnabled(),
-                          fontMetrics().elidedText(text(), Qt::ElideRight, area.width()),
-                          QPalette::WindowText);
-  }
+struct OutputWords {
+  const char* lamp;
+  TextId text;
+  TextId tip;
 };
 
-constexpr int kPanelMargin = 2;
+// A full lamp, an empty one and a half one can be told without colour.
+OutputWords WordsOf(OutputState state) {
+  switch (state) {
+    case OutputState::None:
+      break;
+    case OutputState::Unknown:
+      return {"\u25D0\u200A", TextId::OutputUnknown, TextId::TipOutputUnknown};
+    case OutputState::Off:
+      return {"\u25CB\u200A", TextId::OutputIsOff, TextId::TipOutputIsOff};
+    case OutputState::On:
+      return {"\u25CF\u200A", TextId::OutputIsOn, TextId::TipOutputIsOn};
+  }
+  return {"", TextId::OutputNone, TextId::TipOutputNone};
+}
 
 }  // namespace
 
 StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
-    : QWidget(parent),
-      catalogue_(catalogue),
-      warning_(new WarningLine(catalogue, this)),
-      notice_(new QLabel(this)) {
+    : QWidget(parent), catalogue_(catalogue), warning_(new WarningLine(catalogue, this)) {
   setObjectName(QStringLiteral("StatBar1"));
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(0, 0, 0, 0);
   rows->setSpacing(2);
   rows->addWidget(warning_);
-  notice_->setObjectName(QStringLiteral("LabNotice"));
-  notice_->setTextFormat(Qt::PlainText);
-  notice_->setWordWrap(true);
-  notice_->setMargin(kPanelMargin);
-  notice_->hide();
-  rows->addWidget(notice_);
 
-  auto* bar = new QFrame(this);
+  bar_ = new QFrame(this);
+  auto* bar = bar_;
   bar->setObjectName(QStringLiteral("StatusBar1"));
   auto* layout = new QHBoxLayout(bar);
   layout->setContentsMargins(0, 0, 0, 0);
-  layout->setSpacing(1);
+  layout->setSpacing(0);
   for (int i = 0; i < kPanels; ++i) {
     QLabel* panel = nullptr;
     if (i == Total) {
@@ -67,16 +68,78 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
     } else if (i == Elapsed) {
       panel = elapsed_ = new TimePanel(catalogue, TextId::ElapsedTime, bar);
     } else {
-      panel = i == Device ? new ElidedLabel(bar) : new QLabel(bar);
+      panel = i == Device || i == Mode ? new ElidedLabel(bar) : new QLabel(bar);
     }
     panel->setObjectName(QStringLiteral("Panel%1").arg(i + 1));
     panel->setTextFormat(Qt::PlainText);
     panel->setFrameStyle(static_cast<int>(QFrame::Panel) | static_cast<int>(QFrame::Sunken));
     panel->setMargin(kPanelMargin);
+    panel->setIndent(0);  // six of them have to fit into the narrowest window
     panels_[static_cast<std::size_t>(i)] = panel;
     layout->addWidget(panel, i == Device ? 1 : 0);
   }
   rows->addWidget(bar);
+  // In the narrowest window the others need all the room; its tip says the same.
+  panels_[Device]->setMinimumWidth(1);
+  notice_ = new NoticeBar(catalogue, bar);
+  connect(notice_, &NoticeBar::Said, this, &StatBar::PlaceNotice);
+  connect(notice_, &NoticeBar::ListWanted, this, &StatBar::NoticesWanted);
+  bar->installEventFilter(this);
+  ReserveOutputWidth();
+}
+
+// The panel keeps its place whatever it says.
+void StatBar::ReserveOutputWidth() {
+  QLabel* panel = panels_[Output];
+  int widest = 0;
+  for (const OutputState state :
+       {OutputState::None, OutputState::Unknown, OutputState::Off, OutputState::On}) {
+    const OutputWords words = WordsOf(state);
+    const QString text =
+        QString::fromUtf8(words.lamp) + QString::fromStdString(catalogue_.GetResString(words.text));
+    widest = std::max(widest, panel->fontMetrics().horizontalAdvance(text));
+  }
+  panel->setMinimumWidth(widest + 2 * (kPanelMargin + panel->frameWidth()));
+}
+
+void StatBar::ShowOutput(const AppState& state, const Color& onColor) {
+  const OutputState output = OutputStateOf(state);
+  const OutputWords words = WordsOf(output);
+  Show(Output, words.lamp + catalogue_.GetResString(words.text));
+  QLabel* panel = panels_[Output];
+  panel->setToolTip(QString::fromStdString(catalogue_.GetResString(words.tip)));
+  panel->setAccessibleDescription(panel->toolTip());
+  const bool marked = output == OutputState::On || output == OutputState::Unknown;
+  QPalette colors;
+  if (marked) {
+    const QColor face = output == OutputState::On ? ToQColor(onColor) : kDoubt;
+    colors.setColor(QPalette::Window, face);
+    colors.setColor(QPalette::WindowText,
+                    output == OutputState::On ? ToQColor(TextColorOn(onColor)) : QColor(Qt::black));
+  }
+  panel->setPalette(colors);
+  panel->setAutoFillBackground(marked);
+}
+
+// Over the panels at the left. What the outputs do stays in sight, the times as long as there is room.
+void StatBar::PlaceNotice() {
+  const int wanted = notice_->WantedWidth();
+  const int room = panels_[Total]->x() - 1;
+  const int width = std::min(wanted, wanted <= room ? room : panels_[Output]->x() - 1);
+  notice_->setGeometry(0, 0, width, bar_->height());
+}
+
+bool StatBar::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == bar_ && event->type() == QEvent::Resize) {
+    // Behind the layout of the panels.
+    QMetaObject::invokeMethod(this, &StatBar::PlaceNotice, Qt::QueuedConnection);
+  }
+  return QWidget::eventFilter(watched, event);
+}
+
+void StatBar::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::FontChange && panels_[Output]) ReserveOutputWidth();
 }
 
 void StatBar::Show(Panel panel, const std::string& text) {
@@ -95,10 +158,12 @@ void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
             std::to_string(NumberOf(StepIndex{state.CurrentStep}).value);
   }
   Show(Mode, mode);
-  Show(Device, catalogue_.GetResString(TextId::StateDevice) + ":" + state.ModelName);
+  Show(Device, catalogue_.GetResString(TextId::StateDevice) + ":" + facts.device);
   panels_[Connection]->setToolTip(QString::fromStdString(facts.connectionTip));
   panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());
   panels_[Device]->setToolTip(QString::fromStdString(facts.deviceTip));
+  panels_[Device]->setAccessibleDescription(panels_[Device]->toolTip());
+  ShowOutput(state, facts.outputOn);
   ElapsTime(state.ElapsedTime);
   warning_->ShowState(state);
 }
@@ -111,13 +176,20 @@ void StatBar::ElapsTime(std::int32_t milliseconds) {
   elapsed_->ShowTime(milliseconds);
 }
 
-void StatBar::ShowNotice(const std::string& text) {
-  notice_->setText(QString::fromStdString(text));
-  notice_->setVisible(!text.empty());
+void StatBar::ShowNotice(NoticeLevel level, const std::string& text) {
+  notice_->Say(level, text);
+}
+
+void StatBar::CloseNotice() {
+  notice_->Clear();
 }
 
 QString StatBar::Notice() const {
-  return notice_->text();
+  return notice_->Text();
+}
+
+const std::deque<corlune::Notice>& StatBar::LastNotices() const {
+  return notice_->Last();
 }
 
 QString StatBar::PanelText(Panel panel) const {

@@ -1,36 +1,43 @@
-// StatBar: the bar at the bottom of the main window. Connection, mode, device, total and elapsed time, and
-// lines of their own for what must be said without interrupting and for an instrument that nobody sees any
-// more.
+// StatBar: the bar at the bottom of the main window. Connection, mode, device, total and elapsed time and
+// what the outputs do; over the panels what must be said without interrupting, above them a line that warns
+// of an instrument that nobody sees any more.
 #pragma once
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <string>
 
 #include <QWidget>
 
 #include "core/app_state.h"
 #include "core/catalogue.h"
+#include "dialogs/frm_notices.h"
+#include "modeldef/model_definition.h"
 
+class QFrame;
 class QLabel;
 
 namespace corlune {
 
+class NoticeBar;
 class TimePanel;
 class WarningLine;
 
 // What the application state does not hold.
 struct StatusFacts {
   std::string connectionTip;  // who is connected, or why nobody is
+  std::string device;         // model, interface and who it is
   std::string deviceTip;
+  Color outputOn;  // of the output button while an output is on
 };
 
 class StatBar : public QWidget {
   Q_OBJECT
 
  public:
-  enum Panel { Connection, Mode, Device, Total, Elapsed };
-  static constexpr int kPanels = 5;
+  enum Panel { Connection, Mode, Device, Total, Elapsed, Output };
+  static constexpr int kPanels = 6;
 
   explicit StatBar(const MessageCatalogue& catalogue, QWidget* parent = nullptr);
 
@@ -39,17 +46,31 @@ class StatBar : public QWidget {
   // Milliseconds; -1: endless.
   void TotalTime(double milliseconds);
   void ElapsTime(std::int32_t milliseconds);
-  // Shows a line above the panels; an empty text takes it away.
-  void ShowNotice(const std::string& text);
+  void ShowNotice(NoticeLevel level, const std::string& text);
+  void CloseNotice();
+  // What is shown; empty when nothing is.
   QString Notice() const;
+  // The latest first.
+  const std::deque<corlune::Notice>& LastNotices() const;
   QString PanelText(Panel panel) const;
+
+ signals:
+  void NoticesWanted();
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
 
  private:
   void Show(Panel panel, const std::string& text);
+  void ShowOutput(const AppState& state, const Color& onColor);
+  void ReserveOutputWidth();
+  void PlaceNotice();
 
   const MessageCatalogue& catalogue_;
   WarningLine* warning_;
-  QLabel* notice_;
+  QFrame* bar_ = nullptr;
+  NoticeBar* notice_ = nullptr;
   std::array<QLabel*, kPanels> panels_{};
   TimePanel* total_ = nullptr;
   TimePanel* elapsed_ = nullptr;

@@ -30,6 +30,9 @@ void WindowDisplay::ScrollTo(GridRow top) {
 void WindowDisplay::ShowTotalTime(double milliseconds) {
   if (window_) window_->ShowTotalTime(milliseconds);
 }
+void WindowDisplay::ShowNotice(NoticeLevel level, const std::string& text) {
+  if (window_) window_->ShowNotice(level, text);
+}
 void WindowDisplay::ShowElapsedTime(std::int32_t milliseconds) {
   if (window_) window_->ShowElapsedTime(milliseconds);
 }

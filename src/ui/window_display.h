@@ -23,6 +23,7 @@ class WindowDisplay : public RunDisplay, public ViewDisplay, public SessionDispl
   void HighlightRow(GridRow row, bool on) override;
   void ScrollTo(GridRow top) override;
   void ShowTotalTime(double milliseconds) override;
+  void ShowNotice(NoticeLevel level, const std::string& text) override;
   void ShowElapsedTime(std::int32_t milliseconds) override;
   // ViewDisplay
   void PicDisp() override;

@@ -19,21 +19,26 @@ constexpr int kFarthest = 32768;
 WindowSettings::WindowSettings(const std::string& appFolder)
     : path_(QString::fromStdString(JoinPath(appFolder, kFileName))) {}
 
-std::optional<WindowPlace> WindowSettings::Place() const {
-  const QSettings settings(path_, QSettings::IniFormat);
-  const auto number = [&](const char* key, int least) -> std::optional<int> {
-    bool isNumber = false;
-    const int value = settings.value(QString::fromUtf8(key)).toInt(&isNumber);
-    if (!isNumber || value < least || value > kFarthest) return std::nullopt;
-    return value;
+std::optional<WindowPlace> WindowSettings::Place(const char* window) const {
+  const QString section = QString::fromUtf8(window);
+  const auto number = [&](const char* key, int least) {
+    return Number((std::string(window) + "/" + key).c_str(), least, kFarthest);
   };
-  const auto left = number("Window/Left", -kFarthest);
-  const auto top = number("Window/Top", -kFarthest);
-  const auto width = number("Window/Width", 1);
-  const auto height = number("Window/Height", 1);
+  const auto left = number("Left", -kFarthest);
+  const auto top = number("Top", -kFarthest);
+  const auto width = number("Width", 1);
+  const auto height = number("Height", 1);
   if (!left || !top || !width || !height) return std::nullopt;
+  const QSettings settings(path_, QSettings::IniFormat);
   return WindowPlace{QRect(*left, *top, *width, *height),
-                     settings.value(QStringLiteral("Window/Maximized")).toBool()};
+                     settings.value(section + QStringLiteral("/Maximized")).toBool()};
+}
+
+std::optional<int> WindowSettings::Number(const char* key, int least, int most) const {
+  bool isNumber = false;
+  const int value = QSettings(path_, QSettings::IniFormat).value(QString::fromUtf8(key)).toInt(&isNumber);
+  if (!isNumber || value < least || value > most) return std::nullopt;
+  return value;
 }
 
 std::optional<int> WindowSettings::Number(const char* key, int least, int most) const {
@@ -61,15 +66,27 @@ void WindowSettings::WriteSignalShown(bool shown) const {
 }
 
 void WindowSettings::Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const {
+  if (place) WritePlace(kMainSection, *place);
+  QSettings(path_, QSettings::IniFormat).setValue(QStringLiteral("Recent/Files"), recentFiles);
+}
+
+void WindowSettings::WritePlace(const char* window, const WindowPlace& place) const {
+  const QString section = QString::fromUtf8(window);
   QSettings settings(path_, QSettings::IniFormat);
-  if (place) {
-    settings.setValue(QStringLiteral("Window/Left"), place->geometry.x());
-    settings.setValue(QStringLiteral("Window/Top"), place->geometry.y());
-    settings.setValue(QStringLiteral("Window/Width"), place->geometry.width());
-    settings.setValue(QStringLiteral("Window/Height"), place->geometry.height());
-    settings.setValue(QStringLiteral("Window/Maximized"), place->maximized);
+  settings.setValue(section + QStringLiteral("/Left"), place.geometry.x());
+  settings.setValue(section + QStringLiteral("/Top"), place.geometry.y());
+  settings.setValue(section + QStringLiteral("/Width"), place.geometry.width());
+  settings.setValue(section + QStringLiteral("/Height"), place.geometry.height());
+  settings.setValue(section + QStringLiteral("/Maximized"), place.maximized);
+}
+
+void WindowSettings::WriteNumber(const char* key, std::optional<int> number) const {
+  QSettings settings(path_, QSettings::IniFormat);
+  if (number) {
+    settings.setValue(QString::fromUtf8(key), *number);
+  } else {
+    settings.remove(QString::fromUtf8(key));
   }
-  settings.setValue(QStringLiteral("Recent/Files"), recentFiles);
 }
 
 void WindowSettings::WriteNumber(const char* key, std::optional<int> number) const {
@@ -95,7 +112,8 @@ QStringList WithRecentFile(QStringList files, const QString& path) {
   return files.mid(0, kRecentFiles);
 }
 
-QRect ClampToScreens(const QRect& wanted, const QList<QRect>& screens, const QSize& smallest) {
+QRect ClampToScreens(const QRect& wanted, const QList<QRect>& screens, const QSize& smallest,
+                     const QMargins& frame) {
   if (screens.isEmpty()) return wanted;
   const auto shown = [&](const QRect& screen) {
     const QRect part = screen & wanted;
@@ -103,10 +121,12 @@ QRect ClampToScreens(const QRect& wanted, const QList<QRect>& screens, const QSi
   };
   const QRect screen = *std::max_element(screens.begin(), screens.end(),
                                          [&](const QRect& a, const QRect& b) { return shown(a) < shown(b); });
-  const QSize size = wanted.size().boundedTo(screen.size()).expandedTo(smallest);
+  const QSize edges(frame.left() + frame.right(), frame.top() + frame.bottom());
+  const QSize size = wanted.size().boundedTo(screen.size() - edges).expandedTo(smallest);
+  const QSize whole = size + edges;
   // A window wider than the screen begins at its left edge.
-  const int left = std::max(screen.left(), std::min(wanted.left(), screen.right() + 1 - size.width()));
-  const int top = std::max(screen.top(), std::min(wanted.top(), screen.bottom() + 1 - size.height()));
+  const int left = std::max(screen.left(), std::min(wanted.left(), screen.right() + 1 - whole.width()));
+  const int top = std::max(screen.top(), std::min(wanted.top(), screen.bottom() + 1 - whole.height()));
   return {QPoint(left, top), size};
 }
 

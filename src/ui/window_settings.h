@@ -1,11 +1,13 @@
-// WindowSettings: what the main window keeps for the next start beside the work file: place, size and recent
-// files, in CorluneWindow.ini of the application folder. Nothing in it is needed to start.
+// WindowSettings: what the main window keeps for the next start beside the work file: places and sizes of the
+// windows and their parts, choices of how things are shown and recent files, in CorluneWindow.ini of the
+// application folder. Nothing in it is needed to start.
 #pragma once
 
 #include <optional>
 #include <string>
 
 #include <QList>
+#include <QMargins>
 #include <QRect>
 #include <QStringList>
 
@@ -24,8 +26,8 @@ class WindowSettings {
  public:
   explicit WindowSettings(const std::string& appFolder);
 
-  // nullopt when the file names no usable place.
-  std::optional<WindowPlace> Place() const;
+  // nullopt when the file names no usable place. `window`: the section of the main window or of the view.
+  std::optional<WindowPlace> Place(const char* window = kMainSection) const;
   QStringList RecentFiles() const;
   // The signal strip is kept by itself, when it is switched.
   bool SignalShown() const;
@@ -34,10 +36,14 @@ class WindowSettings {
   std::optional<int> Number(const char* key, int least, int most) const;
   // A file that cannot be written is no reason to complain: the next start then begins at the default place.
   void Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const;
+  void WritePlace(const char* window, const WindowPlace& place) const;
   void WriteNumber(const char* key, std::optional<int> number) const;
   // How the windows are coloured.
   WindowColors Colors() const;
   void WriteColors(WindowColors colors) const;
+
+  static constexpr const char* kMainSection = "Window";
+  static constexpr const char* kViewSection = "View";
 
  private:
   QString path_;
@@ -46,8 +52,10 @@ class WindowSettings {
 // `path` in front of the list, once, the list at most kRecentFiles long.
 QStringList WithRecentFile(QStringList files, const QString& path);
 
-// `wanted`, moved and shrunk so that it lies within the screen that shows most of it (else the first one),
-// but not below `smallest`. Without screens `wanted` itself.
-QRect ClampToScreens(const QRect& wanted, const QList<QRect>& screens, const QSize& smallest);
+// The corner of the frame and the size inside it, moved and shrunk so that the window lies with its frame
+// within the screen that shows most of it (else the first one), but not below `smallest`. Without screens
+// `wanted` itself.
+QRect ClampToScreens(const QRect& wanted, const QList<QRect>& screens, const QSize& smallest,
+                     const QMargins& frame = {});
 
 }  // namespace corlune

@@ -43,6 +43,16 @@ bool EntryField::Enter(EntryEnd end) {
   return accepted;
 }
 
+bool EntryField::event(QEvent* event) {
+  // Escape takes an entry back; without one it is the window's.
+  if (event->type() == QEvent::ShortcutOverride && text() != oldFieldText_ &&
+      static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    event->accept();
+    return true;
+  }
+  return QLineEdit::event(event);
+}
+
 void EntryField::keyPressEvent(QKeyEvent* event) {
   switch (event->key()) {
     case Qt::Key_Return:

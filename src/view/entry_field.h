@@ -37,6 +37,7 @@ class EntryField : public QLineEdit {
   void focusInEvent(QFocusEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
   bool focusNextPrevChild(bool next) override;
+  bool event(QEvent* event) override;
 
  private:
   Check check_;

@@ -6,6 +6,12 @@
 
 namespace corlune {
 
+namespace {
+
+constexpr int kRowGap = 4;  // pixels between two rows, at most
+
+}  // namespace
+
 FlowLayout::FlowLayout(QWidget* parent, int spacing, Items items) : QLayout(parent), kind_(items) {
   setContentsMargins(0, 0, 0, 0);
   setSpacing(spacing);
@@ -29,6 +35,16 @@ QLayoutItem* FlowLayout::takeAt(int index) {
   return item;
 }
 
+QSize FlowLayout::sizeHint() const {
+  QSize size(-spacing(), 0);
+  for (const auto& item : items_) {
+    if (item->isEmpty()) continue;
+    const QSize own = item->sizeHint();
+    size = {size.width() + own.width() + spacing(), std::max(size.height(), own.height())};
+  }
+  return size.expandedTo(minimumSize());
+}
+
 QSize FlowLayout::minimumSize() const {
   QSize size;
   for (const auto& item : items_) {
@@ -45,7 +61,11 @@ void FlowLayout::setGeometry(const QRect& rect) {
 // What `item` gets where one row has `width`.
 QSize FlowLayout::SizeIn(int width, QLayoutItem& item) const {
   QSize size = item.sizeHint();
-  if (kind_ == Items::Keep) return size;
+  if (kind_ == Items::Keep) {
+    size.setWidth(std::min(size.width(), width));
+    if (item.hasHeightForWidth()) size.setHeight(item.heightForWidth(size.width()));
+    return size;
+  }
   int wanted = -spacing();
   int least = -spacing();
   for (const auto& each : items_) {
@@ -81,7 +101,7 @@ int FlowLayout::Place(const QRect& rect, bool apply) const {
     if (!row.empty() && x + size.width() > rect.x() + rect.width()) {
       finishRow();
       x = rect.x();
-      y += rowHeight + spacing();
+      y += rowHeight + std::min(spacing(), kRowGap);
       rowHeight = 0;
     }
     row.push_back(item.get());

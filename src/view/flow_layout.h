@@ -25,7 +25,8 @@ class FlowLayout : public QLayout {
   Qt::Orientations expandingDirections() const override { return {}; }
   bool hasHeightForWidth() const override { return true; }
   int heightForWidth(int width) const override { return Place(QRect(0, 0, width, 0), false); }
-  QSize sizeHint() const override { return minimumSize(); }
+  // All items in one row.
+  QSize sizeHint() const override;
   QSize minimumSize() const override;
   void setGeometry(const QRect& rect) override;
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <utility>
+#include <vector>
 
 #include <QAction>
 #include <QCloseEvent>
@@ -22,7 +23,6 @@
 #include "view/run_buttons.h"
 #include "view/run_fields.h"
 #include "view/time_panel.h"
-#include "view/to_qcolor.h"
 #include "view/warning_line.h"
 #include "view/window_focus.h"
 
@@ -52,6 +52,7 @@ class FrmPreview::Impl {
   void Do(Command command);
   QWidget* BuildContent();
   void BuildStatusBar();
+  GraphPicture PictureOf(const SequenceData& shown) const;
   void Draw();
   void FollowRun();
   bool StepUnderWay() const {
@@ -68,10 +69,13 @@ class FrmPreview::Impl {
 
   CommandMenu* runMenu = nullptr;
   CommandMenu* display = nullptr;
+  std::vector<QAction*> windowKeys;  // of the main window's view menu
   RunButtons* buttons = nullptr;
   RunFields* fields = nullptr;
   AreaSettings* settings = nullptr;
   GraphCanvas* canvas = nullptr;
+  std::unique_ptr<GraphHand> hand;
+  std::optional<int> selected;
   TimePanel* total = nullptr;
   TimePanel* elapsed = nullptr;
   WarningLine* warning = nullptr;
@@ -94,6 +98,16 @@ void FrmPreview::Impl::BuildMenus() {
   QAction* areas = display->Item(Command::AreaSettings);
   areas->setCheckable(true);
   areas->setChecked(true);
+  for (const CommandRow& row : WindowCommands()) {
+    if (row.menu != MenuPlace::View) continue;
+    auto* action = new QAction(&form);
+    form.addAction(action);
+    action->setShortcuts(KeysOf(row));
+    QObject::connect(action, &QAction::triggered, &form, [this, command = row.id] {
+      if (handlers.command) handlers.command(command);
+    });
+    windowKeys.push_back(action);
+  }
 }
 
 void FrmPreview::Impl::Do(Command command) {
@@ -132,10 +146,16 @@ QWidget* FrmPreview::Impl::BuildContent() {
                               content);
   settings->setObjectName(QStringLiteral("AreaSettings"));
   canvas = new GraphCanvas(
-      [this](std::size_t area, int step) {
-        return GraphTip(sequence, definition, catalogue, canvas->Picture(), area, step);
-      },
+      GraphTexts{
+          [this](std::size_t area, int step) {
+            return GraphTip(sequence, definition, catalogue, canvas->Picture(), area, step);
+          },
+          [this](const LoopBracket& bracket) { return LoopTipText(catalogue, canvas->Picture(), bracket); },
+          [this](const std::string& label) { return catalogue.GetResString(TextId::ViewStepName, {label}); },
+          catalogue.GetResString(TextId::CellRunning)},
       content);
+  hand = std::make_unique<GraphHand>(*canvas, state, definition, sequence, catalogue, handlers.graphs,
+                                     [this](const SequenceData& shown) { return PictureOf(shown); });
   canvas->setObjectName(QStringLiteral("PicView"));
   canvas->setAccessibleName(Text(TextId::GraphsName));
   rows->addWidget(buttons);
@@ -160,25 +180,33 @@ void FrmPreview::Impl::BuildStatusBar() {
   bar->addWidget(warning, 1);
 }
 
-void FrmPreview::Impl::Draw() {
-  const int channels = EditedChannels(state);
+GraphPicture FrmPreview::Impl::PictureOf(const SequenceData& shown) const {
   // Run times are those of the last download; while the sequence is edited only the entered ones are true.
   // There are run times of what was sent.
   const bool sent = state.OperationMode == OperationMode::Execution && !state.HeldSequence;
   const StepLength length = sent ? StepLength::RunTime : StepLength::Entered;
-  GraphPicture picture = BuildGraphPicture(sequence, definition, catalogue, {channels, axis, length});
+  GraphPicture picture =
+      BuildGraphPicture(shown, definition, catalogue, {EditedChannels(state), axis, length});
   if (picture.Note.empty() && picture.Areas.empty()) {
     picture.Note = catalogue.GetResString(TextId::GraphAllAreasOff);
   }
-  canvas->ShowPicture(std::move(picture));
+  return picture;
+}
+
+void FrmPreview::Impl::Draw() {
+  const int channels = EditedChannels(state);
+  // Whatever is drawn anew may have changed what a drag began with.
+  hand->Cancel();
+  canvas->ShowPicture(PictureOf(sequence));
+  canvas->ShowSelectedStep(selected);
   settings->ShowAreas(definition, AreasInEffect(sequence, definition, channels), axis);
 }
 
 void FrmPreview::Impl::FollowRun() {
   const bool shown = measuring && StepUnderWay();
   canvas->ShowCurrentStep(shown ? std::optional<int>(state.CurrentStep) : std::nullopt,
-                          ToQColor(definition.CurrentStep));
-  if (!shown) canvas->ShowMarker(std::nullopt, ToQColor(definition.Indicator));
+                          definition.CurrentStep);
+  if (!shown) canvas->ShowMarker(std::nullopt, definition.Indicator);
 }
 
 FrmPreview::FrmPreview(AppState& state, const ModelDefinition& definition, const SequenceData& sequence,
@@ -211,7 +239,7 @@ void FrmPreview::MoveShape(std::uint32_t tick) {
   impl_->FollowRun();
   const auto position = MarkerPosition(impl_->canvas->Picture().Spans, impl_->state.CurrentStep,
                                        impl_->state.StepChangedAt, tick);
-  impl_->canvas->ShowMarker(position, ToQColor(impl_->definition.Indicator));
+  impl_->canvas->ShowMarker(position, impl_->definition.Indicator);
 }
 
 void FrmPreview::MeasureStart() {
@@ -225,20 +253,38 @@ void FrmPreview::MeasureEnd() {
   impl_->FollowRun();
 }
 
-void FrmPreview::FormStyleNomal(const QRect& screen) {
-  if (isMinimized()) showNormal();
-  const QSize edges = frameGeometry().size() - size();
+void FrmPreview::Dock(QWidget* pane) {
+  setParent(pane, pane != nullptr ? Qt::Widget : Qt::Window);
+  const bool alone = pane == nullptr;
+  menuBar()->setVisible(alone);
+  statusBar()->setVisible(alone);
+  impl_->buttons->setVisible(alone);
+  impl_->fields->setVisible(alone);
+  for (QAction* action : impl_->windowKeys) action->setEnabled(alone);
+}
+
+CommandMenu& FrmPreview::DisplayMenu() const {
+  return *impl_->display;
+}
+
+void FrmPreview::FocusPicture() {
+  impl_->canvas->setFocus(Qt::OtherFocusReason);
+}
+
+void FrmPreview::FormStyleNomal(const QRect& screen, const QSize& frame) {
+  if (isMinimized() || isMaximized()) showNormal();
+  const QSize edges = (frameGeometry().size() - size()).expandedTo(frame);
   const QSize wanted = kNormalSize.boundedTo(screen.size() - edges).expandedTo(minimumSizeHint());
   resize(wanted);
   const QSize free = screen.size() - wanted - edges;
   move(screen.x() + free.width() / 2, screen.y() + free.height() / 2);
 }
 
-void FrmPreview::FormStyleAlign(const QRect& leftWindow) {
-  if (isMinimized()) showNormal();
+void FrmPreview::FormStyleAlign(const QRect& leftWindow, const QSize& frame) {
+  if (isMinimized() || isMaximized()) showNormal();
   const QScreen* on = QGuiApplication::screenAt(leftWindow.center());
   const QRect area = (on ? on : screen())->availableGeometry();
-  const QSize edges = frameGeometry().size() - size();
+  const QSize edges = (frameGeometry().size() - size()).expandedTo(frame);
   const int left = leftWindow.right() + 1;
   const QSize free(area.right() + 1 - left, leftWindow.height());
   const QSize wanted = (free - edges).expandedTo(minimumSizeHint());
@@ -254,8 +300,14 @@ void FrmPreview::ShowStates(const ControlStates& states) {
     impl_->fields->ShowStates(states);
     impl_->runMenu->ShowStates(states);
   });
+  impl_->hand->AllowEntries(states.EditCells);
   impl_->warning->ShowState(impl_->state);
   PicDisp();
+}
+
+void FrmPreview::ShowSelectedStep(std::optional<int> step) {
+  impl_->selected = step;
+  impl_->canvas->ShowSelectedStep(step);
 }
 
 void FrmPreview::ShowFields(const std::string& sequenceNumber, const std::string& startStep,
@@ -268,7 +320,7 @@ bool FrmPreview::EnterFields(EntryEnd end) {
 }
 
 void FrmPreview::ReturnFocus() {
-  impl_->focus->Return();
+  if (!Docked()) impl_->focus->Return();
 }
 
 void FrmPreview::ShowTotalTime(double milliseconds) {
@@ -283,7 +335,7 @@ void FrmPreview::showEvent(QShowEvent* event) {
   QMainWindow::showEvent(event);
   if (event->spontaneous()) return;
   impl_->state.SequenceViewShown = true;
-  impl_->canvas->setFocus();
+  if (!Docked()) impl_->canvas->setFocus();
 }
 
 void FrmPreview::closeEvent(QCloseEvent* event) {

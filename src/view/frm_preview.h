@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include <QMainWindow>
@@ -15,8 +16,11 @@
 #include "modeldef/model_definition.h"
 #include "sequence/sequence_data.h"
 #include "view/entry_field.h"
+#include "view/graph_hand.h"
 
 namespace corlune {
+
+class CommandMenu;
 
 // What the view asks of the main window; every press forwards to the same handlers as the main window's.
 struct PreviewHandlers {
@@ -29,6 +33,7 @@ struct PreviewHandlers {
   // View areas as chosen in the view, to be stored in the sequence; false: refused. Without it the areas are
   // shown as they are and cannot be chosen.
   std::function<bool(const decltype(SequenceData::ViewAreas)&)> enterViewAreas = {};
+  GraphHandlers graphs = {};
 };
 
 class FrmPreview : public QMainWindow {
@@ -50,11 +55,23 @@ class FrmPreview : public QMainWindow {
 
   // Layout of the window alone, on a screen's available area, and tiled to the right of the main window,
   // whose frame is `leftWindow`. Both restore a minimised window; neither shows a hidden one.
-  void FormStyleNomal(const QRect& screen);
-  void FormStyleAlign(const QRect& leftWindow);
+  // `frame`: width and height that the frame adds, as far as this window does not know them before it is
+  // shown.
+  void FormStyleNomal(const QRect& screen, const QSize& frame = {});
+  void FormStyleAlign(const QRect& leftWindow, const QSize& frame = {});
+
+  // Inside another window, as a child of `pane`: only the picture with its choices, without menu, buttons,
+  // fields and status bar. Or, without a pane, a window again. Hidden either way until it is shown.
+  void Dock(QWidget* pane);
+  bool Docked() const { return !isWindow(); }
+  // The commands of the picture, for the window that it is docked in.
+  CommandMenu& DisplayMenu() const;
+  void FocusPicture();
 
   // Also redraws: what the controls follow may have changed the sequence.
   void ShowStates(const ControlStates& states);
+  // The current step (slot) of the grids; none without steps.
+  void ShowSelectedStep(std::optional<int> step);
   // Copies of the main window's fields and status texts.
   void ShowFields(const std::string& sequenceNumber, const std::string& startStep,
                   const std::string& branchChannel);

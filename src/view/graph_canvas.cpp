@@ -12,22 +12,23 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
+#include "view/graph_access.h"
+
 namespace corlune {
 
 namespace {
 
 constexpr double kLeastStepWidth = 18;  // pixels a step on average, before the sequence scrolls
 constexpr double kMostZoom = 4000;
-constexpr int kMarkerHalf = 6;  // pixels to both sides of the marker's line
-constexpr double kMarkerWidth = 2;
-constexpr double kLeadIn = 0.1;  // of the plot, left of a step that is scrolled into view
-constexpr int kKeyScroll = 40;   // pixels
-constexpr int kLeastAreas = 2;   // that the canvas has room for when it can choose
+constexpr int kKeyScroll = 40;  // pixels
+constexpr int kLeastAreas = 2;  // that the canvas has room for when it can choose
 constexpr int kPreferredWidth = 640;
 
 }  // namespace
 
-GraphCanvas::GraphCanvas(Tip tip, QWidget* parent) : QAbstractScrollArea(parent), tip_(std::move(tip)) {
+GraphCanvas::GraphCanvas(GraphTexts texts, QWidget* parent)
+    : QAbstractScrollArea(parent), texts_(std::move(texts)) {
+  InstallGraphAccess();
   setFocusPolicy(Qt::StrongFocus);
   setFrameShape(QFrame::NoFrame);
   setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -41,6 +42,7 @@ QSize GraphCanvas::sizeHint() const {
 }
 
 double GraphCanvas::AxisLength() const {
+  if (held_) return heldLength_;
   // A sequence of steps without a time still has an axis.
   const double length = picture_.Spans.empty() ? 0 : picture_.Spans.back().End;
   return length > 0 ? length : 1;
@@ -68,12 +70,26 @@ int GraphCanvas::TopRow() const {
 
 void GraphCanvas::ShowPicture(GraphPicture picture) {
   if (picture == picture_) return;
+  if (held_ && picture.Areas.size() == picture_.Areas.size()) {
+    for (std::size_t i = 0; i < picture.Areas.size(); ++i) {
+      picture.Areas[i].Graph.Range = picture_.Areas[i].Graph.Range;
+    }
+  }
   const bool sameAxis = picture.Axis == picture_.Axis;
   const double start = sameAxis ? Window().Start : 0;
   picture_ = std::move(picture);
   if (!sameAxis) zoomed_ = false;
-  if (step_ && static_cast<std::size_t>(*step_) >= picture_.Spans.size()) step_.reset();
+  if (!IsStep(step_)) step_.reset();
+  if (!IsStep(selected_)) selected_.reset();
   Arrange(start);
+}
+
+void GraphCanvas::HoldScale(bool on) {
+  if (on == held_) return;
+  const double start = Window().Start;
+  heldLength_ = AxisLength();
+  held_ = on;
+  if (!on) Arrange(start);
 }
 
 void GraphCanvas::Arrange(double start) {
@@ -124,84 +140,13 @@ void GraphCanvas::ShowAll() {
 QRect GraphCanvas::StepRect(int step) const {
   const StepSpan& span = picture_.Spans[static_cast<std::size_t>(step)];
   const AxisWindow window = Window();
-  const double perUnit = layout_.PlotWidth / (window.End - window.Start);
-  const double left = std::max(layout_.PlotLeft + (span.Start - window.Start) * perUnit, layout_.PlotLeft);
-  const double right =
-      std::min(layout_.PlotLeft + (span.End - window.Start) * perUnit, layout_.PlotLeft + layout_.PlotWidth);
+  const double left = std::max(layout_.XOf(span.Start, window), layout_.PlotLeft);
+  const double right = std::min(layout_.XOf(span.End, window), layout_.PlotRight());
   if (right < left) return {};
   const int x = static_cast<int>(std::floor(left));
   const int end = static_cast<int>(std::ceil(right));
-  return {x, 0, std::max(end - x, 1), static_cast<int>(layout_.Middle.bottom())};
-}
-
-void GraphCanvas::ShowCurrentStep(std::optional<int> step, const QColor& color) {
-  if (step && (*step < 0 || static_cast<std::size_t>(*step) >= picture_.Spans.size())) step.reset();
-  if (step == step_ && color == stepColor_) return;
-  if (step_) viewport()->update(StepRect(*step_));
-  const bool moved = step != step_;
-  step_ = step;
-  stepColor_ = color;
-  if (!step_) return;
-  const StepSpan& span = picture_.Spans[static_cast<std::size_t>(*step_)];
-  const AxisWindow window = Window();
-  const double length = window.End - window.Start;
-  if (moved && (span.Start < window.Start || span.Start > window.End - length * kLeadIn)) {
-    ScrollTo(span.Start - length * kLeadIn);
-  }
-  viewport()->update(StepRect(*step_));
-}
-
-QRect GraphCanvas::MarkerStrip(double position) const {
-  const AxisWindow window = Window();
-  const double part = (position - window.Start) / (window.End - window.Start);
-  if (part < -1 || part > 2) return {};
-  const int x = static_cast<int>(std::lround(layout_.PlotLeft + part * layout_.PlotWidth));
-  return {x - kMarkerHalf, 0, 2 * kMarkerHalf + 1, static_cast<int>(layout_.Middle.bottom())};
-}
-
-void GraphCanvas::ShowMarker(std::optional<double> position, const QColor& color) {
-  if (position == marker_ && color == markerColor_) return;
-  const AxisWindow window = Window();
-  const bool wasInView = marker_ && *marker_ >= window.Start && *marker_ <= window.End;
-  const QRect old = marker_ ? MarkerStrip(*marker_) : QRect();
-  marker_ = position;
-  markerColor_ = color;
-  if (marker_ && wasInView && *marker_ > window.End) {
-    ScrollTo(*marker_ - (window.End - window.Start) * kLeadIn);
-    return;
-  }
-  const QRect strip = marker_ ? MarkerStrip(*marker_) : QRect();
-  if (strip == old) return;
-  if (!old.isEmpty()) viewport()->update(old);
-  if (!strip.isEmpty()) viewport()->update(strip);
-}
-
-void GraphCanvas::PaintMoving(QPainter& painter) {
-  const QRectF moving(layout_.PlotLeft - kMarkerHalf, 0, layout_.PlotWidth + 2 * kMarkerHalf + 1,
-                      layout_.Middle.bottom());
-  painter.setClipRect(moving);
-  if (step_) {
-    QColor tint = stepColor_;
-    tint.setAlpha(90);
-    const QRectF step = StepRect(*step_);
-    painter.fillRect(step.intersected(layout_.Ruler), tint);
-    painter.setClipRect(layout_.Middle, Qt::IntersectClip);
-    for (const AreaPlace& area : layout_.Areas) painter.fillRect(step.intersected(area.Plot), tint);
-  }
-  if (!marker_) return;
-  const QRect strip = MarkerStrip(*marker_);
-  if (strip.isEmpty()) return;
-  painter.setClipRect(moving);
-  const double x = strip.x() + kMarkerHalf + 0.5;
-  const double tip = layout_.Ruler.bottom();
-  painter.setRenderHint(QPainter::Antialiasing, false);
-  painter.fillRect(QRectF(x - kMarkerWidth / 2, tip, kMarkerWidth, layout_.Middle.height()),
-                   palette().color(QPalette::WindowText));
-  painter.setRenderHint(QPainter::Antialiasing);
-  painter.setPen(QPen(palette().color(QPalette::WindowText), 1));
-  painter.setBrush(markerColor_);
-  const double half = kMarkerHalf - 1;
-  painter.drawPolygon(QPolygonF({{x - half, tip - 2 * half}, {x + half, tip - 2 * half}, {x, tip}}));
+  const int top = static_cast<int>(layout_.Ruler.top());
+  return {x, top, std::max(end - x, 1), static_cast<int>(layout_.Middle.bottom()) - top};
 }
 
 void GraphCanvas::paintEvent(QPaintEvent* event) {
@@ -220,6 +165,7 @@ void GraphCanvas::paintEvent(QPaintEvent* event) {
                        QRectF(QPointF(part.topLeft()) * ratio, QSizeF(part.size()) * ratio));
   }
   PaintMoving(painter);
+  PaintLabel(painter);
 }
 
 void GraphCanvas::resizeEvent(QResizeEvent* event) {
@@ -288,14 +234,45 @@ void GraphCanvas::wheelEvent(QWheelEvent* event) {
   QAbstractScrollArea::wheelEvent(event);
 }
 
-QString GraphCanvas::TipAt(const QPoint& place) const {
+std::optional<std::size_t> GraphCanvas::AreaAt(const QPointF& place) const {
   for (std::size_t i = 0; i < layout_.Areas.size(); ++i) {
-    const QRectF plot = layout_.Areas[i].Plot.intersected(layout_.Middle);
-    if (!plot.contains(place)) continue;
-    const auto step = StepAt(picture_.Spans, Scale(i).PositionAt(place.x()));
-    return step ? QString::fromStdString(tip_(i, *step)) : QString();
+    if (layout_.Areas[i].Plot.intersected(layout_.Middle).contains(place)) return i;
+  }
+  return std::nullopt;
+}
+
+std::optional<int> GraphCanvas::ColumnAt(const QPointF& place) const {
+  if (layout_.Areas.empty() || place.x() < layout_.PlotLeft || place.x() > layout_.PlotRight() ||
+      place.y() < layout_.Ruler.top() || place.y() > layout_.Middle.bottom()) {
+    return std::nullopt;
+  }
+  return StepAt(picture_.Spans, Scale(0).PositionAt(place.x()));
+}
+
+QString GraphCanvas::TipAt(const QPoint& place) const {
+  const auto area = AreaAt(place);
+  const auto step = ColumnAt(place);
+  if (area && step) return QString::fromStdString(texts_.tip(*area, *step));
+  for (const LoopPicture& loop : picture_.Loops) {
+    if (!LoopRect(picture_, layout_, Window(), loop.Bracket).contains(place)) continue;
+    return QString::fromStdString(texts_.loopTip(loop.Bracket));
   }
   return {};
+}
+
+QString GraphCanvas::StepName(int step) const {
+  return QString::fromStdString(texts_.stepName(picture_.StepLabels[static_cast<std::size_t>(step)]));
+}
+
+QString GraphCanvas::StepText(int step) const {
+  std::string text;
+  for (std::size_t area = 0; area < picture_.Areas.size(); ++area) {
+    const std::string tip = texts_.tip(area, step);
+    const std::size_t values = std::min(tip.find('\n'), tip.size());
+    if (area == 0) text = tip.substr(0, values);
+    text += "\n" + picture_.Areas[area].Title + tip.substr(values);
+  }
+  return QString::fromStdString(text);
 }
 
 bool GraphCanvas::viewportEvent(QEvent* event) {

@@ -29,6 +29,11 @@ double TimeAxisHeight(const QFont& font) {
   return kTickLength + 2 * LineHeight(font) + kGraphPad;
 }
 
+// The brackets take at most a quarter of a low window: their rows then lose their texts.
+double LoopsHeight(int rows, int height, const QFont& font) {
+  return std::floor(std::min(rows * (LineHeight(font) + 1), height / 4.0));
+}
+
 void FillTicks(const AreaPicture& area, const QFont& font, AreaPlace& place) {
   const int most = std::max(3, static_cast<int>(place.Plot.height() / (LineHeight(font) * 1.5)));
   place.Ticks = area.Choices.empty() ? NiceTicks(area.Graph.Range, most)
@@ -53,10 +58,13 @@ int ComfortableHeight(int areas, const QFont& font) {
 GraphLayout ComputeLayout(const GraphPicture& picture, const QSize& size, const QFont& font,
                           double scrolled) {
   GraphLayout layout;
-  const double ruler = RulerHeight(font);
   const double axis = TimeAxisHeight(font);
+  const double loops = LoopsHeight(picture.LoopRows, size.height(), font);
+  layout.Loops = QRectF(0, 0, size.width(), loops);
+  layout.LoopRow = picture.LoopRows > 0 ? loops / picture.LoopRows : 0;
+  layout.Ruler = QRectF(0, loops, size.width(), RulerHeight(font));
+  const double ruler = layout.Ruler.bottom();
   const double middle = std::max(size.height() - ruler - axis, 0.0);
-  layout.Ruler = QRectF(0, 0, size.width(), ruler);
   layout.Middle = QRectF(0, ruler, size.width(), middle);
   layout.TimeAxis = QRectF(0, ruler + middle, size.width(), axis);
   if (picture.Areas.empty()) return layout;
@@ -81,6 +89,16 @@ GraphLayout ComputeLayout(const GraphPicture& picture, const QSize& size, const 
     place.Plot.setWidth(layout.PlotWidth);
   }
   return layout;
+}
+
+QRectF LoopRect(const GraphPicture& picture, const GraphLayout& layout, const AxisWindow& window,
+                const LoopBracket& bracket) {
+  const StepSpan& first = picture.Spans[static_cast<std::size_t>(bracket.First)];
+  const StepSpan& last = picture.Spans[static_cast<std::size_t>(bracket.Last)];
+  const double left = std::max(layout.XOf(first.Start, window), layout.PlotLeft);
+  const double right = std::min(layout.XOf(last.End, window), layout.PlotRight());
+  if (right <= left) return {};
+  return {left, layout.Loops.bottom() - (bracket.Row + 1) * layout.LoopRow, right - left, layout.LoopRow};
 }
 
 PlotScale ScaleOf(const GraphLayout& layout, const AxisWindow& window, std::size_t area,

@@ -8,6 +8,7 @@
 #include <QPainterPath>
 
 #include "core/numbers.h"
+#include "view/loop_painter.h"
 
 namespace corlune {
 
@@ -40,20 +41,18 @@ class PicturePainter {
 
   void Paint() {
     painter_.setFont(font_);
-    painter_.fillRect(layout_.Ruler.united(layout_.TimeAxis), colors_.Panel);
     painter_.save();
     painter_.setClipRect(layout_.Middle);
     for (std::size_t i = 0; i < layout_.Areas.size(); ++i) PaintArea(i);
     painter_.restore();
+    PaintLoops(painter_, picture_, layout_, window_, colors_, font_);
     PaintRuler();
     PaintTimeAxis();
   }
 
  private:
-  double XOf(double position) const {
-    return layout_.PlotLeft + (position - window_.Start) / (window_.End - window_.Start) * layout_.PlotWidth;
-  }
-  double PlotRight() const { return layout_.PlotLeft + layout_.PlotWidth; }
+  double XOf(double position) const { return layout_.XOf(position, window_); }
+  double PlotRight() const { return layout_.PlotRight(); }
 
   void FindVisibleSteps() {
     first_ = static_cast<std::size_t>(StepAt(picture_.Spans, window_.Start).value_or(0));
@@ -328,25 +327,34 @@ GraphColors::GraphColors(const QPalette& palette)
     : Background(palette.color(QPalette::Base)),
       Panel(palette.color(QPalette::Window)),
       Text(palette.color(QPalette::WindowText)),
-      Faint(Mixed(Panel, Text, 0.55)),
       Grid(Mixed(Background, palette.color(QPalette::Text), 0.18)),
       Reference(Mixed(Background, palette.color(QPalette::Text), 0.6)),
-      Dark(Background.lightness() < 128) {}
+      theme_(ThemeOf(palette)) {
+  // Notes stand in it on the plots, the frames of these on the panel.
+  const Color faint = ToColor(Mixed(Background, Text, 0.55));
+  Faint = ToQColor(StandingOut(faint, theme_.Base, theme_.Contrast()));
+  Text = ToQColor(StandingOut(ToColor(Text), ToColor(Panel), theme_.Contrast()));
+}
+
+QColor GraphColors::Line(const Color& color) const {
+  return ToQColor(StandingOut(color, theme_.Base, kLineContrast));
+}
 
 QColor GraphColors::Channel(int channel) const {
-  if (channel == 1) return Dark ? QColor(0xF0, 0xA0, 0x30) : QColor(0xD5, 0x5E, 0x00);
-  return Dark ? QColor(0x56, 0xB4, 0xE9) : QColor(0x00, 0x72, 0xB2);
+  const bool second = channel == 1;
+  if (theme_.Dark) return Line(second ? Color{0xF0, 0xA0, 0x30} : Color{0x56, 0xB4, 0xE9});
+  return Line(second ? Color{0xD5, 0x5E, 0x00} : Color{0x00, 0x72, 0xB2});
 }
 
 QColor GraphColors::Envelope(int channel) const {
   QColor color = Channel(channel);
-  color.setAlpha(Dark ? 90 : 60);
+  color.setAlpha(theme_.Dark ? 90 : 60);
   return color;
 }
 
 void PaintPicture(QPainter& painter, const GraphPicture& picture, const GraphLayout& layout,
                   const AxisWindow& window, const GraphColors& colors, const QFont& font) {
-  const QRectF whole = layout.Ruler.united(layout.TimeAxis);
+  const QRectF whole = layout.Loops.united(layout.TimeAxis);
   painter.fillRect(whole, colors.Panel);
   if (!picture.Note.empty()) {
     painter.setFont(font);

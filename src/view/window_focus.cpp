@@ -14,22 +14,31 @@ namespace corlune {
 WindowFocus::WindowFocus(QWidget& window, QWidget& home, std::function<void()> goHome)
     : window_(window), home_(home), goHome_(std::move(goHome)) {
   window.installEventFilter(this);
-  if (auto* menuBar = window.findChild<QMenuBar*>()) {
+  if (auto* menuBar = window.findChild<QMenuBar*>({}, Qt::FindDirectChildrenOnly)) {
     for (const QAction* title : menuBar->actions()) {
-      if (!title->menu()) continue;
-      connect(
-          title->menu(), &QMenu::aboutToHide, this, [this, menuBar] { LeaveMenuBar(*menuBar); },
-          Qt::QueuedConnection);
+      if (title->menu()) Watch(*title->menu());
     }
   }
   connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
     if (own_ || !now || now->window() != &window_) return;
     if (auto* field = qobject_cast<EntryField*>(now)) {
       field_ = field;
+    } else if (other_ && other_->isAncestorOf(now)) {
+      field_ = now;
     } else if (now == &home_ || home_.isAncestorOf(now)) {
       field_ = nullptr;
     }
   });
+}
+
+void WindowFocus::Watch(QMenu& menu) {
+  connect(
+      &menu, &QMenu::aboutToHide, this,
+      [this] {
+        if (auto* menuBar = window_.findChild<QMenuBar*>({}, Qt::FindDirectChildrenOnly))
+          LeaveMenuBar(*menuBar);
+      },
+      Qt::QueuedConnection);
 }
 
 void WindowFocus::Keep(const std::function<void()>& change) {
@@ -63,7 +72,8 @@ void WindowFocus::LeaveMenuBar(QMenuBar& menuBar) {
 }
 
 bool WindowFocus::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::WindowActivate) Return();
+  // A window that is docked in another one leaves the focus to that one.
+  if (event->type() == QEvent::WindowActivate && window_.isWindow()) Return();
   return QObject::eventFilter(watched, event);
 }
 

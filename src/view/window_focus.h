@@ -8,6 +8,7 @@
 
 #include "view/entry_field.h"
 
+class QMenu;
 class QMenuBar;
 
 namespace corlune {
@@ -23,6 +24,10 @@ class WindowFocus : public QObject {
   // Enables and disables controls. A control that loses the focus by that gives it to the place it goes back
   // to, not to the next one.
   void Keep(const std::function<void()>& change);
+  // A second home that keeps the focus which it has.
+  void AddHome(QWidget& other) { other_ = &other; }
+  // A menu that came later.
+  void Watch(QMenu& menu);
   // To the last field, where it takes entries, else home.
   void Return();
 
@@ -35,8 +40,9 @@ class WindowFocus : public QObject {
   QWidget& window_;
   QWidget& home_;
   std::function<void()> goHome_;
-  QPointer<EntryField> field_;  // had the focus last; null: home had it
-  bool own_ = false;            // the focus changes are this object's own
+  QPointer<QWidget> other_;
+  QPointer<QWidget> field_;  // or a widget of the other home; had the focus last. Null: home had it
+  bool own_ = false;         // the focus changes are this object's own
 };
 
 }  // namespace corlune

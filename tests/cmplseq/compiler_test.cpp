@@ -106,31 +106,29 @@ TEST(CompilerChecks, ReportWhereTheyStopped) {
 TEST(CompilerChecks, OnlyReachableStepsCount) {
   struct Row {
     const char* name;
-    void (*lead)(CompiledSequence&);
+    void (*lead)(SeqStep& first, CompiledSequence& sequence);
     int code;
   };
   // clang-format off
   const Row rows[] = {
-      {"step 1 stops", [](CompiledSequence&) {}, 0},
-      {"step 1 continues", [](CompiledSequence& s) { s.Steps[0].Stop = false; }, 40},
-      {"start at step 2", [](CompiledSequence& s) { s.StartStep = 2; }, 40},
-      {"jump", [](CompiledSequence& s) { s.Steps[0].JumpOn = 1; s.Steps[0].JumpTo = 2; }, 40},
-      {"jump to no step", [](CompiledSequence& s) { s.Steps[0].JumpOn = 1; s.Steps[0].Stop = false; }, 40},
-      {"endless jump to itself never goes on", [](CompiledSequence& s) { s.Steps[0].JumpOn = 1;
-       s.Steps[0].JumpTo = 1; s.Steps[0].Stop = false; }, 0},
-      {"counted jump goes on", [](CompiledSequence& s) { s.Steps[0].JumpOn = 1; s.Steps[0].JumpTo = 1;
-       s.Steps[0].JumpCounted = true; s.Steps[0].Stop = false; }, 40},
-      {"event branch", [](CompiledSequence& s) { s.Steps[0].EventBranchOn = 1;
-       s.Steps[0].EventBranchStep = 2; }, 40},
-      {"state branch", [](CompiledSequence& s) { s.Steps[0].StateBranchOn = 1;
-       s.Steps[0].StateBranchStep = 2; }, 40},
-      {"one channel only", [](CompiledSequence& s) { s.Steps[0].Stop = false; s.Channels = 1; }, 0},
+      {"step 1 stops", [](SeqStep&, CompiledSequence&) {}, 0},
+      {"step 1 continues", [](SeqStep& s, CompiledSequence&) { s.Stop = false; }, 40},
+      {"start at step 2", [](SeqStep&, CompiledSequence& all) { all.StartStep = 2; }, 40},
+      {"jump", [](SeqStep& s, CompiledSequence&) { s.JumpOn = 1; s.JumpTo = 2; }, 40},
+      {"jump to no step", [](SeqStep& s, CompiledSequence&) { s.JumpOn = 1; s.Stop = false; }, 40},
+      {"endless jump to itself never goes on",
+       [](SeqStep& s, CompiledSequence&) { s.JumpOn = s.JumpTo = 1; s.Stop = false; }, 0},
+      {"counted jump goes on",
+       [](SeqStep& s, CompiledSequence&) { s.JumpOn = s.JumpTo = 1; s.JumpCounted = true; s.Stop = false; }, 40},
+      {"event branch", [](SeqStep& s, CompiledSequence&) { s.EventBranchOn = 1; s.EventBranchStep = 2; }, 40},
+      {"state branch", [](SeqStep& s, CompiledSequence&) { s.StateBranchOn = 1; s.StateBranchStep = 2; }, 40},
+      {"one channel only", [](SeqStep& s, CompiledSequence& all) { s.Stop = false; all.Channels = 1; }, 0},
   };
   // clang-format on
   for (const Row& row : rows) {
     CompiledSequence sequence = OneStep();
     sequence.Cells[1][1].Frequency.Value = 0;
-    row.lead(sequence);
+    row.lead(sequence.Steps[0], sequence);
     EXPECT_EQ(CodeOf(sequence), row.code) << row.name;
   }
 }

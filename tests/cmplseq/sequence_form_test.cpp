@@ -17,32 +17,23 @@ CompiledSequence EmptySequence(int channels) {
 
 TEST(SequenceText, RefusesEveryDeviation) {
   const struct {
-    const char* name;
     const char* from;
     const char* to;
   } rows[] = {
-      {"line end without CR", "[DATA]\r\n", "[DATA]\n"},
-      {"other version", "VERSION=\"1.00\"", "VERSION=\"1.01\""},
-      {"model without quotation marks", "\"QM2220\"", "QM2220"},
-      {"three channels", "NCHAN=2", "NCHAN=3"},
-      {"fewer channels than lines", "NCHAN=2", "NCHAN=1"},
-      {"start step 257", "SEQ=1,", "SEQ=257,"},
-      {"lower case", "SYNC", "sync"},
-      {"step missing", "STEP#7=0,CONT,0,0,0,0,0,0,0,0,INF,0,0,0\r\n", ""},
-      {"padded key", "STEP#7=", "STEP#07="},
-      {"field missing", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,"},
-      {"negative time", "STEP#3=0,", "STEP#3=-1,"},
-      {"blank in number", "STEP#3=0,", "STEP#3= 0,"},
-      {"time too large for a double", "STEP#3=0,", "STEP#3=1E400,"},
-      {"integer with a fraction", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,0.5,"},
-      {"integer beyond 16 bits", "STEP#3=0,CONT,0,", "STEP#3=0,CONT,32768,"},
-      {"target step 257", "STEP#3=0,CONT,0,0,0,0,0,0,0,0,", "STEP#3=0,CONT,0,0,0,0,0,0,0,257,"},
-      {"empty waveform", "CHAN#3#2=SIN", "CHAN#3#2="},
-      {"empty change mode", "CHAN#3#2=SIN,0,NORM,FS,0,0,CONS", "CHAN#3#2=SIN,0,NORM,FS,0,0,"},
+      // clang-format off
+      {"[DATA]\r\n", "[DATA]\n"}, {"VERSION=\"1.00\"", "VERSION=\"1.01\""}, {"\"QM2220\"", "QM2220"},
+      {"NCHAN=2", "NCHAN=3"}, {"NCHAN=2", "NCHAN=1"}, {"SEQ=1,", "SEQ=257,"}, {"SYNC", "sync"},
+      {"STEP#7=0,CONT,0,0,0,0,0,0,0,0,INF,0,0,0\r\n", ""}, {"STEP#7=", "STEP#07="},
+      {"STEP#3=0,CONT,0,", "STEP#3=0,CONT,"}, {"STEP#3=0,", "STEP#3=-1,"}, {"STEP#3=0,", "STEP#3= 0,"},
+      {"STEP#3=0,", "STEP#3=1E400,"}, {"STEP#3=0,CONT,0,", "STEP#3=0,CONT,0.5,"},
+      {"STEP#3=0,CONT,0,", "STEP#3=0,CONT,32768,"},
+      {"STEP#3=0,CONT,0,0,0,0,0,0,0,0,", "STEP#3=0,CONT,0,0,0,0,0,0,0,257,"},
+      {"CHAN#3#2=SIN", "CHAN#3#2="}, {"CHAN#3#2=SIN,0,NORM,FS,0,0,CONS", "CHAN#3#2=SIN,0,NORM,FS,0,0,"},
+      // clang-format on
   };
   const std::string good = WriteSequenceText(EmptySequence(2));
   for (const auto& row : rows) {
-    SCOPED_TRACE(row.name);
+    SCOPED_TRACE(row.to);
     std::string text = good;
     const std::size_t at = text.find(row.from);
     ASSERT_NE(at, std::string::npos);

@@ -60,16 +60,5 @@ TEST(LoadedCompiler, FindsItInTheProgramFolderAlsoLater) {
   EXPECT_EQ(library.Problem(), "");
 }
 
-TEST(LoadedCompiler, SaysWhyALibraryIsNotUsed) {
-  const TempFolder folder;
-  const std::pair<std::string, const char*> cases[] = {{folder.File("missing.so"), "missing.so"},
-                                                       {STUB_WITHOUT_FUNCTION, "CompileSeqData"}};
-  for (const auto& [file, expected] : cases) {
-    LoadedCompiler library(folder.Path(), file);
-    EXPECT_EQ(Compile(library, "x").call, CompilerCall::Missing) << file;
-    EXPECT_THAT(library.Problem(), HasSubstr(expected));
-  }
-}
-
 }  // namespace
 }  // namespace corlune

@@ -6,21 +6,8 @@
 #include <memory>
 #include <string>
 
-#include "compile/sequence_text.h"
-#include "sequence/start_values.h"
-#include "support/instrument_rig.h"
-#include "support/temp_folder.h"
-
 namespace corlune {
 namespace {
-
-using ::testing::ElementsAre;
-
-std::string TextOf(const SequenceData& sequence, int channels) {
-  std::string text;
-  AppendSequenceText(text, sequence, ModelDefinition{}, "QM2220", channels);
-  return text;
-}
 
 struct LineCase {
   const char* line;
@@ -84,43 +71,14 @@ TEST(ReadSequenceText, Lines) {
 TEST(ReadSequenceText, TheFirstOfTwoLinesCounts) {
   auto read = std::make_unique<SequenceData>();
   const std::string line = ",CONT,0,0,0,1,0,1,0,1,INF,1,0,0\r\n";
-  const ReceivedSteps received = ReadSequenceText(
-      "[DATA]\r\nSTEP#0=2" + line + "STEP#0=3" + line + "STEP#1=x" + line, 1, ModelDefinition{}, *read);
+  const std::string beyond =
+      "CHAN#2#2=USER,5,INV,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS\r\n";  // of one channel
+  const ReceivedSteps received =
+      ReadSequenceText("[DATA]\r\nSTEP#0=2" + line + "STEP#0=3" + line + "STEP#1=x" + line + beyond, 1,
+                       ModelDefinition{}, *read);
   EXPECT_EQ(read->Steps[0].StepTime, 2);
   EXPECT_EQ(read->Steps[1].StepTime, 0);
   EXPECT_EQ(received.to_ullong(), 1u);
-}
-
-struct ReadRig : corlune::testing::InstrumentRig {
-  ReadRig() {
-    state.AppFolder = folder.Path();
-    sequence->StepCount = 3;
-    sequence->Steps[0].StepTime = 5;
-  }
-  corlune::testing::TempFolder folder;
-  std::unique_ptr<SequenceData> sequence = std::make_unique<SequenceData>();
-};
-
-TEST(ReadBackSequence, TakesOverTheStepsThatDifferFromNewOnes) {
-  ReadRig rig;
-  auto held = std::make_unique<SequenceData>();
-  held->Steps[6].AutoHold = 1;
-  held->Cell(1, 8, kSlotFrequency).ChangeMode = kModeSweep;
-  held->Cell(1, 8, kSlotFrequency).Value = 7;
-  rig.script.FileReply(TextOf(*held, 2));
-  ASSERT_TRUE(ReadBackSequence(rig.commands, rig.prompts, rig.catalogue, 3, *rig.sequence));
-  EXPECT_THAT(rig.script.Log(), ElementsAre("0 < :TRACe:SEQuence? 3", "0 file recvdata.bin"));
-  EXPECT_EQ(rig.clock.Now(), 6500u);
-  EXPECT_EQ(rig.sequence->StepCount, 9);
-  EXPECT_EQ(rig.sequence->Steps[0].StepTime, 0);
-  held->StepCount = 9;
-  ComputeStartValues(*held);
-  EXPECT_TRUE(*rig.sequence == *held);
-
-  // The second channel does not exist for a one-channel instrument.
-  rig.state.Instruments[0].ChannelCount = 1;
-  ASSERT_TRUE(ReadBackSequence(rig.commands, rig.prompts, rig.catalogue, 0, *rig.sequence));
-  EXPECT_EQ(rig.sequence->StepCount, 7);
 }
 
 }  // namespace

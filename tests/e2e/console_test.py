@@ -4,6 +4,7 @@ virtual instrument in real time.
 usage: console_test.py <folder of the programs> <folder of the shipped data> files|runs
 """
 import os
+import pty
 import re
 import shutil
 import signal
@@ -11,6 +12,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import threading
 import time
 import unittest
@@ -54,9 +56,9 @@ class Bench(unittest.TestCase):
         clean = {key: value for key, value in os.environ.items() if not key.startswith("CORLUNE_")}
         return {**clean, "TMPDIR": self.temporary, **more}
 
-    def start(self, *arguments, **more):
-        return subprocess.Popen([CONSOLE, "--folder", self.folder, "--lang", "en", *arguments],
-                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+    def start(self, *arguments, before=(), stdin=subprocess.DEVNULL, **more):
+        return subprocess.Popen([*before, CONSOLE, "--folder", self.folder, "--lang", "en", *arguments],
+                                stdin=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
                                 cwd=self.out, env=self.environment(**more))
 
     def run_console(self, *arguments, code=0, **more):
@@ -235,6 +237,7 @@ class Files(Bench):
                  f"{DEFINITION} > odd/{DEFINITION}; {program} times tour.dat | head -1", 0, "3 "),
                 (program + " --virtual-instrument read 3", 1, "SPEC QM2210: key CM_STAR"),
                 ("$cli check absent.dat", 1, "The file could not be read. absent.dat"),
+                ("sed s/MODEL=QM2210/MODEL=QM1/ ramp.dat > q && $cli check q", 1, "The model name QM1 is not"),
                 (f"$cli check {DEFINITION}", 1, "The sequence data file error."),
                 (CONSOLE + " --folder absent check ramp.dat", 1, "Initialization file doesn't exist"),
                 ("$cli --virtual-instrument --visa none devices", 1, "VISA: switched off"),
@@ -304,6 +307,8 @@ class Files(Bench):
             (virtual + ["--name", 'quo"te'], {}, "Input value Error!"),
             (virtual + ["--name", "a name of 21 letters."], {}, "--name"),
             (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
+            (["--compiler", os.path.join(PROGRAMS, "libcorlune-virtual-visa.so"), *virtual, "--yes"], {},
+             "CompileSeqData"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
             # Without a person as with --yes: the other answer would end the program at once.
@@ -361,15 +366,21 @@ class RunToItsEnd(Runs):
             for i, kind in enumerate((0, 0, 1, 3)))
         file = self.write("quick.dat", re.sub(rb"SS_CNT=.*(?=\[COMMON\])", setup, read(self.quick_sequence(0.4)),
                                               flags=re.S))
-        out, err = self.run_console("run", file, "--virtual-instrument", "--yes", "--name", "E2E", "--number", "3",
-                                    "--serial", "A", CORLUNE_VI_INSTRUMENTS="QM2220:A,QM2220:B,QM2220:C,QM2220:D")
+        # Started so that it survives its terminal.
+        process = self.start("run", file, "--virtual-instrument", "--yes", "--name", "E2E", "--number", "3",
+                             "--serial", "A", before=["nohup"],
+                             CORLUNE_VI_INSTRUMENTS="QM2220:A,QM2220:B,QM2220:C,QM2220:D")
+        text = process.stdout.readline().decode()
+        process.send_signal(signal.SIGHUP)
+        out, err = process.communicate(timeout=100)
+        self.assertEqual(process.returncode, 0, err)
+        text += out.decode()
         started = re.findall(r'(\S+) <  GP_Send_Str ":TRIG1:SEL:EXEC STAR"',
                              read(os.path.join(self.folder, "comm.log")).decode())
         name = "USB0::0X3A1F::0X2220::%s::INSTR"
         self.assertEqual(started, [name % "A", name % "B", "4", "4"])
-        text = out.decode()
         # The question that --yes answers.
-        self.assertEqual(err, "Output switch truns to 'on' and sequence will start. Is it OK?\n")
+        self.assertEqual(err.decode(), "Output switch truns to 'on' and sequence will start. Is it OK?\n")
         for line in ("Transmitting the arbitrary wave data.....ARB 1", "Transmitting the sequence data.",
                      "The sequence execution was ended."):
             self.assertIn(line, text)
@@ -381,42 +392,51 @@ class RunToItsEnd(Runs):
 
 
 class RunIsStopped(Runs):
-    def interrupt(self, pattern):
-        """Runs until a line of the output matches, presses Ctrl+C there; what was said, and what was sent."""
+    # In the foreground of a terminal, in a shell that says how it was left.
+    TERMINAL = ["setsid", "-c", "sh", "-c", 'trap : INT; "$@"; code=$?; stty -a >&2; exit $code', "sh"]
+
+    def interrupt(self, pattern, press):
+        """Runs until a line of the output matches; there press(terminal, output); what was said, and what was sent."""
         self.switch_log_on()
-        process = self.start("run", self.quick_sequence(5), "--virtual-instrument", "--yes")
+        master, terminal = pty.openpty()
+        process = self.start("run", self.quick_sequence(5), "--virtual-instrument", "--yes", "--name", "E2E",
+                             before=self.TERMINAL, stdin=terminal)
+        os.close(terminal)
         guard = threading.Timer(90, process.kill)
         guard.start()
-        lines = []
-        pressed = False
-        for line in process.stdout:
-            lines.append(line.decode())
-            if not pressed and re.search(pattern, line.decode()):
-                process.send_signal(signal.SIGINT)
-                pressed = True
-        process.wait()
+        said = ""
+        while not re.search(pattern, said, re.M):
+            line = process.stdout.readline().decode()
+            if not line:
+                self.fail(said + process.stderr.read().decode())
+            said += line
+        self.assertFalse(termios.tcgetattr(master)[3] & (termios.ICANON | termios.ECHO))
+        press(master, process.stdout)
+        said += process.communicate(timeout=90)[1].decode()
         guard.cancel()
-        said = "".join(lines) + process.stderr.read().decode()
-        process.stdout.close()
-        process.stderr.close()
-        self.assertTrue(pressed, said)
         self.assertEqual(process.returncode, 1, said)
-        self.assertNotIn("The sequence execution was ended.", said)
         self.assert_clean("UseStep.txt", "comm.log")
         return said, self.log()
 
-    def test_control_c(self):
-        said, sent = self.interrupt(r"  Step[^\d]*\d$")
+    def test_interrupt(self):
+        # Control and C; as in "run ... | tee log" the reader ends as well.
+        def press(terminal, output):
+            os.write(terminal, b"\x03")
+            output.close()
+        said, sent = self.interrupt(r"  Step[^\d]*\d$", press)
         self.assertEqual(sent.count(":TRIG1:SEL:EXEC STOP"), 1, said)
         # The stop is the last command; the status behind it is read, and the connection is closed.
         self.assertEqual(sent[-3:], [":TRIG1:SEL:EXEC STOP", ":STAT:OPER:CH1:COND?", "ALL < GP_END"])
+        self.assertRegex(said, r" icanon (.|\n)* echo ", "the terminal is given back as it was")
 
 
 class DownloadIsStopped(RunIsStopped):
-    def test_control_c(self):
-        said, sent = self.interrupt("ARB 1")
-        self.assertIn("Nothing was started.", said)
-        self.assertEqual(sent[-2:], [":SYST:ERR?", "ALL < GP_END"], said)
+    """The terminal goes away."""
+    TERMINAL = ["setsid", "-c"]
+
+    def test_interrupt(self):
+        _, sent = self.interrupt("ARB 1", lambda terminal, _: os.close(terminal))
+        self.assertEqual(sent[-2:], [":SYST:ERR?", "ALL < GP_END"])
 
 
 class RunBreaksOff(Runs):
@@ -437,7 +457,7 @@ class ReadIsInterrupted(Runs):
         while b":TRACe:SEQ" not in (read(log) if os.path.exists(log := os.path.join(self.folder, "comm.log")) else b""):
             self.assertIsNone(process.poll())
             time.sleep(0.05)
-        process.send_signal(signal.SIGINT)
+        process.send_signal(signal.SIGTERM)
         process.communicate(timeout=60)
         self.assertEqual(process.returncode, 1)
         self.assert_clean("comm.log")

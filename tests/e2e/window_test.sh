@@ -79,6 +79,7 @@ new_folder second
 sibling=$!
 children+=("$sibling")
 wait_until 20 "the sibling window does not appear" window_named 'Plindor'
+xdotool windowminimize --sync "$(window_named 'Plindor')"
 start_corlune --folder "$work/second" --lang en --visa none
 wait_until 20 "no message about the sibling editor" window_named '^Corlune$'
 activate "$(window_named '^Corlune$')"
@@ -133,4 +134,18 @@ wait_until 20 "the program does not end" has_ended "$corlune"
 wait "$corlune" || fail "exit code after TERM"
 is "$(grep -o '300ms\|EXEC STOP\|GP_END' "$log" | tail -3)" "$(printf '300ms\nEXEC STOP\nGP_END')" "log after TERM"
 grep -q '^ST_SETVAL#0=6,' "$work/third/Corlune_QM2220.ini" || fail "what was typed is lost"
+
+# The sibling editor is found without a window manager as well, and nothing else is taken for it.
+kill "$manager"
+wait_until 20 "the window manager stays" eval '! wmctrl -m'
+"$bin/titled_window" "a.wdb - Tavrin Plindor for QM2210/20" &
+sibling=$!
+children+=("$sibling")
+wait_until 20 "the sibling window does not appear again" window_named 'Plindor'
+start_corlune --folder "$work/second" --lang en --visa none
+wait_until 20 "no message about the sibling editor without a window manager" window_named '^Corlune$'
+kill "$corlune" "$sibling"
+wait_until 20 "the message or the sibling stays" no_window_named '^Corlune$|Plindor'
+start_corlune --folder "$work/second" --lang en --visa none
+wait_until 20 "the program does not start beside another program" window_named "$main_title"
 echo "the window program passed"

@@ -1,6 +1,6 @@
 # shellcheck shell=bash disable=SC2154
 # Functions for scripts that drive the window program on an X server of their own. To be sourced.
-#   begin_x WIDTH HEIGHT     starts Xvfb and openbox; DISPLAY is set
+#   begin_x WIDTH HEIGHT     starts Xvfb and openbox; DISPLAY is set, openbox is $manager
 #   end_x                    ends what begin_x and start_corlune started
 #   start_corlune ARG...     starts "$bin/corlune" in the background; its process id is in $corlune
 #   wait_until SECONDS WHAT COMMAND...   repeats COMMAND until it succeeds; fails the script with WHAT
@@ -31,7 +31,8 @@ begin_x() {
   export DISPLAY
   rm -f "$fd_file"
   openbox --sm-disable >/dev/null 2>&1 &
-  children+=($!)
+  manager=$!
+  children+=("$manager")
   wait_until 20 "the window manager does not start" wmctrl -m
 }
 

@@ -7,23 +7,11 @@
 
 #include "editing/param_rules.h"
 #include "editing/sequence_editor.h"
-#include "modeldef/read_model_definition.h"
 #include "sequence/defaults.h"
 #include "support/fake_ports.h"
+#include "support/samples.h"
 
 namespace corlune::testing {
-
-inline const ModelDefinition& ShippedDefinition() {
-  static const ModelDefinition definition = [] {
-    ModelDefinition loaded;
-    DefinitionProblem problem;
-    const auto result =
-        ReadModelDefinition(CORLUNE_DATA "/Corlune_Std.ini", "QM2220", false, loaded, &problem);
-    EXPECT_EQ(result, DefinitionLoad::Ok) << problem.key << ": " << problem.reason;
-    return loaded;
-  }();
-  return definition;
-}
 
 // Columns of the channel grids.
 inline constexpr int kColWaveform = kSlotWaveform + 1;
@@ -48,9 +36,6 @@ class EditingRig {
  public:
   explicit EditingRig(int steps = 0, const ModelDefinition& shipped = ShippedDefinition())
       : definition(shipped) {
-    state.ModelName = "QM2220";
-    state.ModelIndex = 1;
-    state.Instruments[0].ChannelCount = 2;
     sequence = std::make_unique<SequenceData>();
     ResetSequence(*sequence, definition);
     editor = std::make_unique<SequenceEditor>(state, definition, *sequence, catalogue, prompts);
@@ -80,7 +65,7 @@ class EditingRig {
   StepRow& Step(int row) { return sequence->Steps[static_cast<std::size_t>(row) - 1]; }
   ParamCell& Cell(int channel, int row, int slot) { return sequence->Cell(channel, row - 1, slot); }
 
-  AppState state;
+  AppState state = TwoChannelState();
   ModelDefinition definition;
   MessageCatalogue catalogue{10000};
   ScriptedPrompts prompts;

@@ -25,13 +25,6 @@ TEST(GridViews, RowsAndNumbers) {
   rig.editor->EnterStartStep("7");
   EXPECT_EQ(views.ChannelCell(1, GridRow{3}, 0).Text, "9");
   EXPECT_EQ(views.TabCaption(1), "Ch2");
-
-  rig.definition.Common.MaxSteps = 3;
-  EXPECT_EQ(views.RowCount(), 4) << "no spare row at the maximum";
-  EXPECT_EQ(views.CommonHeader(3), "Stop\nPhs[deg]");
-  EXPECT_EQ(views.ChannelHeader(0, kColFrequency), "Frequency\nHz");
-  rig.state.Instruments[0].ChannelCount = 1;
-  EXPECT_EQ(views.ChannelGrids(), 1);
 }
 
 TEST(GridViews, JumpColours) {
@@ -234,9 +227,11 @@ TEST(ControlStates, BySituation) {
       {"edit, full", "es", 256, "xxxxx x.xx..xxx .x ...... xxxx. x..... .xxx"},
       {"edit, downloading", "eso", 3, "..... ......... .. ...... ..... ...... ....", Work::Download},
       {"edit, may still run", "eso!", 3, "xxxxx x.xxxxxxx .x .x...x xxxx. x.x..x xxxx"},
+      {"edit, output unknown", "eso?", 3, "xxxxx x.xxxxxxx .x .....x xxxx. x....x xxxx"},
       {"the same, downloading", "eso!", 3, "..... ......... .. .x.... ..... ..x... ....", Work::Download},
       {"execution, stopped", "xso", 3, "..xxx ......... x. x...x. .xx.. xx...x ..xx"},
       {"execution, output on", "xso+", 3, "..xxx ......... x. x....x .xx.. xx...x ..xx"},
+      {"execution, output unknown", "xso?", 3, "..xxx ......... x. x....x .xx.. xx...x ..xx"},
       {"execution, may still run", "xso!", 3, "..xxx ......... x. .x...x .xx.. x.x..x ..xx"},
       {"execution, output command", "xso", 3, "..x.. ......... .. ...... ..... ...... ...x", Work::Output},
       {"execution, starting", "xso", 3, "..x.. ......... .. .x.... ..... ..x... ...x", Work::Start},
@@ -256,6 +251,7 @@ TEST(ControlStates, BySituation) {
     state.Online = has('o') ? 1 : 0;
     state.OutputOn = has('+');
     state.MayStillRun = has('!');
+    state.OutputInDoubt = has('?');
     state.CurrentFilePath = "named.dat";
     Activity activity;
     std::optional<WorkGuard> work;
@@ -263,20 +259,6 @@ TEST(ControlStates, BySituation) {
     EXPECT_EQ(EnabledOf(state, activity, {row.steps, false}), row.enabled) << row.name;
   }
   EXPECT_EQ(EnabledOf({}, {}, {3, true}).substr(6, 2), "xx") << "paste needs something copied";
-}
-
-TEST(ControlStates, VisibilityComesFromTheDefinition) {
-  ModelDefinition definition = ShippedDefinition();
-  definition.Menus[static_cast<std::size_t>(Menu::Run)].Visible = false;
-  definition.Menus[static_cast<std::size_t>(Menu::File)].Items[1] = false;
-  definition.Buttons[static_cast<std::size_t>(PanelButton::Hold)].Visible = false;
-  const ControlStates states = ControlStatesOf({}, {}, definition, {256, false});
-  EXPECT_FALSE(states.Menus[static_cast<std::size_t>(Menu::Run)].Visible);
-  EXPECT_FALSE(states.MenuItems[static_cast<std::size_t>(Menu::Run)][0].Visible);
-  EXPECT_FALSE(states.MenuItems[static_cast<std::size_t>(Menu::File)][1].Visible);
-  EXPECT_TRUE(states.MenuItems[static_cast<std::size_t>(Menu::File)][0].Visible);
-  EXPECT_FALSE(states.Buttons[static_cast<std::size_t>(PanelButton::Hold)].Visible);
-  EXPECT_FALSE(states.RowAdd.Visible) << "hidden at the maximum step count";
 }
 
 }  // namespace

@@ -82,58 +82,26 @@ TEST(Rows, InsertAndDeleteLeaveTargetsAndHiddenChannels) {
 
 TEST(Rows, DeleteAsksForTargets) {
   struct Row {
-    const char* name;
-    void (*lead)(EditingRig&);
-    std::vector<PromptAnswer> answers;
+    const char*
+        links;  // to step 2: its kind and its step; j jump, - jump switched off, e event, s state, b branch
+    const char* answers;
     bool deleted;
   };
-  constexpr PromptAnswer ok = PromptAnswer::Ok;
-  constexpr PromptAnswer cancel = PromptAnswer::Cancel;
-  const auto jump = [](EditingRig& rig) {
-    rig.Step(4).JumpOn = 1;
-    rig.Step(4).JumpTo = 2;
-  };
-  const auto event = [](EditingRig& rig) {
-    rig.Step(1).EventBranchOn = 1;
-    rig.Step(1).EventBranchStep = 2;
-  };
-  const Row rows[] = {
-      {"no target", [](EditingRig&) {}, {}, true},
-      {"jump, agreed", jump, {ok}, true},
-      {"jump, cancelled", jump, {cancel}, false},
-      {"jump switched off", [](EditingRig& rig) { rig.Step(4).JumpTo = 2; }, {}, true},
-      {"its own jump",
-       [](EditingRig& rig) {
-         rig.Step(2).JumpOn = 1;
-         rig.Step(2).JumpTo = 2;
-       },
-       {},
-       true},
-      {"event branch", event, {ok}, true},
-      {"state branch",
-       [](EditingRig& rig) {
-         rig.Step(3).StateBranchOn = 1;
-         rig.Step(3).StateBranchStep = 2;
-       },
-       {cancel},
-       false},
-      {"branch area", [](EditingRig& rig) { rig.Step(3).BranchStep[4] = 2; }, {cancel}, false},
-      {"both, second cancelled",
-       [](EditingRig& rig) {
-         rig.Step(4).JumpOn = 1;
-         rig.Step(4).JumpTo = 2;
-         rig.Step(1).EventBranchOn = 1;
-         rig.Step(1).EventBranchStep = 2;
-       },
-       {ok, cancel},
-       false},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
+  for (const Row& row : {Row{"", "", true}, Row{"j4", "y", true}, Row{"j4", "n", false}, Row{"-4", "", true},
+                         Row{"j2", "", true}, Row{"e1", "y", true}, Row{"s3", "n", false},
+                         Row{"b3", "n", false}, Row{"j4e1", "yn", false}}) {
+    SCOPED_TRACE(row.links);
     EditingRig rig(4);
     Number(rig);
-    row.lead(rig);
-    for (const PromptAnswer answer : row.answers) rig.prompts.Answer(answer);
+    for (const char* link = row.links; *link != '\0'; link += 2) {
+      StepRow& step = rig.Step(link[1] - '0');
+      (*link == 'e' ? step.EventBranchStep : *link == 's' ? step.StateBranchStep : step.JumpTo) = 2;
+      (*link == 'e' ? step.EventBranchOn : *link == 's' ? step.StateBranchOn : step.JumpOn) = *link != '-';
+      if (*link == 'b') step.JumpOn = 0, step.BranchStep[4] = 2;
+    }
+    for (const char* answer = row.answers; *answer != '\0'; ++answer) {
+      rig.prompts.Answer(*answer == 'y' ? PromptAnswer::Ok : PromptAnswer::Cancel);
+    }
     rig.editor->Cursor().CurrentRow = 2;
     EXPECT_EQ(rig.editor->DeleteRow().Changed, row.deleted);
     EXPECT_EQ(Times(rig), row.deleted ? (List{1, 3, 4}) : (List{1, 2, 3, 4}));

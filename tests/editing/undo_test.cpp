@@ -1,4 +1,5 @@
 // Undo and redo: entries, limits, the saved state; and random series of edits against recorded states.
+#include <array>
 #include <gtest/gtest.h>
 #include <random>
 
@@ -14,27 +15,11 @@ using testing::Common;
 using testing::EditingRig;
 using testing::kColFrequency;
 
-TEST(Undo, NamesAndOrder) {
-  EditingRig rig(2);
-  EXPECT_EQ(rig.editor->UndoText(), "Undo");
-  rig.Enter(Common(1, kGridStepTime), "5");
-  rig.editor->AddRow();
-  EXPECT_EQ(rig.editor->UndoText(), "Undo: Add Row");
-  rig.editor->Undo();
-  EXPECT_EQ(rig.editor->UndoText(), "Undo: Cell Entry");
-  EXPECT_EQ(rig.editor->RedoText(), "Redo: Add Row");
-  rig.Enter(Common(1, kGridStepTime), "5");
-  EXPECT_TRUE(rig.editor->CanRedo()) << "an entry that changes nothing is not recorded";
-  rig.Enter(Common(1, kGridStepTime), "6");
-  EXPECT_FALSE(rig.editor->CanRedo());
-  rig.editor->Restart();
-  EXPECT_FALSE(rig.editor->CanUndo());
-}
-
 TEST(Undo, SavedStateClearsTheModifiedFlag) {
   EditingRig rig(2);
   rig.Enter(Common(1, kGridStepTime), "5");
   rig.state.Modified = false;  // saved
+  EXPECT_EQ(rig.editor->UndoText() + ", " + rig.editor->RedoText(), "Undo: Cell Entry, Redo");
   rig.Enter(Common(1, kGridStepTime), "6");
   rig.Enter(Common(1, kGridStepTime), "7");
   rig.editor->Undo();
@@ -155,49 +140,24 @@ class RandomEdits {
     const bool channels = Pick(0, 1) == 1;
     rig_.Select(channels ? GridArea::Sequence : GridArea::Common, Pick(0, 1), Pick(1, rows), Pick(1, rows),
                 Pick(1, 9), Pick(1, 9));
-    switch (Pick(0, 15)) {
-      case 0:
-        editor.AddRow();
-        break;
-      case 1:
-        editor.InsertRow();
-        break;
-      case 2:
-        editor.DeleteRow();
-        break;
-      case 3:
-        editor.RowUp();
-        break;
-      case 4:
-        editor.RowDown();
-        break;
-      case 5:
-        editor.Copy();
-        break;
-      case 6:
-        editor.Paste();
-        break;
-      case 7:
-        editor.Initialize();
-        break;
-      case 8:
-        editor.FillDown();
-        break;
-      case 9:
-        if (rig_.sequence->StepCount < 30) editor.DuplicateRows();
-        break;
-      case 10:
-        editor.PasteText(Text() + "\t" + Text() + "\n" + Text());
-        break;
-      case 11:
-        editor.Choose(Place(), Pick(0, 5));
-        break;
-      case 12:
-        editor.ChooseOption(Place(), Pick(0, 2));
-        break;
-      default:
-        editor.EnterText(Place(), Text());
-        break;
+    using Edit = EditOutcome (SequenceEditor::*)();
+    static constexpr std::array<Edit, 9> kEdits{
+        &SequenceEditor::AddRow,     &SequenceEditor::InsertRow, &SequenceEditor::DeleteRow,
+        &SequenceEditor::RowUp,      &SequenceEditor::RowDown,   &SequenceEditor::Paste,
+        &SequenceEditor::Initialize, &SequenceEditor::FillDown,  &SequenceEditor::DuplicateRows};
+    const int kind = Pick(0, 15);
+    if (kind < 9) {
+      if (kind < 8 || rig_.sequence->StepCount < 30) (editor.*kEdits[static_cast<std::size_t>(kind)])();
+    } else if (kind == 9) {
+      editor.Copy();
+    } else if (kind == 10) {
+      editor.PasteText(Text() + "\t" + Text() + "\n" + Text());
+    } else if (kind == 11) {
+      editor.Choose(Place(), Pick(0, 5));
+    } else if (kind == 12) {
+      editor.ChooseOption(Place(), Pick(0, 2));
+    } else {
+      editor.EnterText(Place(), Text());
     }
   }
   int Pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
@@ -205,15 +165,9 @@ class RandomEdits {
  private:
   CellPlace Place() {
     const int row = Pick(1, rig_.sequence->StepCount + 1);
-    switch (Pick(0, 4)) {
-      case 0:
-        return Branch(row, Pick(1, 5));
-      case 1:
-      case 2:
-        return Common(row, Pick(1, 9));
-      default:
-        return Channel(Pick(0, 1), row, Pick(1, 9));
-    }
+    const int kind = Pick(0, 4);
+    if (kind == 0) return Branch(row, Pick(1, 5));
+    return kind <= 2 ? Common(row, Pick(1, 9)) : Channel(Pick(0, 1), row, Pick(1, 9));
   }
   std::string Text() {
     static const std::vector<std::string> kTexts{
@@ -224,13 +178,6 @@ class RandomEdits {
 
   EditingRig& rig_;
   std::mt19937 random_;
-};
-
-// Answers every question with OK.
-class Agreeing : public Prompts {
- public:
-  PromptAnswer Message(const MessageRequest&) override { return PromptAnswer::Ok; }
-  std::optional<std::string> Input(const InputRequest&) override { return std::nullopt; }
 };
 
 void ExpectInvariants(EditingRig& rig) {
@@ -268,7 +215,10 @@ TEST(Undo, RandomEditsKeepTheInvariantsAndGoBackExactly) {
   for (unsigned seed = 1; seed <= 12; ++seed) {
     SCOPED_TRACE("seed " + std::to_string(seed));
     EditingRig rig(3);
-    Agreeing agreeing;
+    testing::FakeClock clock;
+    testing::FakePump pump(clock);
+    testing::ScriptedPrompts agreeing;
+    agreeing.AgreeToAll(pump);
     rig.editor =
         std::make_unique<SequenceEditor>(rig.state, rig.definition, *rig.sequence, rig.catalogue, agreeing);
     RandomEdits edits(rig, seed);

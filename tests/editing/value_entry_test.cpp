@@ -69,9 +69,6 @@ TEST(CommonEntry, MessagesNameTextAndRange) {
   EXPECT_EQ(rig.last.Message->Text,
             "Input value Error!  Input value 10001.5  Range of Input 0.0010-10000.0000");
   EXPECT_EQ(rig.last.Message->Icon, PromptIcon::Exclamation);
-  EXPECT_EQ(rig.Enter(Channel(0, 1, kColFrequency), "30000000"), 9105);
-  EXPECT_EQ(rig.last.Message->Text,
-            "Input value Error!  Input value 30000000  Range of Input 0.000001-20000000");
   const std::string digits(400, '9');
   EXPECT_EQ(rig.Enter(Common(1, kGridStepTime), digits), 9108) << "no double can hold it";
   EXPECT_EQ(rig.Enter(Common(1, kGridStepTime), digits.substr(0, 300)), 9105);
@@ -118,14 +115,12 @@ TEST(CommonEntry, TargetsFollowTheStartStep) {
     rig.editor->ChooseOption(Common(4, kGridJumpTo), kSwitchOn);
     rig.Step(4).JumpTo = 2;
     EXPECT_EQ(rig.Enter(Common(4, kGridJumpTo), row.text), row.message);
+    if (row.startStep == 10 && row.message != 0) {
+      EXPECT_NE(rig.last.Message->Text.find("Range of Input 10-14"), std::string::npos);
+    }
     EXPECT_EQ(rig.Step(4).JumpTo, row.stored);
     EXPECT_EQ(rig.Text(Common(4, kGridJumpTo)), row.shown);
   }
-  EditingRig rig(5);
-  rig.sequence->StartStep = 10;
-  rig.editor->ChooseOption(Common(4, kGridJumpTo), kSwitchOn);
-  rig.Enter(Common(4, kGridJumpTo), "15");
-  EXPECT_EQ(rig.last.Message->Text, "Input value Error!  Input value 15  Range of Input 10-14");
 }
 
 TEST(ChannelEntry, Table) {
@@ -251,22 +246,6 @@ TEST(BranchEntry, Table) {
   EXPECT_EQ(rig.Step(1).BranchStep[0], 0);
   rig.definition.Branches.Maximum = 2;
   EXPECT_EQ(rig.Enter(Branch(1, 1), "2"), 9105) << "the third step";
-}
-
-TEST(Entries, TimeUnitRescalesEveryStep) {
-  ModelDefinition definition = testing::ShippedDefinition();
-  ParamDef& time = definition.Common.Params[kColumnStepTime];
-  time.UnitKind = 2;
-  time.UnitList = {"ms", "s"};
-  EditingRig rig(2, definition);
-  rig.Enter(Common(1, kGridStepTime), "1500");
-  EXPECT_EQ(EditorFor(rig.editor->Views(), Common(1, kGridStepTime)).Units, time.UnitList);
-  rig.editor->ChooseUnit(Common(1, kGridStepTime), 1);
-  EXPECT_EQ(rig.Text(Common(1, kGridStepTime)), "1.5");
-  EXPECT_EQ(rig.Text(Common(2, kGridStepTime)), "0.001");
-  rig.editor->ChooseUnit(Common(2, kGridStepTime), 0);
-  EXPECT_EQ(rig.Text(Common(1, kGridStepTime)), "1500");
-  EXPECT_FALSE(rig.editor->ChooseUnit(Common(2, kGridStepTime), 2).Changed);
 }
 
 TEST(Fields, StartStepBranchChannelSequenceNumber) {

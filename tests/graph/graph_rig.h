@@ -1,22 +1,12 @@
 // A sequence of the shipped QM2220, as the graphs are drawn from it.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <string>
-
-#include "modeldef/read_model_definition.h"
 #include "sequence/defaults.h"
 #include "sequence/sequence_data.h"
 #include "sequence/start_values.h"
+#include "support/samples.h"
 
 namespace corlune::testing {
-
-inline ModelDefinition ShippedDefinition(bool english = true, const std::string& model = "QM2220") {
-  ModelDefinition definition;
-  EXPECT_EQ(ReadModelDefinition(CORLUNE_DATA "/Corlune_Std.ini", model, !english, definition),
-            DefinitionLoad::Ok);
-  return definition;
-}
 
 // Contents of the shipped definition (VS_SELCT2).
 enum ShippedContent : std::int16_t { kFrequency, kAmplitude, kOffset, kPhase, kDuty, kEnvelope };

@@ -25,53 +25,31 @@ class DefinitionFaults : public ::testing::Test {
 };
 
 TEST_F(DefinitionFaults, ABadEntryIsRefusedAndNamed) {
-  const std::vector<std::pair<const char*, const char*>> cases{
-      // numbers that are none, do not fit, or miss
-      {"AW_FORMAT=1,x", "AW_FORMAT"},
-      {"AW_FORMAT=1", "AW_FORMAT"},
-      {"AW_FORMAT=1,32768", "AW_FORMAT"},
-      {"AW_FORMAT=", "AW_FORMAT"},
-      {"SC_BRANCH=1,1,1,", "SC_BRANCH"},
-      {"CM_STAR=:START,2147483648", "CM_STAR"},
-      {"CM_SNDS0=100", "CM_SNDS0"},
-      {"CM_BUSY=:BUSY?,1", "CM_BUSY"},
-      {"CM_ERRO=:ERR?", "CM_ERRO"},
-      {"CM_LIBI=\"x\";", "CM_LIBI"},
-      {"CM_STAR", "CM_STAR"},
-      // colours
-      {"CL_DEFSEQ=12345", "CL_DEFSEQ"},
-      {"CL_CURSTEP=GG0000", "CL_CURSTEP"},
-      {"CA_PRMMOD0=2,off,404142,on", "CA_PRMMOD0"},
-      // object numbers
-      {"CA_PRMVAL=1,2", "CA_PRMVAL"},
-      {"SA_PRMUSC73=1", "SA_PRMUSC73"},
-      {"SA_PRMREFx=", "SA_PRMREFx"},
-      {"DP_SELCT:=1,a", "DP_SELCT:"},
-      {"MD_SETNAM8=n", "MD_SETNAM8"},
-      // parameters
-      {"CA_PRMVAL0=0,1,MAXSTEP,1", "CA_PRMVAL0"},
-      {"SA_PRMVAL00=0,1,$MAXSTEP,1", "SA_PRMVAL00"},
-      {"SA_PRMVAL00=3,1,2,3", "SA_PRMVAL00"},
-      {"SA_PRMVAL00=2,2,a,b", "SA_PRMVAL00"},
-      {"CA_PRMUNI0=2,title,2,a,b", "CA_PRMUNI0"},
-      {"SA_PRMNAM00=one name", "SA_PRMNAM00"},
-      {"SA_PRMCOU=12", "SA_PRMCOU"},
-      {"CA_MAXSTE=257", "CA_MAXSTE"},
-      {"BA_STPVAL=0,1,2.x,1", "BA_STPVAL"},
-      // lists longer than their place, or shorter than their count
-      {"DP_SELCT0=3,a,b", "DP_SELCT0"},
-      {"AW_ARBITEM=-1", "AW_ARBITEM"},
-      {"CA_UNITCV0=1,2,3,4,5,6,7,8,9,10,11,12", "CA_UNITCV0"},
-      {"MD_SETVAL0=1,2,3,4,5,6,7,8,9,10,11,12", "MD_SETVAL0"},
-      {"MD_SETCOU=9", "MD_SETCOU"},
-  };
-  for (const auto& [line, key] : cases) {
+  for (const std::string line : {
+           // clang-format off
+           // numbers that are none, do not fit, or miss
+           "AW_FORMAT=1,x", "AW_FORMAT=1", "AW_FORMAT=1,32768", "AW_FORMAT=", "SC_BRANCH=1,1,1,",
+           "CM_STAR=:START,2147483648", "CM_SNDS0=100", "CM_BUSY=:BUSY?,1", "CM_ERRO=:ERR?", "CM_LIBI=\"x\";",
+           "CM_STAR",
+           // colours
+           "CL_DEFSEQ=12345", "CL_CURSTEP=GG0000", "CA_PRMMOD0=2,off,404142,on",
+           // object numbers
+           "CA_PRMVAL=1,2", "SA_PRMUSC73=1", "SA_PRMREFx=", "DP_SELCT:=1,a", "MD_SETNAM8=n",
+           // parameters
+           "CA_PRMVAL0=0,1,MAXSTEP,1", "SA_PRMVAL00=0,1,$MAXSTEP,1", "SA_PRMVAL00=3,1,2,3", "SA_PRMVAL00=2,2,a,b",
+           "CA_PRMUNI0=2,title,2,a,b", "SA_PRMNAM00=one name", "SA_PRMCOU=12", "CA_MAXSTE=257",
+           "BA_STPVAL=0,1,2.x,1",
+           // lists longer than their place, or shorter than their count
+           "DP_SELCT0=3,a,b", "AW_ARBITEM=-1", "CA_UNITCV0=1,2,3,4,5,6,7,8,9,10,11,12",
+           "MD_SETVAL0=1,2,3,4,5,6,7,8,9,10,11,12", "MD_SETCOU=9",
+           // clang-format on
+       }) {
     SCOPED_TRACE(line);
     definition_ = {};
     problem_ = {};
     EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec(line));
     EXPECT_EQ("SPEC M1", problem_.section);
-    EXPECT_EQ(key, problem_.key);
+    EXPECT_EQ(line.substr(0, line.find('=')), problem_.key);
     EXPECT_FALSE(problem_.reason.empty());
     EXPECT_TRUE(definition_ == ModelDefinition{}) << "a refused file changed something";
   }
@@ -140,7 +118,7 @@ TEST_F(DefinitionFaults, FilesOfAnotherMakeLoadAlike) {
   }
 }
 
-TEST_F(DefinitionFaults, RubbishIsRefusedOrIgnoredNeverFatal) {
+TEST_F(DefinitionFaults, HugeValuesAndForeignBytesAreNamed) {
   ASSERT_EQ(DefinitionLoad::Ok, LoadSpec("CM_STAR=:" + std::string(10'000'000, 'x') + ",7"));
   EXPECT_EQ(10'000'001U, definition_.Commands.Start.Template.size());
   EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec("AW_FORMAT=" + std::string(10'000'000, '9') + ",1"));
@@ -148,21 +126,6 @@ TEST_F(DefinitionFaults, RubbishIsRefusedOrIgnoredNeverFatal) {
   EXPECT_EQ(DefinitionLoad::BadValue, LoadSpec(std::string("AW_FORMAT=1,\0002", 14)));
   EXPECT_EQ("AW_FORMAT", problem_.key);
   EXPECT_EQ(DefinitionLoad::BadValue, Load(std::string(1000, '\0')));
-  std::uint32_t seed = 1;
-  const auto next = [&seed] { return static_cast<char>((seed = seed * 1664525U + 1013904223U) >> 24); };
-  for (int round = 0; round < 300; ++round) {
-    std::string bytes = kHead;
-    for (const char* key : {"CA_PRMMOD", "SA_PRMVAL", "CM_LIBI", "CM_SNDS", "CL_", "VS_SELCT"}) {
-      bytes += key;
-      for (int i = 0; i < 24; ++i) bytes += next();
-      bytes += "\n";
-    }
-    const ModelDefinition before = definition_;
-    if (Load(bytes) != DefinitionLoad::Ok) {
-      EXPECT_TRUE(before == definition_);
-      EXPECT_FALSE(problem_.section.empty());
-    }
-  }
 }
 
 }  // namespace

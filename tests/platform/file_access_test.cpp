@@ -52,17 +52,6 @@ class FullDisk {
   void (*handler_)(int);
 };
 
-TEST(ReplaceFileBytes, CreatesAndReplaces) {
-  const TempFolder folder;
-  const std::string path = folder.File("a.dat");
-  const std::string bytes("one\0\r\n", 6);
-  ASSERT_TRUE(ReplaceFileBytes(path, bytes, nullptr));
-  EXPECT_EQ(ReadFileBytes(path), bytes);
-  ASSERT_TRUE(ReplaceFileBytes(path, "", nullptr));
-  EXPECT_EQ(ReadFileBytes(path), "");
-  EXPECT_EQ(Names(folder.Path()), std::vector<std::string>{"a.dat"});
-}
-
 TEST(ReplaceFileBytes, AFullDiskLeavesTheOldFile) {
   const TempFolder folder;
   const std::string path = folder.Write("a.dat", "old");
@@ -140,24 +129,6 @@ TEST(ReplaceFileBytes, RefusesWithAReason) {
     EXPECT_THAT(error, HasSubstr(path));
   }
   EXPECT_EQ(Names(folder.Path()), std::vector<std::string>{"loop"});
-}
-
-TEST(ReplaceFileBytes, WritesToADeviceDirectly) {
-  EXPECT_TRUE(ReplaceFileBytes("/dev/null", "x", nullptr));
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
-  std::string error;
-  EXPECT_FALSE(ReplaceFileBytes("/dev/full", "x", &error));
-  EXPECT_THAT(error, HasSubstr("/dev/full"));
-}
-
-TEST(ReadFileBytes, ReadsOnlyRegularFiles) {
-  const TempFolder folder;
-  const std::string large(300000, 'z');
-  EXPECT_EQ(ReadFileBytes(folder.Write("large", large)), large);
-  EXPECT_EQ(ReadFileBytes(folder.Path()), std::nullopt);
-  EXPECT_EQ(ReadFileBytes(folder.File("none")), std::nullopt);
-  ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
-  EXPECT_EQ(ReadFileBytes(folder.File("pipe")), std::nullopt);
 }
 
 }  // namespace

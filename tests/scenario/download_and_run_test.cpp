@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "scenario/bench_rig.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -45,8 +45,8 @@ std::vector<int> RowsFollowed(const EventList& events) {
 }
 
 TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
-  BenchRig rig("QM2220:QM000001", {.communicationLog = true});
-  rig.ConnectWithExample("arb-burst.dat");
+  ProgramRig rig("QM2220:QM000001", {.communicationLog = true});
+  rig.Connect("arb-burst.dat");
   ASSERT_TRUE(rig.Download());
   rig.ExpectPrompts({kAsksName});
   rig.ExpectAtRest(OperationMode::Execution, false);
@@ -84,7 +84,7 @@ TEST(DownloadAndRun, AShippedExampleIsFollowedToItsEnd) {
 }
 
 TEST(DownloadAndRun, EveryStepIsSeenAtItsTime) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({0.5, 1, 0.3, 0.7});
   rig.DownloadAndStart();
@@ -119,39 +119,9 @@ TEST(DownloadAndRun, EveryStepIsSeenAtItsTime) {
   rig.ExpectAtRest(OperationMode::Edit, false);
 }
 
-// Memory 0 is the working memory alone; another number is recorded too and can be read back.
-TEST(DownloadAndRun, EverySequenceMemory) {
-  for (const int number : {0, 3, 10}) {
-    SCOPED_TRACE(number);
-    BenchRig rig("QM2210:QM000001");
-    rig.Connect();
-    rig.UseSteps({0.5, 0.25});
-    rig.session->Sequence().SequenceNumber = static_cast<std::int16_t>(number);
-    ASSERT_TRUE(rig.Download());
-    rig.ExpectPrompts({"input: Seq" + std::to_string(number)});
-    const std::string record = "1 < :TRAC:SEQ:REC " + std::to_string(number);
-    EXPECT_EQ(rig.CountSent(record), number == 0 ? 0 : 1);
-    const EventList sent = rig.TakeSent();
-    const std::string transfer = "1 < :TRAC:SEQ " + std::to_string(number) + ",\"E2E\",#3";
-    EXPECT_THAT(sent, Contains(::testing::StartsWith(transfer)));
-    EXPECT_THAT(sent, Contains("1 < :OUTP1?"));  // a QM2210 has one output
-    ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
-
-    rig.session->Sequence().StepCount = 1;
-    ASSERT_TRUE(rig.session->ReadBack());
-    EXPECT_EQ(rig.session->Sequence().StepCount, 2);
-    EXPECT_EQ(rig.session->Sequence().Steps[1].StepTime, 0.25);
-    // A memory that nobody filled.
-    rig.session->Sequence().SequenceNumber = 7;
-    EXPECT_FALSE(rig.session->ReadBack());
-    EXPECT_EQ(rig.session->Sequence().StepCount, 2);
-    rig.ExpectPrompts({"critical: The error was detected while receiving data. "});
-  }
-}
-
 // The window program's day: start, open, run, close, and the next start finds everything again.
 TEST(DownloadAndRun, FromTheStartOfTheProgramToItsClose) {
-  BenchRig rig("QM2220:QM000001", {.writeSettings = true});
+  ProgramRig rig("QM2220:QM000001", {.writeSettings = true});
   rig.folder.Write("Corlune.ini", "[EDIT]\r\nEDIT_MODEL=1,QM2220\r\n");
   rig.Restart();
   ASSERT_EQ(rig.session->StartUp({}), StartUpResult::Show);
@@ -189,13 +159,13 @@ TEST(DownloadAndRun, FromTheStartOfTheProgramToItsClose) {
 
 // Without any instrument: the response file answers, the log is as with a real one.
 TEST(DownloadAndRun, SimulatedInstrument) {
-  BenchOptions options;
+  ProgramOptions options;
   options.communicationLog = true;
   options.responses =
       "[ADRS0]\r\n:SOUR1:SEQ:STAT?=1\r\n:STAT:OPER:CH1:COND?=2\r\n:SYST:ERR?=0,\"No error\"\r\n"
       "spoll=128\r\n:OUTP2?=1\r\n:SOUR1:SEQ:CST?=-1\r\n:SYST:BUSY?=0\r\n";
-  BenchRig rig("", options);
-  rig.ConnectWithExample("quick-tour.dat");
+  ProgramRig rig("", options);
+  rig.Connect("quick-tour.dat");
   EXPECT_EQ(rig.session->State().Online, 1);
   ASSERT_TRUE(rig.Download());
   rig.ExpectPrompts({kAsksName});
@@ -222,6 +192,17 @@ TEST(DownloadAndRun, SimulatedInstrument) {
   // It holds no sequences.
   EXPECT_FALSE(rig.session->ReadBack());
   rig.ExpectPrompts({"critical: The error was detected while receiving data. "});
+  // It is not searched for, and has no address that could change: a file does not connect anew.
+  const std::string before = rig.Log();
+  ASSERT_TRUE(rig.session->WriteFile(rig.folder.File("a.dat"), true));
+  rig.session->State().Instruments[0].Address = 7;
+  EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
+  EXPECT_EQ(rig.Log(), before);
+  rig.Restart();
+  ASSERT_EQ(rig.session->StartUp({}), StartUpResult::Show);
+  EXPECT_EQ(rig.session->State().Online, 1);
+  EXPECT_THAT(rig.progress.waits, ::testing::IsEmpty());
+  rig.ExpectPrompts({kAsksToGoOn, "exclamation: Initialization file doesn't exist"});
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // Each exchange of a download fails in turn. The table says what the program does about it: what it still
 // sends, what it says, and in which state it is left. Afterwards it must be usable.
 #include "compile/download_outcome_text.h"
-#include "scenario/bench_rig.h"
 #include "scenario/exchange_table.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -21,36 +21,23 @@ enum class Fate {
   OutputUnknown,   // the sequence is in the instrument; the output counts as off
 };
 
-const std::vector<Exchange<Fate>> kDownload{
-    {"1 < *CLS;:SYST:REM;*ESE 60", Fate::NotSent},
-    {"1 < :SOUR1:SEQ:STAT?", Fate::NotSent},
-    {"1 > 0", Fate::NotSent},
-    {"1 < :SOUR1:SEQ:STAT 1", Fate::NotPrepared},
-    {"1 < :STAT:OPER:CH1:COND?", Fate::NotSent},
-    {"1 > 0", Fate::NotSent},
-    {"1 < *CLS", Fate::WaveNotSent},
-    {"1 < :TRACe:DATA 1,\"Arb1\",#48200", Fate::WaveBroken},
-    {"1 < (8200 bytes)", Fate::WaveBroken},
-    {"1 < :SYST:ERR?", Fate::ErrorUnknown},
-    {"1 > 0,\"No error\"", Fate::ErrorUnknown},
-    {"1 < :TRAC:SEQ 1,\"E2E\",#3337", Fate::BlockBroken},
-    {"1 < (337 bytes)", Fate::BlockBroken},
-    {"1 < :SYST:ERR?", Fate::ErrorUnknown},
-    {"1 > 0,\"No error\"", Fate::ErrorUnknown},
-    {"1 < :TRAC:SEQ:REC 1", Fate::NotSent},
-    {"1 < :SYST:ERR?", Fate::ErrorForgotten},
-    {"1 > 0,\"No error\"", Fate::ErrorForgotten},
-    {"1 < *CLS", Fate::Unchecked},
-    {"1 poll 0", Fate::Unchecked},
-    {"1 < :TRIG:COMP", Fate::NotSent},
-    {"1 poll 0", Fate::PollAgain},
-    {"1 poll 0", Fate::PollAgain},
-    {"1 poll 128", Fate::PollAgain},
-    {"1 < :STAT:OPER:CH1:COND?", Fate::NotCompiled},
-    {"1 > 2", Fate::NotCompiled},
-    {"1 < :OUTP1?;:OUTP2?", Fate::OutputUnknown},
-    {"1 > 0;0", Fate::OutputUnknown},
-};
+const std::vector<Exchange<Fate>> kDownload = Exchanges<Fate>({
+    {Fate::NotSent, "1 < *CLS;:SYST:REM;*ESE 60|1 < :SOUR1:SEQ:STAT?|1 > 0"},
+    {Fate::NotPrepared, "1 < :SOUR1:SEQ:STAT 1"},
+    {Fate::NotSent, "1 < :STAT:OPER:CH1:COND?|1 > 0"},
+    {Fate::WaveNotSent, "1 < *CLS"},
+    {Fate::WaveBroken, "1 < :TRACe:DATA 1,\"Arb1\",#48200|1 < (8200 bytes)"},
+    {Fate::ErrorUnknown, "1 < :SYST:ERR?|1 > 0,\"No error\""},
+    {Fate::BlockBroken, "1 < :TRAC:SEQ 1,\"E2E\",#3337|1 < (337 bytes)"},
+    {Fate::ErrorUnknown, "1 < :SYST:ERR?|1 > 0,\"No error\""},
+    {Fate::NotSent, "1 < :TRAC:SEQ:REC 1"},
+    {Fate::ErrorForgotten, "1 < :SYST:ERR?|1 > 0,\"No error\""},
+    {Fate::Unchecked, "1 < *CLS|1 poll 0"},
+    {Fate::NotSent, "1 < :TRIG:COMP"},
+    {Fate::PollAgain, "1 poll 0|1 poll 0|1 poll 128"},
+    {Fate::NotCompiled, "1 < :STAT:OPER:CH1:COND?|1 > 2"},
+    {Fate::OutputUnknown, "1 < :OUTP1?;:OUTP2?|1 > 0;0"},
+});
 constexpr const char* kWaveFailed = "exclamation: Please specify a correct file name.";
 constexpr std::size_t kFirstPoll = 21;
 constexpr std::size_t kCompiled = 24;
@@ -61,7 +48,7 @@ EventList Lines(std::size_t from = 0, std::size_t to = kDownload.size()) {
 }
 
 // Connected, with two steps, of which one plays an arbitrary waveform, for memory 1.
-struct DownloadBench : BenchRig {
+struct DownloadBench : ProgramRig {
   DownloadBench() {
     Connect();
     UseSteps({0.5, 0.25});
@@ -165,9 +152,23 @@ void ExpectEnd(DownloadBench& rig, bool downloaded, const Rest& rest) {
 
 TEST(DownloadFaults, TheTableIsTheDownloadWithoutFaults) {
   DownloadBench rig;
+  const std::uint32_t before = rig.clock.Now();
   EXPECT_TRUE(rig.Download());
   EXPECT_EQ(rig.recorder.exchanges, Lines());
   ExpectEnd(rig, true, {});
+  // 1 s for the waveform, 10 s for the block, 5 s for the memory; preparation, queries, polls.
+  EXPECT_EQ(rig.clock.Now() - before, 17700U);
+  const std::string sequence = "Transmitting the sequence data.";
+  EXPECT_EQ(
+      rig.progress.texts,
+      (EventList{"Preparing the instrument.", "Transmitting the arbitrary wave data.....ARB 1", sequence,
+                 sequence, rig.session->Catalogue().GetResString(TextId::WaitingForCompilation)}));
+  EXPECT_EQ(rig.progress.advances, 16);
+  EXPECT_FALSE(TempFolder::Read(rig.folder.File("UseStep.txt")).empty());
+  // An unchanged waveform is sent once.
+  rig.Forget();
+  rig.ExpectUsable();
+  EXPECT_EQ(rig.CountSent("1 < :TRACe:DATA"), 0);
 }
 
 TEST(DownloadFaults, EachExchangeFailsOnce) {
@@ -286,36 +287,6 @@ TEST(DownloadFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
 
 // ---- What the instrument refuses ----
 
-TEST(DownloadFaults, TheInstrumentRefusesToCompile) {
-  DownloadBench rig;
-  rig.Faults("refuse");
-  EXPECT_FALSE(rig.Download());
-  EXPECT_EQ(rig.Outcome().End, DownloadEnd::NotCompiled);
-  rig.ExpectSaid({"critical: The error was detected by the compilation with the device."});
-  rig.ExpectAtRest(OperationMode::Edit, false);
-  rig.Faults("");
-  rig.ExpectUsable();
-}
-
-TEST(DownloadFaults, TheCompilerRefuses) {
-  DownloadBench rig;
-  // 20 Vp-p around 5 V leaves the range of +/-10 V.
-  rig.session->Sequence().Cell(1, 1, kSlotAmplitude).Value = 20;
-  rig.session->Sequence().Cell(1, 1, kSlotOffset).Value = 5;
-  EXPECT_FALSE(rig.Download());
-  EXPECT_EQ(rig.Outcome().End, DownloadEnd::Refused);
-  rig.ExpectSent({});
-  ASSERT_EQ(rig.prompts.said.size(), 2u);
-  EXPECT_THAT(rig.prompts.said[1],
-              ::testing::StartsWith("critical: The error was detected in the sequence data. Ch:2 Step:"));
-  EXPECT_THAT(rig.prompts.said[1], ::testing::EndsWith("Parameter:Amplitude,Offset."));
-  rig.prompts.said.resize(1);
-  rig.ExpectSaid({});
-  rig.ExpectAtRest(OperationMode::Edit, false);
-  rig.session->Sequence().Cell(1, 1, kSlotOffset).Value = 0;
-  rig.ExpectUsable();
-}
-
 // The sequence is sent all the same; here it needs the waveform, so the instrument does not take it over.
 TEST(DownloadFaults, TheWaveformMemoryIsFull) {
   DownloadBench rig;
@@ -328,21 +299,6 @@ TEST(DownloadFaults, TheWaveformMemoryIsFull) {
                   "critical: The error was detected by the compilation with the device."});
   rig.ExpectAtRest(OperationMode::Edit, false);
   EXPECT_EQ(rig.session->Sequence().Channels.ArbFiles[0].Transferred, 0);
-  rig.Faults("");
-  rig.ExpectUsable();
-}
-
-// A waveform that no reachable step plays may be missing: 9317, and the download goes on to its end.
-TEST(DownloadFaults, AFullWaveformMemoryDoesNotEndTheDownload) {
-  DownloadBench rig;
-  SequenceData& sequence = rig.session->Sequence();
-  sequence.Cell(0, 0, kSlotWaveform).Value = kWaveSine;
-  sequence.Cell(0, 9, kSlotWaveform).Value = kWaveUser;  // behind the used steps
-  sequence.Cell(0, 9, kSlotArbNumber).Value = 1;
-  rig.Faults("full");
-  EXPECT_TRUE(rig.Download());
-  rig.ExpectSaid({"critical: The total size of ARB data exceeds the upper bound. Transfer cannot be done."});
-  rig.ExpectAtRest(OperationMode::Execution, false);
   rig.Faults("");
   rig.ExpectUsable();
 }

@@ -2,8 +2,8 @@
 // USBTMC and run over whatever the set-up says.
 #include <filesystem>
 
-#include "scenario/bench_rig.h"
 #include "scenario/exchange_table.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -27,8 +27,8 @@ constexpr const char* kSaysNoBlocks =
     "USBTMC.";
 
 // All instruments hold four steps of 0.4 s; the sequence in the editor is another one.
-struct Rig : BenchRig {
-  explicit Rig(int instruments) : BenchRig(Instruments(instruments), Options()) {
+struct Rig : ProgramRig {
+  explicit Rig(int instruments) : ProgramRig(Instruments(instruments), Options()) {
     for (std::size_t i = 0; i < bench.Count(); ++i) {
       bench.At(i).SetTrace([this, i](ExchangeKind kind, std::string_view bytes, bool) {
         if (kind != ExchangeKind::Write) return;
@@ -50,8 +50,8 @@ struct Rig : BenchRig {
     UseSteps({9});
     std::filesystem::remove(folder.File("sendata.bin"));
   }
-  static BenchOptions Options() {
-    BenchOptions options;
+  static ProgramOptions Options() {
+    ProgramOptions options;
     options.allInterfaces = true;
     return options;
   }
@@ -98,7 +98,7 @@ TEST(Interfaces, WithoutBlocksTheInstrumentRunsWhatItHolds) {
     Rig rig(1);
     const AppState& state = rig.session->State();
     ASSERT_TRUE(rig.Use({kind}));
-    rig.prompts.answers = {PromptAnswer::Cancel};
+    rig.prompts.Answer(PromptAnswer::Cancel);
     EXPECT_FALSE(rig.Download());
     rig.ExpectPrompts({kAsksHeld});
     rig.ExpectWire({});

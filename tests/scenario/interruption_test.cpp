@@ -1,6 +1,6 @@
 // Something happens in a wait of a download and a run: each wait in turn, each kind of press. Nothing may
 // come between the exchanges of what is under way.
-#include "scenario/bench_rig.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -9,8 +9,8 @@ using ::testing::AnyOf;
 using ::testing::IsEmpty;
 
 // The whole way: download, start, hold, resume, branch, end.
-struct WholeWay : BenchRig {
-  WholeWay() : BenchRig("QM2220:QM000001", {.queriesWait = true}) {
+struct WholeWay : ProgramRig {
+  WholeWay() : ProgramRig("QM2220:QM000001", {.queriesWait = true}) {
     Connect();
     UseSteps({0.6, 60, 0.5});
     SequenceData& sequence = session->Sequence();
@@ -87,7 +87,7 @@ void PlayWith(WholeWay& way, int wait, const std::function<void()>& action) {
 // Every reply comes after 200 ms: start-up says what it waits for, and Cancel ends it off-line, with its
 // window.
 TEST(SlowStart, SaysWhatItWaitsForAndCanBeCancelled) {
-  BenchRig rig("QM2210:QM000001");
+  ProgramRig rig("QM2210:QM000001");
   rig.Faults("late:200");
   const auto asking = [](int number) {
     return "Arbitrary waveforms in the instrument: " + std::to_string(number) + "/128";
@@ -145,9 +145,9 @@ TEST(InterruptionOnTheWay, ItIsRefused) {
          // In a tick it is carried out behind it; everywhere else it is ignored.
          if (!way.session->Activity().Under(Work::Tick)) way.Press(Run::OutputOff);
        }},
-      {"run buttons in a download",
+      {"run commands in a download",
        [](WholeWay& way) {
-         for (int button = 0; button <= 5 && way.inDownload; ++button) way.session->Control().Button(button);
+         for (int item = 0; item <= 5 && way.inDownload; ++item) way.session->Control().MenuItem(item);
        }},
   };
   const Undisturbed& record = PlayUndisturbed();

@@ -2,7 +2,8 @@
 #include <random>
 
 #include "compile/sequence_text.h"
-#include "scenario/bench_rig.h"
+#include "sequence/start_values.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -82,7 +83,7 @@ TEST(ReadBack, GivesBackWhatWasSent) {
   for (unsigned seed = 1; seed <= 60; ++seed) {
     SCOPED_TRACE(seed);
     const bool twoChannels = seed % 2 == 0;
-    BenchRig rig(twoChannels ? "QM2220:QM000001" : "QM2210:QM000001");
+    ProgramRig rig(twoChannels ? "QM2220:QM000001" : "QM2210:QM000001");
     rig.Connect();
     Generator generator(seed);
     SequenceData& sequence = rig.session->Sequence();
@@ -98,6 +99,9 @@ TEST(ReadBack, GivesBackWhatWasSent) {
     }
     ++accepted;
     rig.ExpectPrompts({"input: Seq" + number});
+    // Memory 0 is the working memory alone; another one is recorded too.
+    EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ " + number + ",\"E2E\",#"), 1);
+    EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ:REC"), number == "0" ? 0 : 1);
     ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
     const int channels = twoChannels ? 2 : 1;
     const std::string sent = TextOf(sequence, channels);
@@ -110,6 +114,9 @@ TEST(ReadBack, GivesBackWhatWasSent) {
     ASSERT_TRUE(rig.session->ReadBack());
     EXPECT_EQ(TextOf(sequence, channels), sent);
     EXPECT_EQ(sequence.StepCount, count);
+    const auto computed = std::make_unique<SequenceData>(sequence);
+    ComputeStartValues(*computed);
+    EXPECT_TRUE(sequence.Cells == computed->Cells) << "start values";
     EXPECT_TRUE(rig.session->State().Modified);
     rig.ExpectSent({"1 < :TRACe:SEQuence? " + number});
     rig.session->State().Modified = false;
@@ -122,7 +129,7 @@ TEST(ReadBack, AFaultLeavesTheSequenceAsItWas) {
        {"timeout=1", "timeout=2", "error=1:0xBFFF003E", "error=2:0xBFFF003E", "gone=0", "gone=1", "drop=1",
         "late=1:9000", "empty=1", "long=1", "binary=1", "text=1:SEQ=1,SYNC,0,STAR,POS"}) {
     SCOPED_TRACE(fault);
-    BenchRig rig;
+    ProgramRig rig;
     rig.Connect();
     rig.UseSteps({0.5, 0.25});
     ASSERT_TRUE(rig.Download());
@@ -137,8 +144,13 @@ TEST(ReadBack, AFaultLeavesTheSequenceAsItWas) {
     EXPECT_FALSE(rig.session->State().Modified);
     rig.ExpectAtRest(OperationMode::Edit, false);
 
-    // The next one works, and finds no rest of the failed one.
+    // Nor does a memory that nobody filled. The next one works, and finds no rest of the failed ones.
     rig.Replug();
+    rig.session->Sequence().SequenceNumber = 7;
+    EXPECT_FALSE(rig.session->ReadBack());
+    rig.ExpectPrompts({kNotReceived});
+    rig.session->Sequence().SequenceNumber = 0;
+    EXPECT_TRUE(rig.session->Sequence() == *before);
     ASSERT_TRUE(rig.session->ReadBack());
     EXPECT_EQ(rig.session->Sequence().StepCount, 2);
     EXPECT_EQ(rig.session->Sequence().Steps[1].StepTime, 0.25);
@@ -148,7 +160,7 @@ TEST(ReadBack, AFaultLeavesTheSequenceAsItWas) {
 
 // A close request, a file command or another read in the wait for the answer is refused.
 TEST(ReadBack, NothingComesInBetween) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({0.5});
   ASSERT_TRUE(rig.Download());
@@ -165,6 +177,18 @@ TEST(ReadBack, NothingComesInBetween) {
   EXPECT_TRUE(rig.session->ReadBack());
   EXPECT_GT(waits, 0);
   rig.pump.OnEveryCall({});
+  EXPECT_EQ(rig.progress.texts.back(), "Reading the sequence 0 back from the instrument.");
+  EXPECT_EQ(rig.progress.depth, 0);
+
+  // Cancelled within a second; the answer that is under way is dropped.
+  rig.session->State().Modified = false;
+  rig.Forget();
+  const std::uint32_t before = rig.clock.Now();
+  rig.pump.At(before + 1500, [&] { rig.progress.cancel = true; });
+  EXPECT_FALSE(rig.session->ReadBack());
+  EXPECT_EQ(rig.clock.Now() - before, 2000U);
+  EXPECT_EQ(rig.recorder.exchanges, (EventList{"1 < :TRACe:SEQuence? 0", "1 clear"}));
+  EXPECT_FALSE(rig.session->State().Modified);
 }
 
 }  // namespace

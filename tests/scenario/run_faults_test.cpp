@@ -1,7 +1,7 @@
 // Each exchange of a run fails in turn: start, two polls, hold, resume, branch, stop. The table says what the
 // program does about it. Afterwards it must be usable.
-#include "scenario/bench_rig.h"
 #include "scenario/exchange_table.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -20,56 +20,39 @@ enum class Fate {
 
 constexpr const char* kStop = "1 < :TRIG1:SEL:EXEC STOP";
 
-const std::vector<Exchange<Fate>> kRun{
-    {"1 < :OUTP1 ON;:OUTP2 ON", Fate::Output},
-    {"1 < :SYST:BUSY?", Fate::Output},
-    {"1 > 0", Fate::Output},
-    {"1 < :TRIG1:SEL:EXEC STAR", Fate::Command},
-    {"1 < :SOUR1:SEQ:CST?", Fate::StepQuery},
-    {"1 > 0", Fate::StepQuery},
+const std::vector<Exchange<Fate>> kRun = Exchanges<Fate>({
+    {Fate::Output, "1 < :OUTP1 ON;:OUTP2 ON|1 < :SYST:BUSY?|1 > 0"},
+    {Fate::Command, "1 < :TRIG1:SEL:EXEC STAR"},
+    {Fate::StepQuery, "1 < :SOUR1:SEQ:CST?|1 > 0"},
     // first poll
-    {"1 < :OUTP1?;:OUTP2?", Fate::OutputQuery},
-    {"1 > 1;1", Fate::OutputQuery},
-    {"1 < :SOUR1:SEQ:CST?", Fate::StepQuery},
-    {"1 > 0", Fate::StepQuery},
-    {"1 < :STAT:OPER:CH1:COND?", Fate::StatusQuery},
-    {"1 > 4", Fate::StatusQuery},
+    {Fate::OutputQuery, "1 < :OUTP1?;:OUTP2?|1 > 1;1"},
+    {Fate::StepQuery, "1 < :SOUR1:SEQ:CST?|1 > 0"},
+    {Fate::StatusQuery, "1 < :STAT:OPER:CH1:COND?|1 > 4"},
     // the poll that carries out the hold
-    {"1 < :OUTP1?;:OUTP2?", Fate::OutputQuery},
-    {"1 > 1;1", Fate::OutputQuery},
-    {"1 < :SOUR1:SEQ:CST?", Fate::StepQuery},
-    {"1 > 0", Fate::StepQuery},
-    {"1 < :STAT:OPER:CH1:COND?", Fate::StatusQuery},
-    {"1 > 4", Fate::StatusQuery},
-    {"1 < :TRIG1:SEL:EXEC HOLD", Fate::Command},
-    {"1 < :SOUR1:SEQ:CST?", Fate::StepInHold},
-    {"1 > 0", Fate::StepInHold},
-    {"1 < :TRIG1:SEL:EXEC RES", Fate::Command},
+    {Fate::OutputQuery, "1 < :OUTP1?;:OUTP2?|1 > 1;1"},
+    {Fate::StepQuery, "1 < :SOUR1:SEQ:CST?|1 > 0"},
+    {Fate::StatusQuery, "1 < :STAT:OPER:CH1:COND?|1 > 4"},
+    {Fate::Command, "1 < :TRIG1:SEL:EXEC HOLD"},
+    {Fate::StepInHold, "1 < :SOUR1:SEQ:CST?|1 > 0"},
+    {Fate::Command, "1 < :TRIG1:SEL:EXEC RES"},
     // the poll behind the resume
-    {"1 < :OUTP1?;:OUTP2?", Fate::OutputQuery},
-    {"1 > 1;1", Fate::OutputQuery},
-    {"1 < :SOUR1:SEQ:CST?", Fate::StepQuery},
-    {"1 > 0", Fate::StepQuery},
-    {"1 < :STAT:OPER:CH1:COND?", Fate::StatusQuery},
-    {"1 > 4", Fate::StatusQuery},
-    {"1 < :TRIG1:SEL:EXEC BRAN 3", Fate::Command},
-    {"1 < :OUTP1?;:OUTP2?", Fate::OutputQuery},
-    {"1 > 1;1", Fate::OutputQuery},
-    {"1 < :SOUR1:SEQ:CST?", Fate::StepQuery},
-    {"1 > 2", Fate::StepQuery},
-    {"1 < :STAT:OPER:CH1:COND?", Fate::StatusQuery},
-    {"1 > 4", Fate::StatusQuery},
-    {kStop, Fate::Stop},
-    {"1 < :STAT:OPER:CH1:COND?", Fate::Discarded},
-    {"1 > 2", Fate::Discarded},
-};
+    {Fate::OutputQuery, "1 < :OUTP1?;:OUTP2?|1 > 1;1"},
+    {Fate::StepQuery, "1 < :SOUR1:SEQ:CST?|1 > 0"},
+    {Fate::StatusQuery, "1 < :STAT:OPER:CH1:COND?|1 > 4"},
+    {Fate::Command, "1 < :TRIG1:SEL:EXEC BRAN 3"},
+    {Fate::OutputQuery, "1 < :OUTP1?;:OUTP2?|1 > 1;1"},
+    {Fate::StepQuery, "1 < :SOUR1:SEQ:CST?|1 > 2"},
+    {Fate::StatusQuery, "1 < :STAT:OPER:CH1:COND?|1 > 4"},
+    {Fate::Stop, "1 < :TRIG1:SEL:EXEC STOP"},
+    {Fate::Discarded, "1 < :STAT:OPER:CH1:COND?|1 > 2"},
+});
 
 EventList Lines(std::size_t from = 0, std::size_t to = kRun.size()) {
   return LinesOf(kRun, from, to);
 }
 
 // Downloaded; three steps of a minute, the first branches to the third.
-struct RunBench : BenchRig {
+struct RunBench : ProgramRig {
   RunBench() {
     Connect();
     UseSteps({60, 60, 60});
@@ -275,12 +258,12 @@ TEST(RunFaults, TheDeviceIsUnpluggedBeforeEachExchange) {
 
     // Still unplugged: going on needs an answer; a download tells so and changes nothing.
     if (rest.mayStillRun) {
-      rig.prompts.answers.push_back(PromptAnswer::Cancel);
+      rig.prompts.Answer(PromptAnswer::Cancel);
       EXPECT_FALSE(rest.mode == OperationMode::Edit
                        ? rig.session->NewSequence()
                        : rig.session->Control().SetOperationMode(OperationMode::Edit));
       EXPECT_EQ(std::exchange(rig.prompts.said, {}), (EventList{kAsksToGoOn}));
-      EXPECT_EQ(rig.prompts.escape, PromptAnswer::Cancel);
+      EXPECT_EQ(rig.prompts.messages.back().escape, PromptAnswer::Cancel);
     }
     if (rest.mode == OperationMode::Execution) {
       ASSERT_TRUE(rig.session->Control().SetOperationMode(OperationMode::Edit));
@@ -310,20 +293,17 @@ TEST(RunFaults, RepliesThatAreNoAnswer) {
   const EventList repeatedStep{"1 < :OUTP1?;:OUTP2?", "1 < :SOUR1:SEQ:CST?", "1 < :SOUR1:SEQ:CST?"};
   const EventList outputOff{"1 < :OUTP1?;:OUTP2?", "1 < :TRIG1:SEL:EXEC STOP"};
   const EventList wholePoll{"1 < :OUTP1?;:OUTP2?", "1 < :SOUR1:SEQ:CST?", "1 < :STAT:OPER:CH1:COND?"};
+  using enum OperationMode;
+  // clang-format off
   const Case cases[] = {
       // Counts as off: the run is stopped rather than left alone.
-      {":OUTP1?",
-       "output",
-       outputOff,
-       {OutputTurnedOff(1)},
-       RunState::Stopped,
-       OperationMode::Execution,
-       false},
+      {":OUTP1?", "output", outputOff, {OutputTurnedOff(1)}, RunState::Stopped, Execution, false},
       // Repeated once, then given up.
-      {":CST?", "step", repeatedStep, {}, RunState::Stopped, OperationMode::Edit, false},
+      {":CST?", "step", repeatedStep, {}, RunState::Stopped, Edit, false},
       // Says nothing about the run, which goes on.
-      {":COND?", "status", wholePoll, {}, RunState::Running, OperationMode::Execution, true},
+      {":COND?", "status", wholePoll, {}, RunState::Running, Execution, true},
   };
+  // clang-format on
   for (const Case& c : cases) {
     for (const char* reply : {"empty", "long", "binary", "text", "text:12 steps"}) {
       SCOPED_TRACE(std::string(c.what) + " query: " + reply);

@@ -1,5 +1,5 @@
 // What happens at the instrument while the program follows a run, and what the person does about it.
-#include "scenario/bench_rig.h"
+#include "support/program_rig.h"
 
 namespace corlune::testing {
 namespace {
@@ -8,7 +8,7 @@ using ::testing::Contains;
 using ::testing::Not;
 
 TEST(RunStory, HoldAndResumeAtTheProgram) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({1, 1});
   rig.DownloadAndStart();
@@ -39,33 +39,24 @@ TEST(RunStory, HoldAndResumeAtTheProgram) {
   rig.ExpectAtRest(OperationMode::Execution, true);
 }
 
-TEST(RunStory, HoldAtTheInstrument) {
-  BenchRig rig;
-  rig.Connect();
-  rig.UseSteps({1, 1});
-  rig.DownloadAndStart();
-  rig.Advance(300);
-  rig.Instrument().PressHold();
-  rig.Advance(200);
-  EXPECT_EQ(rig.session->State().RunState, RunState::Held);
-  EXPECT_FALSE(rig.timer.enabled);
-  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC HOLD"), 0);
-  rig.Press(Run::Start);
-  EXPECT_EQ(rig.session->State().RunState, RunState::Running);
-  EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Running);
-  rig.RunToEnd();
-  rig.ExpectPrompts({kSaysEnd});
-}
-
-// A step with auto hold is a hold made at the instrument, too. Stopping from there needs no tick.
-TEST(RunStory, AutoHoldThenStop) {
-  BenchRig rig;
+// A step with auto hold is a hold made at the instrument, as its key is. Stopping from there needs no tick.
+TEST(RunStory, HoldsAtTheInstrument) {
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({0.5, 60});
   rig.session->Sequence().Steps[0].AutoHold = 1;
   rig.DownloadAndStart();
   rig.Advance(1000);
   EXPECT_EQ(rig.session->State().RunState, RunState::Held);
+  EXPECT_FALSE(rig.timer.enabled);
+  rig.Press(Run::Start);
+  EXPECT_EQ(rig.Instrument().Phase(), RunPhase::Running);
+  rig.Advance(300);
+  EXPECT_EQ(rig.session->State().CurrentStep, 1);
+  rig.Instrument().PressHold();
+  rig.Advance(200);
+  EXPECT_EQ(rig.session->State().RunState, RunState::Held);
+  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC HOLD"), 0);
   rig.Forget();
   rig.Press(Run::Stop);
   rig.ExpectSent({"1 < :TRIG1:SEL:EXEC STOP", "1 < :STAT:OPER:CH1:COND?"});
@@ -74,7 +65,7 @@ TEST(RunStory, AutoHoldThenStop) {
 }
 
 TEST(RunStory, BranchAtTheProgramAndAtTheInstrument) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({60, 60, 60, 0.5});
   SequenceData& sequence = rig.session->Sequence();
@@ -113,7 +104,7 @@ TEST(RunStory, AnOutputTrips) {
   };
   for (const Case& c : {Case{"QM2220", 0}, Case{"QM2220", 2}, Case{"QM2210", 1}}) {
     SCOPED_TRACE(std::string(c.model) + " channel " + std::to_string(c.channel));
-    BenchRig rig(std::string(c.model) + ":QM000001");
+    ProgramRig rig(std::string(c.model) + ":QM000001");
     rig.Connect();
     rig.UseSteps({60});
     if (c.channel == 0) rig.Faults("trip=900");
@@ -137,21 +128,9 @@ TEST(RunStory, AnOutputTrips) {
   }
 }
 
-// The outputs are switched off in the 1.5 s between the last step and the message of the end.
-TEST(RunStory, AnOutputFoundOffAtTheEndEndsTheRunSilently) {
-  BenchRig rig;
-  rig.Connect();
-  rig.UseSteps({1});
-  rig.DownloadAndStart();
-  rig.pump.At(rig.clock.Now() + 1800, [&] { rig.Instrument().SetOutput(1, false); });
-  rig.RunToEnd();
-  rig.ExpectPrompts({});
-  rig.ExpectAtRest(OperationMode::Execution, false);
-}
-
 // The instrument waits for the stop phase: it asks for a stop, and still names the step.
 TEST(RunStory, StopAtTheInstrument) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   rig.UseSteps({60, 60});
   SequenceData& sequence = rig.session->Sequence();
@@ -172,7 +151,7 @@ TEST(RunStory, StopAtTheInstrument) {
 TEST(RunStory, ABusyInstrument) {
   for (const int busy : {1200, 9000}) {
     SCOPED_TRACE(busy);
-    BenchRig rig;
+    ProgramRig rig;
     rig.Connect();
     rig.UseSteps({1});
     ASSERT_TRUE(rig.Download());

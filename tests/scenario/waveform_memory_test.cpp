@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "scenario/bench_rig.h"
+#include "support/program_rig.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define CORLUNE_ASAN 1
@@ -34,7 +34,7 @@ std::size_t HeapInUse() {
 }
 
 // 128 names of one array file.
-void WriteWaveforms(BenchRig& rig) {
+void WriteWaveforms(ProgramRig& rig) {
   const std::string first = rig.folder.Write("1.wdb", std::string(kPointsAt + kMebibyte, '\1'));
   auto& entries = rig.session->Sequence().Channels.ArbFiles;
   for (std::size_t i = 0; i < entries.size(); ++i) {
@@ -45,7 +45,7 @@ void WriteWaveforms(BenchRig& rig) {
 }
 
 TEST(WaveformMemory, OneHundredAndTwentyEightMebibytesThroughTheTransfer) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   WriteWaveforms(rig);
   int blocks = 0;
@@ -76,7 +76,7 @@ TEST(WaveformMemory, OneHundredAndTwentyEightMebibytesThroughTheTransfer) {
 
 // The instrument holds one array of that size for each channel; the third does not fit.
 TEST(WaveformMemory, TheInstrumentTakesTwoAndSaysSo) {
-  BenchRig rig;
+  ProgramRig rig;
   rig.Connect();
   WriteWaveforms(rig);
   EXPECT_EQ(rig.session->Download().TransferUsedArbs(), 0);
@@ -91,8 +91,12 @@ TEST(WaveformMemory, TheInstrumentTakesTwoAndSaysSo) {
 
   // Sent again, one takes its own place; one is deleted, the third one takes its place.
   WaveformTransfer& waveforms = rig.session->Waveforms();
+  rig.Faults("late:20000@:SYST:ERR?");  // such a block may take its time
   EXPECT_EQ(waveforms.TransferOne(entries[1], 2), ArbTransfer::Done);
+  EXPECT_EQ(rig.recorder.exchanges.back(), "1 > 0,\"No error\"");
+  rig.Faults("");
   EXPECT_FALSE(Failed(waveforms.ClearOne(entries[0], 1)));
+  EXPECT_EQ(entries[0].InInstrument, 0);
   EXPECT_EQ(waveforms.TransferOne(entries[2], 3), ArbTransfer::Done);
   ArbFileEntry found;
   EXPECT_TRUE(waveforms.QueryArbInfo(found, 3));

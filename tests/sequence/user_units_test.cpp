@@ -20,9 +20,9 @@ struct UnitCase {
   double load;  // ohms, kHighZ for none
   double polarityRange;
   UserUnitDef unit;
-  double stored;
-  double shown;
-  const char* text;
+  double stored = 0;
+  double shown = 0;
+  const char* text = "";
 };
 
 class UserUnitsTest : public ::testing::Test {
@@ -69,7 +69,7 @@ TEST_F(UserUnitsTest, ConvertShowAndTakeBack) {
 }
 
 TEST_F(UserUnitsTest, NeedTheCapabilityAndKeepTheLogarithmFromZero) {
-  SetUp({"", kSlotAmplitude, kHighZ, 0, {1, 1, "dBV", 20, 0}, 0, 0, ""});
+  SetUp({"", kSlotAmplitude, kHighZ, 0, {1, 1, "dBV", 20, 0}});
   EXPECT_EQ(units.UserUnitText(0, 1, 7, kSlotAmplitude), "Inf");
   EXPECT_EQ(units.UserUnitText(-1, 1, 7, kSlotAmplitude), "Over");
   EXPECT_EQ(units.SystemToUser(-1, 1, 7, kSlotAmplitude), -1);
@@ -89,10 +89,10 @@ TEST_F(UserUnitsTest, FormatFollowsTheFactor) {
         Row{"0.001", 0.5, "0.000"}, Row{"1E-06", 1, "0.000000"}, Row{"0.25", 1, "0.00"}, Row{"10", 1, "0"}}) {
     SCOPED_TRACE(std::string(row.resolution) + " x " + std::to_string(row.factor));
     definition.Sequence.Params[0][kSlotOffset] = Range(0, 1, 0, 0, row.resolution);
-    SetUp({"", kSlotOffset, kHighZ, 0, {1, 0, "x", row.factor, 0}, 0, 0, ""});
+    SetUp({"", kSlotOffset, kHighZ, 0, {1, 0, "x", row.factor, 0}});
     EXPECT_EQ(units.UserUnitFormat(1, kSlotOffset), row.format);
   }
-  SetUp({"", kSlotOffset, kHighZ, 0, {1, 1, "x", 1, 0}, 0, 0, ""});
+  SetUp({"", kSlotOffset, kHighZ, 0, {1, 1, "x", 1, 0}});
   EXPECT_EQ(units.UserUnitFormat(1, kSlotOffset), "0.000E+0");
 }
 

@@ -36,26 +36,37 @@ TEST(FileCommands, TheSaveQuestionGuardsTheWork) {
   for (const Row& row : {Row{PromptAnswer::No, "", true}, Row{PromptAnswer::Cancel, "", false},
                          Row{PromptAnswer::Yes, "kept.dat", true}, Row{PromptAnswer::Yes, "", false},
                          Row{PromptAnswer::Yes, "none/kept.dat", false}}) {
-    for (const bool open : {false, true}) {
-      SCOPED_TRACE(std::to_string(static_cast<int>(row.answer)) + row.chosen + (open ? ", open" : ", new"));
+    for (const std::string action : {"new", "open", "close"}) {
+      SCOPED_TRACE(std::to_string(static_cast<int>(row.answer)) + row.chosen + action);
       const bool unwritable = *row.chosen && !row.done;
+      const bool closing = action == "close";
+      // Closed without a name, the sequence is kept in the work file alone.
+      const bool goesOn = row.done || (closing && row.answer == PromptAnswer::Yes && !unwritable);
       EditedRig rig;
+      std::filesystem::remove(rig.folder.File("Corlune.ini"));
       rig.Answer(row.answer);
       if (row.answer == PromptAnswer::Yes) {
         rig.files.save.push_back(*row.chosen ? std::optional(rig.folder.File(row.chosen)) : std::nullopt);
       }
       if (unwritable) rig.Answer(PromptAnswer::Ok);
-      if (open && row.done) rig.files.open.push_back(std::nullopt);
-      const bool done = open ? rig.session->OpenWithDialog() : rig.session->NewSequence();
-      EXPECT_EQ(done, row.done && !open);
-      EXPECT_EQ(rig.prompts.messages.at(0).text, kSaveFirst);
+      rig.prompts.WhileOpen([&] { EXPECT_FALSE(rig.session->RequestClose()); });
+      if (action == "open" && row.done) rig.files.open.push_back(std::nullopt);
+      const bool done = closing            ? rig.session->RequestClose()
+                        : action == "open" ? rig.session->OpenWithDialog()
+                                           : rig.session->NewSequence();
+      EXPECT_EQ(done, goesOn && action != "open");
+      EXPECT_EQ(rig.prompts.messages.at(0).text, closing ? kSaveChanges : kSaveFirst);
       EXPECT_EQ(rig.prompts.messages.at(0).buttons, PromptButtons::YesNoCancel);
-      EXPECT_EQ(rig.session->Sequence().StepCount, done ? 0 : 2);
+      EXPECT_EQ(rig.session->Sequence().StepCount, done && !closing ? 0 : 2);
       EXPECT_EQ(FileExists(rig.folder.File("kept.dat")), row.done && *row.chosen);
+      EXPECT_EQ(FileExists(rig.WorkFile()), closing && goesOn);
+      // The model choice is written before the question.
+      EXPECT_EQ(TempFolder::Read(rig.folder.File("Corlune.ini")),
+                closing ? "[EDIT]\r\nEDIT_MODEL=0,QM2210\r\n" : "");
       if (unwritable) {
         EXPECT_THAT(rig.prompts.messages.at(1).text, StartsWith("The file could not be written."));
       }
-      if (!row.done) {
+      if (!goesOn) {
         EXPECT_TRUE(rig.State().Modified);
       }
     }
@@ -92,7 +103,9 @@ TEST(FileCommands, AFileThatCannotBeWrittenStaysAndTheSequenceStaysModified) {
   rig.State().CurrentFilePath = rig.folder.File("old.dat");
   rig.Answer(PromptAnswer::Ok);
   EXPECT_FALSE(rig.session->Save());
-  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("old.dat")));
+  rig.Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.session->WriteFile(rig.folder.File("old.dat"), true));
+  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("old.dat"), HasSubstr("old.dat")));
   EXPECT_TRUE(rig.State().Modified);
 }
 
@@ -130,6 +143,11 @@ TEST(FileCommands, OpenReplacesTheSequenceOrLeavesItAlone) {
     EXPECT_EQ(rig.State().CurrentFilePath, row.message ? "" : rig.folder.File(row.file));
     rig.display.changes.clear();
   }
+  rig.State().Modified = true;
+  rig.Answer(PromptAnswer::No);
+  EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("two.dat")));
+  EXPECT_FALSE(rig.State().Modified);
+  rig.Messages();
   // A model that the definition file describes wrongly is not called unknown as well.
   const std::string definition = TempFolder::Read(rig.folder.File("Corlune_Std.ini"));
   rig.folder.Write("Corlune_Std.ini",
@@ -147,23 +165,26 @@ TEST(FileCommands, OpenReplacesTheSequenceOrLeavesItAlone) {
 TEST(FileCommands, AnOnLineLoadChecksOrReconnectsTheInstruments) {
   struct Row {
     int instruments;  // in the file
-    const char* identity;
+    const char* fault;
     std::optional<PromptAnswer> answer;
     const char* message;
-    int online;
+    EventList connections;
   };
-  const char* const good = "TAVRIN,QM2210,1,1";
-  const char* const other = "TAVRIN,QM2220,1,1";
   const char* const cannot = "Cannot find the instrument 1. It starts in off-line mode?";
   const char* const wrong = "The model name 1 is not correct. It starts in off-line mode?";
-  for (const Row& row :
-       {Row{1, good, {}, "", 1}, Row{1, "", PromptAnswer::Yes, cannot, 0},
-        Row{1, other, PromptAnswer::Yes, wrong, 0}, Row{1, other, PromptAnswer::No, wrong, 0},
-        Row{2, good, {}, "", 1}, Row{2, "", PromptAnswer::Yes, cannot, 0}}) {
-    SCOPED_TRACE(std::to_string(row.instruments) + row.identity);
+  const char* const silent = "drop@*IDN?";
+  const char* const other = "text=1:TAVRIN,QM2220,1,1@*IDN?";
+  for (const Row& row : {Row{1, "", {}, "", {}}, Row{1, silent, PromptAnswer::Yes, cannot, {"1 close"}},
+                         Row{1, "empty@*IDN?", PromptAnswer::Yes, cannot, {"1 close"}},
+                         Row{1, other, PromptAnswer::Yes, wrong, {"1 close"}},
+                         Row{1, other, PromptAnswer::No, wrong, {"1 close"}},
+                         Row{2, "", {}, "", {"1 close", "1 open", "2 open"}},
+                         Row{2, silent, PromptAnswer::Yes, cannot, {"1 close", "1 open", "1 close"}}}) {
+    SCOPED_TRACE(std::to_string(row.instruments) + row.fault);
     SessionRig rig;
-    rig.search.Attach(kPrefix2210, "1000001");
+    rig.Plug("QM2210:1000001");
     ASSERT_EQ(rig.Start(), StartUpResult::Show);
+    rig.Plug("QM2210:1000002");
     AppState& state = rig.session->State();
     state.InstrumentCount = static_cast<std::int16_t>(row.instruments);
     state.Instruments[1] = state.Instruments[0];
@@ -171,74 +192,31 @@ TEST(FileCommands, AnOnLineLoadChecksOrReconnectsTheInstruments) {
     rig.session->Sequence().StepCount = 4;
     ASSERT_TRUE(rig.session->WriteFile(rig.folder.File("a.dat"), true));
     state.InstrumentCount = 1;
-    rig.script.ClearLog();
-    rig.script.Reply("*IDN?", {row.identity});
+    rig.Forget();
+    rig.Faults(row.fault);
     if (row.answer) rig.Answer(*row.answer);
     EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
     EXPECT_EQ(rig.session->Sequence().StepCount, 4);
+    if (row.answer) {
+      EXPECT_EQ(rig.prompts.messages.at(0).escape, PromptAnswer::Yes) << "the other answer ends the program";
+    }
     EXPECT_THAT(rig.Messages(), ElementsAreArray(row.answer ? std::vector<std::string>{row.message}
                                                             : std::vector<std::string>{}));
-    const int opened = row.instruments == 2 ? 1 : 0;
-    EXPECT_EQ(rig.script.CountOf("init"), opened);
-    EXPECT_EQ(rig.script.CountOf("end"), opened + (row.online == 1 ? 0 : 1));
-    EXPECT_EQ(rig.script.CountOf("1 < *IDN?"), opened * row.online);
-    EXPECT_EQ(state.Online, row.online);
-    EXPECT_EQ(state.Connected, row.online == 1);
+    EXPECT_EQ(rig.recorder.connections, row.connections);
+    EXPECT_EQ(rig.CountSent("2 < *IDN?"), row.answer ? 0 : row.instruments - 1);
+    EXPECT_EQ(state.Online, row.answer ? 0 : 1);
+    EXPECT_EQ(state.Connected, !row.answer);
     // Ended at once or not, nothing of the new sequence is lost.
     EXPECT_EQ(rig.end.ended, row.answer == PromptAnswer::No);
-    EXPECT_EQ(FileExists(rig.WorkFile()), rig.end.ended);
+    EXPECT_EQ(rig.end.code, rig.end.ended ? 1 : 0);
+    EXPECT_EQ(TempFolder::Read(rig.WorkFile()).find("FI_STEPNUM=4") != std::string::npos, rig.end.ended);
     if (row.answer != PromptAnswer::Yes) continue;
     // The next file finds the instrument again, once it is there and matches.
-    rig.script.Reply("*IDN?", {good});
-    rig.search.bus.clear();
-    for (const int online : {0, 1}) {
+    for (const bool there : {false, true}) {
+      rig.Faults(there ? "" : "gone");
       EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
-      EXPECT_EQ(state.Online, online);
-      rig.search.Attach(kPrefix2210, "1000001");
+      EXPECT_EQ(state.Online, there ? 1 : 0);
     }
-  }
-}
-
-TEST(Closing, Table) {
-  struct Row {
-    const char* name;
-    bool modified;
-    std::optional<PromptAnswer> answer;
-    const char* chosen;
-    bool closes;
-    RunState run = RunState::Stopped;
-  };
-  const std::vector<Row> rows{
-      {"unmodified", false, {}, "", true},
-      {"no", true, PromptAnswer::No, "", true},
-      {"cancel", true, PromptAnswer::Cancel, "", false},
-      {"yes", true, PromptAnswer::Yes, "my.dat", true},
-      {"yes, dialog cancelled", true, PromptAnswer::Yes, "", true},
-      {"running", true, {}, "", false, RunState::Running},
-      {"held", true, {}, "", false, RunState::Held},
-  };
-  for (const Row& row : rows) {
-    SCOPED_TRACE(row.name);
-    SessionRig rig;
-    rig.search.Attach(kPrefix2210, "1000001");
-    ASSERT_EQ(rig.Start(), StartUpResult::Show);
-    rig.session->State().Modified = row.modified;
-    rig.session->State().RunState = row.run;
-    std::filesystem::remove(rig.folder.File("Corlune.ini"));
-    if (row.answer) rig.Answer(*row.answer);
-    if (row.answer == PromptAnswer::Yes) {
-      rig.files.save.push_back(*row.chosen ? std::optional(rig.folder.File(row.chosen)) : std::nullopt);
-    }
-    EXPECT_EQ(rig.session->RequestClose(), row.closes);
-    EXPECT_THAT(rig.Messages(), ElementsAreArray(row.answer ? std::vector<std::string>{kSaveChanges}
-                                                            : std::vector<std::string>{}));
-    // The model choice is written before the question.
-    EXPECT_EQ(TempFolder::Read(rig.folder.File("Corlune.ini")),
-              row.run == RunState::Stopped ? "[EDIT]\r\nEDIT_MODEL=0,QM2210\r\n" : "");
-    EXPECT_EQ(FileExists(rig.WorkFile()), row.closes);
-    EXPECT_EQ(FileExists(rig.folder.File("my.dat")), *row.chosen != 0);
-    EXPECT_EQ(rig.script.CountOf("end"), row.closes ? 1 : 0);
-    EXPECT_EQ(rig.session->State().Connected, !row.closes);
   }
 }
 
@@ -251,23 +229,6 @@ TEST(Closing, AWorkFileThatCannotBeWrittenIsNotLostSilently) {
     EXPECT_EQ(rig.session->RequestClose(), answer == PromptAnswer::Ok);
     EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("Close all the same?")));
   }
-}
-
-TEST(Closing, IsRefusedWhileTheQuestionOfAnotherCommandIsOpen) {
-  EditedRig rig;
-  rig.prompts.WhileOpen([&] { EXPECT_FALSE(rig.session->RequestClose()); });
-  rig.Answer(PromptAnswer::Cancel);
-  EXPECT_FALSE(rig.session->NewSequence());
-  EXPECT_THAT(rig.Messages(), ElementsAre(kSaveFirst));
-}
-
-TEST(Closing, EndingAtOnceSavesTheWorkWithoutAQuestion) {
-  EditedRig rig;
-  rig.sessionEnd->EndNow(3);
-  EXPECT_TRUE(rig.end.ended);
-  EXPECT_EQ(rig.end.code, 3);
-  EXPECT_THAT(TempFolder::Read(rig.WorkFile()), HasSubstr("FI_STEPNUM=2"));
-  EXPECT_THAT(rig.Messages(), IsEmpty());
 }
 
 InstrumentEntry Entry(int interface, int address, const std::string& serial, int channels) {
@@ -303,40 +264,40 @@ TEST(SystemSetup, IsCheckedBeforeItIsApplied) {
 
 TEST(SystemSetup, AnotherInstrumentIsNotTrustedToHoldTheWaveforms) {
   SessionRig rig;
-  rig.search.Attach(kPrefix2210, "1000001");
+  rig.Plug("QM2210:1000001");
+  rig.Faults("text=1:\"Arb1\",1,4096@:TRAC:INF?");
   ASSERT_EQ(rig.Start(), StartUpResult::Show);
   auto& entries = rig.session->Sequence().Channels.ArbFiles;
   entries[4] = {"a.wdb", 1, 1, 1, 4096, 1};
   ASSERT_EQ(entries[0].InInstrument, 1);
-  rig.script.ClearLog();
-  rig.script.Reply(":TRAC:INF? 1", {"\"\",0,0"});
+  rig.Forget();
+  rig.Faults("drop=2@:TRAC:INF?");
   ASSERT_TRUE(rig.session->Reconnect());
   EXPECT_EQ(entries[4].Transferred, 0);
   EXPECT_EQ(entries[4].InInstrument, 0);
   EXPECT_EQ(entries[4].PointCount, 4096) << "the size is the file's";
   EXPECT_EQ(entries[0].InInstrument, 0);
-  EXPECT_EQ(rig.script.CountOf("end"), 1);
-  EXPECT_EQ(rig.script.CountOf("init"), 1);
+  EXPECT_THAT(rig.recorder.connections, ElementsAre("1 close", "1 open"));
 }
 
 TEST(SystemSetup, AModelChangeAsksAndStartsAnEmptySequence) {
   SystemSettings setup{"QM2220", 0, 1, {}};
-  setup.Instruments[0] = Entry(1, 9, "", 2);
+  setup.Instruments[0] = Entry(0, 9, "2000001", 2);
   EditedRig rig;
+  rig.Plug("QM2220:2000001");
   rig.Answer(PromptAnswer::Cancel);
   EXPECT_FALSE(rig.session->ApplySetup(setup));
   EXPECT_EQ(rig.State().ModelName, "QM2210");
   EXPECT_EQ(rig.session->Sequence().StepCount, 2);
-  EXPECT_THAT(rig.script.Log(), IsEmpty());
+  EXPECT_THAT(rig.recorder.exchanges, IsEmpty());
 
-  rig.script.Reply("*IDN?", {"TAVRIN,QM2220,1,1"});
   rig.Answer(PromptAnswer::No);
   EXPECT_TRUE(rig.session->ApplySetup(setup));
   EXPECT_EQ(rig.State().ModelName, "QM2220");
   EXPECT_EQ(rig.session->Sequence().StepCount, 0);
-  EXPECT_EQ(rig.State().Instruments[0].InterfaceKind, InterfaceKind::NiGpib);
+  EXPECT_EQ(rig.State().Instruments[0].SerialNo, "2000001");
   EXPECT_EQ(rig.State().Online, 1);
-  EXPECT_THAT(rig.script.Log(), ::testing::IsSupersetOf({"[0] timeout 12", "[0] 9 < *IDN?"}));
+  EXPECT_EQ(rig.recorder.exchanges.front(), "1 < *IDN?");
 }
 
 }  // namespace

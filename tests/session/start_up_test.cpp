@@ -104,7 +104,7 @@ TEST(StartUp, FailureTable) {
       EXPECT_EQ(TempFolder::Read(rig.WorkFile()), workFile);
       EXPECT_FALSE(FileExists(rig.folder.File("Corlune.ini")));
     }
-    EXPECT_THAT(rig.script.Log(), IsEmpty());
+    EXPECT_THAT(rig.recorder.exchanges, IsEmpty());
   }
 }
 
@@ -122,52 +122,64 @@ TEST(StartUp, GivesWayToOtherPrograms) {
             StartUpResult::EndProcess);
   EXPECT_EQ(title, "Tavrin Plindor for QM2210/20");
   EXPECT_THAT(rig.Messages(), ElementsAre("Tavrin Plindor is running. Please restart after terminating it."));
-  EXPECT_THAT(rig.search.expressions, IsEmpty());
+  EXPECT_THAT(rig.recorder.searches, IsEmpty());
+  // A search without its library is not waited for.
+  rig.library = false;
+  rig.Restart();
+  ASSERT_EQ(rig.Start(), StartUpResult::Show);
+  EXPECT_THAT(rig.progress.waits, IsEmpty());
 }
 
 TEST(StartUp, OneInstrumentGoesOnLine) {
   SessionRig rig;
-  rig.search.Attach(kPrefix2210, "1000001");
-  rig.search.Attach(kPrefix2220, "2000001");
+  rig.Plug("QM2210:1000001,QM2220:2000001");
+  rig.Faults("text=1:\"Arb1\",1,4096@:TRAC:INF?;drop=3@:TRAC:INF?");
   ASSERT_EQ(rig.Start(), StartUpResult::Show);
   const AppState& state = rig.session->State();
   EXPECT_EQ(state.Online, 1);
   EXPECT_TRUE(state.Connected);
   EXPECT_EQ(state.Instruments[0].SerialNo, "1000001");
   EXPECT_EQ(state.Instruments[0].InterfaceKind, InterfaceKind::UsbTmc);
-  EXPECT_THAT(rig.search.expressions, ElementsAre("USB0::0x3A1F::0x2210::?*INSTR"));
-  EXPECT_THAT(rig.script.Log(),
-              ElementsAre(HasSubstr("USBTMC_NAME=USB0::0x3A1F::0x2210::1000001"), "timeout 12",
-                          "0 < :TRAC:INF? 1", "0 > \"Arb1\",1,4096", "0 < :TRAC:INF? 2", "0 > (none)"));
+  EXPECT_THAT(rig.recorder.searches, ElementsAre("USB0::0x3A1F::0x2210::?*INSTR"));
+  EXPECT_THAT(rig.recorder.connections, ElementsAre("1 open"));
+  // The directory, as far as the instrument tells it.
+  EXPECT_THAT(rig.recorder.exchanges,
+              ElementsAre("1 < :TRAC:INF? 1", "1 > \"Arb1\",1,4096", "1 < :TRAC:INF? 2", "1 > \"\",0,0",
+                          "1 < :TRAC:INF? 3", "1 >  !timeout"));
   EXPECT_EQ(rig.session->Sequence().Channels.ArbFiles[0].InInstrument, 1);
 
   // The serial number that was found stays when the work file names another one.
   ASSERT_TRUE(rig.session->RequestClose());
+  EXPECT_EQ(rig.recorder.connections.back(), "1 close");
   rig.Restart();
-  rig.search.bus[0] = {std::string(kPrefix2210) + "1000009::INSTR", "1000009"};
+  rig.Faults("gone");
+  rig.Plug("QM2210:1000009");
   ASSERT_EQ(rig.Start(), StartUpResult::Show);
   EXPECT_EQ(rig.session->State().Instruments[0].SerialNo, "1000009");
-  EXPECT_EQ(rig.script.CountOf("init"), 1);
+  EXPECT_THAT(rig.recorder.connections, ElementsAre("3 open"));
 }
 
+// Unplugged between the search and the opening.
 TEST(StartUp, AnInstrumentThatDoesNotOpenLeavesTheProgramOffLine) {
   SessionRig rig;
-  rig.search.Attach(kPrefix2210, "1000001");
-  rig.script.FailOn("init", CommStatus::NoBoard);
+  rig.Plug("QM2210:1000001");
+  rig.pump.OnEveryCall([&] {
+    if (!rig.recorder.searches.empty()) rig.Faults("gone");
+  });
   rig.Answer(PromptAnswer::Ok);
   ASSERT_EQ(rig.Start(), StartUpResult::Show);
-  EXPECT_THAT(rig.Messages(), ElementsAre("The communication error to the instrument 1 occurred."));
+  EXPECT_THAT(rig.Messages(),
+              ElementsAre(StartsWith("The communication error to the instrument 1 occurred.\nUSB0::")));
+  EXPECT_THAT(rig.recorder.connections, ElementsAre("1 open !error"));
   EXPECT_EQ(rig.session->State().Online, 0);
   EXPECT_FALSE(rig.session->State().Connected);
-  EXPECT_EQ(rig.script.CountOf("0 < "), 0);
 }
 
 TEST(StartUp, SeveralInstruments) {
   for (const bool chosen : {false, true}) {
     SCOPED_TRACE(chosen);
     SessionRig rig;
-    rig.search.Attach(kPrefix2210, "1000001");
-    rig.search.Attach(kPrefix2210, "1000002");
+    rig.Plug("QM2210:1000001,QM2210:1000002");
     rig.select = [&] {
       if (chosen) rig.session->SelectSerial(rig.session->Gp().Found().at(1).SerialNo);
       return chosen;
@@ -176,7 +188,7 @@ TEST(StartUp, SeveralInstruments) {
     ASSERT_EQ(rig.Start(), StartUpResult::Show);
     EXPECT_EQ(rig.prompts.messages.at(0).icon, PromptIcon::Information);
     EXPECT_EQ(rig.session->State().Online, chosen ? 1 : 0);
-    EXPECT_EQ(rig.script.CountOf("init"), chosen ? 1 : 0);
+    EXPECT_EQ(rig.recorder.connections, chosen ? EventList{"2 open"} : EventList{});
     EXPECT_EQ(rig.session->State().Instruments[0].SerialNo == "1000002", chosen);
   }
 }
@@ -186,110 +198,39 @@ TEST(StartUp, ConnectsTheInstrumentsOfTheWorkFile) {
   const auto twoInstruments = [](Session& session) {
     session.State().InstrumentCount = 2;
     session.State().Instruments[1] = session.State().Instruments[0];
-    session.State().Instruments[1].SerialNo = "1000002";
+    // Not of the model that the search looks for.
+    session.State().Instruments[1].SerialNo = "USB0::0x3A1F::0x2220::1000002::INSTR";
   };
   const auto answers = {std::optional<PromptAnswer>(), std::optional(PromptAnswer::Yes),
                         std::optional(PromptAnswer::No)};
   for (const auto& answer : answers) {  // none: the second instrument is there
     SessionRig rig;
     LeaveWorkFile(rig, twoInstruments);
-    rig.search.Attach(kPrefix2210, "1000001");
-    if (answer) {
-      rig.script.FailOn("1 < *IDN?", CommStatus::TimeOut);
-      rig.Answer(*answer);
-    }
+    rig.Plug("QM2210:1000001,QM2220:1000002");
+    rig.Faults(answer ? "drop@*IDN?" : "text:TAVRIN,QM2210,1000002,1.00@*IDN?", 1);
+    if (answer) rig.Answer(*answer);
     EXPECT_EQ(rig.Start(), answer == PromptAnswer::No ? StartUpResult::EndProcess : StartUpResult::Show);
     EXPECT_EQ(rig.session->State().Online, answer ? 0 : 1);
     EXPECT_EQ(rig.end.ended, answer == PromptAnswer::No);
-    ASSERT_EQ(rig.script.CountOf("init"), 2);
-    EXPECT_THAT(rig.script.Log(),
-                ::testing::Contains(HasSubstr("2210::1000001::INSTR/USB0::0x3A1F::0x2210::1000002")));
-    EXPECT_EQ(rig.Messages().size(), answer ? 1U : 0U);
+    EXPECT_EQ(rig.CountSent("2 < *IDN?"), 1);
+    if (!answer) continue;
+    EXPECT_THAT(rig.Messages(), ElementsAre("Cannot find the instrument 2. It starts in off-line mode?"));
   }
 }
 
-TEST(StartUp, TheConsoleTakesModelAndSetUpFromTheFile) {
-  SessionRig rig;
-  rig.EditModel("1,QM2220");
-  LeaveWorkFile(rig);
-  const std::string workFile = rig.WorkFile("QM2220");
-  std::filesystem::rename(workFile, rig.folder.File("my.ini"));
-  std::filesystem::remove(rig.folder.File("Corlune.ini"));
-  rig.options.writeSettings = false;
-  rig.Restart();
-  ASSERT_TRUE(rig.session->StartUpFromFile(rig.folder.File("my.ini")));
-  EXPECT_EQ(rig.session->State().ModelName, "QM2220");
-  EXPECT_EQ(rig.session->State().ModelIndex, 1);
-  EXPECT_EQ(rig.session->Definition().Sequence.Params[0][kSlotFrequency].Name, "Frequency");
-  EXPECT_EQ(rig.session->Sequence().StepCount, 3);
-
-  EXPECT_EQ(rig.session->Connect({}), ConnectResult::NoneFound);
-  rig.search.Attach(kPrefix2220, "1");
-  rig.search.Attach(kPrefix2220, "2");
-  EXPECT_EQ(rig.session->Connect({}), ConnectResult::SeveralFound);
-  EXPECT_EQ(rig.session->Connect("3"), ConnectResult::NotFound);
-  EXPECT_THAT(rig.script.Log(), IsEmpty());
-  rig.script.Reply("*IDN?", {"TAVRIN,QM2220,2,1.00"});
-  EXPECT_EQ(rig.session->Connect("2"), ConnectResult::Connected);
-  EXPECT_THAT(rig.script.Log().front(), HasSubstr("2220::2::INSTR"));
-  ASSERT_TRUE(rig.session->RequestClose());
-  EXPECT_FALSE(FileExists(workFile));
-  EXPECT_FALSE(FileExists(rig.folder.File("Corlune.ini")));
-}
-
-TEST(StartUp, TheConsoleIsToldWhatIsWrongWithAFile) {
-  SessionRig rig;
-  const auto told = [&](const char* message, const char* problem) {
-    rig.Answer(PromptAnswer::Ok);
-    EXPECT_FALSE(rig.session->StartUpFromFile(rig.folder.File("my.dat")));
-    EXPECT_THAT(rig.Messages(), ElementsAre(StartsWith(message)));
-    EXPECT_THAT(rig.session->LoadProblem(), HasSubstr(problem));
-    rig.Restart();
-  };
-  told("The file could not be read.", "");
-  rig.folder.Write("my.dat", "");
-  told("The sequence data file error.", "my.dat: ");
-  rig.folder.Write("my.dat", "[FILE]\r\nPROGID=C\r\nVERNO=1\r\n[SYSTEM]\r\nSS_MODEL=QM1\r\n");
-  told("The model name QM1 is not registered", "unknown model QM1");
-}
-
-// Simulated instruments are neither searched nor checked, and have no address that could change.
-TEST(StartUp, Simulated) {
-  SessionRig rig;
-  rig.options.simulated = true;
-  rig.Restart();
-  rig.script.Reply("*IDN?", {});
-  ASSERT_EQ(rig.Start(), StartUpResult::Show);
-  ASSERT_TRUE(rig.session->WriteFile(rig.folder.File("a.dat"), true));
-  rig.session->State().Instruments[0].Address = 7;
-  EXPECT_TRUE(rig.session->OpenFile(rig.folder.File("a.dat")));
-  EXPECT_EQ(rig.session->State().Online, 1);
-  EXPECT_EQ(rig.script.CountOf("[4] init"), 1);
-  EXPECT_THAT(rig.progress.waits, IsEmpty());
-}
-
-// Without a file the instrument tells its model; a serial number names an instrument of any model.
+// A serial number names an instrument of any model; a definition may leave the number of channels to the
+// model.
 TEST(StartUp, WithoutAFile) {
-  for (const bool named : {false, true}) {
-    SessionRig rig;
-    // A definition may leave the number of channels to the model.
-    const std::string definition = TempFolder::Read(rig.folder.File("Corlune_Std.ini"));
-    if (named)
-      rig.folder.Write("Corlune_Std.ini", std::regex_replace(definition, std::regex("IF_CH=1"), "IF_CH=0"));
-    if (named) rig.search.Attach(kPrefix2210, "1000001");
-    rig.search.Attach(kPrefix2220, "2000001");
-    rig.script.Reply("*IDN?", {"TAVRIN,QM2220,2000001,1.00"});
-    ASSERT_TRUE(rig.session->StartUpWithoutFile());
-    EXPECT_EQ(rig.session->State().ModelName, "QM2210");
-    if (named) {
-      EXPECT_EQ(rig.session->Connect("3000001"), ConnectResult::NotFound);
-    }
-    ASSERT_EQ(rig.session->Connect(named ? std::optional<std::string>("2000001") : std::nullopt),
-              ConnectResult::Connected);
-    EXPECT_EQ(rig.session->State().ModelName, "QM2220");
-    EXPECT_EQ(rig.session->State().Instruments[0].ChannelCount, 2);
-    EXPECT_EQ(rig.session->Definition().Commands.OutputOn.Template, ":OUTP1 ON;:OUTP2 ON");
-  }
+  SessionRig rig;
+  rig.folder.Write("Corlune_Std.ini", std::regex_replace(rig.definition, std::regex("IF_CH=1"), "IF_CH=0"));
+  rig.Plug("QM2210:1000001,QM2220:2000001");
+  ASSERT_TRUE(rig.session->StartUpWithoutFile());
+  EXPECT_EQ(rig.session->State().ModelName, "QM2210");
+  EXPECT_EQ(rig.session->Connect("3000001"), ConnectResult::NotFound);
+  ASSERT_EQ(rig.session->Connect("2000001"), ConnectResult::Connected);
+  EXPECT_EQ(rig.session->State().ModelName, "QM2220");
+  EXPECT_EQ(rig.session->State().Instruments[0].ChannelCount, 2);
+  EXPECT_EQ(rig.session->Definition().Commands.OutputOn.Template, ":OUTP1 ON;:OUTP2 ON");
 }
 
 }  // namespace

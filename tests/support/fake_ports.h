@@ -2,6 +2,7 @@
 // pump that runs scripted presses inside a wait, and displays that record what they were told.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -20,26 +21,17 @@ namespace corlune::testing {
 using EventList = std::vector<std::string>;
 
 inline const char* IconName(PromptIcon icon) {
-  switch (icon) {
-    case PromptIcon::None:
-      return "none";
-    case PromptIcon::Information:
-      return "information";
-    case PromptIcon::Question:
-      return "question";
-    case PromptIcon::Exclamation:
-      return "exclamation";
-    case PromptIcon::Critical:
-      return "critical";
-  }
-  return "?";
+  constexpr std::array kNames{"none", "information", "question", "exclamation", "critical"};
+  return kNames.at(static_cast<std::size_t>(icon));
 }
 
-// Answers from queues; a message or input that nobody queued fails the test.
+// Answers from queues; a message or input that nobody queued fails the test, unless the person agrees to all.
+// Keeps what was said: "icon: text", "input: default text".
 class ScriptedPrompts : public Prompts {
  public:
   explicit ScriptedPrompts(EventList* events = nullptr) : events_(events) {}
   ~ScriptedPrompts() override {
+    if (agreesIn_) return;
     EXPECT_TRUE(answers_.empty()) << answers_.size() << " queued answers were never asked for";
     EXPECT_TRUE(inputs_.empty()) << inputs_.size() << " queued inputs were never asked for";
   }
@@ -57,24 +49,26 @@ class ScriptedPrompts : public Prompts {
     whileOpen_ = std::move(action);
     return *this;
   }
+  // What nobody queued is answered with Yes or OK, and a name with "E2E", behind the events of `pump`.
+  void AgreeToAll(EventPump& pump) { agreesIn_ = &pump; }
 
   PromptAnswer Message(const MessageRequest& request) override {
     messages.push_back(request);
-    if (events_) events_->push_back("message " + std::string(IconName(request.icon)) + ": " + request.text);
-    if (whileOpen_) std::exchange(whileOpen_, nullptr)();
-    if (answers_.empty()) {
-      ADD_FAILURE() << "a message that nobody queued: " << request.text;
-      return request.buttons == PromptButtons::Ok ? PromptAnswer::Ok : PromptAnswer::Cancel;
+    Open(std::string(IconName(request.icon)) + ": " + request.text, "message ");
+    if (!answers_.empty() && (!agreesIn_ || Offers(request.buttons, answers_.front()))) {
+      const PromptAnswer answer = answers_.front();
+      answers_.pop_front();
+      EXPECT_TRUE(Offers(request.buttons, answer)) << "the queued answer is no button of: " << request.text;
+      return answer;
     }
-    const PromptAnswer answer = answers_.front();
-    answers_.pop_front();
-    EXPECT_TRUE(Offers(request.buttons, answer)) << "the queued answer is no button of: " << request.text;
-    return answer;
+    if (agreesIn_) return Offers(request.buttons, PromptAnswer::Ok) ? PromptAnswer::Ok : PromptAnswer::Yes;
+    ADD_FAILURE() << "a message that nobody queued: " << request.text;
+    return request.buttons == PromptButtons::Ok ? PromptAnswer::Ok : PromptAnswer::Cancel;
   }
   std::optional<std::string> Input(const InputRequest& request) override {
     inputRequests.push_back(request);
-    if (events_) events_->push_back("input: " + request.prompt);
-    if (whileOpen_) std::exchange(whileOpen_, nullptr)();
+    Open("input: " + request.defaultText, "");
+    if (inputs_.empty() && agreesIn_) return "E2E";
     if (inputs_.empty()) {
       ADD_FAILURE() << "an input that nobody queued: " << request.prompt;
       return std::nullopt;
@@ -86,26 +80,28 @@ class ScriptedPrompts : public Prompts {
 
   std::vector<MessageRequest> messages;
   std::vector<InputRequest> inputRequests;
+  EventList said;
 
  private:
+  void Open(const std::string& what, const char* kind) {
+    said.push_back(what);
+    if (events_) events_->push_back(kind + what);
+    if (whileOpen_) std::exchange(whileOpen_, nullptr)();
+    if (agreesIn_) agreesIn_->HandlePending();
+  }
   static bool Offers(PromptButtons buttons, PromptAnswer answer) {
-    switch (buttons) {
-      case PromptButtons::Ok:
-        return answer == PromptAnswer::Ok;
-      case PromptButtons::OkCancel:
-        return answer == PromptAnswer::Ok || answer == PromptAnswer::Cancel;
-      case PromptButtons::YesNo:
-        return answer == PromptAnswer::Yes || answer == PromptAnswer::No;
-      case PromptButtons::YesNoCancel:
-        return answer != PromptAnswer::Ok;
-    }
-    return false;
+    const bool ok = buttons == PromptButtons::Ok || buttons == PromptButtons::OkCancel;
+    if (answer == PromptAnswer::Ok) return ok;
+    if (answer == PromptAnswer::Cancel)
+      return buttons != PromptButtons::Ok && buttons != PromptButtons::YesNo;
+    return !ok;
   }
 
   EventList* events_;
   std::deque<PromptAnswer> answers_;
   std::deque<std::optional<std::string>> inputs_;
   std::function<void()> whileOpen_;
+  EventPump* agreesIn_ = nullptr;
 };
 
 class FakeClock : public TickClock {
@@ -191,15 +187,16 @@ class RecordedProgress : public Progress {
   void Advance() override { ++advances; }
   void End() override {
     --depth;
-    cancelled_ = waiting_ = false;
+    cancel = cancelled_ = waiting_ = false;
   }
   void ShowWait(const std::string& text, const std::string&, int, int) override {
     if (!std::exchange(waiting_, true)) ++depth;
     waits.push_back(text);
     cancelled_ = text == cancelAt;
   }
-  bool Cancelled() const override { return cancelled_; }
+  bool Cancelled() const override { return cancelled_ || cancel; }
   std::vector<std::string> waits;
+  bool cancel = false;   // pressed, until the end
   std::string cancelAt;  // the wait in which Cancel is pressed
   int depth = 0;
   int advances = 0;
@@ -222,6 +219,7 @@ class RecordedDisplay : public RunDisplay {
   void ScrollTo(GridRow top) override { Note("scroll " + std::to_string(top.value)); }
   void ShowTotalTime(double ms) override { Note("total " + std::to_string(static_cast<long long>(ms))); }
   void ShowElapsedTime(std::int32_t ms) override { Note("elapsed " + std::to_string(ms)); }
+  void ShowNotice(NoticeLevel, const std::string& text) override { Note("notice: " + text); }
 
  private:
   void Note(std::string what) {

@@ -2,7 +2,6 @@
  * and the last byte of the path; the result is the last record's second value. */
 #include "platform/abi/cmplseq.h"
 
-#ifndef STUB_WITHOUT_FUNCTION
 #if defined(_WIN32)
 __declspec(dllexport)
 #else
@@ -18,7 +17,3 @@ int32_t CompileSeqData(const char* path, const ArbInformation* arbs, CompileErro
   record->Code = 7;
   return arbs[127].KiloPoints;
 }
-#else
-extern int corlune_stub_without_function;
-int corlune_stub_without_function = 1;
-#endif

@@ -14,30 +14,6 @@ std::string OpenEditors(const GridsRig& rig) {
   return names;
 }
 
-TEST(CellEditor, EachColumnOpensItsEditors) {
-  GridsRig rig(5);
-  struct {
-    GridArea area;
-    int column;
-    const char* editors;
-    const char* focus;
-  } const cases[] = {
-      {GridArea::Common, 1, "Text1", "Text1"},
-      {GridArea::Common, 2, "Combo1", "Combo1"},
-      {GridArea::Common, 3, "Text1 OptModeSet4 OptModeSet5", "OptModeSet4"},
-      {GridArea::Sequence, 1, "Combo2", "Combo2"},
-      {GridArea::Sequence, 2, "", "MSFlexGrid2_0"},  // a sine wave has no ARB number
-      {GridArea::Sequence, 3, "Text2 OptModeSet1 OptModeSet2 OptModeSet3", "Text2"},
-      {GridArea::Branch, 1, "Text3", "Text3"},
-  };
-  for (const auto& row : cases) {
-    SCOPED_TRACE(std::to_string(static_cast<int>(row.area)) + "," + std::to_string(row.column));
-    rig.GoTo(row.area, 2, row.column);
-    EXPECT_EQ(OpenEditors(rig), row.editors);
-    EXPECT_EQ(rig.FocusName(), row.focus);
-  }
-}
-
 // The editor lies over its cell, and everything of it inside the visible part of the grid.
 TEST(CellEditor, LiesOverItsCellAtEveryEdge) {
   GridsRig rig(100);
@@ -189,7 +165,7 @@ TEST(CellEntry, AnotherWindowOrAMenuDoesNotEndIt) {
 
 TEST(CellEntry, ATabWithARefusedEntryStays) {
   GridsRig rig(5);
-  auto& tabs = rig.Named<QTabWidget>("SSTab1");
+  auto& tabs = rig.Named<ChannelTabs>("SSTab1");
   rig.GoTo(GridArea::Sequence, 2, 3);
   rig.Type("x");
   rig.prompts.Answer(PromptAnswer::Ok);
@@ -303,6 +279,7 @@ TEST(CellList, KeyboardChoosesAndEscapeTakesBack) {
 TEST(CellOptions, SwitchAndModes) {
   GridsRig rig(5);
   rig.GoTo(GridArea::Common, 4, 6);
+  EXPECT_EQ(OpenEditors(rig) + ", " + rig.FocusName(), "Text1 OptModeSet4 OptModeSet5, OptModeSet4");
   EXPECT_FALSE(rig.Text(1).isEnabled());
   QTest::mouseClick(&rig.Named<QRadioButton>("OptModeSet5"), Qt::LeftButton);
   EXPECT_EQ(rig.Step(4).JumpOn, 1);
@@ -358,6 +335,7 @@ TEST(CellUnits, UnitListStandsAtTheCell) {
   QTest::keyClick(rig.Combo(1).view(), Qt::Key_Return);
   QApplication::processEvents();
   for (int row = 1; row <= 3; ++row) EXPECT_EQ(rig.Step(row).TimeUnit, 1 - unit) << "one unit for all steps";
+  EXPECT_EQ(rig.Step(2).StepTime, unit == 0 ? 0.0005 : 500);
   EXPECT_EQ(rig.FocusName(), "Text1");
   rig.GoTo(GridArea::Sequence, 2, 3);
   EXPECT_EQ(OpenEditors(rig), "Text2 Combo2 OptModeSet1 OptModeSet2 OptModeSet3");

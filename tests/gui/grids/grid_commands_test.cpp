@@ -61,28 +61,6 @@ TEST(RowCommands, KeysButtonsAndFocus) {
   }
 }
 
-TEST(BlockCommands, CopyPasteInitializeOnASelection) {
-  GridsRig rig(6);
-  NumberSteps(rig);
-  rig.GoTo(GridArea::Common, 1, 1);
-  rig.Press(Qt::Key_Down, Qt::ShiftModifier);
-  rig.Press(Qt::Key_C, Qt::ControlModifier);
-  rig.GoTo(GridArea::Common, 5, 1);
-  rig.Press(Qt::Key_Down, Qt::ShiftModifier);
-  rig.Press(Qt::Key_V, Qt::ControlModifier);
-  EXPECT_EQ(Times(rig), "1 2 3 4 1 2");
-  EXPECT_EQ(rig.FocusName(), "Text1");
-  // Another form is refused.
-  rig.GoTo(GridArea::Common, 3, 1);
-  rig.prompts.Answer(PromptAnswer::Ok);
-  rig.Press(Qt::Key_V, Qt::ControlModifier);
-  ASSERT_EQ(rig.prompts.messages.size(), 1U);
-  EXPECT_EQ(rig.prompts.messages[0].text, rig.catalogue.GetResString(TextId{9106}));
-  rig.Press(Qt::Key_A, Qt::ControlModifier);
-  rig.Press(Qt::Key_Delete);
-  EXPECT_EQ(Times(rig), "1 1 1 1 1 1");
-}
-
 TEST(TextCommands, ExchangeWithTheClipboard) {
   GridsRig rig(4);
   NumberSteps(rig);
@@ -108,31 +86,30 @@ TEST(CsvFiles, ExportImportAndTheirProblems) {
   GridsRig rig(3);
   NumberSteps(rig);
   TempFolder folder;
+  const auto says = [&](int id) {
+    ASSERT_EQ(rig.prompts.messages.size(), 1U);
+    EXPECT_EQ(rig.prompts.messages[0].text.substr(0, 20),
+              rig.catalogue.GetResString(TextId{id}).substr(0, 20));
+    rig.prompts.messages.clear();
+    EXPECT_EQ(Times(rig), "1 2 3");
+  };
   rig.panel->ExportCsv(folder.File("steps.csv"));
   rig.panel->Run(Command::SelectAll);
   rig.panel->Run(Command::Initialize);
   EXPECT_EQ(Times(rig), "1 1 1");
   rig.panel->ImportCsv(folder.File("steps.csv"));
   EXPECT_EQ(Times(rig), "1 2 3");
-
-  struct {
-    std::function<void()> action;
-    int message;
-  } const cases[] = {
-      {[&] { rig.panel->ImportCsv(folder.File("missing.csv")); }, 9644},
-      {[&] { rig.panel->ImportCsv(folder.Path()); }, 9644},
-      {[&] { rig.panel->ImportCsv(folder.Write("empty.csv", "")); }, 9554},
-      {[&] { rig.panel->ExportCsv(folder.Path() + "/none/steps.csv"); }, 9640},
-  };
-  for (const auto& row : cases) {
-    rig.prompts.messages.clear();
+  for (const std::string& path : {folder.File("missing.csv"), folder.Path()}) {
     rig.prompts.Answer(PromptAnswer::Ok);
-    row.action();
-    ASSERT_EQ(rig.prompts.messages.size(), 1U);
-    const std::string text = rig.catalogue.GetResString(TextId{row.message});
-    EXPECT_EQ(rig.prompts.messages[0].text.substr(0, 20), text.substr(0, 20));
-    EXPECT_EQ(Times(rig), "1 2 3");
+    rig.panel->ImportCsv(path);
+    says(9644);
   }
+  rig.prompts.Answer(PromptAnswer::Ok);
+  rig.panel->ImportCsv(folder.Write("empty.csv", ""));
+  says(9554);
+  rig.prompts.Answer(PromptAnswer::Ok);
+  rig.panel->ExportCsv(folder.Path() + "/none/steps.csv");
+  says(9640);
 }
 
 // The menu is open while `look` runs; what it presses is carried out.

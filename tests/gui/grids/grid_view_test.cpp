@@ -78,7 +78,7 @@ TEST(GridModels, FollowEveryOperationUpToTheLimit) {
 
 TEST(GridModels, ADefinitionWithOneChannelHidesTheOtherTab) {
   GridsRig rig(3);
-  auto& tabs = rig.Named<QTabWidget>("SSTab1");
+  auto& tabs = rig.Named<ChannelTabs>("SSTab1");
   rig.GoTo(GridArea::Sequence, 2, 3, 1);
   rig.state.Instruments[0].ChannelCount = 1;
   rig.panel->Rebuild();
@@ -172,32 +172,56 @@ TEST(Painting, SelectionNeverHidesTheCellColour) {
 TEST(Layout, WidthsAndHeights) {
   GridsRig rig(3);
   rig.window.layout()->setContentsMargins(0, 0, 0, 0);
-  for (const auto& [common, channel, tab] : {std::array{8415, 10215, 10575}, std::array{5580, 7175, 7435}}) {
-    rig.panel->SetWidths(common, channel, tab);
-    rig.window.resize(TwipsToPixels(tab, &rig.window), 600);
+  for (const auto& [window, common, channel, tab] :
+       {std::array{7680, 5580, 7175, 7435}, std::array{10995, 8415, 10215, 10575}}) {
+    rig.window.resize(TwipsToPixels(window, &rig.window) - 16, 600);
     QApplication::processEvents();
     EXPECT_EQ(rig.Common().width(), TwipsToPixels(common, rig.panel));
-    EXPECT_NEAR(rig.Channel(0).width(), TwipsToPixels(channel, rig.panel), 4);
-    EXPECT_EQ(rig.Named<QTabWidget>("SSTab1").width(), TwipsToPixels(tab, rig.panel));
+    EXPECT_NEAR(rig.Channel(0).width(), TwipsToPixels(channel, rig.panel), 1);
+    EXPECT_EQ(rig.Named<ChannelTabs>("SSTab1").width(), TwipsToPixels(tab, rig.panel));
   }
   EXPECT_EQ(rig.Common().columnWidth(1), TwipsToPixels(1000, rig.panel));
+  rig.window.resize(1480, 700);
+  QApplication::processEvents();
+  EXPECT_LT(rig.Named<QPushButton>("CmdInsert").width(), 200) << "the grids take the rest";
+  EXPECT_GT(rig.Common().columnWidth(1), TwipsToPixels(1200, rig.panel));
   EXPECT_GE(rig.Common().horizontalHeader()->height(), TwipsToPixels(500, rig.panel));
   EXPECT_EQ(rig.Common().rowHeight(0), rig.Combo(1).sizeHint().height());
 }
 
-TEST(Scrolling, StepGridsShowTheSameSteps) {
-  GridsRig rig(100);
-  const auto top = [](const QTableView& grid) { return grid.verticalScrollBar()->value(); };
-  rig.panel->ScrollTo({40});
-  EXPECT_EQ(top(rig.Common()), 39);
-  EXPECT_EQ(top(rig.Channel(0)), 39);
-  rig.Channel(0).verticalScrollBar()->setValue(20);
-  EXPECT_EQ(top(rig.Common()), 20);
-  rig.Named<QTabWidget>("SSTab1").setCurrentIndex(1);
-  QApplication::processEvents();
-  EXPECT_EQ(top(rig.Channel(1)), 20);
-  rig.GoTo(GridArea::Common, 90, 1);
-  EXPECT_EQ(top(rig.Common()), top(rig.Channel(1)));
+// What is typed, the cursor and the focus stay when the channels move beside each other and back.
+TEST(Layout, AWideWindowShowsTheChannelsSideBySide) {
+  GridsRig rig(40);
+  rig.GoTo(GridArea::Sequence, 30, 3, 1);
+  rig.Type("12");
+  auto& tabs = rig.Named<ChannelTabs>("SSTab1");
+  const auto wide = [&](bool on) {
+    rig.window.resize(on ? 1520 : 900, 700);
+    QApplication::processEvents();
+    EXPECT_EQ(tabs.SideBySide(), on);
+    EXPECT_EQ(rig.Channel(0).isVisible(), on);
+    EXPECT_EQ(rig.FocusName() + " " + rig.Text(2).text().toStdString(), "Text2 12");
+    EXPECT_EQ(rig.At(), "30,3");
+    const int top = rig.Common().verticalScrollBar()->value();
+    EXPECT_EQ(rig.Channel(1).verticalScrollBar()->value(), top);
+    EXPECT_TRUE(!on || rig.Channel(0).verticalScrollBar()->value() == top);
+    const QRect cell = rig.Channel(1).visualRect(rig.Channel(1).model()->index(29, 3));
+    EXPECT_EQ(rig.Text(2).geometry(), cell);
+    EXPECT_TRUE(rig.Channel(1).viewport()->rect().contains(cell));
+  };
+  for (const bool on : {true, false, true}) wide(on);
+  // From grid to grid as on tabs; the one that had no tab in front takes part in everything.
+  rig.Press(Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_EQ(rig.Cell(1, 30, kSlotFrequency).Value, 12);
+  EXPECT_EQ(rig.editor->Cursor().CurrentChannel, 0);
+  EXPECT_EQ(tabs.currentIndex(), 0);
+  EXPECT_TRUE(rig.Channel(1).isVisible());
+  rig.Channel(1).verticalScrollBar()->setValue(3);
+  EXPECT_EQ(rig.Channel(0).verticalScrollBar()->value(), 3);
+  EXPECT_EQ(rig.Common().verticalScrollBar()->value(), 3);
+  rig.state.Instruments[0].ChannelCount = 1;
+  rig.panel->Rebuild();
+  EXPECT_FALSE(rig.Channel(1).isVisible());
 }
 
 TEST(Scrolling, TheCurrentRowIsInSightInEveryGrid) {

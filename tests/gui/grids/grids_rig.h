@@ -15,7 +15,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollBar>
-#include <QTabWidget>
 #include <QTableView>
 #include <QTest>
 #include <QVBoxLayout>
@@ -24,6 +23,8 @@
 #include "sequence/defaults.h"
 #include "sequence/start_values.h"
 #include "support/fake_ports.h"
+#include "support/samples.h"
+#include "ui/channel_tabs.h"
 #include "ui/grid_panel.h"
 
 namespace corlune::testing {
@@ -33,10 +34,7 @@ class GridsRig {
   explicit GridsRig(int steps = 5, const std::string& definitionFile = CORLUNE_DATA "/Corlune_Std.ini",
                     bool english = true)
       : catalogue(english ? 10000 : 0) {
-    state.ModelName = "QM2220";
-    state.Instruments[0].ChannelCount = 2;
     EXPECT_EQ(ReadModelDefinition(definitionFile, state.ModelName, !english, definition), DefinitionLoad::Ok);
-    state.ModelIndex = static_cast<std::int16_t>(definition.IndexOfModel(state.ModelName));
     ResetSequence(sequence, definition);
     sequence.StepCount = static_cast<std::int16_t>(steps);
     ComputeStartValues(sequence);
@@ -55,7 +53,6 @@ class GridsRig {
       ShowStates();
     });
     ShowStates();
-    panel->SetWidths(8415, 10215, 10575);
     window.resize(733, 600);
     window.show();
     window.activateWindow();
@@ -127,7 +124,7 @@ class GridsRig {
     QTableView& grid = area == GridArea::Common     ? Common()
                        : area == GridArea::Sequence ? Channel(channel)
                                                     : Branch();
-    if (area == GridArea::Sequence) Named<QTabWidget>("SSTab1").setCurrentIndex(channel);
+    if (area == GridArea::Sequence) Named<ChannelTabs>("SSTab1").setCurrentIndex(channel);
     QApplication::processEvents();
     Click(grid, row, column);
   }
@@ -145,7 +142,7 @@ class GridsRig {
     prompts.messages.clear();
   }
 
-  AppState state;
+  AppState state = TwoChannelState();
   ModelDefinition definition;
   SequenceData sequence;
   MessageCatalogue catalogue;

@@ -99,12 +99,14 @@ TEST(Typing, TheOtherChannelShowsTheSameSteps) {
   rig.GoTo(GridArea::Sequence, 30, 3);
   ASSERT_GT(top(0), 10);
   const int before = top(0);
-  rig.Named<QTabWidget>("SSTab1").setCurrentIndex(1);
+  rig.Named<ChannelTabs>("SSTab1").setCurrentIndex(1);
   QApplication::processEvents();
   EXPECT_EQ(top(1), before);
+  rig.Channel(1).verticalScrollBar()->setValue(before - 5);
+  EXPECT_EQ(rig.Common().verticalScrollBar()->value(), before - 5);
   rig.GoTo(GridArea::Common, 2, 1);
-  ASSERT_LT(top(1), before);
-  rig.Named<QTabWidget>("SSTab1").setCurrentIndex(0);
+  ASSERT_LT(top(1), before - 5);
+  rig.Named<ChannelTabs>("SSTab1").setCurrentIndex(0);
   QApplication::processEvents();
   EXPECT_EQ(top(0), top(1));
 }

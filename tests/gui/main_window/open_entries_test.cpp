@@ -6,6 +6,7 @@
 
 #include "gui/main_window/window_rig.h"
 #include "view/frm_preview.h"
+#include "view/graph_canvas.h"
 
 namespace corlune::testing {
 namespace {
@@ -50,39 +51,60 @@ TEST(OpenEntries, ARefusedOneStopsTheCommand) {
   refuse([&] { rig.window->close(); });
 }
 
-TEST(OpenEntries, OfEitherWindowHoldUpABranchButNotWhatEndsTheRun) {
+TEST(OpenEntries, AreTakenBeforeAStepIsSelectedOrDraggedInTheView) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(3);
+  rig.Item("mnuViewItem_1")->trigger();
+  auto& canvas = *rig.window->Preview()->findChild<GraphCanvas*>();
+  const auto levelAt = [&](int step) {
+    const PlotScale scale = canvas.Scale(0);
+    return QPointF(canvas.StepRect(step).center().x(), scale.YOf(1000)).toPoint();
+  };
+  const auto type = [&](const char* text) {
+    rig.window->activateWindow();
+    rig.window->Grids().SelectFirstCell();
+    rig.Type(QString::fromUtf8(text));
+  };
+  type("0.5");
+  QTest::mouseClick(canvas.viewport(), Qt::LeftButton, {}, levelAt(2));
+  EXPECT_EQ(rig.session->Sequence().Steps[0].StepTime, 0.5);
+  EXPECT_EQ(rig.editor->Cursor().CurrentRow, 3);
+  EXPECT_EQ(canvas.SelectedStep(), 2);
+  type("x");
+  rig.prompts.Answer(PromptAnswer::Ok);
+  QTest::mouseClick(canvas.viewport(), Qt::LeftButton, {}, levelAt(1));
+  EXPECT_EQ(rig.Messages(), std::vector<std::string>{rig.Text(9108)});
+  EXPECT_EQ(rig.editor->Cursor().CurrentRow, 1);
+  EXPECT_EQ(canvas.SelectedStep(), 0);
+
+  const std::size_t levels = rig.editor->History().Levels();
+  QTest::mousePress(canvas.viewport(), Qt::LeftButton, {}, levelAt(1));
+  for (const int up : {5, 10, 20}) QTest::mouseMove(canvas.viewport(), levelAt(1) - QPoint(0, up));
+  QTest::mouseRelease(canvas.viewport(), Qt::LeftButton);
+  EXPECT_GT(rig.session->Sequence().Cell(0, 1, kSlotFrequency).Value, 1000);
+  EXPECT_EQ(rig.editor->History().Levels(), levels + 1);
+  EXPECT_EQ(SelectedBlock(rig.editor->Cursor()), (GridBlock{GridArea::Sequence, 0, 2, 2, 3, 3}));
+  rig.editor->Undo();
+  EXPECT_EQ(rig.session->Sequence().Cell(0, 1, kSlotFrequency).Value, 1000);
+}
+
+// Whether an entry holds up a branch is tried out below.
+TEST(OpenEntries, OfEitherWindowLeaveAloneWhatEndsTheRun) {
   WindowRig rig;
   rig.Start();
   rig.AddSteps(2);
   rig.Item("mnuViewItem_1")->trigger();
-  QWidget& view = *rig.window->Preview();
-  const auto type = [&](QWidget& window, const char* text) {
-    auto* field = window.findChild<EntryField*>("TxtBranch");
-    window.activateWindow();
-    rig.Settle();
-    field->setFocus();
-    field->selectAll();
-    QTest::keyClicks(field, QString::fromUtf8(text));
-    return field;
-  };
   rig.EnterExecution();
-  for (const int channel : {3, 4}) {
+  for (QWidget* window :
+       {static_cast<QWidget*>(rig.window.get()), static_cast<QWidget*>(rig.window->Preview())}) {
     rig.StartRun();
-    QWidget* window = channel == 3 ? rig.window.get() : &view;
-    const QString shown = QString::number(channel);
-    EntryField* branch = type(*window, qUtf8Printable(shown));
-    rig.Item("mnuRunItem_3")->trigger();
-    EXPECT_EQ(rig.session->Sequence().BranchChannel, channel);
-    EXPECT_EQ(std::exchange(rig.session->State().PendingRequest, PendingRequest::None),
-              PendingRequest::Branch);
-    type(*window, "99");
-    rig.prompts.Answer(PromptAnswer::Ok);
-    rig.Key(Qt::Key_F7);
-    EXPECT_EQ(rig.session->State().PendingRequest, PendingRequest::None) << "refused";
-    EXPECT_EQ(rig.Messages().size(), 1U);
-    EXPECT_TRUE(branch->hasFocus() && branch->text() == shown);
-    // What ends the run waits for no entry and leaves it.
-    type(*window, "99");
+    window->activateWindow();
+    rig.Settle();
+    auto* branch = window->findChild<EntryField*>("TxtBranch");
+    branch->setFocus();
+    branch->selectAll();
+    rig.Type("99");
     rig.Click(window->findChild<QPushButton*>("CmdBtn1_5"));
     EXPECT_FALSE(std::exchange(rig.session->State().OutputOn, true));
     rig.Key(Qt::Key_F5, Qt::ShiftModifier);
@@ -166,8 +188,7 @@ TEST(OpenEntries, OfBothWindowsAreWhatAnyPressUsesWhateverCameInBetween) {
                    (shown[0] + " " + shown[1] + " " + shown[2]).toStdString());
       if (refused) rig.prompts.Answer(PromptAnswer::Ok);
       if (!refused && kind == 0) rig.prompts.Type("Seq0");
-      rig.script.Reply(":STAT:OPER:CH1:COND?", {kind == 0 ? "2" : "4"});
-      rig.script.ClearLog();
+      rig.Forget();
       rig.Messages();
       // The sequence view has no mode menu.
       if (rig.Pick(2) == 0 && (kind > 0 || active == 0)) {
@@ -188,11 +209,11 @@ TEST(OpenEntries, OfBothWindowsAreWhatAnyPressUsesWhateverCameInBetween) {
         rig.Tick();
       }
       const std::string target(1, "35142"[refused ? 0 : shown[2].toUInt() - 1]);
-      const std::array<std::string, 3> commands{"0 block :TRAC:SEQ " + shown[0].toStdString() + ",",
-                                                "0 < :TRIG1:SEL:EXEC STAR",
-                                                "0 < :TRIG1:SEL:EXEC BRAN " + target};
-      EXPECT_EQ(rig.script.CountOf(commands[kind]), refused ? 0 : 1);
-      EXPECT_EQ(rig.script.CountOf("0 block ") + rig.script.CountOf("0 < :TRIG1"), refused ? 0 : 1);
+      const std::array<std::string, 3> commands{"1 < :TRAC:SEQ " + shown[0].toStdString() + ",",
+                                                "1 < :TRIG1:SEL:EXEC STAR",
+                                                "1 < :TRIG1:SEL:EXEC BRAN " + target};
+      EXPECT_EQ(rig.CountSent(commands[kind]), refused ? 0 : 1);
+      EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ ") + rig.CountSent("1 < :TRIG1"), refused ? 0 : 1);
       if (!refused) ++done;
     }
   }

@@ -40,6 +40,9 @@ TEST(Placement, AWindowComesBackOntoAVisibleScreen) {
   };
   for (const Row& row : rows)
     EXPECT_EQ(ClampToScreens(row.wanted, row.screens, smallest), row.placed) << row.what;
+  const QMargins frame(4, 28, 4, 4);
+  EXPECT_EQ(ClampToScreens({0, 0, 2000, 2000}, {left}, smallest, frame), QRect(0, 0, 992, 768));
+  EXPECT_EQ(ClampToScreens({500, 400, 700, 500}, {left}, smallest, frame), QRect(292, 268, 700, 500));
 }
 
 TEST(Placement, WidthsAreThoseOfTheTwoStylesAndBetweenThem) {
@@ -74,6 +77,12 @@ TEST(Placement, DamagedSettingsCountAsNone) {
   ASSERT_TRUE(settings.Place());
   EXPECT_EQ(settings.Place()->geometry, QRect(-20, 5, 600, 500));
   EXPECT_TRUE(settings.Place()->maximized);
+  EXPECT_FALSE(settings.Place(WindowSettings::kViewSection));
+  for (const int number : {1, 999}) {
+    settings.WriteNumber("Layout/Grids", number);
+    EXPECT_EQ(settings.Number("Layout/Grids", 1, 999), number);
+    EXPECT_FALSE(settings.Number("Layout/Grids", 2, 998));
+  }
 }
 
 TEST(FileFilters, AreGivenToTheDialogInItsOwnForm) {

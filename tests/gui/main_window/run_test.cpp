@@ -78,6 +78,7 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
   EXPECT_EQ(Possible(rig), "0----- EFC");
   EXPECT_FALSE(rig.Button(2)->font().bold()) << "nothing is stopped in edit mode";
   EXPECT_TRUE(rig.session->State().OutputOn && rig.Button(5)->font().bold());
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "Output: ----") << "of no instrument";
 }
 
 TEST(WindowRun, NothingCanBePressedDuringADownload) {
@@ -93,13 +94,13 @@ TEST(WindowRun, NothingCanBePressedDuringADownload) {
     rig.window->OpenPath(rig.folder.File("Corlune_Std.ini"));
     EXPECT_FALSE(rig.window->close());
     EXPECT_FALSE(rig.window->EndOfDesktopSession());
-    rig.session->Control().Button(0);
+    rig.session->Control().SetOperationMode(OperationMode::Execution);
   });
   rig.EnterExecution();
   rig.pump.OnEveryCall({});
   ASSERT_GT(seen.size(), 10U) << "a download waits";
   EXPECT_THAT(seen, ::testing::Each(std::string("------ ---")));
-  EXPECT_EQ(rig.script.CountOf("0 block "), 1);
+  EXPECT_EQ(rig.CountSent("1 < :TRAC:SEQ 0,"), 1);
   EXPECT_EQ(rig.closed, 0);
   EXPECT_EQ(Possible(rig), "01---5 --C");
 }
@@ -113,48 +114,35 @@ TEST(WindowRun, EndingFromOutsideKeepsTheWorkThenStopsThenCloses) {
   EXPECT_FALSE(rig.window->EndOfDesktopSession()) << "a question is allowed: the run comes first";
   rig.Field("TxtBranch")->setText("3");
   rig.folder.Write("Corlune.ini", "");
-  rig.script.ClearLog();
+  rig.Forget();
   std::string kept;
-  rig.script.onExchange = [&](const std::string&) {
+  rig.recorder.onExchange = [&](const std::string&) {
     if (kept.empty()) kept = TempFolder::Read(rig.folder.File("Corlune_QM2220.ini"));
   };
   EXPECT_TRUE(rig.window->EndFromOutside());
-  EXPECT_THAT(kept, HasSubstr("FI_BRCHCHN=3\r")) << "before the first exchange";
+  EXPECT_THAT(kept, HasSubstr("FI_BRCHCHN=3\r")) << "before the stop";
   EXPECT_THAT(TempFolder::Read(rig.folder.File("Corlune.ini")), HasSubstr("EDIT_MODEL=1,QM2220"));
-  EXPECT_THAT(rig.script.Log(), ElementsAre("timeout 10", "0 < :TRIG1:SEL:EXEC STOP", "end"));
+  EXPECT_THAT(rig.recorder.exchanges, ElementsAre("1 < :TRIG1:SEL:EXEC STOP"));
+  EXPECT_THAT(rig.recorder.connections, ElementsAre("1 close"));
 }
 
 TEST(WindowRun, AFailedDownloadIsNamedInTheStatusBarUntilTheNextCommand) {
-  struct Case {
-    const char* what;
-    std::function<void(WindowRig&)> prepare;
-    std::string notice;
-  };
-  const std::vector<Case> cases{
-      {"an error number",
-       [](WindowRig& rig) {
-         rig.prompts.Type("A");
-         rig.script.Reply(":SYST:ERR?", {"-102,\"Syntax error\""});
-       },
-       "-102"},
-      {"the name was cancelled", [](WindowRig& rig) { rig.prompts.Type(std::nullopt); }, ""},
-  };
-  for (const Case& test : cases) {
-    SCOPED_TRACE(test.what);
-    WindowRig rig(WindowRig::Bus::OneInstrument);
-    rig.Start();
-    rig.AddSteps(1);
-    test.prepare(rig);
-    rig.Click(rig.Button(0));
-    EXPECT_EQ(rig.session->State().OperationMode, OperationMode::Edit);
-    EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr(test.notice));
-    EXPECT_EQ(rig.window->Status().Notice().isEmpty(), test.notice.empty());
-    EXPECT_EQ(Possible(rig), "0----- EFC");
-    rig.window->Grids().Run(Command::AddRow);
-    rig.prompts.Answer(PromptAnswer::No);
-    rig.Key(Qt::Key_N, Qt::ControlModifier);
-    EXPECT_TRUE(rig.window->Status().Notice().isEmpty());
-  }
+  WindowRig rig(WindowRig::Bus::OneInstrument);
+  rig.Start();
+  rig.AddSteps(1);
+  rig.prompts.Type("A");
+  rig.Faults("text:-102,\"Syntax error\"@:SYST:ERR?");
+  rig.Click(rig.Button(0));
+  EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr("-102"));
+  EXPECT_EQ(Possible(rig), "0----5 EFC");
+  rig.prompts.Answer(PromptAnswer::No);
+  rig.Key(Qt::Key_N, Qt::ControlModifier);
+  EXPECT_TRUE(rig.window->Status().Notice().isEmpty());
+  rig.AddSteps(1);
+  rig.prompts.Type(std::nullopt);
+  rig.Click(rig.Button(0));
+  EXPECT_TRUE(rig.window->Status().Notice().isEmpty()) << "whoever cancels knows why";
+  EXPECT_EQ(Possible(rig), "0----5 EFC");
 }
 
 TEST(WindowRun, StopWorksWhileTheStartIsStillWaiting) {
@@ -170,11 +158,11 @@ TEST(WindowRun, StopWorksWhileTheStartIsStillWaiting) {
     QTest::mouseClick(rig.Button(2), Qt::LeftButton);
     EXPECT_FALSE(rig.window->close()) << "closing during a command wait";
   });
-  rig.script.ClearLog();
+  rig.Forget();
   rig.Key(Qt::Key_F5);
   EXPECT_TRUE(pressed) << "the start command has a wait";
   EXPECT_EQ(rig.session->State().RunState, RunState::Stopped);
-  EXPECT_EQ(rig.script.CountOf("0 < :TRIG1:SEL:EXEC STOP"), 1);
+  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_EQ(Possible(rig), "01---5 --C");
 }
 
@@ -185,11 +173,12 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.AddSteps(2);
   rig.EnterExecution();
   rig.StartRun();
-  rig.script.FailOn("0 < :SOUR1:SEQ:CST?", CommStatus::Error, 99);
+  rig.Faults("error:0xBFFF003E@:SOUR1:SEQ:CST?");
   rig.prompts.Answer(PromptAnswer::Ok);
   rig.Tick();
   EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
   EXPECT_EQ(Possible(rig), "0-2--5 EFC");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Mode), "Edit mode");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Elapsed), "Elapsed time:00:00:00.0");
   const auto* warning = rig.window->findChild<QLabel*>("LabWarning");
@@ -197,12 +186,13 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   EXPECT_THAT(warning->text().toStdString(), HasSubstr("may still be running"));
   rig.prompts.Answer(PromptAnswer::Cancel);
   EXPECT_FALSE(rig.window->close());
-  rig.script.ClearLog();
+  rig.Forget();
   rig.Key(Qt::Key_F8);
-  EXPECT_EQ(rig.script.CountOf("0 < :OUTP1 OFF;:OUTP2 OFF"), 1);
+  EXPECT_EQ(rig.CountSent("1 < :OUTP1 OFF;:OUTP2 OFF"), 1);
   EXPECT_TRUE(warning->isVisible()) << "switched off, but not stopped";
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25CB\u200AOutput: OFF");
   rig.Key(Qt::Key_F5, Qt::ShiftModifier);
-  EXPECT_EQ(rig.script.CountOf("0 < :TRIG1:SEL:EXEC STOP"), 1);
+  EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_FALSE(warning->isVisible());
   EXPECT_EQ(Possible(rig), "0----- EFC");
 }
@@ -216,14 +206,14 @@ TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {
     rig.AddSteps(2);
     if (download) {
       rig.prompts.Type("Seq0");
-      rig.script.onExchange = [&](const std::string& line) {
-        if (line.find(" block ") != std::string::npos) rig.script.Unplug();
+      rig.recorder.onExchange = [&](const std::string& line) {
+        if (line.starts_with("1 < :TRAC:SEQ ")) rig.Faults("gone");
       };
       rig.Click(rig.Button(0));
       EXPECT_THAT(rig.window->Status().Notice().toStdString(), HasSubstr("instrument 1"));
     } else {
       rig.EnterExecution();
-      rig.script.Unplug();
+      rig.Faults("gone");
       rig.prompts.Answer(PromptAnswer::Ok);
       rig.Key(Qt::Key_F5);
       EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
@@ -231,7 +221,8 @@ TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {
     EXPECT_EQ(rig.window->Status().PanelText(StatBar::Connection), "off-line mode");
     EXPECT_FALSE(rig.window->findChild<QPushButton*>("CmdRead")->isEnabled());
     // A start that was not answered may have been taken.
-    EXPECT_EQ(Possible(rig), download ? "0----- EFC" : "0-2--5 EFC");
+    EXPECT_EQ(Possible(rig), download ? "0----5 EFC" : "0-2--5 EFC");
+    EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
     EXPECT_FALSE(rig.session->State().Connected);
   }
 }
@@ -240,9 +231,9 @@ TEST(WindowRun, ReadBackLocksEditingAndIsOneUndoEntry) {
   WindowRig rig(WindowRig::Bus::OneInstrument);
   rig.Start();
   rig.AddSteps(2);
-  rig.script.FileReply(
-      "[DATA]\r\nSEQ=1,SYNC,OFF,STAR,OFF\r\n"
-      "STEP#0=7.5,CONT,OFF,0,OFF,1,OFF,1,OFF,1,INF,1,OFF,0\r\n");
+  rig.Faults(
+      "text:[DATA]\r\nSEQ=1,SYNC,OFF,STAR,OFF\r\n"
+      "STEP#0=7.5,CONT,OFF,0,OFF,1,OFF,1,OFF,1,INF,1,OFF,0\r\n@SEQuence?");
   std::vector<std::string> seen;
   rig.pump.OnEveryCall([&] { seen.push_back(Possible(rig)); });
   rig.Click(rig.window->findChild<QPushButton*>("CmdRead"));

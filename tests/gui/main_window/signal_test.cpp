@@ -50,7 +50,7 @@ TEST(WindowSignal, FollowsCursorAndRunAndIsRemembered) {
 
   rig.EnterExecution();
   rig.StartRun();
-  rig.script.Reply(":SOUR1:SEQ:CST?", {"2"});
+  rig.Faults("text:2@:SOUR1:SEQ:CST?");
   rig.Tick();
   EXPECT_EQ(strip()->Subject().StepText, "Running step 3: 1 s");
   rig.Key(Qt::Key_F5, Qt::ShiftModifier);

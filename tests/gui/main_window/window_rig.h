@@ -1,4 +1,4 @@
-// The main window over a session with scripted instruments, prompts and file dialogs, on the test's clock.
+// The main window over the program rig, with a QM2220 whose outputs are on or without any instrument.
 #pragma once
 
 #include <memory>
@@ -24,19 +24,12 @@ struct WindowRig : SessionRig {
   enum class Bus { Empty, OneInstrument };
 
   explicit WindowRig(Bus bus = Bus::Empty, bool english = true) {
-    definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
     EditModel("1,QM2220");
     options.english = english;
-    if (bus == Bus::OneInstrument) search.Attach(kPrefix2220, "1000001");
-    script.Reply("*IDN?", {"TAVRIN,QM2220,1000001,1.00"});
-    script.Reply(":SOUR1:SEQ:STAT?", {"1"});
-    script.Reply(":SYST:ERR?", {"0,\"No error\""});
-    script.Reply(":SYST:BUSY?", {"0"});
-    script.Reply("*ESR?", {"0"});
-    script.Reply(":OUTP1?;:OUTP2?", {"1;1"});
-    script.Reply(":SOUR1:SEQ:CST?", {"0"});
-    script.Reply(":STAT:OPER:CH1:COND?", {"2"});
-    script.StatusBytes({0x80});
+    if (bus == Bus::OneInstrument) {
+      Plug("QM2220:1000001");
+      for (const int channel : {1, 2}) Instrument().SetOutput(channel, true);
+    }
     // Presses and repaints arrive inside the waits.
     pump.OnEveryCall([] { QCoreApplication::processEvents(); });
   }
@@ -105,7 +98,6 @@ struct WindowRig : SessionRig {
   }
   void StartRun() {
     if (!session->State().OutputOn) prompts.Answer(PromptAnswer::Ok);
-    script.Reply(":STAT:OPER:CH1:COND?", {"4"});
     Key(Qt::Key_F5);
     ASSERT_EQ(session->State().RunState, RunState::Running);
   }
@@ -115,7 +107,6 @@ struct WindowRig : SessionRig {
     Settle();
   }
   std::string Text(int id) const { return session->Catalogue().GetResString(TextId{id}); }
-  std::string definition;  // content of the model definition file
   WindowDisplay windowDisplay;
   std::unique_ptr<WindowSettings> settings;
   std::unique_ptr<SequenceEditor> editor;

@@ -9,6 +9,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QTableView>
 #include <QTimer>
 #include <QTreeWidget>
@@ -18,7 +19,9 @@
 #include "dialogs/frm_prgrs.h"
 #include "gui/main_window/window_rig.h"
 #include "ui/grid_keys.h"
+#include "ui/share_split.h"
 #include "view/frm_preview.h"
+#include "view/graph_canvas.h"
 
 namespace corlune::testing {
 namespace {
@@ -285,6 +288,7 @@ TEST(WindowState, TheReasonForBeingOffLineCanBeRead) {
   EXPECT_EQ(online.window->Status().PanelText(StatBar::Connection), "on-line mode");
   EXPECT_THAT(online.window->findChild<QLabel*>("Panel1")->toolTip().toStdString(),
               HasSubstr("Device1: USBTMC 1000001, Ch: 2"));
+  EXPECT_EQ(online.window->Status().PanelText(StatBar::Device), "Device1:QM2220  USBTMC 1000001");
   const AboutFacts facts{"1.2.3", QDate(2018, 9, 5), "libvisa.so: not found", ""};
   EXPECT_EQ(VersionLine(MessageCatalogue(10000), facts), "Version 1.2.3.0 Sept.5,2018");
   EXPECT_EQ(LibraryLines(MessageCatalogue(10000), facts),
@@ -328,6 +332,134 @@ std::map<std::string, QWidget*> Parts(const WindowRig& rig) {
     }
   }
   return parts;
+}
+
+TEST(WindowLayout, EachSizeShowsItsRowsInBothGrids) {
+  struct Row {
+    QSize size;  // a screen without title bar and borders
+    int rows;
+    bool sideBySide;
+  };
+  for (const bool english : {true, false}) {
+    WindowRig rig(WindowRig::Bus::OneInstrument, english);
+    rig.Start();
+    rig.AddSteps(40);
+    for (const Row& row :
+         {Row{{1358, 736}, 14, false}, Row{{1500, 868}, 17, true}, Row{{1912, 1048}, 22, true}}) {
+      rig.window->resize(row.size);
+      rig.Settle();
+      EXPECT_EQ(rig.window->size(), row.size) << "nothing asks for more";
+      for (const char* name : {"MSFlexGrid1", "MSFlexGrid2_0"}) {
+        const auto* grid = rig.window->findChild<QTableView*>(name);
+        EXPECT_GE(grid->viewport()->height() / grid->rowHeight(0), row.rows) << name << row.size.width();
+        EXPECT_EQ(grid->horizontalScrollBar()->maximum(), 0) << name << row.size.width();
+      }
+      EXPECT_EQ(rig.window->findChild<QTableView*>("MSFlexGrid2_1")->isVisible(), row.sideBySide);
+    }
+  }
+}
+
+// Places as a person leaves them come back at the next start; those of tiling do not.
+TEST(WindowLayout, IsRememberedAsItWasLeft) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(3);
+  const auto split = [&](const char* name) { return rig.window->findChild<ShareSplit*>(name); };
+  const auto move = [&](const char* name, int share) {
+    split(name)->SetShare(share);
+    rig.Settle();
+  };
+  const auto restart = [&] {
+    rig.prompts.Answer(PromptAnswer::No);
+    EXPECT_TRUE(rig.window->close());
+    rig.Start();
+  };
+  const QSize size = rig.window->size();
+  rig.Item("mnuViewBeside")->trigger();
+  move("SplitGrids", 450);
+  move("SplitView", 555);
+  rig.Settle();
+  const QList<int> shares = split("SplitView")->sizes();
+  restart();
+  ASSERT_TRUE(rig.window->Preview() && rig.window->Preview()->isVisible() && rig.window->Preview()->Docked());
+  EXPECT_EQ(rig.window->size(), size);
+  EXPECT_EQ(split("SplitGrids")->Share(), 450);
+  EXPECT_EQ(split("SplitView")->orientation(), Qt::Horizontal);
+  EXPECT_EQ(split("SplitView")->sizes(), shares);
+  EXPECT_TRUE(rig.Item("mnuViewClose")->isEnabled());
+  EXPECT_THAT(Shown(rig.window->menuBar()->actions()), ::testing::Contains("Display(&D)"));
+
+  rig.Item("mnuViewItem_2")->trigger();
+  rig.Settle();
+  EXPECT_FALSE(rig.window->Preview()->Docked());
+  EXPECT_EQ(rig.window->width(), 512);
+  EXPECT_EQ(rig.window->Preview()->frameGeometry().left(), rig.window->frameGeometry().right() + 1);
+  EXPECT_EQ(rig.window->Preview()->frameGeometry().height(), rig.window->frameGeometry().height());
+  rig.AddSteps(1);
+  restart();
+  EXPECT_EQ(rig.window->size(), size) << "as before tiling";
+  EXPECT_FALSE(rig.window->Preview()) << "a window of its own is opened when it is wanted";
+  rig.Item("mnuViewItem_0")->trigger();
+  EXPECT_EQ(rig.window->width(), 733);
+
+  rig.Item("mnuViewFloat")->trigger();
+  rig.window->Preview()->setGeometry(40, 60, 600, 500);
+  const QPoint corner = rig.window->Preview()->pos();
+  rig.AddSteps(1);
+  restart();
+  rig.Item("mnuViewFloat")->trigger();
+  EXPECT_EQ(rig.window->Preview()->pos(), corner);
+  EXPECT_EQ(rig.window->Preview()->size(), QSize(600, 500));
+  rig.Item("mnuViewItem_1")->trigger();
+  EXPECT_NE(rig.window->Preview()->size(), QSize(600, 500)) << "the normal layout, always";
+}
+
+TEST(WindowLayout, ADockedViewIsAPartOfTheWindow) {
+  WindowRig rig;
+  rig.Start();
+  rig.AddSteps(3);
+  const auto shown = [&](const char* name) {
+    const auto* widget = rig.window->Preview()->findChild<QWidget*>(name);
+    return widget != nullptr && widget->isVisible();
+  };
+  rig.Key(Qt::Key_4, Qt::ControlModifier);
+  FrmPreview& view = *rig.window->Preview();
+  EXPECT_TRUE(view.isVisible() && view.Docked());
+  EXPECT_TRUE(shown("PicView") && shown("AreaSettings"));
+  EXPECT_FALSE(shown("CmdBtn1_0") || shown("TxtSeq") || shown("StatBar1") || shown("mnuRun"));
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "Text1") << "the cell keeps the focus";
+  rig.Type("7");
+  rig.Key(Qt::Key_F3);
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "PicView");
+  EXPECT_EQ(rig.session->Sequence().Steps[2].StepTime, 7) << "taken on the way";
+  const auto& picture = *view.findChild<GraphCanvas*>("PicView");
+  const double zoom = picture.Zoom();
+  rig.Key(Qt::Key_Plus, Qt::ControlModifier);
+  EXPECT_GT(picture.Zoom(), zoom);
+  rig.Key(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "PicView") << "commands leave it there";
+  rig.Key(Qt::Key_F3);
+  EXPECT_EQ(QApplication::focusWidget()->objectName(), "Text1");
+  EXPECT_THAT(Shown(rig.window->menuBar()->actions()), ::testing::Contains("Display(&D)"));
+
+  rig.prompts.Answer(PromptAnswer::No);
+  rig.Key(Qt::Key_N, Qt::ControlModifier);
+  EXPECT_TRUE(view.isVisible()) << "it shows the new sequence";
+  rig.AddSteps(2);
+  rig.EnterExecution();
+  rig.StartRun();
+  EXPECT_TRUE(picture.Marker());
+  rig.Key(Qt::Key_6, Qt::ControlModifier);
+  EXPECT_TRUE(view.isVisible() && view.isWindow() && shown("CmdBtn1_0") && shown("TxtSeq"));
+  EXPECT_THAT(Shown(rig.window->menuBar()->actions()), ::testing::Not(::testing::Contains("Display(&D)")));
+  EXPECT_TRUE(picture.Marker()) << "followed all the same";
+  QApplication::setActiveWindow(&view);
+  rig.Settle();
+  rig.Key(Qt::Key_5, Qt::ControlModifier);
+  EXPECT_TRUE(view.isVisible() && view.Docked());
+  rig.Item("mnuViewClose")->trigger();
+  EXPECT_FALSE(rig.session->State().SequenceViewShown || view.isVisible());
+  EXPECT_EQ(rig.window->focusWidget(), rig.window->findChild<QTableView*>("MSFlexGrid1"));
 }
 
 TEST(WindowLayout, NothingOverlapsOrIsCutOffAtTheSmallestSize) {

@@ -21,11 +21,7 @@ namespace corlune::testing {
 class ViewRig : public GraphRig {
  public:
   explicit ViewRig(int steps = 4, bool english = true)
-      : GraphRig(steps, english), catalogue(english ? 10000 : 0) {
-    state.ModelName = "QM2220";
-    state.ModelIndex = 1;
-    state.Instruments[0].ChannelCount = 2;
-  }
+      : GraphRig(steps, english), catalogue(english ? 10000 : 0) {}
 
   void Load(const std::string& name) {
     ASSERT_EQ(ReadSeqFile(std::string(CORLUNE_DATA "/examples/") + name, SequenceFileForm::User,
@@ -53,6 +49,15 @@ class ViewRig : public GraphRig {
     handlers.enterViewAreas = [this](const auto& areas) {
       if (accept) sequence.ViewAreas = areas;
       return accept;
+    };
+    handlers.graphs.selectStep = [this](int step) {
+      pressed.push_back("step " + std::to_string(step));
+      if (accept) view->ShowSelectedStep(step);
+      return accept;
+    };
+    handlers.graphs.goToCell = [this] { pressed.push_back("cell"); };
+    handlers.graphs.enterValue = [this](const CellPlace& place, const std::string& text) {
+      pressed.push_back(std::to_string(place.Row.value) + "/" + std::to_string(place.Column) + " = " + text);
     };
     view = std::make_unique<FrmPreview>(state, definition, sequence, catalogue, std::move(handlers));
     view->ShowFields("3", "1", "2");
@@ -85,7 +90,7 @@ class ViewRig : public GraphRig {
   GraphCanvas& Canvas() { return *view->findChild<GraphCanvas*>(); }
   std::vector<std::string> TakePressed() { return std::exchange(pressed, {}); }
 
-  AppState state;
+  AppState state = TwoChannelState();
   MessageCatalogue catalogue;
   std::vector<std::string> pressed;
   bool accept = true;

@@ -1,10 +1,9 @@
-// A bench with virtual instruments, and the program below its windows connected to them: real session, real
-// USBTMC back-end, real sequence compiler, a folder of its own. Time passes only when a wait or a test lets
-// it; it wraps in the middle of most scenarios.
+// The program below its windows with virtual instruments: real session, real USBTMC back-end, real sequence
+// compiler, a folder of its own. Time passes only when a wait or a test lets it; it wraps in the middle of
+// most scenarios.
 #pragma once
 
 #include <algorithm>
-#include <deque>
 #include <functional>
 #include <gmock/gmock.h>
 #include <memory>
@@ -18,66 +17,14 @@
 #include "comm/simulated_backend.h"
 #include "comm/usb488_backend.h"
 #include "comm/usbtmc_backend.h"
-#include "scenario/visa_recorder.h"
 #include "session/session.h"
-#include "standins/cmplseq/compile_file.h"
 #include "support/bench_tables.h"
 #include "support/fake_ports.h"
+#include "support/program_doubles.h"
 #include "support/temp_folder.h"
+#include "support/visa_recorder.h"
 
 namespace corlune::testing {
-
-// Agrees to everything unless told otherwise, and keeps what was said: "icon: text", "input: default text".
-class BenchPrompts : public Prompts {
- public:
-  explicit BenchPrompts(FakePump& pump) : pump_(pump) {}
-
-  PromptAnswer Message(const MessageRequest& request) override {
-    said.push_back(std::string(IconName(request.icon)) + ": " + request.text);
-    escape = request.escape;
-    pump_.HandlePending();  // a message box handles events
-    if (!answers.empty()) {
-      const PromptAnswer answer = answers.front();
-      answers.pop_front();
-      return answer;
-    }
-    const bool yesNo =
-        request.buttons == PromptButtons::YesNo || request.buttons == PromptButtons::YesNoCancel;
-    return yesNo ? PromptAnswer::Yes : PromptAnswer::Ok;
-  }
-  std::optional<std::string> Input(const InputRequest& request) override {
-    said.push_back("input: " + request.defaultText);
-    pump_.HandlePending();
-    return name;
-  }
-
-  std::deque<PromptAnswer> answers;         // before the agreeing ones
-  std::optional<std::string> name = "E2E";  // of the sequence
-  EventList said;
-  std::optional<PromptAnswer> escape;  // of the last message
-
- private:
-  FakePump& pump_;
-};
-
-class NoFiles : public FileDialogs {
- public:
-  std::optional<std::string> ChooseOpen(const std::string&) override { return std::nullopt; }
-  std::optional<std::string> ChooseSave(const std::string&, const std::string&) override {
-    return std::nullopt;
-  }
-};
-
-// The compiler library's work, without loading a library.
-class LinkedCompiler : public CompilerLibrary {
- public:
-  CompilerCall CompileSeqData(const std::string& workFile, const std::array<ArbInformation, 128>& arbs,
-                              CompileErrorRecord& record, std::int32_t& result) override {
-    result = static_cast<std::int32_t>(CompileSequenceFile(workFile, arbs, record));
-    return CompilerCall::Done;
-  }
-  std::string Problem() const override { return {}; }
-};
 
 inline constexpr const char* kSaysEnd = "information: The sequence execution was ended.";
 inline constexpr const char* kAsksOutput =
@@ -94,22 +41,24 @@ inline std::string OutputTurnedOff(int instrument) {
          " was turned off. The sequence execution is discontinued.";
 }
 
-struct BenchOptions {
+struct ProgramOptions {
   bool communicationLog = false;  // "comm.log" in the folder
   bool writeSettings = false;     // as the window program does
   std::string responses = {};     // response file: every instrument is simulated
   bool allInterfaces = false;     // GPIB and USB488 libraries beside VISA
   bool queriesWait = false;       // 20 ms before the reply is read, so that something can come in between
+  // The person agrees to everything, and the test says afterwards what was asked; otherwise every answer has
+  // to be queued.
+  bool agrees = true;
 };
 
-class BenchRig {
+class ProgramRig {
  public:
   // `instruments`: "QM2220:QM000001,...", as they are plugged in.
-  explicit BenchRig(const std::string& instruments = "QM2220:QM000001", BenchOptions benchOptions = {})
-      : options_(std::move(benchOptions)) {
-    std::string problem;
-    EXPECT_TRUE(bench.AddFromText(instruments, "", &problem)) << problem;
-    std::string definition = TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini");
+  explicit ProgramRig(const std::string& instruments = "QM2220:QM000001", ProgramOptions programOptions = {})
+      : definition(TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini")),
+        options_(std::move(programOptions)) {
+    if (!instruments.empty()) Plug(instruments);
     if (options_.communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
     if (options_.queriesWait) {
       for (const std::string query : {":CST?,", ":COND?,", ":OUTP2?,"})
@@ -117,42 +66,48 @@ class BenchRig {
     }
     folder.Write("Corlune_Std.ini", definition);
     if (!options_.responses.empty()) folder.Write("responses.ini", options_.responses);
-    Restart();
-  }
-  ~BenchRig() {
-    session.reset();
-    EXPECT_EQ(faces.visa.OpenObjects(), 0u) << "sessions are left open";
-    EXPECT_THAT(prompts.said, ::testing::IsEmpty()) << "messages that the scenario did not expect";
-  }
-  BenchRig(const BenchRig&) = delete;
-  BenchRig& operator=(const BenchRig&) = delete;
-
-  // A new process over the same folder and bench.
-  void Restart() {
-    session.reset();
-    SessionOptions options;
     options.appFolder = folder.Path();
     options.english = true;
     options.writeSettings = options_.writeSettings;
     options.simulated = !options_.responses.empty();
-    const SessionPorts ports{prompts, clock, pump, timer, progress,
-                             display, view,  end,  files, sessionDisplay};
+    if (options_.agrees) prompts.AgreeToAll(pump);
+    Restart();
+  }
+  ~ProgramRig() {
+    session.reset();
+    EXPECT_EQ(faces.visa.OpenObjects(), 0u) << "sessions are left open";
+    if (options_.agrees) {
+      EXPECT_THAT(prompts.said, ::testing::IsEmpty()) << "messages that the scenario did not expect";
+    }
+  }
+  ProgramRig(const ProgramRig&) = delete;
+  ProgramRig& operator=(const ProgramRig&) = delete;
+
+  // A new process over the same folder and bench.
+  void Restart() { OpenSession(runDisplay, view, display); }
+  void OpenSession(RunDisplay& run, ViewDisplay& sequenceView, SessionDisplay& shown) {
+    session.reset();
+    Forget();
+    const SessionPorts ports{prompts, clock, pump, timer, progress, run, sequenceView, end, files, shown};
     session = std::make_unique<Session>(ports, options, [this](AppState& state, EndProgram& endProgram) {
-      return OutsideParts{MakeFrontEnd(state, endProgram), std::make_unique<LinkedCompiler>()};
+      sessionEnd = &endProgram;
+      auto linked = std::make_unique<LinkedCompiler>();
+      compiler = linked.get();
+      return OutsideParts{MakeFrontEnd(state, endProgram), std::move(linked)};
     });
+  }
+  static void Replace(std::string& text, const std::string& from, const std::string& to) {
+    std::size_t at = text.find(from);
+    ASSERT_NE(at, std::string::npos);
+    for (; at != std::string::npos; at = text.find(from, at + to.size())) text.replace(at, from.size(), to);
   }
 
   // ---- The person ----
 
-  // Starts with an empty sequence and connects to the first instrument.
-  void Connect() {
-    ASSERT_TRUE(session->StartUpWithoutFile()) << session->LoadProblem();
-    ASSERT_EQ(session->Connect(std::nullopt), ConnectResult::Connected);
-    Forget();
-  }
-  // Starts with a shipped example and connects to the only instrument.
-  void ConnectWithExample(const std::string& name) {
-    ASSERT_TRUE(session->StartUpFromFile(std::string(CORLUNE_DATA) + "/examples/" + name))
+  // Starts with an empty sequence, or with a shipped example, and connects to the first instrument.
+  void Connect(const std::string& example = {}) {
+    const std::string path = std::string(CORLUNE_DATA) + "/examples/" + example;
+    ASSERT_TRUE(example.empty() ? session->StartUpWithoutFile() : session->StartUpFromFile(path))
         << session->LoadProblem();
     ASSERT_EQ(session->Connect(std::nullopt), ConnectResult::Connected);
     Forget();
@@ -208,6 +163,11 @@ class BenchRig {
 
   // ---- The bench ----
 
+  void Plug(const std::string& instruments) {
+    std::string problem;
+    EXPECT_TRUE(bench.AddFromText(instruments, "", &problem)) << problem;
+  }
+
   // Faults of the instrument, see docs/virtual-instrument.md; exchanges count from now.
   void Faults(const std::string& text, std::size_t instrument = 0) {
     std::string problem;
@@ -235,10 +195,17 @@ class BenchRig {
     return sent;
   }
   void ExpectSent(const EventList& expected) { EXPECT_EQ(TakeSent(), expected); }
-  int CountSent(const std::string& line) const {
-    return static_cast<int>(std::count(recorder.exchanges.begin(), recorder.exchanges.end(), line));
+  // How many exchanges begin like this.
+  int CountSent(const std::string& beginning) const {
+    return static_cast<int>(
+        std::count_if(recorder.exchanges.begin(), recorder.exchanges.end(),
+                      [&](const std::string& line) { return line.starts_with(beginning); }));
   }
-  void Forget() { recorder.exchanges.clear(); }
+  void Forget() {
+    recorder.exchanges.clear();
+    recorder.searches.clear();
+    recorder.connections.clear();
+  }
   // Nothing is under way, no control is left off, no timer on.
   void ExpectAtRest(OperationMode mode, bool outputOn) {
     const AppState& state = session->State();
@@ -253,35 +220,34 @@ class BenchRig {
   }
   std::string Log() const { return TempFolder::Read(folder.File("comm.log")); }
 
-  BenchOptions options_;
   TempFolder folder;
+  std::string definition;  // content of the model definition file at the beginning
   FakeClock clock{0xFFFFD000};
   FakePump pump{clock};
-  BenchPrompts prompts{pump};
-  EventList events;  // of the displays
+  EventList events;  // of prompts and displays, in order
+  ScriptedPrompts prompts{&events};
   RecordedTickSource timer{&events};
   RecordedProgress progress{&events};
-  RecordedDisplay display{&events};
+  RecordedDisplay runDisplay{&events};
   RecordedView view{&events};
   RecordedEnd end;
-  NoFiles files;
-  SessionDisplay sessionDisplay;
+  ScriptedFiles files;
+  RecordedSessionDisplay display;
   VirtualBench bench{[this] { return clock.Now(); }};
   VirtualFaces faces{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
   BenchTables tables;
   VisaRecorder recorder{bench};
+  bool library = true;  // VISA is there
+  SessionOptions options;
+  EndProgram* sessionEnd = nullptr;
+  LinkedCompiler* compiler = nullptr;
   std::unique_ptr<Session> session;
 
  private:
-  static void Replace(std::string& text, const std::string& from, const std::string& to) {
-    std::size_t at = text.find(from);
-    ASSERT_NE(at, std::string::npos);
-    for (; at != std::string::npos; at = text.find(from, at + to.size())) text.replace(at, from.size(), to);
-  }
-
   std::unique_ptr<GpFrontEnd> MakeFrontEnd(AppState& state, EndProgram& endProgram) {
     const BackendServices services{state, prompts, endProgram, clock};
-    auto usbTmc = std::make_unique<UsbTmcMdl>(services, [this](std::string*) { return &recorder.Table(); });
+    auto usbTmc = std::make_unique<UsbTmcMdl>(
+        services, [this](std::string*) { return library ? &recorder.Table() : nullptr; });
     InstrumentSearch* search = usbTmc.get();
     const LibraryChoice none{true, {}};
     const auto told = [](const char* title) { return std::make_shared<LibraryState>(LibraryState{title}); };
@@ -295,11 +261,13 @@ class BenchRig {
         services, all ? LoaderOf(tables.usb488) : Usb488Loader(none, {}, told("USB488")));
     backends[3] = std::move(usbTmc);
     backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
-    const bool simulated = !options_.responses.empty();
-    auto frontEnd = std::make_unique<GpFrontEnd>(state, std::move(backends), simulated ? nullptr : search);
-    if (simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);
+    auto frontEnd =
+        std::make_unique<GpFrontEnd>(state, std::move(backends), options.simulated ? nullptr : search);
+    if (options.simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);
     return frontEnd;
   }
+
+  ProgramOptions options_;
 };
 
 }  // namespace corlune::testing

@@ -6,7 +6,8 @@
 //   1 > (1234 bytes) file
 //   1 poll 128          a status byte
 //   1 clear             a device clear
-// A failed exchange ends with " !timeout" or " !error".
+// A failed exchange ends with " !timeout" or " !error". Beside the exchanges it notes what was searched for,
+// and the connections: "1 open", "1 open !error", "1 close".
 #pragma once
 
 #include <functional>
@@ -28,13 +29,17 @@ class VisaRecorder {
   VisaRecorder& operator=(const VisaRecorder&) = delete;
 
   const VisaTable& Table() const {
-    static const VisaTable table{&viOpenDefaultRM, &viFindRsrc,   &viFindNext, &Open,
+    static const VisaTable table{&viOpenDefaultRM, &Find,         &viFindNext, &Open,
                                  &Close,           &SetAttribute, &Read,       &Write,
                                  &ReadToFile,      &ReadStatus,   &Clear,      &viGpibControlREN};
     return table;
   }
 
   EventList exchanges;
+  EventList searches;
+  EventList connections;
+  // Called with the line of each exchange behind it; may call into the program.
+  std::function<void(const std::string&)> onExchange;
   // Messages for which it returns true go nowhere, with success.
   std::function<bool(std::string_view)> swallow;
 
@@ -46,9 +51,14 @@ class VisaRecorder {
   };
 
   Device& At(ViSession session) { return devices_[session]; }
-  void Note(ViSession session, const std::string& what, ViStatus status) {
+  static std::string Line(int device, const std::string& what, ViStatus status) {
     const char* suffix = status >= VI_SUCCESS ? "" : status == VI_ERROR_TMO ? " !timeout" : " !error";
-    exchanges.push_back(std::to_string(At(session).number) + " " + what + suffix);
+    return std::to_string(device) + " " + what + suffix;
+  }
+  void Note(ViSession session, const std::string& what, ViStatus status) {
+    const std::string line = Line(At(session).number, what, status);
+    exchanges.push_back(line);
+    if (const auto hook = onExchange) hook(line);
   }
   static std::string Line(const ViByte* bytes, ViUInt32 count) {
     std::string_view text(reinterpret_cast<const char*>(bytes), count);
@@ -56,20 +66,28 @@ class VisaRecorder {
     return std::string(text);
   }
 
+  static ViStatus CORLUNE_LIBRARY_CALL Find(ViSession manager, ViConstString expression, ViPFindList list,
+                                            ViPUInt32 count, ViChar* first) {
+    current_->searches.emplace_back(expression);
+    return viFindRsrc(manager, expression, list, count, first);
+  }
   static ViStatus CORLUNE_LIBRARY_CALL Open(ViSession manager, ViConstRsrc name, ViAccessMode mode,
                                             ViUInt32 timeOut, ViPSession session) {
     const ViStatus status = viOpen(manager, name, mode, timeOut, session);
-    if (status < VI_SUCCESS) return status;
     for (std::size_t i = 0; i < current_->bench_.Count(); ++i) {
       const std::string& serial = current_->bench_.At(i).Identity().serial;
-      if (std::string_view(name).find(serial) != std::string_view::npos) {
-        current_->devices_[*session] = {static_cast<int>(i) + 1, false, false};
-      }
+      if (std::string_view(name).find(serial) == std::string_view::npos) continue;
+      const int number = static_cast<int>(i) + 1;
+      current_->connections.push_back(Line(number, "open", status));
+      if (status >= VI_SUCCESS) current_->devices_[*session] = {number, false, false};
     }
     return status;
   }
   static ViStatus CORLUNE_LIBRARY_CALL Close(ViObject object) {
-    current_->devices_.erase(object);
+    if (const auto device = current_->devices_.find(object); device != current_->devices_.end()) {
+      current_->connections.push_back(Line(device->second.number, "close", VI_SUCCESS));
+      current_->devices_.erase(device);
+    }
     return viClose(object);
   }
   static ViStatus CORLUNE_LIBRARY_CALL SetAttribute(ViObject object, ViAttr attribute, ViAttrState state) {

@@ -1,4 +1,4 @@
-#include "ui/app_icon.h"
+#include "dialogs/app_icon.h"
 
 #include <utility>
 

@@ -1,1 +1,0 @@
-int corlune_test_first(void) { return 11; }
