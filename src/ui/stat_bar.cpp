@@ -9,7 +9,7 @@
 #include <QVBoxLayout>
 
 #include "core/step_numbering.h"
-#include "editing/grid_views.h"
+#include "editing/color_theme.h"
 #include "execution/run_state.h"
 #include "ui/elided_label.h"
 #include "ui/notice_bar.h"

@@ -248,6 +248,22 @@ TEST(BranchEntry, Table) {
   EXPECT_EQ(rig.Enter(Branch(1, 1), "2"), 9105) << "the third step";
 }
 
+TEST(Entries, TimeUnitRescalesEveryStep) {
+  ModelDefinition definition = testing::ShippedDefinition();
+  ParamDef& time = definition.Common.Params[kColumnStepTime];
+  time.UnitKind = 2;
+  time.UnitList = {"ms", "s"};
+  EditingRig rig(2, definition);
+  rig.Enter(Common(1, kGridStepTime), "1500");
+  EXPECT_EQ(EditorFor(rig.editor->Views(), Common(1, kGridStepTime)).Units, time.UnitList);
+  rig.editor->ChooseUnit(Common(1, kGridStepTime), 1);
+  EXPECT_EQ(rig.Text(Common(1, kGridStepTime)), "1.5");
+  EXPECT_EQ(rig.Text(Common(2, kGridStepTime)), "0.001");
+  rig.editor->ChooseUnit(Common(2, kGridStepTime), 0);
+  EXPECT_EQ(rig.Text(Common(1, kGridStepTime)), "1500");
+  EXPECT_FALSE(rig.editor->ChooseUnit(Common(2, kGridStepTime), 2).Changed);
+}
+
 TEST(Fields, StartStepBranchChannelSequenceNumber) {
   struct Row {
     const char* text;

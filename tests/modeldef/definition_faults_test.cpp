@@ -32,9 +32,9 @@ TEST_F(DefinitionFaults, ABadEntryIsRefusedAndNamed) {
            "CM_STAR=:START,2147483648", "CM_SNDS0=100", "CM_BUSY=:BUSY?,1", "CM_ERRO=:ERR?", "CM_LIBI=\"x\";",
            "CM_STAR",
            // colours
-           "CL_DEFSEQ=12345", "CL_CURSTEP=GG0000", "CA_PRMMOD0=2,off,404142,on",
+           "CL_DEFSEQ=12345", "CL_DEFSEQ=12345/", "CL_CURSTEP=GG0000", "CA_PRMMOD0=2,off,404142,on",
            // object numbers
-           "CA_PRMVAL=1,2", "SA_PRMUSC73=1", "SA_PRMREFx=", "DP_SELCT:=1,a", "MD_SETNAM8=n",
+           "CA_PRMVAL=1,2", "CA_PRMVAL;=0,1,2,1", "SA_PRMUSC73=1", "SA_PRMREFx=", "DP_SELCT:=1,a", "MD_SETNAM8=n",
            // parameters
            "CA_PRMVAL0=0,1,MAXSTEP,1", "SA_PRMVAL00=0,1,$MAXSTEP,1", "SA_PRMVAL00=3,1,2,3", "SA_PRMVAL00=2,2,a,b",
            "CA_PRMUNI0=2,title,2,a,b", "SA_PRMNAM00=one name", "SA_PRMCOU=12", "CA_MAXSTE=257",
