@@ -13,6 +13,7 @@
 #include "comm/simulated_backend.h"
 #include "comm/usbtmc_backend.h"
 #include "session/session.h"
+#include "standins/virtual_instrument/chosen_face.h"
 #include "standins/virtual_instrument/visa_face.h"
 #include "support/fake_ports.h"
 #include "support/program_doubles.h"
@@ -37,7 +38,7 @@ class InstrumentBench {
   InstrumentBench() {
     std::string problem;
     if (!bench.AddFromText("QM2220:QM000001", "", &problem)) Fail(problem);
-    SetVisaFace(&face);
+    SetFace(&face);
     folder.Write("Corlune_Std.ini", testing::TempFolder::Read(CORLUNE_DATA "/Corlune_Std.ini"));
     SessionOptions options;
     options.appFolder = folder.Path();
@@ -53,7 +54,7 @@ class InstrumentBench {
   }
   ~InstrumentBench() {
     session.reset();
-    SetVisaFace(nullptr);
+    SetFace<VisaFace>(nullptr);
   }
   InstrumentBench(const InstrumentBench&) = delete;
   InstrumentBench& operator=(const InstrumentBench&) = delete;

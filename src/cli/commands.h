@@ -41,7 +41,13 @@ struct ReadOptions {
 };
 int ReadCommand(ConsoleProgram& program, const ReadOptions& options);
 
-// Lists what the instrument search finds for every model, or why no library could be used.
-int DevicesCommand(ConsoleProgram& program);
+// Lists what the instrument search finds for every model, or why no library could be used. With a set-up also
+// what its GPIB and USB488 addresses answer; `verbose`: all I/O libraries, where they were loaded from or why
+// not.
+struct DevicesOptions {
+  std::string setup;  // sequence file; empty: none
+  bool verbose = false;
+};
+int DevicesCommand(ConsoleProgram& program, const DevicesOptions& options);
 
 }  // namespace corlune

@@ -110,6 +110,12 @@ void ConsoleDisplay::Attach(const AppState& state, const SequenceData& sequence,
 }
 
 void ConsoleDisplay::RefreshControls() {
+  const StepIndex step{state_->CurrentStep};
+  const bool running = state_->RunState == RunState::Running;
+  if (RunsHeldSequence(*state_) && running && RowOf(step).value != shownRow_) {
+    shownRow_ = RowOf(step).value;
+    ShowStep(NumberOf(step).value);
+  }
   if (state_->RunState == shownState_) return;
   shownState_ = state_->RunState;
   if (shownState_ == RunState::Held) {
@@ -129,8 +135,12 @@ void ConsoleDisplay::HighlightRow(GridRow row, bool on) {
   // The monitor sets the mark anew at every poll; only a change of the step is worth a line.
   if (row.value == shownRow_) return;
   shownRow_ = row.value;
+  ShowStep(ShownNumber(NumberOf(IndexOf(row)), sequence_->StartStep));
+}
+
+void ConsoleDisplay::ShowStep(int number) const {
   std::cout << TimeText(state_->ElapsedTime) << "  " << catalogue_->GetResString(TextId::StepWord) << " "
-            << ShownNumber(NumberOf(IndexOf(row)), sequence_->StartStep) << std::endl;
+            << number << std::endl;
 }
 
 void ConsoleDisplay::ScrollTo(GridRow) {}

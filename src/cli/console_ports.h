@@ -72,6 +72,8 @@ class ConsoleDisplay : public RunDisplay {
   void ShowElapsedTime(std::int32_t milliseconds) override;
 
  private:
+  void ShowStep(int number) const;
+
   const AppState* state_ = nullptr;
   const SequenceData* sequence_ = nullptr;
   const MessageCatalogue* catalogue_ = nullptr;

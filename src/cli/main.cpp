@@ -26,6 +26,7 @@ int Main(int argc, char** argv) {
   bool work = false;
   RunOptions run;
   ReadOptions read;
+  DevicesOptions list;
   ConsoleAnswers answers;
   const auto sequence = [&](std::string& value) {
     return CommandOption{"file", "Sequence file, in either form", "FILE", &value, kNeeded};
@@ -72,7 +73,10 @@ int Main(int argc, char** argv) {
         output(read.out, "Sequence file to write; absent: the sequence text", kOptional),
         {"--setup", "Sequence file that names model and set-up", "FILE", &read.setup},
         serial(read.serial)}},
-      {"devices", "Lists the instruments found, or why none could be", {}},
+      {"devices",
+       "Lists the instruments found, or why none could be",
+       {{"--verbose", "Also the I/O libraries: the file of each, or why none serves", "", &list.verbose},
+        {"--setup", "Sequence file; its GPIB and USB488 addresses are asked, too", "FILE", &list.setup}}},
   };
   const ConsoleLine line = ParseConsoleOptions(argc, argv, options, commands);
   if (line.exitCode) return CheckOutput(MessageCatalogue(CheckLanguage() ? 10000 : 0), *line.exitCode);
@@ -92,7 +96,7 @@ int Main(int argc, char** argv) {
   if (command == "times") code = TimesCommand(program, file);
   if (command == "run") code = RunSequenceCommand(program, run);
   if (command == "read") code = ReadCommand(program, read);
-  if (command == "devices") code = DevicesCommand(program);
+  if (command == "devices") code = DevicesCommand(program, list);
   return CheckOutput(program.Catalogue(), code);
 }
 

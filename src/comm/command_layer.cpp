@@ -116,6 +116,15 @@ std::int32_t CommandLayer::SelectInstrument(int index) {
   }));
 }
 
+bool CommandLayer::CarriesBlocks() {
+  bool carries = false;
+  KeepingInterface([&] {
+    SelectInstrument(0);
+    carries = gp_.CarriesBlocks();
+  });
+  return carries;
+}
+
 bool CommandLayer::InstrumentLost(int index) {
   bool lost = false;
   KeepingInterface([&] { lost = gp_.ConnectionLost(DeviceAddress(SelectInstrument(index))); });

@@ -39,6 +39,8 @@ class CommandLayer {
   // range it changes nothing and returns kSameDevice.
   std::int32_t SelectInstrument(int index);
 
+  // Sequences and waveforms reach instrument 0.
+  bool CarriesBlocks();
   // Instrument `index` was unplugged since the opening: every exchange with it fails.
   bool InstrumentLost(int index);
 

@@ -51,10 +51,8 @@ CommStatus GpBackendBase::GP_Init(const std::string& initString, bool emptyLog) 
   terminatorCode_ = kTerminatorLf;
   device_ = 0;
   const CommStatus status = Open(options);
-  if (Failed(status)) {
-    const std::string problem = LibraryProblem();
-    if (!problem.empty()) Log(problem, CommStatus::Success);
-  }
+  const std::string remark = Failed(status) ? LibraryProblem() : LibraryOrigin();
+  if (!remark.empty()) Log(remark, CommStatus::Success);
   Log("GP_INIT", status);
   return status;
 }

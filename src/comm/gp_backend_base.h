@@ -72,6 +72,8 @@ class GpBackendBase : public GpFamily {
   virtual CommStatus SetEndOnWrite(bool on) = 0;
   virtual CommStatus SetRemote(bool on) = 0;
 
+  // Where the library was loaded from, empty when nobody needs to know.
+  virtual std::string LibraryOrigin() const { return {}; }
   virtual CommStatus RefuseTerminator() { return CommStatus::Error; }
   virtual std::string DeviceName(std::int16_t device) const { return std::to_string(device); }
   virtual std::string_view DeviceClearName() const { return "DCL"; }

@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "comm/io_libraries.h"
+
 namespace corlune {
 
 GpFrontEnd::GpFrontEnd(AppState& state, std::array<std::unique_ptr<GpFamily>, 5> backends,
@@ -92,6 +94,22 @@ std::string GpFrontEnd::LibraryProblem() const {
   std::string problem = OwnLibraryProblem();
   if (problem.empty() && search_) problem = search_->LibraryProblem();
   return problem;
+}
+
+std::vector<std::string> GpFrontEnd::LibraryLines(bool tryAll) const {
+  std::vector<std::string> lines;
+  for (const Library& library : libraries_) {
+    if (tryAll) library.tryNow();
+    const LibraryState& state = *library.state;
+    if (!state.LoadedFrom.empty()) lines.push_back(state.Title + ": " + state.LoadedFrom);
+    for (const std::string& failure : state.Failures) lines.push_back(state.Title + ": " + failure);
+  }
+  return lines;
+}
+
+bool GpFrontEnd::CarriesBlocks() const {
+  const InterfaceKind kind = route_.value_or(state_.CurrentInterface);
+  return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
 }
 
 bool GpFrontEnd::ConnectionLost(std::int16_t address) const {

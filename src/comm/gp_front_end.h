@@ -4,10 +4,12 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "comm/gp_family.h"
@@ -35,8 +37,15 @@ class InstrumentSearch {
   virtual std::string LibraryProblem() const = 0;
 };
 
+struct LibraryState;
+
 class GpFrontEnd {
  public:
+  struct Library {
+    std::shared_ptr<const LibraryState> state;
+    std::function<void()> tryNow;  // loads it unless it is loaded
+  };
+
   // Back-ends by InterfaceKind code; `search` may be null (then nothing is ever found).
   GpFrontEnd(AppState& state, std::array<std::unique_ptr<GpFamily>, 5> backends, InstrumentSearch* search);
 
@@ -61,6 +70,12 @@ class GpFrontEnd {
   std::string OwnLibraryProblem() const;
   // The same, else that of the search.
   std::string LibraryProblem() const;
+  void SetLibraries(std::vector<Library> libraries) { libraries_ = std::move(libraries); }
+  // A line for every file that was loaded, and for every one that could not be, with the reason: "VISA: ...".
+  // `tryAll`: also libraries that nobody needed yet; else these are left out.
+  std::vector<std::string> LibraryLines(bool tryAll) const;
+  // Of the current back-end: whether GP_Send_AsciiBinary_Data and Gp_Recv_ToFile do anything.
+  bool CarriesBlocks() const;
   // Of the current back-end.
   bool ConnectionLost(std::int16_t address) const;
 
@@ -74,6 +89,7 @@ class GpFrontEnd {
   std::array<std::unique_ptr<GpFamily>, 5> backends_;
   InstrumentSearch* search_;
   std::optional<InterfaceKind> route_;
+  std::vector<Library> libraries_;
 };
 
 }  // namespace corlune

@@ -19,6 +19,7 @@ class Ieee32mMdl final : public GpBackendBase {
   std::string LibraryProblem() const override { return problem_; }
 
  private:
+  std::string LibraryOrigin() const override { return ieee_ ? ieee_->Origin : std::string(); }
   CommStatus Open(const InitOptions& options) override;
   CommStatus Close() override;
   CommStatus Select(const char* operation, Transfer transfer, std::int16_t address) override;

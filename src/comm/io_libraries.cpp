@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "comm/builtin_visa.h"
 #include "core/files.h"
 #include "platform/shared_library.h"
 
@@ -24,7 +25,7 @@ struct Binding {
 };
 
 struct BoundLibrary {
-  std::string title;  // what a person calls the library
+  std::shared_ptr<LibraryState> state;
   LibraryChoice choice;
   std::vector<std::string> defaultNames;
   std::string programFolder;
@@ -40,20 +41,22 @@ std::string Joined(const std::vector<std::string>& lines) {
 
 bool Bind(BoundLibrary& bound, std::string* problem) {
   if (bound.library) return true;
+  const std::string& title = bound.state->Title;
+  std::vector<std::string>& attempts = bound.state->Failures;
+  attempts.clear();
   if (bound.choice.none) {
-    *problem = bound.title + ": switched off";
+    *problem = title + ": switched off";
+    attempts.emplace_back("switched off");
     return false;
   }
   const std::vector<std::string> names =
       bound.choice.file.empty() ? bound.defaultNames : std::vector<std::string>{bound.choice.file};
-  std::vector<std::string> attempts;
   auto library = OpenFirst(names, bound.programFolder, &attempts);
   if (!library) {
     const bool there = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
       return FileExists(name) || FileExists(JoinPath(bound.programFolder, name));
     });
-    *problem =
-        bound.title + (there ? " library found but unusable: " : " library not found: ") + Joined(attempts);
+    *problem = title + (there ? " library found but unusable: " : " library not found: ") + Joined(attempts);
     return false;
   }
   // Addresses arrive as void*; they are copied into the typed pointers only once all are there.
@@ -64,14 +67,15 @@ bool Bind(BoundLibrary& bound, std::string* problem) {
   }
   std::string missing;
   if (!LoadSymbols(*library, rows, &missing)) {
-    *problem =
-        bound.title + " library found but unusable: " + library->Path() + ": symbol " + missing + " missing";
+    attempts.push_back(library->LoadedFrom() + ": symbol " + missing + " missing");
+    *problem = title + " library found but unusable: " + attempts.back();
     return false;
   }
   for (std::size_t i = 0; i < addresses.size(); ++i) {
     std::memcpy(bound.bindings[i].slot, &addresses[i], sizeof(void*));
   }
   bound.library = std::move(library);
+  bound.state->LoadedFrom = bound.library->LoadedFrom();
   return true;
 }
 
@@ -83,29 +87,32 @@ struct TableOwner {
 };
 
 template <typename Table>
-LibraryLoader<Table> MakeLoader(const std::string& title, const LibraryChoice& choice,
-                                const std::string& programFolder, std::initializer_list<const char*> names,
+LibraryLoader<Table> MakeLoader(const LibraryChoice& choice, const std::string& programFolder,
+                                std::shared_ptr<LibraryState> state, std::initializer_list<const char*> names,
                                 std::vector<Binding> (*bindings)(Table&)) {
   auto owner = std::make_shared<TableOwner<Table>>();
-  owner->bound.title = title;
+  owner->bound.state = std::move(state);
   owner->bound.choice = choice;
   owner->bound.defaultNames.assign(names.begin(), names.end());
   owner->bound.programFolder = programFolder;
   owner->bound.bindings = bindings(owner->table);
   return [owner](std::string* problem) -> const Table* {
-    return Bind(owner->bound, problem) ? &owner->table : nullptr;
+    if (!Bind(owner->bound, problem)) return nullptr;
+    owner->table.Origin = owner->bound.state->Title + " library: " + owner->bound.state->LoadedFrom;
+    return &owner->table;
   };
 }
 
 }  // namespace
 
-LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::string& programFolder) {
+LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::string& programFolder,
+                                    std::shared_ptr<LibraryState> state) {
 #ifdef _WIN32
   const auto names = {"VISA32.DLL"};
 #else
-  const auto names = {"libvisa.so", "libvisa.so.0"};
+  const auto names = {"libvisa.so", "libvisa.so.0", "librsvisa.so", "libktvisa32.so"};
 #endif
-  return MakeLoader<VisaTable>("VISA", choice, programFolder, names, [](VisaTable& t) {
+  auto search = MakeLoader<VisaTable>(choice, programFolder, state, names, [](VisaTable& t) {
     return std::vector<Binding>{{"viOpenDefaultRM", &t.OpenDefaultRM},
                                 {"viFindRsrc", &t.FindRsrc},
                                 {"viFindNext", &t.FindNext},
@@ -119,15 +126,28 @@ LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::stri
                                 {"viClear", &t.Clear},
                                 {"viGpibControlREN", &t.GpibControlREN}};
   });
+  const auto ownVisa = [state]() -> const VisaTable* {
+    state->LoadedFrom = "built in, over the kernel's USBTMC devices";
+    return &BuiltinVisa(SystemUsbTmcDevices());
+  };
+  if (choice.builtin) return [ownVisa](std::string*) { return ownVisa(); };
+  const bool mayReplace = choice.file.empty() && !choice.none;
+  return [search, ownVisa, mayReplace](std::string* problem) {
+    const VisaTable* const found = search(problem);
+    if (found != nullptr || !mayReplace || SystemUsbTmcDevices().List().empty()) return found;
+    problem->clear();
+    return ownVisa();
+  };
 }
 
-LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::string& programFolder) {
+LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::string& programFolder,
+                                      std::shared_ptr<LibraryState> state) {
 #ifdef _WIN32
   const auto names = {"Gpib-32.dll"};
 #else
   const auto names = {"libgpib.so.0", "libgpib.so"};
 #endif
-  return MakeLoader<Ni488Table>("NI-488.2", choice, programFolder, names, [](Ni488Table& t) {
+  return MakeLoader<Ni488Table>(choice, programFolder, std::move(state), names, [](Ni488Table& t) {
     return std::vector<Binding>{{"ibfind", &t.Find},
                                 {"ibconfig", &t.Config},
                                 {"ibsic", &t.SendInterfaceClear},
@@ -147,13 +167,14 @@ LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::st
   });
 }
 
-LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::string& programFolder) {
+LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::string& programFolder,
+                                        std::shared_ptr<LibraryState> state) {
 #ifdef _WIN32
   const auto names = {"USB488ps.dll"};
 #else
   const auto names = {"libusb488ps.so"};
 #endif
-  return MakeLoader<Usb488Table>("USB488", choice, programFolder, names, [](Usb488Table& t) {
+  return MakeLoader<Usb488Table>(choice, programFolder, std::move(state), names, [](Usb488Table& t) {
     return std::vector<Binding>{
         {"UsbInitialize", &t.Initialize},     {"UsbFinalize", &t.Finalize},
         {"UsbOpenDevice", &t.OpenDevice},     {"UsbCloseDevice", &t.CloseDevice},
@@ -166,13 +187,14 @@ LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::
   });
 }
 
-LibraryLoader<Ieee32mTable> Ieee32mLoader(const LibraryChoice& choice, const std::string& programFolder) {
+LibraryLoader<Ieee32mTable> Ieee32mLoader(const LibraryChoice& choice, const std::string& programFolder,
+                                          std::shared_ptr<LibraryState> state) {
 #ifdef _WIN32
   const auto names = {"IEEE_32M.DLL"};
 #else
   const auto names = {"libieee_32m.so"};
 #endif
-  return MakeLoader<Ieee32mTable>("IEEE_32M", choice, programFolder, names, [](Ieee32mTable& t) {
+  return MakeLoader<Ieee32mTable>(choice, programFolder, std::move(state), names, [](Ieee32mTable& t) {
     return std::vector<Binding>{{"_ieee_board_present", &t.BoardPresent}, {"_ieee_initialize", &t.Initialize},
                                 {"_ieee_transmit", &t.Transmit},          {"_ieee_receive", &t.Receive},
                                 {"_ieee_spoll", &t.SerialPoll},           {"_ieee_settimeout", &t.SetTimeout},

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/abi/ieee32m.h"
 #include "platform/abi/ni488.h"
@@ -25,6 +27,7 @@ struct VisaTable {
   decltype(&::viReadSTB) ReadSTB = nullptr;
   decltype(&::viClear) Clear = nullptr;
   decltype(&::viGpibControlREN) GpibControlREN = nullptr;
+  std::string Origin = {};  // "VISA library: " and the file; empty where a test made the table
 };
 
 struct Ni488Table {
@@ -45,6 +48,7 @@ struct Ni488Table {
   // Null where the library lacks them; the status then comes from the three calls above.
   decltype(&::RegisterGpibGlobalsForThread) RegisterGlobals = nullptr;
   decltype(&::UnregisterGpibGlobalsForThread) UnregisterGlobals = nullptr;
+  std::string Origin = {};
 };
 
 struct Usb488Table {
@@ -64,6 +68,7 @@ struct Usb488Table {
   decltype(&::UsbEnableRemote) EnableRemote = nullptr;
   decltype(&::UsbEnableLocal) EnableLocal = nullptr;
   decltype(&::UsbCLS) ClearStatus = nullptr;
+  std::string Origin = {};
 };
 
 struct Ieee32mTable {
@@ -74,12 +79,21 @@ struct Ieee32mTable {
   decltype(&::_ieee_spoll) SerialPoll = nullptr;
   decltype(&::_ieee_settimeout) SetTimeout = nullptr;
   decltype(&::_ieee_setinputEOS) SetInputEos = nullptr;
+  std::string Origin = {};
 };
 
 // Which shared library an interface uses: the default names, one file, or none at all.
 struct LibraryChoice {
   bool none = false;
-  std::string file;  // empty: the default names
+  std::string file;      // empty: the default names
+  bool builtin = false;  // VISA: that of the program itself (builtin_visa.h)
+};
+
+// What became of one library, for a person; nothing but its title as long as nobody needed it.
+struct LibraryState {
+  std::string Title;                       // "VISA"
+  std::string LoadedFrom = {};             // file, empty: not loaded
+  std::vector<std::string> Failures = {};  // "name: reason" of each file that the last search did not load
 };
 
 // The bound table, or null with the reason in *problem (never null). Called again after a failure, so that
@@ -88,10 +102,15 @@ template <typename Table>
 using LibraryLoader = std::function<const Table*(std::string* problem)>;
 
 // Loaders that look for the library's usual names in `programFolder`, then where the system loads libraries
-// from. A choice with a file tries only that one.
-LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::string& programFolder);
-LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::string& programFolder);
-LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::string& programFolder);
-LibraryLoader<Ieee32mTable> Ieee32mLoader(const LibraryChoice& choice, const std::string& programFolder);
+// from. A choice with a file tries only that one. What becomes of it is written into *state. On Linux the
+// program's own VISA serves where none is found and the kernel knows a USBTMC device.
+LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::string& programFolder,
+                                    std::shared_ptr<LibraryState> state);
+LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::string& programFolder,
+                                      std::shared_ptr<LibraryState> state);
+LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::string& programFolder,
+                                        std::shared_ptr<LibraryState> state);
+LibraryLoader<Ieee32mTable> Ieee32mLoader(const LibraryChoice& choice, const std::string& programFolder,
+                                          std::shared_ptr<LibraryState> state);
 
 }  // namespace corlune

@@ -20,6 +20,7 @@ class NiGpibMdl final : public GpBackendBase {
   std::string LibraryProblem() const override { return problem_; }
 
  private:
+  std::string LibraryOrigin() const override { return gpib_ ? gpib_->Origin : std::string(); }
   CommStatus Open(const InitOptions& options) override;
   CommStatus Close() override;
   CommStatus Select(const char* operation, Transfer transfer, std::int16_t address) override;

@@ -21,6 +21,7 @@ class Usb488Mdl final : public GpBackendBase {
   std::string LibraryProblem() const override { return problem_; }
 
  private:
+  std::string LibraryOrigin() const override { return usb_ ? usb_->Origin : std::string(); }
   CommStatus Open(const InitOptions& options) override;
   CommStatus Close() override;
   CommStatus Select(const char* operation, Transfer transfer, std::int16_t address) override;

@@ -125,6 +125,7 @@ CommStatus UsbTmcMdl::OpenDevice(const char* operation, std::size_t index) {
   CommStatus status = Checked(operation, Converted(opened));
   if (Failed(status)) {
     problem_ = names_[index] + " does not open: status " + Hex(opened);
+    if (opened == VI_ERROR_NPERMISSION) problem_ += ", access refused; the rule 60-corlune.rules gives it";
     return status;
   }
   sessions_[index] = session;

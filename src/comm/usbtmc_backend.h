@@ -38,6 +38,7 @@ class UsbTmcMdl final : public GpBackendBase, public InstrumentSearch {
   bool ConnectionLost(std::int16_t address) const override;
 
  private:
+  std::string LibraryOrigin() const override { return visa_ ? visa_->Origin : std::string(); }
   CommStatus Open(const InitOptions& options) override;
   CommStatus Close() override;
   CommStatus Select(const char* operation, Transfer transfer, std::int16_t address) override;

@@ -21,6 +21,7 @@ constexpr std::int32_t kCompilePollWait = 100;  // ms
 // Polls that time out take seconds each; a dead instrument must not hold the program up for all of them.
 constexpr std::int32_t kCompileLimit = 60000;  // ms
 
+constexpr std::int32_t kConditionCompiled = 2;
 constexpr std::int32_t kConditionRunning = 4;
 constexpr std::int32_t kConditionHeld = 8;
 constexpr std::int32_t kErrorSequenceRefused = -222;  // SCPI "Data out of range"
@@ -75,6 +76,11 @@ bool InstrumentDialogues::PrepareSequenceMode() {
   if (!QueryNumber(":STAT:OPER:CH1:COND?", 100, condition)) return false;
   if (condition != kConditionRunning && condition != kConditionHeld) return true;
   return !Failed(commands_.SendCommand(Address(), ":TRIG1:SEL:EXEC IST", 1000));
+}
+
+bool InstrumentDialogues::HoldsCompiledSequence() {
+  std::int32_t condition = 0;
+  return QueryNumber(":STAT:OPER:CH1:COND?", 100, condition) && condition == kConditionCompiled;
 }
 
 bool InstrumentDialogues::WaitCompileDone(const std::function<bool()>& goOn) {

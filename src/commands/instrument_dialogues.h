@@ -23,6 +23,8 @@ class InstrumentDialogues {
   std::optional<std::int32_t> QueryErrorNumber();
   // Sequence operation on, a running or held sequence stopped. False when a query or the stop failed.
   [[nodiscard]] bool PrepareSequenceMode();
+  // The instrument is stopped and can start as it is; false also when the query fails.
+  [[nodiscard]] bool HoldsCompiledSequence();
   // Waits for the instrument's own compilation after ":TRIG:COMP", about 20 s at most, and no longer once it
   // was unplugged or `goOn`, asked about every 100 ms, says no. Shows message RefusedByInstrument when the
   // instrument refused the sequence (error -222).

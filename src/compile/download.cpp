@@ -26,10 +26,6 @@ constexpr std::int32_t kSequenceWait = 10000;  // ms until the instrument has st
 constexpr std::int32_t kRecordWait = 5000;     // ms until it has recorded it in a memory
 constexpr std::int32_t kQuietTime = 300;       // ms of a compilation that need no words
 
-bool CarriesBlocks(InterfaceKind kind) {
-  return kind == InterfaceKind::UsbTmc || kind == InterfaceKind::Simulated;
-}
-
 // What may stand between quotation marks in a command.
 bool IsNameText(const std::string& name) {
   return std::all_of(name.begin(), name.end(), [](char c) { return c >= ' ' && c <= '~' && c != '"'; });
@@ -84,19 +80,26 @@ bool Downloader::DownloadSequence() {
   if (UnderWay()) return false;
   endRequested_ = false;
   outcome_ = {};
+  const bool held = commands_.Online() && !commands_.CarriesBlocks();
   if (commands_.Online()) {
-    if (!AgreeToInterface()) {
+    if (held && !AgreeToHeldSequence()) {
       outcome_.End = DownloadEnd::Cancelled;
       return false;
     }
     {
       const WorkGuard downloading(ports_.activity, Work::Download);
       ports_.display.RefreshControls();
-      outcome_.End = Send();
+      outcome_.End = held ? TakeUpHeldSequence() : Send();
     }
     ports_.display.RefreshControls();
   }
   if (outcome_.End != DownloadEnd::Done) return false;
+  state_.HeldSequence = held;
+  if (held) {
+    state_.TotalTime = state_.TotalTimeSecond = -1;
+    ports_.display.ShowTotalTime(state_.TotalTime);
+    return true;
+  }
   const RunTimes times = ComputeRunTimes(sequence_, definition_);
   state_.TotalTime = times.Total;
   state_.TotalTimeSecond = times.Second;
@@ -105,8 +108,7 @@ bool Downloader::DownloadSequence() {
 }
 
 // GPIB and USB488 send commands but no blocks; the person may still want to run what the instrument holds.
-bool Downloader::AgreeToInterface() {
-  if (CarriesBlocks(state_.Instruments[0].InterfaceKind)) return true;
+bool Downloader::AgreeToHeldSequence() {
   return ShowMessage(ports_.prompts, catalogue_, TextId::NoBlocksQuestion, PromptIcon::Question,
                      PromptButtons::OkCancel) == PromptAnswer::Ok;
 }
@@ -120,6 +122,13 @@ DownloadEnd Downloader::Send() {
   if (GoesOn(end)) end = SendBlock(workFile);
   if (GoesOn(end) && sequence_.SequenceNumber != 0) end = RecordInMemory();
   if (GoesOn(end)) end = TakeOver();
+  return end;
+}
+
+// One that is compiled already starts as it is.
+DownloadEnd Downloader::TakeUpHeldSequence() {
+  DownloadEnd end = Prepare();
+  if (GoesOn(end) && !dialogues_.HoldsCompiledSequence()) end = TakeOver();
   return end;
 }
 

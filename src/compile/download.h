@@ -59,10 +59,11 @@ class Downloader {
              const MessageCatalogue& catalogue, DownloadPorts ports);
 
   // True on success, also off-line, where nothing is sent and only the run times are computed. On success
-  // the run-time table is filled and the total time shown. SequenceData::SequenceNumber says which
-  // instrument memory (0..10) is used; the caller sets it from its field before the call.
-  // The output query that ends a download is the caller's (execution/).
-  // False also when a download is under way: a handler that runs inside its waits cannot start a second.
+  // the run-time table is filled and the total time shown. Over an interface without blocks, when the person
+  // agrees, the instrument is only made ready to run what it holds: AppState::HeldSequence, no run times.
+  // SequenceData::SequenceNumber says which instrument memory (0..10) is used; the caller sets it from its
+  // field before the call. The output query that ends a download is the caller's (execution/). False also
+  // when a download is under way: a handler that runs inside its waits cannot start a second.
   [[nodiscard]] bool DownloadSequence();
   bool UnderWay() const { return ports_.activity.Under(Work::Download); }
   // Asks the download under way to end, which it does between two of its parts: between waveforms, before the
@@ -87,6 +88,8 @@ class Downloader {
 
  private:
   DownloadEnd Send();
+  // Over an interface without blocks nothing is compiled, sent or recorded.
+  DownloadEnd TakeUpHeldSequence();
   DownloadEnd Prepare();
   DownloadEnd SendWaveforms();
   DownloadEnd SendBlock(const std::string& workFile);
@@ -99,7 +102,7 @@ class Downloader {
   DownloadEnd WaitAndQueryError(std::int32_t milliseconds);
   // Between two parts: `end` is that of the first one, and becomes Cancelled after RequestEnd.
   bool GoesOn(DownloadEnd& end) const;
-  bool AgreeToInterface();
+  bool AgreeToHeldSequence();
   bool AskName();
   void ReportCompileError(const CompileErrorRecord& record);
   void ShowCritical(TextId id);

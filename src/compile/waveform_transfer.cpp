@@ -91,6 +91,10 @@ ArbTransfer WaveformTransfer::TransferArbFile(ArbFileEntry& entry, int number) {
 
 ArbTransfer WaveformTransfer::SendAndCheck(ArbFileEntry& entry, int number,
                                            const std::function<void(std::int32_t)>& wait) {
+  if (commands_.Online() && !commands_.CarriesBlocks()) {
+    ShowMessage(prompts_, catalogue_, TextId::CarriesNoBlocks, PromptIcon::Exclamation);
+    return ArbTransfer::NotSent;
+  }
   const std::int16_t wasTransferred = entry.Transferred;
   const std::int16_t wasInInstrument = entry.InInstrument;
   const ArbTransfer sent = TransferArbFile(entry, number);

@@ -82,6 +82,9 @@ struct AppState {
   // A run ended otherwise than by its own end or by a stop that every instrument took: an instrument may
   // still be running or held. Until a Stop is taken by every instrument, or the program goes off-line.
   bool MayStillRun = false;
+  // The last change to execution mode was over an interface without blocks: what the instrument runs was not
+  // sent by the program, and the steps of the sequence say nothing about it. See RunsHeldSequence.
+  bool HeldSequence = false;
   // Instruments that were unplugged while connected; only opening the connection again brings them back.
   std::array<bool, kMaxInstruments> Lost{};
 
@@ -94,5 +97,10 @@ struct AppState {
   double TotalTime = 0;        // ms, -1: endless
   double TotalTimeSecond = 0;  // set together with TotalTime, -1: endless
 };
+
+// The instrument runs, or waits to run, a sequence that the program does not know.
+inline bool RunsHeldSequence(const AppState& state) {
+  return state.HeldSequence && state.OperationMode == OperationMode::Execution;
+}
 
 }  // namespace corlune

@@ -478,6 +478,8 @@ CatalogueText TextOf(TextId id) {
 
     // Added texts: instrument and download.
     case NoBlocksQuestion: return {"The interface to the instrument carries no sequence data. The instrument will run the sequence that it holds. Is it OK?", "このインタフェースではシーケンスデータを転送できません。機器が保持しているシーケンスを実行します。よろしいですか？"};
+    case CarriesNoBlocks: return {"The interface to the instrument carries neither sequences nor waveforms; they go over USBTMC.", "このインタフェースではシーケンスも波形も転送・読出できません。USBTMCで接続してください。"};
+    case DeviceSilent: return {"no answer", "応答なし"};
     case DownloadReplyUnreadable: return {"The instrument's answer to the error query cannot be read. Sending has ended.", "エラー問い合わせに対する機器の応答を読み取れません。転送を中止しました。"};
 
     // Added texts: status bar.

@@ -482,6 +482,8 @@ enum class TextId : int {
 
   // Messages: download, files and session.
   NoBlocksQuestion = 9600,
+  CarriesNoBlocks = 9840,
+  DeviceSilent = 9841,
   CannotWriteFile = 9640,
   StateNotSavedQuestion = 9641,
   BadModelDefinition = 9642,

@@ -46,8 +46,9 @@ std::string VersionLine(const MessageCatalogue& catalogue, const AboutFacts& fac
 }
 
 std::string LibraryLines(const MessageCatalogue& catalogue, const AboutFacts& facts) {
-  return LibraryLine(catalogue, TextId::InstrumentLibraryGood, facts.instrumentProblem) + "\n" +
-         LibraryLine(catalogue, TextId::CompilerGood, facts.compilerProblem);
+  std::string lines = LibraryLine(catalogue, TextId::InstrumentLibraryGood, facts.instrumentProblem);
+  for (const std::string& line : facts.libraries) lines += "\n" + line;
+  return lines + "\n" + LibraryLine(catalogue, TextId::CompilerGood, facts.compilerProblem);
 }
 
 FrmAbout::FrmAbout(const MessageCatalogue& catalogue, const AboutFacts& facts, QWidget* parent)

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include <QDate>
 #include <QDialog>
@@ -15,6 +16,7 @@ struct AboutFacts {
   QDate programDate;              // modification date of the program file; may be invalid
   std::string instrumentProblem;  // which libraries were tried and why they do not serve; empty: none
   std::string compilerProblem;
+  std::vector<std::string> libraries;  // what was loaded, from where, and what could not be
 };
 
 class FrmAbout : public QDialog {

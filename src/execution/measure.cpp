@@ -26,8 +26,10 @@ void Measure::HighlightCurrent(bool on) {
 
 void Measure::MoveTo(std::int16_t step) {
   HighlightCurrent(false);
-  run_.state.CurrentStep = step;
+  const bool moved = std::exchange(run_.state.CurrentStep, step) != step;
   HighlightCurrent(true);
+  // The step's number alone is shown.
+  if (moved && RunsHeldSequence(run_.state)) RefreshBoth(run_);
 }
 
 void Measure::ScrollToTop() {
@@ -35,6 +37,7 @@ void Measure::ScrollToTop() {
 }
 
 void Measure::ScrollToStep() {
+  if (RunsHeldSequence(run_.state)) return;
   const int step = run_.state.CurrentStep;
   const int count = run_.sequence.StepCount;
   if (step < 1) {

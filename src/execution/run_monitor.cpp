@@ -71,7 +71,8 @@ RunMonitor::Next RunMonitor::PollStep() {
     measure_.MarkEndedBadly();
     return Next::EndOfTick;
   }
-  return step_ > run_.sequence.StepCount ? BeyondLastStep() : Next::GoOn;
+  const bool beyond = step_ > run_.sequence.StepCount && !RunsHeldSequence(run_.state);
+  return beyond ? BeyondLastStep() : Next::GoOn;
 }
 
 RunMonitor::Next RunMonitor::AfterLastStep() {

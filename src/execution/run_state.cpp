@@ -12,7 +12,8 @@ bool SetRunState(AppState& state, RunState to) {
 
 const StepRow* CurrentStepRow(const RunContext& run) {
   const int step = run.state.CurrentStep;
-  if (step < 0 || step >= run.sequence.StepCount || step >= MAX_STEPS) return nullptr;
+  if (RunsHeldSequence(run.state) || step < 0 || step >= run.sequence.StepCount || step >= MAX_STEPS)
+    return nullptr;
   return &run.sequence.Step(step);
 }
 

@@ -32,7 +32,8 @@ struct RunContext {
 };
 
 // The step that CurrentStep points at; null where the index has no step (the end of a run can leave it
-// beyond the last one). Such an index has run time 0, terminal 0, no branch and no highlight.
+// beyond the last one) or where the instrument runs a sequence that is not this one. Such an index has run
+// time 0, terminal 0, no branch and no highlight.
 const StepRow* CurrentStepRow(const RunContext& run);
 
 // Sends `entry` to every instrument from index `first` on, in index order and also behind one that fails:

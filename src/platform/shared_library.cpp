@@ -6,6 +6,7 @@
 #include "platform/wide_text.h"
 #else
 #include <dlfcn.h>
+#include <link.h>
 #include <sys/stat.h>
 #endif
 
@@ -31,6 +32,17 @@ void* FindOne(void* handle, const char* name) {
 
 void UnloadOne(void* handle) {
   FreeLibrary(static_cast<HMODULE>(handle));
+}
+
+std::string FileOf(void* handle) {
+  std::wstring file(MAX_PATH, L'\0');
+  DWORD length = 0;
+  while ((length = GetModuleFileNameW(static_cast<HMODULE>(handle), file.data(),
+                                      static_cast<DWORD>(file.size()))) == file.size()) {
+    file.resize(file.size() * 2);
+  }
+  file.resize(length);
+  return FromWide(file);
 }
 
 bool IsThere(const std::string& path) {
@@ -60,6 +72,11 @@ void UnloadOne(void* handle) {
   dlclose(handle);
 }
 
+std::string FileOf(void* handle) {
+  link_map* map = nullptr;
+  return dlinfo(handle, RTLD_DI_LINKMAP, &map) == 0 && map != nullptr ? map->l_name : std::string();
+}
+
 bool IsThere(const std::string& path) {
   struct stat info {};
   return stat(path.c_str(), &info) == 0;
@@ -84,6 +101,11 @@ SharedLibrary::~SharedLibrary() {
 
 void* SharedLibrary::Symbol(const char* name) const {
   return handle_ == nullptr ? nullptr : FindOne(handle_, name);
+}
+
+std::string SharedLibrary::LoadedFrom() const {
+  const std::string file = handle_ == nullptr ? std::string() : FileOf(handle_);
+  return file.empty() ? path_ : file;
 }
 
 bool LoadSymbols(const SharedLibrary& library, std::span<const SymbolRow> rows, std::string* missing) {

@@ -30,6 +30,8 @@ class SharedLibrary {
 
   // Address of an exported name; null when the library has none. Valid as long as the library is owned.
   void* Symbol(const char* name) const;
+  // The file that the system loaded.
+  std::string LoadedFrom() const;
   // As given to Open.
   const std::string& Path() const { return path_; }
 

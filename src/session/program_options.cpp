@@ -11,21 +11,23 @@ namespace corlune {
 namespace {
 
 constexpr int kExitOptions = 2;
-constexpr const char* kVirtualVisa =
+constexpr const char* kVirtualInstrument =
 #ifdef _WIN32
-    "corlune-virtual-visa.dll";
+    "corlune-virtual-instrument.dll";
 #else
-    "libcorlune-virtual-visa.so";
+    "libcorlune-virtual-instrument.so";
 #endif
 
-void AddLibrary(CLI::App& app, const std::string& name, const std::string& what, LibraryChoice& option) {
+void AddLibrary(CLI::App& app, const std::string& name, const std::string& what, LibraryChoice& option,
+                bool mayBeBuiltin = false) {
   app.add_option_function<std::string>(
          name,
-         [&option](const std::string& file) {
+         [&option, mayBeBuiltin](const std::string& file) {
            option.none = file == "none";
-           option.file = option.none ? std::string() : file;
+           option.builtin = mayBeBuiltin && file == "builtin";
+           option.file = option.none || option.builtin ? std::string() : file;
          },
-         what + " library to load, or \"none\"")
+         what + " library to load, or \"none\"" + (mayBeBuiltin ? ", or \"builtin\"" : ""))
       ->type_name("FILE");
 }
 
@@ -37,7 +39,7 @@ void AddProgramOptions(CLI::App& app, ProgramOptions& options) {
          "Language of the texts")
       ->check(CLI::IsMember({"ja", "en"}))
       ->type_name("ja|en");
-  AddLibrary(app, "--visa", "VISA", options.visa);
+  AddLibrary(app, "--visa", "VISA", options.visa, true);
   AddLibrary(app, "--gpib", "NI-488.2", options.gpib);
   AddLibrary(app, "--usb488", "USB488", options.usb488);
   AddLibrary(app, "--ieee32m", "IEEE_32M", options.ieee32m);
@@ -120,10 +122,9 @@ std::optional<int> ParseWindowOptions(int argc, char** argv, ProgramOptions& opt
 
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder) {
   if (!options.virtualInstrument) return;
-  if (options.visa.file.empty() && !options.visa.none)
-    options.visa = {false, JoinPath(programFolder, kVirtualVisa)};
-  for (LibraryChoice* other : {&options.gpib, &options.usb488, &options.ieee32m}) {
-    if (other->file.empty()) other->none = true;
+  for (LibraryChoice* library : {&options.visa, &options.gpib, &options.usb488, &options.ieee32m}) {
+    if (library->file.empty() && !library->none && !library->builtin)
+      library->file = JoinPath(programFolder, kVirtualInstrument);
   }
 }
 

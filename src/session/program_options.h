@@ -54,8 +54,8 @@ struct ConsoleLine {
 ConsoleLine ParseConsoleOptions(int argc, char** argv, ProgramOptions& options,
                                 const std::vector<ConsoleCommand>& commands);
 
-// After the parse: --virtual-instrument turns every I/O library that was not named into the virtual
-// instrument's face in `programFolder`, or into none where it has no face.
+// After the parse: --virtual-instrument turns every I/O library that was not named into that of the virtual
+// instruments in `programFolder`, which has the interfaces of all four.
 void ResolveProgramOptions(ProgramOptions& options, const std::string& programFolder);
 
 // The outside parts that `options` (after ResolveProgramOptions) ask for. `prompts` and `clock` must outlive

@@ -64,6 +64,10 @@ void Session::SelectSerial(const std::string& serialNo) {
 }
 
 bool Session::ReadBack() {
+  if (commands_->Online() && !commands_->CarriesBlocks()) {
+    ShowMessage(ports_.prompts, catalogue_, TextId::CarriesNoBlocks, PromptIcon::Exclamation);
+    return false;
+  }
   if (!MayReplaceSequence()) return false;
   const WorkGuard guard(activity_, Work::Download);
   ports_.display.ShowWaitCursor(true);

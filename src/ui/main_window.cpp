@@ -111,9 +111,13 @@ void MainWindow::RefreshControls() {
   const auto output = static_cast<std::size_t>(PanelButton::Output);
   statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceText(), DeviceTip(),
                                        session_.Definition().Buttons[output].Color2});
-  // On a copy: the run times of the steps belong to what was sent last.
+  // On a copy: the run times of the steps belong to what was sent last. How long a sequence of the
+  // instrument's own takes nobody knows.
   ShowTotalTime(
-      ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition()).Total);
+      RunsHeldSequence(session_.State())
+          ? -1
+          : ComputeRunTimes(*std::make_unique<SequenceData>(session_.Sequence()), session_.Definition())
+                .Total);
   RefreshCaption();
   ShowSignal();
 }

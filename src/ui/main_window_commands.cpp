@@ -290,6 +290,7 @@ void MainWindow::ShowAbout() {
     facts.programDate = programDate_;
     facts.instrumentProblem = session_.Gp().LibraryProblem();
     facts.compilerProblem = session_.Compiler().Problem();
+    facts.libraries = session_.Gp().LibraryLines(false);
     FrmAbout(session_.Catalogue(), facts, this).exec();
   });
 }

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "core/output_state.h"
+#include "core/step_numbering.h"
 #include "editing/color_theme.h"
 #include "ui/elided_label.h"
 #include "ui/notice_bar.h"
@@ -149,9 +150,14 @@ void StatBar::Show(Panel panel, const std::string& text) {
 
 void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
   Show(Connection, catalogue_.GetResString(state.Online == 1 ? TextId::StateOnLine : TextId::StateOffLine));
-  Show(Mode,
-       catalogue_.GetResString(state.OperationMode == OperationMode::Execution ? TextId::StateExecutionMode
-                                                                               : TextId::StateEditMode));
+  std::string mode = catalogue_.GetResString(
+      state.OperationMode == OperationMode::Execution ? TextId::StateExecutionMode : TextId::StateEditMode);
+  // No row of the grids shows a step of the instrument's own sequence.
+  if (RunsHeldSequence(state) && state.RunState != RunState::Stopped) {
+    mode += ": " + catalogue_.GetResString(TextId::StepWord) + " " +
+            std::to_string(NumberOf(StepIndex{state.CurrentStep}).value);
+  }
+  Show(Mode, mode);
   Show(Device, catalogue_.GetResString(TextId::StateDevice) + ":" + facts.device);
   panels_[Connection]->setToolTip(QString::fromStdString(facts.connectionTip));
   panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());

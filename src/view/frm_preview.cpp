@@ -56,7 +56,8 @@ class FrmPreview::Impl {
   void Draw();
   void FollowRun();
   bool StepUnderWay() const {
-    return state.CurrentStep >= 0 && state.CurrentStep < static_cast<int>(canvas->Picture().Spans.size());
+    return !RunsHeldSequence(state) && state.CurrentStep >= 0 &&
+           state.CurrentStep < static_cast<int>(canvas->Picture().Spans.size());
   }
 
   FrmPreview& form;
@@ -181,8 +182,9 @@ void FrmPreview::Impl::BuildStatusBar() {
 
 GraphPicture FrmPreview::Impl::PictureOf(const SequenceData& shown) const {
   // Run times are those of the last download; while the sequence is edited only the entered ones are true.
-  const StepLength length =
-      state.OperationMode == OperationMode::Execution ? StepLength::RunTime : StepLength::Entered;
+  // There are run times of what was sent.
+  const bool sent = state.OperationMode == OperationMode::Execution && !state.HeldSequence;
+  const StepLength length = sent ? StepLength::RunTime : StepLength::Entered;
   GraphPicture picture =
       BuildGraphPicture(shown, definition, catalogue, {EditedChannels(state), axis, length});
   if (picture.Note.empty() && picture.Areas.empty()) {

@@ -27,6 +27,7 @@ constexpr std::array kFaultNames{
     FaultName{"text", FaultKind::TextReply, NumberMeans::Exchange},
     FaultName{"binary", FaultKind::BinaryReply, NumberMeans::Exchange},
     FaultName{"empty", FaultKind::EmptyReply, NumberMeans::Exchange},
+    FaultName{"bare", FaultKind::BareReply, NumberMeans::Exchange},
     FaultName{"gone", FaultKind::Gone, NumberMeans::Exchange},
     FaultName{"trip", FaultKind::OutputTrip, NumberMeans::Value},
     FaultName{"busy", FaultKind::SlowBusy, NumberMeans::Value},
@@ -46,6 +47,7 @@ bool ChangesReply(FaultKind kind) {
     case FaultKind::TextReply:
     case FaultKind::BinaryReply:
     case FaultKind::EmptyReply:
+    case FaultKind::BareReply:
       return true;
     default:
       return false;

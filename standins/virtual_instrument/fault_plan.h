@@ -23,6 +23,7 @@ enum class FaultKind {
   TextReply,      // `text` (or "ERROR") in place of the reply
   BinaryReply,    // every byte value but line feed and carriage return, once, in place of the reply
   EmptyReply,     // the terminator alone in place of the reply
+  BareReply,      // the reply without its terminator: END alone ends it
   Gone,           // the device is unplugged after exchange `exchange` (0: before the first)
   OutputTrip,     // all outputs go off `value` ms after a start
   SlowBusy,       // every output or memory command keeps the instrument busy for `value` ms
@@ -73,7 +74,7 @@ class FaultPlan {
 
 // Parses the text form, entries separated by ";":
 //   [serial/]name[=exchange][:value][@command]
-// with the names timeout, error, drop, late, long, text, binary, empty, gone, trip, busy, full, refuse.
+// with the names timeout, error, drop, late, long, text, binary, empty, bare, gone, trip, busy, full, refuse.
 // "trip=1500", "busy=3000" and "gone=20" take their number behind "=". Entries with a serial number apply to
 // that instrument only; entries for other serial numbers are left out. nullopt when an entry is malformed;
 // *error (may be null) then says which.

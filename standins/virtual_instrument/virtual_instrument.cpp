@@ -66,6 +66,7 @@ ExchangeVerdict VirtualInstrument::BeginExchange(ExchangeKind kind, std::string_
 
 void VirtualInstrument::Write(std::string_view bytes, bool end) {
   Update();
+  if (trace_) trace_(ExchangeKind::Write, bytes, end);
   if (!messageOpen_ && ReplyWaiting()) {
     state_.status.Report(ScpiError::Interrupted);
     Release(output_);
@@ -167,6 +168,8 @@ void VirtualInstrument::FinishReply() {
       case FaultKind::EmptyReply:
         output_.clear();
         break;
+      case FaultKind::BareReply:
+        return;
       default:
         break;
     }
@@ -211,11 +214,13 @@ VirtualInstrument::ReadResult VirtualInstrument::Read(std::span<char> buffer,
     Release(output_);
     readAt_ = 0;
   }
+  if (trace_) trace_(ExchangeKind::Read, {buffer.data(), result.count}, result.end);
   return result;
 }
 
 std::uint8_t VirtualInstrument::SerialPoll() {
   Update();
+  if (trace_) trace_(ExchangeKind::Poll, {}, false);
   return state_.status.SerialPoll(ReplyWaiting() && state_.replyDelay == 0);
 }
 
@@ -226,6 +231,7 @@ bool VirtualInstrument::RequestsService() {
 
 void VirtualInstrument::DeviceClear() {
   Update();
+  if (trace_) trace_(ExchangeKind::Clear, {}, false);
   Release(input_);
   Release(output_);
   Release(deferred_);

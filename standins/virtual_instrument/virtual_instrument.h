@@ -30,6 +30,11 @@ class VirtualInstrument {
   const FaultPlan& Faults() const { return state_.faults; }
   bool Present() const { return !state_.faults.Unplugged(); }
 
+  // What reaches the instrument, for whoever wants to see the line: bytes of a message or of a reply, and
+  // whether END came with them. Polls and clears have no bytes.
+  using Trace = std::function<void(ExchangeKind kind, std::string_view bytes, bool end)>;
+  void SetTrace(Trace trace) { trace_ = std::move(trace); }
+
   // ---- The interface side ----
 
   // Every transfer begins here: counts it against the fault plan. `bytes` is what a write would carry.
@@ -78,6 +83,7 @@ class VirtualInstrument {
   bool ReplyWaiting() const { return readAt_ < output_.size(); }
 
   InstrumentState state_;
+  Trace trace_;
   InstrumentClock clock_;
   std::uint32_t lastTick_;
   std::string input_;         // of a message without its end

@@ -13,8 +13,7 @@
 namespace corlune {
 namespace {
 
-// An endless time-out ends all the same: a reply that is not under way will not come.
-constexpr ViUInt32 kLongestWaitMs = 60'000;
+constexpr ViUInt32 kLongestWaitMs = 60'000;  // for a service request, whatever the time-out
 constexpr std::size_t kFilePart = std::size_t{16} << 10;
 constexpr ViUInt32 kEventPollMs = 10;
 
@@ -62,7 +61,7 @@ ViStatus VisaFace::FindRsrc(ViSession manager, const char* expression, ViFindLis
   FindResult found{manager, {}, 1};
   for (std::size_t i = 0; i < bench_.Count(); ++i) {
     const std::string resource = VirtualBench::ResourceName(bench_.At(i).Identity());
-    if (bench_.At(i).Present() && std::regex_match(resource, *pattern)) found.names.push_back(resource);
+    if (bench_.OnUsbTmc(i) && std::regex_match(resource, *pattern)) found.names.push_back(resource);
   }
   if (count != nullptr) *count = static_cast<ViUInt32>(found.names.size());
   if (found.names.empty()) return VI_ERROR_RSRC_NFOUND;
@@ -108,7 +107,7 @@ ViStatus VisaFace::Open(ViSession manager, const char* name, ViAccessMode mode, 
   const auto wanted = ParseUsbResource(name);
   for (std::size_t i = 0; wanted && i < bench_.Count(); ++i) {
     const VirtualInstrument& instrument = bench_.At(i);
-    if (!instrument.Present()) continue;
+    if (!bench_.OnUsbTmc(i)) continue;
     if (ParseUsbResource(VirtualBench::ResourceName(instrument.Identity())) != wanted) continue;
     Session opened;
     opened.manager = manager;
@@ -159,7 +158,7 @@ ViStatus VisaFace::Lock(ViSession session, ViAccessMode type, ViUInt32 timeOut) 
   if (found == nullptr) return VI_ERROR_INV_OBJECT;
   if (type != VI_EXCLUSIVE_LOCK) return VI_ERROR_INV_LOCK_TYPE;
   if (LockedByOther(*found)) {
-    WaitTimeOut(timeOut);
+    io_.Wait(timeOut);
     return VI_ERROR_TMO;
   }
   return ++found->locks > 1 ? VI_SUCCESS_NESTED_EXCLUSIVE : VI_SUCCESS;
@@ -207,7 +206,7 @@ ViStatus VisaFace::WaitOnEvent(ViSession session, ViEventType type, ViUInt32 tim
   while (!instrument.RequestsService()) {
     if (left == 0) return VI_ERROR_TMO;
     const ViUInt32 part = std::min(left, kEventPollMs);
-    sleep_(part);
+    io_.Wait(part);
     left -= part;
   }
   if (found != nullptr) *found = VI_EVENT_SERVICE_REQ;
@@ -217,24 +216,24 @@ ViStatus VisaFace::WaitOnEvent(ViSession session, ViEventType type, ViUInt32 tim
 
 // ---- Transfers ----
 
-void VisaFace::WaitTimeOut(ViUInt32 milliseconds) {
-  if (milliseconds > 0) sleep_(std::min(milliseconds, kLongestWaitMs));
+ViUInt32 VisaFace::TimeOut(const Session& session) const {
+  return static_cast<ViUInt32>(Value(session, VI_ATTR_TMO_VALUE));
 }
 
 ViStatus VisaFace::Begin(ViSession handle, ExchangeKind kind, std::string_view bytes, Session*& session) {
   session = Find<Session>(handle);
   if (session == nullptr) return VI_ERROR_INV_OBJECT;
   if (LockedByOther(*session)) return VI_ERROR_RSRC_LOCKED;
-  const ExchangeVerdict verdict = Instrument(*session).BeginExchange(kind, bytes);
-  switch (verdict.kind) {
-    case ExchangeVerdict::Kind::TimeOut:
-      WaitTimeOut(static_cast<ViUInt32>(Value(*session, VI_ATTR_TMO_VALUE)));
+  const Exchanged begun = io_.Begin(Instrument(*session), kind, bytes, TimeOut(*session));
+  switch (begun.kind) {
+    case Exchanged::Kind::TimeOut:
       return VI_ERROR_TMO;
-    case ExchangeVerdict::Kind::Error:
-      return StatusOf(verdict.status);
-    case ExchangeVerdict::Kind::Gone:
+    case Exchanged::Kind::Error:
+      return StatusOf(begun.status);
+    case Exchanged::Kind::Gone:
+    case Exchanged::Kind::NotAddressed:
       return VI_ERROR_CONN_LOST;
-    case ExchangeVerdict::Kind::Pass:
+    case Exchanged::Kind::Done:
       break;
   }
   return VI_SUCCESS;
@@ -264,28 +263,9 @@ ViStatus VisaFace::WriteFromFile(ViSession session, const char* fileName, ViUInt
                count);
 }
 
-ViStatus VisaFace::AwaitReply(const Session& session) {
-  VirtualInstrument& instrument = Instrument(session);
-  auto left = static_cast<ViUInt32>(Value(session, VI_ATTR_TMO_VALUE));
-  left = std::min(left, kLongestWaitMs);
-  for (;;) {
-    const auto delay = instrument.ReplyDelay();
-    if (delay && *delay == 0) return VI_SUCCESS;
-    const ViUInt32 part = std::min(delay.value_or(left), left);
-    if (part > 0) sleep_(part);
-    left -= part;
-    if (left > 0 && delay) continue;
-    const auto now = instrument.ReplyDelay();
-    if (now && *now == 0) return VI_SUCCESS;
-    if (!now) instrument.ReadFailed();
-    return VI_ERROR_TMO;
-  }
-}
-
 ViStatus VisaFace::Transfer(const Session& session, std::size_t size, std::span<char> part,
                             const std::function<bool(std::span<const char>)>& take) {
-  const ViStatus ready = AwaitReply(session);
-  if (ready != VI_SUCCESS) return ready;
+  if (!io_.AwaitReply(Instrument(session), TimeOut(session))) return VI_ERROR_TMO;
   std::optional<char> terminator;
   if (Value(session, VI_ATTR_TERMCHAR_EN) != VI_FALSE) {
     terminator = static_cast<char>(Value(session, VI_ATTR_TERMCHAR));

@@ -5,8 +5,8 @@
 // shared library (visa_library.cpp) brings the real ones. Not thread-safe; waits block the caller unless
 // `sleep` does something else.
 //
-// To use the face through C function pointers: SetVisaFace(&face), then take &viOpen and its sisters from
-// the library target corlune_virtual_visa_face.
+// To use the face through C function pointers: SetFace(&face) of chosen_face.h, then take &viOpen and its
+// sisters from the library target corlune_virtual_visa_face.
 #pragma once
 
 #include <cstddef>
@@ -21,16 +21,17 @@
 #include <vector>
 
 #include "platform/abi/visa.h"
+#include "standins/virtual_instrument/instrument_io.h"
 #include "standins/virtual_instrument/virtual_bench.h"
 
 namespace corlune {
 
 class VisaFace {
  public:
-  using Sleep = std::function<void(std::uint32_t milliseconds)>;
+  using Sleep = InstrumentIo::Sleep;
 
   // The bench must outlive the face. `sleep` is called for time-outs and late replies.
-  VisaFace(VirtualBench& bench, Sleep sleep) : bench_(bench), sleep_(std::move(sleep)) {}
+  VisaFace(VirtualBench& bench, Sleep sleep) : bench_(bench), io_(std::move(sleep)) {}
 
   ViStatus OpenDefaultRM(ViSession* manager);
   ViStatus FindRsrc(ViSession manager, const char* expression, ViFindList* list, ViUInt32* count, char* name);
@@ -95,21 +96,15 @@ class VisaFace {
   bool LockedByOther(const Session& session);
   // Finds the session and begins an exchange with its instrument; VI_SUCCESS: go on.
   ViStatus Begin(ViSession handle, ExchangeKind kind, std::string_view bytes, Session*& session);
-  // Waits until a reply can be read.
-  ViStatus AwaitReply(const Session& session);
   // Reads up to `size` bytes in parts; `take` gets each and returns false to stop.
   ViStatus Transfer(const Session& session, std::size_t size, std::span<char> part,
                     const std::function<bool(std::span<const char>)>& take);
-  void WaitTimeOut(ViUInt32 milliseconds);
+  ViUInt32 TimeOut(const Session& session) const;
 
   VirtualBench& bench_;
-  Sleep sleep_;
+  InstrumentIo io_;
   std::map<ViObject, Object> objects_;
   ViObject lastHandle_ = 0;
 };
-
-// The face that the C operations (viOpenDefaultRM ...) work on; null: they fail with VI_ERROR_SYSTEM_ERROR.
-void SetVisaFace(VisaFace* face);
-VisaFace* CurrentVisaFace();
 
 }  // namespace corlune

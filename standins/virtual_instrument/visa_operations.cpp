@@ -1,54 +1,20 @@
-// The C operations of a VISA library over the face that SetVisaFace chose.
+// The C operations of a VISA library over the face that SetFace chose.
 
-#if defined(_WIN32)
-#define CORLUNE_LIBRARY_EXPORT __declspec(dllexport)
-#else
-#define CORLUNE_LIBRARY_EXPORT __attribute__((visibility("default")))
-#endif
-
-#include <exception>
-#include <mutex>
-#include <new>
-
+#include "standins/virtual_instrument/export.h"
+// The declarations below come with the mark above.
+#include "standins/virtual_instrument/chosen_face.h"
 #include "standins/virtual_instrument/visa_face.h"
 
-namespace corlune {
+using corlune::VisaFace;
+
 namespace {
 
-// A C interface has no object to keep these in.
-VisaFace* chosenFace = nullptr;
-std::recursive_mutex faceMutex;  // a test's wait may come back in here
-
-// Runs one operation; clients of the shared library may call from several threads.
 template <class Operation>
 ViStatus WithFace(Operation operation) {
-  const std::scoped_lock lock(faceMutex);
-  if (chosenFace == nullptr) return VI_ERROR_SYSTEM_ERROR;
-  try {
-    return operation(*chosenFace);
-  } catch (const std::bad_alloc&) {
-    return VI_ERROR_ALLOC;
-  } catch (const std::exception&) {
-    return VI_ERROR_SYSTEM_ERROR;
-  }
+  return corlune::WithFace<VisaFace>(ViStatus{VI_ERROR_SYSTEM_ERROR}, operation);
 }
 
 }  // namespace
-
-void SetVisaFace(VisaFace* face) {
-  const std::scoped_lock lock(faceMutex);
-  chosenFace = face;
-}
-
-VisaFace* CurrentVisaFace() {
-  const std::scoped_lock lock(faceMutex);
-  return chosenFace;
-}
-
-}  // namespace corlune
-
-using corlune::VisaFace;
-using corlune::WithFace;
 
 // ---- Resource manager ----
 

@@ -1,12 +1,11 @@
-// Libraries that are really loaded: small ones built beside the tests.
-#include <array>
+// Libraries that are really loaded: that of the virtual instruments, one of another purpose, and none.
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <string>
-#include <vector>
 
 #include "comm/make_front_end.h"
-#include "comm_fixture.h"
+#include "interface_rig.h"
+#include "support/environment.h"
 
 namespace corlune::testing {
 namespace {
@@ -15,97 +14,101 @@ using ::testing::AllOf;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-CommOptions NoLibraries() {
-  CommOptions options;
-  options.visa.none = options.gpib.none = options.usb488.none = options.ieee32m.none = true;
-  return options;
-}
+const std::string kVirtual = std::string(CORLUNE_BIN) + "/libcorlune-virtual-instrument.so";
 
 struct Libraries : ::testing::Test {
+  std::unique_ptr<GpFrontEnd> With(const LibraryChoice& each) {
+    return Make({world.folder.Path(), each, each, each, each, false, {}});
+  }
   std::unique_ptr<GpFrontEnd> Make(const CommOptions& options) {
     return MakeGpFrontEnd(world.state, options, world.prompts, world.endProgram, world.clock);
-  }
-  std::unique_ptr<GpFrontEnd> WithVisa(const std::string& file) {
-    CommOptions options = NoLibraries();
-    options.visa = {false, file};
-    world.state.CurrentInterface = InterfaceKind::UsbTmc;
-    return Make(options);
   }
   CommWorld world;
 };
 
-TEST_F(Libraries, AMissingLibraryIsAnOrdinaryStatus) {
-  const auto gp = Make(NoLibraries());
-  const std::vector<std::pair<InterfaceKind, CommStatus>> rows{
-      {InterfaceKind::NiGpib, CommStatus::NoBoard},
-      {InterfaceKind::KiGpib, CommStatus::NoBoard},
-      {InterfaceKind::Usb488, CommStatus::Error},
-      {InterfaceKind::UsbTmc, CommStatus::Error},
-      {InterfaceKind::Simulated, CommStatus::Success}};
-  for (const auto& [kind, status] : rows) {
-    SCOPED_TRACE(static_cast<int>(kind));
-    world.state.CurrentInterface = kind;
-    std::string reply;
-    std::int16_t byte = 0;
-    EXPECT_EQ(gp->GP_Send_Str(0, "A"), status);  // before any GP_Init
-    EXPECT_EQ(gp->GP_Init("USBTMC_NAME=A", true), status);
-    EXPECT_EQ(gp->GP_Receive_Str(0, reply), status);
-    EXPECT_EQ(gp->GP_End(), CommStatus::Success);
-    EXPECT_EQ(gp->GP_Spoll(1, byte), kind == InterfaceKind::UsbTmc ? CommStatus::Success : status);
+// None, missing, no library, one that lacks the first symbol, one that is there but has nothing to offer.
+TEST_F(Libraries, OneThatDoesNotServeIsAnOrdinaryStatus) {
+  // A copy, because the system does not unload what the other test needs with other instruments.
+  const std::string empty = world.folder.File("empty.so");
+  std::filesystem::copy_file(kVirtual, empty);
+  const std::string broken = world.folder.Write("broken.so", "no library");
+  const Environment environment({"CORLUNE_VI_INSTRUMENTS"});
+  environment.Set("nonsense");
+  const struct {
+    LibraryChoice choice;
+    std::string says, names;
+  } rows[] = {{{true, {}}, ": switched off", ""},
+              {{false, world.folder.File("none.so")}, " library not found: ", "none.so: "},
+              {{false, broken}, " library found but unusable: ", "broken.so: "},
+              {{false, CORLUNE_COMPILER}, " library found but unusable: ", " missing"},
+              {{false, empty}, "", ""}};
+  for (const auto& row : rows) {
+    const auto gp = With(row.choice);
+    for (const Kind& kind : Kinds()) {
+      SCOPED_TRACE(kind.name + " " + row.choice.file);
+      world.state.CurrentInterface = kind.kind;
+      std::string reply;
+      std::int16_t byte = 0;
+      // Without a library nothing works before and after an opening; an empty bench fails in its own words.
+      const bool loads = row.choice.file == empty;
+      const CommStatus status = loads && kind.kind == InterfaceKind::NiGpib ? kError : kind.noLibrary;
+      EXPECT_EQ(gp->GP_Send_Str(1, "A"), kind.noLibrary);
+      EXPECT_EQ(gp->GP_Init("LOG_FILE=comm.log,USBTMC_NAME=A/B", true), status);
+      if (kind.wired && !loads) {
+        EXPECT_THAT(gp->OwnLibraryProblem(), AllOf(HasSubstr(row.says), HasSubstr(row.names)));
+        EXPECT_EQ(world.Log().at(0), gp->OwnLibraryProblem());
+      }
+      EXPECT_EQ(gp->GP_Receive_Str(1, reply), kind.noLibrary);
+      EXPECT_EQ(gp->GP_Spoll(1, byte), kind.kind == InterfaceKind::UsbTmc ? kOk : kind.noLibrary);
+      EXPECT_EQ(gp->GP_End(), kOk);
+    }
+    EXPECT_EQ(gp->GP_Find_Devices("?*INSTR"), 0);
+    EXPECT_THAT(gp->LibraryProblem(), HasSubstr(row.choice.file == empty ? "BFFF0000" : row.says));
   }
-  EXPECT_EQ(gp->GP_Find_Devices("?*"), 0);
 }
 
-TEST_F(Libraries, TheProblemIsTold) {
-  const std::string broken = world.folder.Write("broken.so", "no library");
-  const std::vector<std::array<std::string, 3>> rows{
-      {world.folder.File("none.so"), "VISA library not found: ", "none.so: "},
-      {broken, "VISA library found but unusable: ", "broken.so: "},
-      {CORLUNE_STUB_VISA_PARTIAL, "VISA library found but unusable: ", "symbol viClear missing"},
-      {CORLUNE_STUB_VISA, "VISA resource manager does not open", "BFFF0000"}};
-  for (const auto& [file, words, names] : rows) {
-    SCOPED_TRACE(file);
-    const auto gp = WithVisa(file);
-    EXPECT_EQ(gp->GP_Find_Devices("?*INSTR"), 0);
-    EXPECT_THAT(gp->LibraryProblem(), AllOf(HasSubstr(words), HasSubstr(names)));
-    EXPECT_EQ(gp->GP_Init("LOG_FILE=comm.log,USBTMC_NAME=A", true), CommStatus::Error);
-    EXPECT_THAT(world.Log().at(0), HasSubstr(words));
-    EXPECT_EQ(world.Log().at(1), "GP_INIT Error");
+// One library for four interfaces is one bench.
+TEST_F(Libraries, TheVirtualInstrumentsAreReachedThroughAll) {
+  const Environment environment({"CORLUNE_VI_INSTRUMENTS"});
+  environment.Set("QM2220:A");
+  const auto gp = With({false, kVirtual});
+  const std::pair<InterfaceKind, std::int16_t> connectors[] = {{InterfaceKind::UsbTmc, std::int16_t{0}},
+                                                               {InterfaceKind::NiGpib, std::int16_t{2}},
+                                                               {InterfaceKind::KiGpib, std::int16_t{2}},
+                                                               {InterfaceKind::Usb488, std::int16_t{1}}};
+  std::string last = "0";
+  for (const auto& [kind, address] : connectors) {
+    SCOPED_TRACE(static_cast<int>(kind));
+    world.state.CurrentInterface = kind;
+    ASSERT_EQ(gp->GP_Init("USBTMC_NAME=USB0::0x3A1F::0x2220::A::INSTR", true), kOk) << gp->LibraryProblem();
+    std::string reply;
+    EXPECT_EQ(gp->GP_Send_Str(address, "*ESE?"), kOk);
+    EXPECT_EQ(gp->GP_Receive_Str(address, reply), kOk);
+    EXPECT_EQ(reply, last) << "what the one before set";
+    last = std::to_string(static_cast<int>(kind) + 1);
+    EXPECT_EQ(gp->GP_Send_Str(address, "*ESE " + last), kOk);
   }
 }
 
 TEST_F(Libraries, DefaultNamesAreLookedForInTheProgramsFolder) {
-  CommOptions options;
-  options.programFolder = world.folder.Path();
   world.folder.Write("libusb488ps.so", "no library");
   world.state.CurrentInterface = InterfaceKind::Usb488;
-  const auto gp = Make(options);
-  EXPECT_EQ(gp->GP_Init("", true), CommStatus::Error);
-  EXPECT_THAT(gp->LibraryProblem(), HasSubstr(world.folder.File("libusb488ps.so") + ": "));
-}
-
-TEST_F(Libraries, GpibWithoutThreadRegistrationIsUsable) {
-  CommOptions options = NoLibraries();
-  options.gpib = {false, CORLUNE_STUB_GPIB};
-  world.state.CurrentInterface = InterfaceKind::NiGpib;
-  const auto gp = Make(options);
-  EXPECT_EQ(gp->GP_Init("", true), CommStatus::Success) << gp->LibraryProblem();
-  std::string reply;
-  EXPECT_EQ(gp->GP_Receive_Str(5, reply), CommStatus::Success);
-  EXPECT_EQ(reply, "stub");
+  const auto gp = With({});
+  EXPECT_EQ(gp->GP_Init("", true), kError);
+  EXPECT_THAT(gp->OwnLibraryProblem(), HasSubstr(world.folder.File("libusb488ps.so") + ": "));
 }
 
 TEST_F(Libraries, SimulatedTakesEveryKind) {
-  CommOptions options = NoLibraries();
+  CommOptions options;
   options.simulated = true;
   options.simulatedResponses = world.folder.Write("r.ini", "[ADRS7]\n*IDN?=QM2220\n");
   const auto gp = Make(options);
-  for (const InterfaceKind kind : {InterfaceKind::NiGpib, InterfaceKind::UsbTmc}) {
-    world.state.CurrentInterface = kind;
+  for (const Kind& kind : Kinds()) {
+    world.state.CurrentInterface = kind.kind;
     std::string reply;
-    EXPECT_EQ(gp->GP_Init("", true), CommStatus::Success);
+    EXPECT_EQ(gp->GP_Init("", true), kOk);
     gp->GP_Send_Str(7, "*IDN?");
-    EXPECT_EQ(gp->GP_Receive_Str(7, reply), CommStatus::Success);
+    EXPECT_EQ(gp->GP_Receive_Str(7, reply), kOk);
     EXPECT_EQ(reply, "QM2220");
   }
   EXPECT_THAT(gp->Found(), IsEmpty());

@@ -229,8 +229,8 @@ class Files(Bench):
                 ("$cli save ramp.dat -o /dev/full", 1, "/dev/full"),
                 ("$cli save ramp.dat -o ''", 2, "the file name is empty"),
                 ("sed -i 's/SERIALNO0=/&S7/' notes && $cli save notes -o n && grep S7 n", 0, "SS_SERIALNO0=S7"),
-                ("sed -i s/INTERFACE0=0/INTERFACE0=1/ n; $cli --virtual-instrument run n", 1,
-                 "NI-488.2: switched off"),
+                ("sed -i 's/INTERFACE0=0/INTERFACE0=1/;s/ADDRESS0=0/ADDRESS0=2/' n; "
+                 "$cli --virtual-instrument --yes run n", 1, "did not take the sequence over"),
                 ("trap '' XFSZ; ulimit -f 99; $cli --virtual-instrument read 3", 1, "recvdata.bin"),
                 ("trap '' XFSZ; ulimit -f 9; $cli compile ramp.dat", 1, "sendata.bin"),
                 ("mkdir odd; sed '42,334s/CM_STAR=/&x,y,/;335,$s/SC_STARTSTP=1,1/SC_STARTSTP=1,3/' "
@@ -359,14 +359,26 @@ class Runs(Bench):
 
 class RunToItsEnd(Runs):
     def test_run(self):
+        """Two instruments on USBTMC, one on GPIB, one on USB488."""
+        self.switch_log_on()
+        setup = b"SS_CNT=4\r\n" + b"".join(
+            b"SS_INTERFACE%d=%d\r\nSS_ADDRESS%d=4\r\nSS_SERIALNO%d=%c\r\nSS_CHNCNT%d=2\r\n" % (i, kind, i, i, 65 + i, i)
+            for i, kind in enumerate((0, 0, 1, 3)))
+        file = self.write("quick.dat", re.sub(rb"SS_CNT=.*(?=\[COMMON\])", setup, read(self.quick_sequence(0.4)),
+                                              flags=re.S))
         # Started so that it survives its terminal.
-        process = self.start("run", self.quick_sequence(0.4), "--virtual-instrument", "--yes", "--name", "E2E",
-                             "--number", "3", before=["nohup"])
+        process = self.start("run", file, "--virtual-instrument", "--yes", "--name", "E2E", "--number", "3",
+                             "--serial", "A", before=["nohup"],
+                             CORLUNE_VI_INSTRUMENTS="QM2220:A,QM2220:B,QM2220:C,QM2220:D")
         text = process.stdout.readline().decode()
         process.send_signal(signal.SIGHUP)
         out, err = process.communicate(timeout=100)
         self.assertEqual(process.returncode, 0, err)
         text += out.decode()
+        started = re.findall(r'(\S+) <  GP_Send_Str ":TRIG1:SEL:EXEC STAR"',
+                             read(os.path.join(self.folder, "comm.log")).decode())
+        name = "USB0::0X3A1F::0X2220::%s::INSTR"
+        self.assertEqual(started, [name % "A", name % "B", "4", "4"])
         # The question that --yes answers.
         self.assertEqual(err.decode(), "Output switch truns to 'on' and sequence will start. Is it OK?\n")
         for line in ("Transmitting the arbitrary wave data.....ARB 1", "Transmitting the sequence data.",
@@ -376,7 +388,7 @@ class RunToItsEnd(Runs):
         # A machine that is held up may miss some of the steps, but never sees them in another order.
         way = iter([1, 2, 3, 2, 3, 4, 5])
         self.assertTrue(steps and all(step in way for step in steps), text)
-        self.assert_clean("UseStep.txt")
+        self.assert_clean("UseStep.txt", "comm.log")
 
 
 class RunIsStopped(Runs):

@@ -181,7 +181,7 @@ TEST(InterruptionOnTheWay, EndingFromOutsideLeavesNothingRunning) {
     };
     EXPECT_THROW((PlayWith(way, wait, end), end()), ProcessEnd);
     EXPECT_EQ(way.Instrument().Phase(), RunPhase::Idle);
-    EXPECT_EQ(way.face.OpenObjects(), 0U);
+    EXPECT_EQ(way.faces.visa.OpenObjects(), 0U);
     way.prompts.said.clear();
     takenOver += inDownload && way.downloaded ? 1 : 0;
     if (!inDownload || way.downloaded) continue;

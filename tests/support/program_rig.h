@@ -18,6 +18,7 @@
 #include "comm/usb488_backend.h"
 #include "comm/usbtmc_backend.h"
 #include "session/session.h"
+#include "support/bench_tables.h"
 #include "support/fake_ports.h"
 #include "support/program_doubles.h"
 #include "support/temp_folder.h"
@@ -44,6 +45,7 @@ struct ProgramOptions {
   bool communicationLog = false;  // "comm.log" in the folder
   bool writeSettings = false;     // as the window program does
   std::string responses = {};     // response file: every instrument is simulated
+  bool allInterfaces = false;     // GPIB and USB488 libraries beside VISA
   bool queriesWait = false;       // 20 ms before the reply is read, so that something can come in between
   // The person agrees to everything, and the test says afterwards what was asked; otherwise every answer has
   // to be queued.
@@ -57,7 +59,6 @@ class ProgramRig {
       : definition(TempFolder::Read(std::string(CORLUNE_DATA) + "/Corlune_Std.ini")),
         options_(std::move(programOptions)) {
     if (!instruments.empty()) Plug(instruments);
-    SetVisaFace(&face);
     if (options_.communicationLog) Replace(definition, "MYADRS=0\"", "MYADRS=0,LOG_FILE=comm.log\"");
     if (options_.queriesWait) {
       for (const std::string query : {":CST?,", ":COND?,", ":OUTP2?,"})
@@ -74,11 +75,10 @@ class ProgramRig {
   }
   ~ProgramRig() {
     session.reset();
-    EXPECT_EQ(face.OpenObjects(), 0u) << "sessions are left open";
+    EXPECT_EQ(faces.visa.OpenObjects(), 0u) << "sessions are left open";
     if (options_.agrees) {
       EXPECT_THAT(prompts.said, ::testing::IsEmpty()) << "messages that the scenario did not expect";
     }
-    SetVisaFace(nullptr);
   }
   ProgramRig(const ProgramRig&) = delete;
   ProgramRig& operator=(const ProgramRig&) = delete;
@@ -234,7 +234,8 @@ class ProgramRig {
   ScriptedFiles files;
   RecordedSessionDisplay display;
   VirtualBench bench{[this] { return clock.Now(); }};
-  VisaFace face{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
+  VirtualFaces faces{bench, [this](std::uint32_t milliseconds) { clock.Advance(milliseconds); }};
+  BenchTables tables;
   VisaRecorder recorder{bench};
   bool library = true;  // VISA is there
   SessionOptions options;
@@ -249,10 +250,15 @@ class ProgramRig {
         services, [this](std::string*) { return library ? &recorder.Table() : nullptr; });
     InstrumentSearch* search = usbTmc.get();
     const LibraryChoice none{true, {}};
+    const auto told = [](const char* title) { return std::make_shared<LibraryState>(LibraryState{title}); };
+    const bool all = options_.allInterfaces;
     std::array<std::unique_ptr<GpFamily>, 5> backends;
-    backends[0] = std::make_unique<NiGpibMdl>(services, Ni488Loader(none, {}));
-    backends[1] = std::make_unique<Ieee32mMdl>(services, Ieee32mLoader(none, {}));
-    backends[2] = std::make_unique<Usb488Mdl>(services, Usb488Loader(none, {}));
+    backends[0] = std::make_unique<NiGpibMdl>(
+        services, all ? LoaderOf(tables.ni488) : Ni488Loader(none, {}, told("NI-488.2")));
+    backends[1] = std::make_unique<Ieee32mMdl>(
+        services, all ? LoaderOf(tables.ieee32m) : Ieee32mLoader(none, {}, told("IEEE_32M")));
+    backends[2] = std::make_unique<Usb488Mdl>(
+        services, all ? LoaderOf(tables.usb488) : Usb488Loader(none, {}, told("USB488")));
     backends[3] = std::move(usbTmc);
     backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
     auto frontEnd =

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "standins/virtual_instrument/chosen_face.h"
 #include "tests/support/temp_folder.h"
 #include "tests/virtual_instrument/instrument_rig.h"
 
@@ -19,14 +20,14 @@ class VisaFaceTest : public ::testing::Test {
   VisaFaceTest() {
     std::string error;
     EXPECT_TRUE(bench_.AddFromText("QM2220:QM000001,QM2210:SN-2", "", &error)) << error;
-    SetVisaFace(&face_);
+    SetFace(&face_);
     EXPECT_EQ(viOpenDefaultRM(&manager_), VI_SUCCESS);
     EXPECT_EQ(viOpen(manager_, kFirst, VI_NO_LOCK, 0, &first_), VI_SUCCESS);
   }
   ~VisaFaceTest() override {
     EXPECT_EQ(viClose(manager_), VI_SUCCESS);
     EXPECT_EQ(face_.OpenObjects(), 0U);
-    SetVisaFace(nullptr);
+    SetFace<VisaFace>(nullptr);
   }
 
   ViStatus Write(const std::string& text) {
@@ -257,7 +258,9 @@ TEST(Faults, MalformedTextsAreNamed) {
   }
   VirtualBench bench([] { return 0U; });
   for (const char* text :
-       {"QM2230:A", "QM2220", "QM2220:", "QM2220:A,QM2210:A", "QM2220:A::B", "QM2220:A,,"}) {
+       {"QM2230:A", "QM2220", "QM2220:", "QM2220:A,QM2210:A", "QM2220:A::B", "QM2220:A,,",
+        "QM2220:A:", "QM2220:A:usb", "QM2220:A:gpib=31", "QM2220:A:gpib=0", "QM2220:A:usbtmc+usb488",
+        "QM2220:A:usb488=128", "QM2220:A,QM2220:B:gpib=2", "QM2220:A,QM2220:B:usb488=1"}) {
     std::string error;
     EXPECT_FALSE(bench.AddFromText(text, "", &error)) << text;
     EXPECT_TRUE(error.starts_with("not an instrument: ")) << error;

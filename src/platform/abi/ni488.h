@@ -30,6 +30,7 @@ extern "C" {
 #define NI488_EDVR 0 /* operating system error */
 #define NI488_ECIC 1 /* not controller in charge */
 #define NI488_ENOL 2 /* no listener */
+#define NI488_EADR 3 /* board not addressed for the transfer */
 #define NI488_EARG 4 /* invalid argument */
 #define NI488_EABO 6 /* operation aborted, also by its time-out */
 #define NI488_ENEB 7 /* no interface board */

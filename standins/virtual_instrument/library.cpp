@@ -1,15 +1,19 @@
-// The shared library: virtual instruments on the real clock, chosen by the environment when it is loaded.
-//   CORLUNE_VI_INSTRUMENTS  "QM2220:QM000001,QM2210:QM000002"; absent: one QM2220 with serial QM000001
+// The shared library with the C interfaces of all four I/O libraries: one bench of virtual instruments on the
+// real clock, chosen by the environment when the library is loaded. However many of the interfaces a program
+// loads it for, it is loaded once, so that all of them reach the same instruments.
+//   CORLUNE_VI_INSTRUMENTS  instruments and their connectors, see virtual_bench.h; absent: one QM2220 with
+//                           serial number QM000001
 //   CORLUNE_VI_FAULTS       faults, see fault_plan.h; absent: none
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <optional>
 #include <string>
 #include <thread>
 
-#include "standins/virtual_instrument/visa_face.h"
+#include "standins/virtual_instrument/virtual_faces.h"
 
 namespace corlune {
 namespace {
@@ -30,8 +34,8 @@ const char* Environment(const char* name, const char* absent) {
   return value == nullptr ? absent : value;
 }
 
-// Lives as long as the library is loaded. When the environment is malformed no face is set, and every
-// operation fails with VI_ERROR_SYSTEM_ERROR.
+// Lives as long as the library is loaded. When the environment is malformed there are no faces, and every
+// operation fails: there is no board, no device, no resource manager.
 class LoadedLibrary {
  public:
   LoadedLibrary() {
@@ -39,7 +43,7 @@ class LoadedLibrary {
     try {
       if (bench_.AddFromText(Environment("CORLUNE_VI_INSTRUMENTS", kDefaultInstruments),
                              Environment("CORLUNE_VI_FAULTS", ""), &error)) {
-        SetVisaFace(&face_);
+        faces_.emplace(bench_, SleepMilliseconds);
         return;
       }
     } catch (const std::exception& problem) {
@@ -47,13 +51,10 @@ class LoadedLibrary {
     }
     std::fprintf(stderr, "virtual instrument: %s\n", error.c_str());
   }
-  ~LoadedLibrary() { SetVisaFace(nullptr); }
-  LoadedLibrary(const LoadedLibrary&) = delete;
-  LoadedLibrary& operator=(const LoadedLibrary&) = delete;
 
  private:
   VirtualBench bench_{SteadyMilliseconds};
-  VisaFace face_{bench_, SleepMilliseconds};
+  std::optional<VirtualFaces> faces_;
 };
 
 LoadedLibrary loadedLibrary;
