@@ -8,6 +8,7 @@
 
 #include "ui/main_window.h"
 #include "view/command_menu.h"
+#include "view/signal_strip.h"
 
 namespace corlune {
 
