@@ -1,6 +1,7 @@
 // Two and five instruments: downloads and questions go to the first, run commands to all.
 #include <random>
 
+#include "core/output_state.h"
 #include "scenario/exchange_table.h"
 #include "support/program_rig.h"
 

@@ -289,10 +289,10 @@ TEST(WindowState, TheReasonForBeingOffLineCanBeRead) {
   EXPECT_THAT(online.window->findChild<QLabel*>("Panel1")->toolTip().toStdString(),
               HasSubstr("Device1: USBTMC 1000001, Ch: 2"));
   EXPECT_EQ(online.window->Status().PanelText(StatBar::Device), "Device1:QM2220  USBTMC 1000001");
-  const AboutFacts facts{"1.2.3", QDate(2018, 9, 5), "libvisa.so: not found", ""};
+  const AboutFacts facts{"1.2.3", QDate(2018, 9, 5), "libvisa.so: not found", "", {"NI: libgpib.so"}};
   EXPECT_EQ(VersionLine(MessageCatalogue(10000), facts), "Version 1.2.3.0 Sept.5,2018");
   EXPECT_EQ(LibraryLines(MessageCatalogue(10000), facts),
-            "Instrument library:\nlibvisa.so: not found\nSequence compiler: no problem");
+            "Instrument library:\nlibvisa.so: not found\nNI: libgpib.so\nSequence compiler: no problem");
 }
 
 TEST(WindowProgress, CannotBeClosedBeforeItsEnd) {
