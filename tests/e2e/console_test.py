@@ -230,7 +230,7 @@ class Files(Bench):
                 ("$cli save ramp.dat -o ''", 2, "the file name is empty"),
                 ("sed -i 's/SERIALNO0=/&S7/' notes && $cli save notes -o n && grep S7 n", 0, "SS_SERIALNO0=S7"),
                 ("sed -i 's/INTERFACE0=0/INTERFACE0=1/;s/ADDRESS0=0/ADDRESS0=2/' n; "
-                 "$cli --virtual-instrument --yes run n", 1, "did not take the sequence over"),
+                 "$cli --virtual-instrument run n --yes", 1, "did not take the sequence over"),
                 ("trap '' XFSZ; ulimit -f 99; $cli --virtual-instrument read 3", 1, "recvdata.bin"),
                 ("trap '' XFSZ; ulimit -f 9; $cli compile ramp.dat", 1, "sendata.bin"),
                 ("mkdir odd; sed '42,334s/CM_STAR=/&x,y,/;335,$s/SC_STARTSTP=1,1/SC_STARTSTP=1,3/' "
