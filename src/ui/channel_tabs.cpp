@@ -99,6 +99,7 @@ void ChannelTabs::Arrange() {
     pages_[at]->setVisible(visible_[at] && (sideBySide_ || channel == current_));
   }
   bar_->setCurrentIndex(current_);
+  bar_->updateGeometry();  // a tab that comes or goes does not say so itself
   bar_->setVisible(!sideBySide_);
 }
 

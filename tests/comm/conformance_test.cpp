@@ -168,21 +168,26 @@ TEST_P(EveryInterface, TakesRepliesOfEveryShape) {
   const struct {
     std::string fault;
     std::string reply;
+    std::uint32_t waits = 0;  // ms
   } rows[] = {{"long=1", std::string(kReceiveBuffer, '9')},
               {"text=1:" + full, full},  // the terminator is the rest
               {"text=1:" + full.substr(1), full.substr(1)},
               {"bare=1", "60"},
               {"empty=1", ""},
               {"text=1: 1, 2  \r", " 1, 2"},
-              {"late=1:200", "60"},
-              {"drop=1", Status(kind.timedOut)},
+              {"late=1:200", "60", 200},
+              {"drop=1", Status(kind.timedOut), kind.timeOuts[kTimeOut300ms]},
               {"binary=1", std::string("\0\1\2\3\4\5\6\7\10\11\13\14\16\17\20", 15)}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.fault);
     rig.Faults(row.fault);
+    const std::uint32_t start = rig.clock.Now();
     const std::string reply = rig.Ask(kind.first);
     EXPECT_EQ(row.fault == "binary=1" ? reply.substr(0, 15) : reply, row.reply);
-    EXPECT_EQ(rig.Ask(kind.first), "60") << "nothing of it is left";
+    EXPECT_EQ(rig.clock.Now() - start, row.waits);
+    // A new message would interrupt what is left of the reply.
+    EXPECT_EQ(rig.gp->GP_Send_Str(kind.first, ":SYST:ERR?"), kOk);
+    EXPECT_EQ(rig.Receive(kind.first), "0,\"No error\"");
   }
 }
 
@@ -272,6 +277,7 @@ TEST_P(EveryInterface, ReadsBlocksIntoFiles) {
     EXPECT_EQ(count, carries ? row.stored.size() : 0);
     if (!carries) continue;
     EXPECT_EQ(TempFolder::Read(file), row.stored);
+    EXPECT_EQ(rig.bench.At(0).ReplyDelay(), std::nullopt) << "nothing is left to be read";
     EXPECT_EQ(rig.TakeLog(), Failed(row.status) ? kind.firstName + " <  Gp_Recv_ToFile \" Time Out" : "");
     rig.Faults("text=1:a\nb");
     EXPECT_EQ(rig.Ask(kind.first), "a") << "the terminator ends a read again";

@@ -230,7 +230,7 @@ class Files(Bench):
                 ("$cli save ramp.dat -o ''", 2, "the file name is empty"),
                 ("sed -i 's/SERIALNO0=/&S7/' notes && $cli save notes -o n && grep S7 n", 0, "SS_SERIALNO0=S7"),
                 ("sed -i 's/INTERFACE0=0/INTERFACE0=1/;s/ADDRESS0=0/ADDRESS0=2/' n; "
-                 "$cli --virtual-instrument run n --yes", 1, "did not take the sequence over"),
+                 "CORLUNE_VI_INSTRUMENTS=QM2210:S7 $cli --virtual-instrument run n --yes", 1, "did not take the sequence over"),
                 ("trap '' XFSZ; ulimit -f 99; $cli --virtual-instrument read 3", 1, "recvdata.bin"),
                 ("trap '' XFSZ; ulimit -f 9; $cli compile ramp.dat", 1, "sendata.bin"),
                 ("mkdir odd; sed '42,334s/CM_STAR=/&x,y,/;335,$s/SC_STARTSTP=1,1/SC_STARTSTP=1,3/' "
@@ -307,7 +307,7 @@ class Files(Bench):
             (virtual + ["--name", 'quo"te'], {}, "Input value Error!"),
             (virtual + ["--name", "a name of 21 letters."], {}, "--name"),
             (["--compiler", self.file("absent.so"), *virtual, "--yes"], {}, "absent.so"),
-            (["--compiler", os.path.join(PROGRAMS, "libcorlune-virtual-visa.so"), *virtual, "--yes"], {},
+            (["--compiler", os.path.join(PROGRAMS, "libcorlune-virtual-instrument.so"), *virtual, "--yes"], {},
              "CompileSeqData"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "gone=1"}, "instrument 1"),
             (virtual + ["--yes"], {"CORLUNE_VI_FAULTS": "error:0xBFFF003E@REM"}, "instrument 1 occurred"),
