@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDialog>
 #include <QLabel>
@@ -53,6 +54,7 @@ class FrmPrgrs::Window : public QDialog {
   void OfferCancel(const QString& text, const QString& pressed = {}) {
     pressed_ = pressed;
     cancel_->setText(text);
+    if (cancel_->isHidden()) QCoreApplication::instance()->installEventFilter(this);
     cancel_->show();
   }
   void Advance() { bar_->setValue(bar_->value() + 1); }
@@ -60,6 +62,17 @@ class FrmPrgrs::Window : public QDialog {
   bool Painted() const { return painted_; }
 
  protected:
+  // The keyboard stays with the window behind; its Escape cancels what the person waits for.
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (!key || !watched->isWindowType() || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape ||
+        cancelled_ || QApplication::activeModalWidget() || QApplication::activePopupWidget()) {
+      return QDialog::eventFilter(watched, event);
+    }
+    if (event->type() == QEvent::KeyPress) reject();
+    event->accept();
+    return true;
+  }
   void paintEvent(QPaintEvent* event) override {
     QDialog::paintEvent(event);
     painted_ = true;

@@ -12,7 +12,7 @@ namespace corlune {
 
 namespace {
 
-constexpr QSize kSize{560, 600};  // pixels at 96 dpi
+constexpr QSize kSize{680, 600};  // pixels at 96 dpi
 
 // As the keys are called on this platform.
 std::string Spelled(const std::string& keys) {
@@ -35,10 +35,11 @@ void AddSection(QTreeWidget& list, const std::string& title, const std::vector<S
   }
 }
 
-std::vector<ShortcutLine> LinesOf(MenuPlace menu, const MessageCatalogue& catalogue) {
+std::vector<ShortcutLine> LinesOf(MenuPlace menu, const MessageCatalogue& catalogue,
+                                  const ControlStates& states) {
   std::vector<ShortcutLine> lines;
   for (const CommandRow& row : WindowCommands()) {
-    if (row.menu != menu) continue;
+    if (row.menu != menu || !StateOf(row, states).Visible) continue;
     std::string keys = Spelled(row.keys);
     if (row.inCellsOnly) keys = catalogue.GetResString(TextId::KeyInCells, {keys});
     lines.push_back({PlainCaption(catalogue.GetResString(row.caption)), keys});
@@ -49,7 +50,7 @@ std::vector<ShortcutLine> LinesOf(MenuPlace menu, const MessageCatalogue& catalo
 }  // namespace
 
 FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<ShortcutSection>& sections,
-                           QWidget* parent)
+                           const ControlStates& states, QWidget* parent)
     : QDialog(parent) {
   const auto text = [&](TextId id) { return QString::fromStdString(catalogue.GetResString(id)); };
   setObjectName(QStringLiteral("FrmShortcuts"));
@@ -62,7 +63,8 @@ FrmShortcuts::FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<
   list->setRootIsDecorated(false);
   list->setAccessibleName(windowTitle());
   for (const MenuRow& menu : WindowMenus()) {
-    AddSection(*list, PlainCaption(catalogue.GetResString(menu.caption)), LinesOf(menu.place, catalogue));
+    AddSection(*list, PlainCaption(catalogue.GetResString(menu.caption)),
+               LinesOf(menu.place, catalogue, states));
   }
   for (const ShortcutSection& section : sections) {
     std::vector<ShortcutLine> spelled;

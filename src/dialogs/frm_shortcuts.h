@@ -7,6 +7,7 @@
 #include <QDialog>
 
 #include "core/catalogue.h"
+#include "editing/control_states.h"
 
 namespace corlune {
 
@@ -27,8 +28,9 @@ class FrmShortcuts : public QDialog {
 
  public:
   // The table of commands, menu by menu, and `sections` behind it.
+  // Without the commands that `states` hides.
   FrmShortcuts(const MessageCatalogue& catalogue, const std::vector<ShortcutSection>& sections,
-               QWidget* parent = nullptr);
+               const ControlStates& states, QWidget* parent = nullptr);
 };
 
 }  // namespace corlune

@@ -39,7 +39,8 @@ constexpr CommandRow kCommands[] = {
     {SaveAs, TextId::MenuSaveAs, kFile, 0, 3, "Ctrl+Shift+S", nullptr},
     {ImportCsv, TextId::MenuImportCsv, kFile, 0, -1, "Ctrl+Shift+I", "mnuImportCsv", false, &States::ImportCsv},
     {ExportCsv, TextId::MenuExportCsv, kFile, 0, -1, "Ctrl+Shift+E", "mnuExportCsv", false, &States::ExportCsv},
-    {Exit, TextId::MenuExit, kFile, 1, 4, "Ctrl+Q", nullptr},
+    {ReadBack, TextId::EditReadBack, kFile, 1, -1, "Ctrl+R", "mnuReadBack", false, &States::Read},
+    {Exit, TextId::MenuExit, kFile, 2, 4, "Ctrl+Q", nullptr},
     {Undo, TextId::UndoWord, kEdit, 0, -1, "Ctrl+Z", "mnuUndo", false, &States::Undo, &Editor::Undo},
     {Redo, TextId::RedoWord, kEdit, 0, -1, "Ctrl+Y; Ctrl+Shift+Z", "mnuRedo", false, &States::Redo, &Editor::Redo},
     {Copy, TextId::MenuCopy, kEdit, 1, 0, "Ctrl+C", nullptr},
@@ -84,7 +85,7 @@ constexpr CommandRow kCommands[] = {
     {ZoomIn, TextId::MenuZoomIn, kDisplay, 0, -1, "Ctrl++; Ctrl+=", "mnuZoomIn"},  // "+" is often a shifted "="
     {ZoomOut, TextId::MenuZoomOut, kDisplay, 0, -1, "Ctrl+-", "mnuZoomOut"},
     {WholeSequence, TextId::MenuWholeSequence, kDisplay, 0, -1, "Ctrl+0", "mnuShowAll"},
-    {AreaSettings, TextId::MenuAreaSettings, kDisplay, 1, -1, "", "mnuAreaSettings"},
+    {AreaSettings, TextId::MenuAreaSettings, kDisplay, 1, -1, "Ctrl+T", "mnuAreaSettings"},
     {About, TextId::MenuAbout, kHelp, 0, 0, "F1", nullptr},
     {Shortcuts, TextId::MenuShortcuts, kHelp, 0, -1, "Ctrl+F1", "mnuShortcuts"},
     {Notices, TextId::MenuNotices, kHelp, 0, -1, "Ctrl+Shift+N", "mnuNotices"},

@@ -18,6 +18,7 @@ enum class Command {
   SaveAs,
   ImportCsv,
   ExportCsv,
+  ReadBack,
   Exit,
   Undo,
   Redo,

@@ -237,6 +237,15 @@ std::optional<double> ValueDrag::PointedValue() const {
   return from + (swing - from) / along;
 }
 
+double ValueDrag::PartOfValue() const {
+  double part = cell_.ChangeMode == kModeSweep ? handle_.Along : 1;
+  if (handle_.Part != Kind::Level) {
+    const auto [below, above] = SwingParts(*sequence_, handle_.Channel, handle_.Step);
+    part *= handle_.Part == Kind::HighEdge ? above : below;
+  }
+  return std::abs(part) > 0 ? std::abs(part) : 1;
+}
+
 std::string ValueDrag::ValueTextAt(bool fine) const {
   const auto [channel, step] = std::pair(handle_.Channel, handle_.Step);
   const int slot = handle_.Slot;
@@ -244,7 +253,8 @@ std::string ValueDrag::ValueTextAt(bool fine) const {
   if (!pointed) return text_;
   const UserUnits units(*sequence_, definition_);
   const ValueBounds bounds = ChannelBounds(definition_, *sequence_, channel, step, slot);
-  const double pixel = (scale_.Values.High - scale_.Values.Low) / scale_.Height * (fine ? kFinePart : 1);
+  const double pixel =
+      (scale_.Values.High - scale_.Values.Low) / scale_.Height / PartOfValue() * (fine ? kFinePart : 1);
   const double round = std::max(RoundStep(pixel), LastPlace(units.UserUnitFormat(channel, slot)));
   const double stored = bounds.Nearest(units.UserToSystem(Snapped(*pointed, round), channel, step, slot));
   if (!std::isfinite(stored)) return text_;

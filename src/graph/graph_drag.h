@@ -60,6 +60,8 @@ class ValueDrag {
 
  private:
   std::optional<double> PointedValue() const;
+  // How far what is drawn moves when the value moves by 1.
+  double PartOfValue() const;
   std::string ValueTextAt(bool fine) const;
   std::string TimeTextAt(bool fine) const;
   void Take(const std::string& text);

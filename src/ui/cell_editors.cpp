@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 
 #include "ui/grid_model.h"
+#include "view/entry_field.h"
 
 namespace corlune {
 
@@ -303,6 +304,8 @@ bool CellEditors::eventFilter(QObject* watched, QEvent* event) {
         event->accept();
         return true;
       }
+      // A letter for a menu that does not exist is no text either.
+      if (event->type() == QEvent::KeyPress && IsMenuLetter(*static_cast<QKeyEvent*>(event))) return true;
       break;
     case QEvent::FocusIn:
       // The menu bar has taken the selection away: the next digit would be added to the value.

@@ -75,7 +75,8 @@ GridSide::GridSide(const GridViews& views, GridModel& branchModel, const std::fu
 }
 
 int GridSide::WidthOfTexts() const {
-  const int branch = branch_->ContentWidth() + 2 * kSpacing;
+  const int branch =
+      std::max(branch_->ContentWidth() + 2 * kSpacing, branchFrame_->minimumSizeHint().width());
   return std::max({branch, insert_->sizeHint().width(), delete_->sizeHint().width()});
 }
 
@@ -89,7 +90,12 @@ QWidget* GridSide::BuildBranch(GridModel& model) {
   stepLabel->setObjectName(QStringLiteral("LabStepNo"));
   for (QLabel* label : {branchLabel, stepLabel}) {
     label->setWordWrap(true);
-    label->setMinimumWidth(1);
+    // Between words only; a text without blanks stays in one piece.
+    int widest = 1;
+    for (const QString& word : label->text().simplified().split(QLatin1Char(' '))) {
+      widest = std::max(widest, label->fontMetrics().horizontalAdvance(word));
+    }
+    label->setMinimumWidth(widest);
   }
   stepNumber_ = new QLineEdit;
   stepNumber_->setObjectName(QStringLiteral("TxtStepNo"));

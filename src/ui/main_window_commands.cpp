@@ -81,6 +81,8 @@ void MainWindow::Do(Command command) {
       return ImportCsv();
     case Command::ExportCsv:
       return ExportCsv();
+    case Command::ReadBack:
+      return ReadBack();
     case Command::EditMode:
       return ChangeMode(OperationMode::Edit);
     case Command::ExecutionMode:
@@ -195,7 +197,10 @@ FrmPreview& MainWindow::NeedPreview() {
 GraphHandlers MainWindow::HandlersOfGraphs() {
   GraphHandlers handlers;
   handlers.selectStep = [this](int step) {
-    if (!CommitEntries()) return false;
+    if (!CommitEntries()) {
+      focus_->Return();  // the press has taken the keyboard into the graphs
+      return false;
+    }
     grids_->SelectRow(RowOf(StepIndex{step}));
     return true;
   };
@@ -204,7 +209,8 @@ GraphHandlers MainWindow::HandlersOfGraphs() {
     grids_->FocusCell();
   };
   handlers.enterValue = [this](const CellPlace& place, const std::string& text) {
-    if (!CommitEntries() || !states_.EditCells) return;
+    if (!CommitEntries()) return focus_->Return();
+    if (!states_.EditCells) return;
     grids_->SelectCell(place);
     grids_->Apply(editor_.EnterText(place, text));
   };
@@ -298,8 +304,9 @@ void MainWindow::ShowAbout() {
 void MainWindow::ShowShortcuts() {
   const MessageCatalogue& texts = session_.Catalogue();
   Perform([&] {
-    FrmShortcuts(
-        texts, {{TextId::KeysOfGrids, CellKeyLines(texts)}, {TextId::KeysOfView, GraphKeyLines(texts)}}, this)
+    FrmShortcuts(texts,
+                 {{TextId::KeysOfGrids, CellKeyLines(texts)}, {TextId::KeysOfView, GraphKeyLines(texts)}},
+                 states_, this)
         .exec();
   });
 }

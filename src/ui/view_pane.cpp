@@ -1,7 +1,9 @@
 #include "ui/view_pane.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
 #include <QStyle>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -36,8 +38,8 @@ ViewPane::ViewPane(const MessageCatalogue& catalogue, const std::function<void(C
     auto* button = new QToolButton(this);
     button->setObjectName(QString::fromUtf8(RowOf(command).name).replace(QLatin1String("mnu"), "Cmd"));
     button->setAutoRaise(true);
-    button->setIcon(style()->standardIcon(icon));
     button->setIconSize({kIconSize, kIconSize});
+    icons_.emplace_back(button, icon);
     button->setFocusPolicy(Qt::TabFocus);
     const QString text = QString::fromStdString(PlainCaption(catalogue.GetResString(RowOf(command).caption)));
     const QList<QKeySequence> keys = KeysOf(RowOf(command));
@@ -49,6 +51,24 @@ ViewPane::ViewPane(const MessageCatalogue& catalogue, const std::function<void(C
   add(Command::ViewFloat, QStyle::SP_TitleBarNormalButton);
   add(Command::ViewClose, QStyle::SP_TitleBarCloseButton);
   rows->addLayout(head);
+  ShowIcons();
+}
+
+// The style's signs are drawn for light windows.
+void ViewPane::ShowIcons() {
+  for (const auto& [button, icon] : icons_) {
+    QPixmap sign = style()->standardIcon(icon).pixmap(button->iconSize(), devicePixelRatioF());
+    QPainter painter(&sign);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(sign.rect(), palette().color(QPalette::ButtonText));
+    painter.end();
+    button->setIcon(sign);
+  }
+}
+
+void ViewPane::changeEvent(QEvent* event) {
+  QWidget::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) ShowIcons();
 }
 
 void ViewPane::Take(QWidget& view) {

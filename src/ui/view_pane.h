@@ -3,11 +3,16 @@
 #pragma once
 
 #include <functional>
+#include <utility>
+#include <vector>
 
+#include <QStyle>
 #include <QWidget>
 
 #include "core/catalogue.h"
 #include "editing/window_commands.h"
+
+class QToolButton;
 
 namespace corlune {
 
@@ -20,6 +25,14 @@ class ViewPane : public QWidget {
            QWidget* parent = nullptr);
   // Takes the view in as a child, until it gets another parent.
   void Take(QWidget& view);
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void ShowIcons();
+
+  std::vector<std::pair<QToolButton*, QStyle::StandardPixmap>> icons_;
 };
 
 }  // namespace corlune

@@ -53,7 +53,14 @@ bool EntryField::event(QEvent* event) {
   return QLineEdit::event(event);
 }
 
+bool IsMenuLetter(const QKeyEvent& key) {
+  const bool alone =
+      key.modifiers().testFlag(Qt::AltModifier) && !key.modifiers().testFlag(Qt::ControlModifier);
+  return alone && !key.text().isEmpty() && key.text().front().isPrint();
+}
+
 void EntryField::keyPressEvent(QKeyEvent* event) {
+  if (IsMenuLetter(*event)) return;
   switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:

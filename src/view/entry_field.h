@@ -13,6 +13,9 @@ enum class EntryEnd {
   Left,  // the focus went elsewhere, a click perhaps: a message would swallow that click
 };
 
+// Alt with a character: meant for a menu, never a text.
+bool IsMenuLetter(const QKeyEvent& key);
+
 // Enter, Tab, leaving the field and every command hand the text to the check. A refused text is replaced by
 // the one stored last, and after a key it is selected and has the focus. Escape brings the stored text back.
 // A menu, a message or another window does not end the entry: it stands until one of these comes.

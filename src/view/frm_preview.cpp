@@ -342,6 +342,7 @@ void FrmPreview::closeEvent(QCloseEvent* event) {
   QMainWindow::closeEvent(event);
   if (!event->isAccepted()) return;
   EnterFields(EntryEnd::Left);
+  hide();  // now: whoever is told of it asks whether the view is open
   impl_->state.SequenceViewShown = false;
   // The run goes on without the view.
   MeasureEnd();

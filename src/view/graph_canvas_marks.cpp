@@ -7,6 +7,8 @@
 
 #include "view/graph_access.h"
 #include "view/graph_canvas.h"
+#include "view/theme.h"
+#include "view/to_qcolor.h"
 
 namespace corlune {
 
@@ -71,7 +73,9 @@ void GraphCanvas::ShowLabel(const QString& text, const QPoint& place) {
   labelBox_.moveBottomLeft(place + QPoint(kAway, -kAway));
   const QRect view = viewport()->rect();
   labelBox_.moveLeft(std::max(std::min(labelBox_.left(), view.right() - labelBox_.width()), 1));
-  if (labelBox_.top() < 0) labelBox_.moveTop(std::min(place.y() + kAway, view.bottom()));
+  if (labelBox_.top() < 0) labelBox_.moveTop(place.y() + kAway);
+  // The pointer may be outside; the value stays in sight.
+  labelBox_.moveTop(std::max(std::min(labelBox_.top(), view.bottom() - labelBox_.height()), 1));
   viewport()->update(labelBox_.adjusted(-1, -1, 1, 1));
 }
 
@@ -133,7 +137,7 @@ void GraphCanvas::PaintSelection(QPainter& painter) {
   if (column.isEmpty()) return;
   const QColor color = palette().color(QPalette::Highlight);
   painter.setRenderHint(QPainter::Antialiasing, false);
-  PaintNumber(painter, *selected_, color, palette().color(QPalette::HighlightedText));
+  PaintNumber(painter, *selected_, color, ToQColor(TextIn(ThemeOf(palette()), ToColor(color))));
   painter.setClipRect(layout_.Middle, Qt::IntersectClip);
   QColor tint = color;
   tint.setAlpha(24);

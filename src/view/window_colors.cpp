@@ -15,9 +15,9 @@ struct Shades {
   unsigned Window, Text, Base, Alternate, Button, Highlight, HighlightedText, Link, Tip, Faint;
 };
 constexpr Shades kLight{0xEFEFEF, 0x000000, 0xFFFFFF, 0xF7F7F7, 0xEFEFEF,
-                        0x308CC6, 0xFFFFFF, 0x0057AE, 0xFFFFDC, 0x8C8C8C};
+                        0x2474AC, 0xFFFFFF, 0x0057AE, 0xFFFFDC, 0x8C8C8C};
 constexpr Shades kDark{0x2B2D30, 0xE4E6E8, 0x1E1F22, 0x25272A, 0x393B40,
-                       0x3D8BC9, 0xFFFFFF, 0x6CB2F0, 0x43454A, 0x7E8287};
+                       0x2474AC, 0xFFFFFF, 0x6CB2F0, 0x43454A, 0x7E8287};
 
 QPalette PaletteOf(const Shades& shades) {
   // The shadows and edges between them follow from these two.
@@ -40,6 +40,8 @@ QPalette PaletteOf(const Shades& shades) {
   for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
     palette.setColor(QPalette::Disabled, role, QColor(QRgb(shades.Faint)));
   }
+  // The style draws what is disabled a second time in this colour, as if it were engraved.
+  palette.setColor(QPalette::Disabled, QPalette::Light, QColor(QRgb(shades.Window)));
   palette.setColor(QPalette::Disabled, QPalette::Base, QColor(QRgb(shades.Window)));
   palette.setColor(QPalette::Disabled, QPalette::Highlight, QColor(QRgb(shades.Faint)));
   return palette;
