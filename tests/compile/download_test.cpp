@@ -208,20 +208,6 @@ TEST(Asking, ForAName) {
   }
 }
 
-TEST(Asking, InterfacesWithoutBlocks) {
-  for (const InterfaceKind kind : {InterfaceKind::NiGpib, InterfaceKind::KiGpib, InterfaceKind::Usb488}) {
-    DownloadRig rig;
-    rig.session->State().Instruments[0].InterfaceKind = kind;
-    rig.prompts.Answer(PromptAnswer::Cancel);
-    EXPECT_FALSE(rig.Download());
-    rig.ExpectPrompts({"question: " + rig.Text(TextId::NoBlocksQuestion)});
-    EXPECT_EQ(rig.Sender().Outcome().End, DownloadEnd::Cancelled);
-    EXPECT_FALSE(rig.Download()) << "no such instrument";
-    EXPECT_EQ(rig.Sender().Outcome().End, DownloadEnd::NotSent);
-    EXPECT_EQ(std::exchange(rig.prompts.said, {}).back(), rig.lastName);
-  }
-}
-
 // The sequence's error query; what comes behind the 128th character does not count.
 TEST(Understanding, ErrorNumbers) {
   struct Case {
