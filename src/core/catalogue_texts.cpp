@@ -371,10 +371,10 @@ CatalogueText TextOf(TextId id) {
     case MenuAreaSettings: return {"Area Settings(&A)", "エリア設定(&A)"};
     case AreaField: return {"Area", "エリア："};
     case TimeAxisField: return {"Time axis", "時間軸："};
-    case MenuSignalStrip: return {"Signal of the step(&S)", "ステップの信号(&S)"};
+    case MenuSignalStrip: return {"Signal of the step(&N)", "ステップの信号(&N)"};
     case SignalName: return {"Signal of the step", "ステップの信号"};
     case SignalOpenCircuit: return {"into High-Z", "High-Z時"};
-    case SignalIntoLoad: return {"into $1 Ω", "負荷$1 Ω時"};
+    case SignalIntoLoad: return {"into $1 ohm", "負荷$1 Ω時"};
     case SignalWholeStep: return {"whole step ($1)", "ステップ全体（$1）"};
     case SignalBegin: return {"first $1 of $2", "先頭の$1（全体$2）"};
     case SignalSection: return {"$1 to $2 of $3", "$1～$2（全体$3）"};

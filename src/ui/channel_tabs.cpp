@@ -89,7 +89,8 @@ void ChannelTabs::Arrange() {
   const QSignalBlocker own(bar_);
   for (int channel = 0; channel < MAX_CHANNELS; ++channel) {
     const std::size_t at = At(channel);
-    bar_->setTabVisible(channel, visible_[at]);
+    // Said again, the same would make the bar forget that it has to be laid out.
+    if (bar_->isTabVisible(channel) != visible_[at]) bar_->setTabVisible(channel, visible_[at]);
     QFont font;
     font.setBold(channel == current_);
     captions_[at]->setFont(font);
@@ -99,6 +100,7 @@ void ChannelTabs::Arrange() {
     pages_[at]->setVisible(visible_[at] && (sideBySide_ || channel == current_));
   }
   bar_->setCurrentIndex(current_);
+  bar_->updateGeometry();  // a tab that comes or goes does not say so itself
   bar_->setVisible(!sideBySide_);
 }
 

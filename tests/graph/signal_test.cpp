@@ -102,7 +102,7 @@ TEST(SignalTest, SaysInWordsWhatItShows) {
   const SignalSubject subject = SubjectOf(rig, 1, 2);
   EXPECT_EQ(subject.StepText, "Step 2: 0.5 s");
   ASSERT_EQ(subject.Channels.size(), 2U);
-  EXPECT_EQ(subject.Channels[0].Caption, "CH1  V into 50 Ω");
+  EXPECT_EQ(subject.Channels[0].Caption, "CH1  V into 50 ohm");
   EXPECT_EQ(subject.Channels[1].Caption, "CH2  V into High-Z");
   EXPECT_EQ(subject.Channels[0].Legend,
             "SIN  1000 → 5000 Hz  1 Vp-p (kept)  0 V  0 deg  + external signal (not shown)");
@@ -110,7 +110,7 @@ TEST(SignalTest, SaysInWordsWhatItShows) {
   rig.sequence.Channels.UserUnits[0][kSlotAmplitude] = {1, 0, "kV", 10, 0};
   rig.sequence.Channels.UserUnits[0][kSlotOffset] = {1, 0, "kV", 10, 0};
   const ChannelSignal amplified = SubjectOf(rig, 1).Channels.at(0);
-  EXPECT_EQ(amplified.Caption, "CH1  kV into 50 Ω");
+  EXPECT_EQ(amplified.Caption, "CH1  kV into 50 ohm");
   EXPECT_EQ(SignalRange(amplified), (ValueRange{-5, 5}));
   EXPECT_EQ(SubjectOf(rig, 3).Note, "No step is selected.");
   rig.sequence.Steps[1].StepTime = 0;

@@ -2,6 +2,7 @@
 #include <QAbstractItemModelTester>
 #include <QHeaderView>
 #include <QSignalSpy>
+#include <QTabBar>
 
 #include "gui/grids/grids_rig.h"
 #include "ui/cell_editors.h"
@@ -86,6 +87,13 @@ TEST(GridModels, ADefinitionWithOneChannelHidesTheOtherTab) {
   EXPECT_EQ(rig.editor->Cursor().CurrentChannel, 0);
   EXPECT_TRUE(tabs.isTabVisible(0));
   EXPECT_EQ(tabs.tabText(0), QStringLiteral("Ch1"));
+  // A second one that comes back has its place in the bar.
+  QApplication::processEvents();
+  rig.state.Instruments[0].ChannelCount = 2;
+  rig.panel->Rebuild();
+  QApplication::processEvents();
+  const auto& bar = rig.Named<QTabBar>("SSTab1Bar");
+  EXPECT_TRUE(bar.rect().contains(bar.tabRect(1))) << bar.width();
 }
 
 TEST(Repaints, ARebuildPaintsOnce) {
