@@ -40,10 +40,17 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
   painter->save();
   painter->fillRect(option.rect, look.Background);
   const bool marked = model->IsMarked(index);
-  QFont font = option.font;
-  font.setBold(marked && index.column() == 0);
-  painter->setFont(font);
-  const QColor accent = LineOn(look.Background, highlight);
+  const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
+  const bool current = view != nullptr && view->currentIndex() == index;
+  if (marked && index.column() == 0) {
+    QFont font = option.font;
+    font.setBold(true);
+    painter->setFont(font);
+  } else {
+    painter->setFont(option.font);
+  }
+  // Costs more than the cell; few cells have one.
+  const QColor accent = marked || current ? LineOn(look.Background, highlight) : QColor();
   if (marked) {
     painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), kRowLine)), accent);
     painter->fillRect(option.rect.adjusted(0, option.rect.height() - kRowLine, 0, 0), accent);
@@ -59,8 +66,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->drawText(text, alignment | Qt::TextSingleLine, shown);
   }
   // The frame stays when the focus is elsewhere: it tells where the row commands act.
-  const auto* view = qobject_cast<const QAbstractItemView*>(option.widget);
-  if (view != nullptr && view->currentIndex() == index) {
+  if (current) {
     painter->setPen(QPen(accent, kFrameWidth, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter->drawRect(option.rect.adjusted(1, 1, -1, -1));
   }
@@ -78,8 +84,10 @@ void GridDelegate::PaintNumber(QPainter& painter, const QRect& rect, const GridM
   if (cell.State == CellState::Value) {
     shown.Lanes = views.LoopLanes();
     shown.Loops = views.LoopParts({index.row() + 1});
-    shown.LoopColor = LineOn(look.Background, views.Definition().LoopSequence);
-    shown.EndlessColor = LineOn(look.Background, views.Definition().EndlessSequence);
+    if (!shown.Loops.empty()) {
+      shown.LoopColor = LineOn(look.Background, views.Definition().LoopSequence);
+      shown.EndlessColor = LineOn(look.Background, views.Definition().EndlessSequence);
+    }
   }
   PaintStepNumber(painter, rect, shown);
 }
