@@ -211,7 +211,8 @@ void ValueDrag::Move(double dx, double dy, bool fine) {
 }
 
 std::optional<double> ValueDrag::PointedValue() const {
-  const auto [channel, step] = std::pair(handle_.Channel, handle_.Step);
+  const int channel = handle_.Channel;
+  const int step = handle_.Step;
   const auto at = [&](int slot, double along) {
     return ShownValue(*sequence_, definition_, channel, step, slot, along);
   };
