@@ -129,14 +129,13 @@ void GraphHand::Release() {
 bool GraphHand::Key(int key) {
   const int count = static_cast<int>(canvas_.Picture().Spans.size());
   if (count == 0) return false;
-  const int now = canvas_.SelectedStep().value_or(canvas_.TopRow() - 1);
-  int step = now;
+  int step = canvas_.SelectedStep().value_or(canvas_.TopRow() - 1);
   switch (key) {
     case Qt::Key_Left:
-      step = now - 1;
+      --step;
       break;
     case Qt::Key_Right:
-      step = now + 1;
+      ++step;
       break;
     case Qt::Key_Home:
       step = 0;
