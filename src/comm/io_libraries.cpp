@@ -88,10 +88,11 @@ struct TableOwner {
 
 template <typename Table>
 LibraryLoader<Table> MakeLoader(const LibraryChoice& choice, const std::string& programFolder,
-                                std::shared_ptr<LibraryState> state, std::initializer_list<const char*> names,
+                                const std::shared_ptr<LibraryState>& state,
+                                std::initializer_list<const char*> names,
                                 std::vector<Binding> (*bindings)(Table&)) {
   auto owner = std::make_shared<TableOwner<Table>>();
-  owner->bound.state = std::move(state);
+  owner->bound.state = state;
   owner->bound.choice = choice;
   owner->bound.defaultNames.assign(names.begin(), names.end());
   owner->bound.programFolder = programFolder;
@@ -106,7 +107,7 @@ LibraryLoader<Table> MakeLoader(const LibraryChoice& choice, const std::string& 
 }  // namespace
 
 LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::string& programFolder,
-                                    std::shared_ptr<LibraryState> state) {
+                                    const std::shared_ptr<LibraryState>& state) {
 #ifdef _WIN32
   const auto names = {"VISA32.DLL"};
 #else
@@ -141,13 +142,13 @@ LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::stri
 }
 
 LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::string& programFolder,
-                                      std::shared_ptr<LibraryState> state) {
+                                      const std::shared_ptr<LibraryState>& state) {
 #ifdef _WIN32
   const auto names = {"Gpib-32.dll"};
 #else
   const auto names = {"libgpib.so.0", "libgpib.so"};
 #endif
-  return MakeLoader<Ni488Table>(choice, programFolder, std::move(state), names, [](Ni488Table& t) {
+  return MakeLoader<Ni488Table>(choice, programFolder, state, names, [](Ni488Table& t) {
     return std::vector<Binding>{{"ibfind", &t.Find},
                                 {"ibconfig", &t.Config},
                                 {"ibsic", &t.SendInterfaceClear},
@@ -168,13 +169,13 @@ LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::st
 }
 
 LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::string& programFolder,
-                                        std::shared_ptr<LibraryState> state) {
+                                        const std::shared_ptr<LibraryState>& state) {
 #ifdef _WIN32
   const auto names = {"USB488ps.dll"};
 #else
   const auto names = {"libusb488ps.so"};
 #endif
-  return MakeLoader<Usb488Table>(choice, programFolder, std::move(state), names, [](Usb488Table& t) {
+  return MakeLoader<Usb488Table>(choice, programFolder, state, names, [](Usb488Table& t) {
     return std::vector<Binding>{
         {"UsbInitialize", &t.Initialize},     {"UsbFinalize", &t.Finalize},
         {"UsbOpenDevice", &t.OpenDevice},     {"UsbCloseDevice", &t.CloseDevice},
@@ -188,13 +189,13 @@ LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::
 }
 
 LibraryLoader<Ieee32mTable> Ieee32mLoader(const LibraryChoice& choice, const std::string& programFolder,
-                                          std::shared_ptr<LibraryState> state) {
+                                          const std::shared_ptr<LibraryState>& state) {
 #ifdef _WIN32
   const auto names = {"IEEE_32M.DLL"};
 #else
   const auto names = {"libieee_32m.so"};
 #endif
-  return MakeLoader<Ieee32mTable>(choice, programFolder, std::move(state), names, [](Ieee32mTable& t) {
+  return MakeLoader<Ieee32mTable>(choice, programFolder, state, names, [](Ieee32mTable& t) {
     return std::vector<Binding>{{"_ieee_board_present", &t.BoardPresent}, {"_ieee_initialize", &t.Initialize},
                                 {"_ieee_transmit", &t.Transmit},          {"_ieee_receive", &t.Receive},
                                 {"_ieee_spoll", &t.SerialPoll},           {"_ieee_settimeout", &t.SetTimeout},

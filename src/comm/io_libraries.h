@@ -105,12 +105,12 @@ using LibraryLoader = std::function<const Table*(std::string* problem)>;
 // from. A choice with a file tries only that one. What becomes of it is written into *state. On Linux the
 // program's own VISA serves where none is found and the kernel knows a USBTMC device.
 LibraryLoader<VisaTable> VisaLoader(const LibraryChoice& choice, const std::string& programFolder,
-                                    std::shared_ptr<LibraryState> state);
+                                    const std::shared_ptr<LibraryState>& state);
 LibraryLoader<Ni488Table> Ni488Loader(const LibraryChoice& choice, const std::string& programFolder,
-                                      std::shared_ptr<LibraryState> state);
+                                      const std::shared_ptr<LibraryState>& state);
 LibraryLoader<Usb488Table> Usb488Loader(const LibraryChoice& choice, const std::string& programFolder,
-                                        std::shared_ptr<LibraryState> state);
+                                        const std::shared_ptr<LibraryState>& state);
 LibraryLoader<Ieee32mTable> Ieee32mLoader(const LibraryChoice& choice, const std::string& programFolder,
-                                          std::shared_ptr<LibraryState> state);
+                                          const std::shared_ptr<LibraryState>& state);
 
 }  // namespace corlune
