@@ -50,6 +50,7 @@ void InDialog(WindowRig& rig, const char* item, const std::function<void(const O
   });
   rig.Item(item)->trigger();
   EXPECT_TRUE(seen);
+  QApplication::setActiveWindow(rig.window.get());
   rig.Settle();
 }
 
