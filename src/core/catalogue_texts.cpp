@@ -522,7 +522,7 @@ CatalogueText TextOf(TextId id) {
     case AskingInstrument: return {"Asking the instrument...", "機器に問い合わせています..."};
     case TestAnswered: return {"Answers: $1", "応答あり：$1"};
     case TestOtherModel: return {"Answers, but is not a $1: $2", "応答はありますが、$1ではありません：$2"};
-    case TestNoAnswer: return {"It is reached, but does not answer.", "接続しましたが、応答がありません。"};
+    case TestNoAnswer: return {"It does not answer.", "応答がありません。"};
     case TestNotReached: return {"It cannot be reached.", "接続できません。"};
     case TestNoBoard: return {"The interface board or its library is missing.", "インタフェースボードまたはライブラリがありません。"};
     case InstrumentsFound: return {"$1 found: $2", "検出した$1：$2"};

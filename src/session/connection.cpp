@@ -172,7 +172,7 @@ bool Session::MayGoOnlineAgain() {
   if (!wasOnline_) return false;
   const InstrumentEntry& first = state_.Instruments[0];
   if (first.InterfaceKind != InterfaceKind::UsbTmc) return true;
-  if (FindInstruments() == 0) return false;
+  if (FindInstruments(state_.ModelIndex) == 0) return false;
   const auto& found = Gp().Found();
   return std::any_of(found.begin(), found.end(), [&](const FoundInstrument& instrument) {
     return instrument.SerialNo == first.SerialNo;
