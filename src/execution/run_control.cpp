@@ -327,7 +327,7 @@ void RunControl::PressAtNextTick(PendingRequest request) {
 
 void RunControl::PressAtOnce(Run command) {
   const AppState& state = run_.state;
-  const bool makesSafe = command == Run::OutputOff && OutputSwitchesOff(state);
+  const bool makesSafe = command == Run::OutputOff && OutputMayBeOn(state);
   if (state.OperationMode != OperationMode::Execution && !makesSafe) return;
   // What makes safe waits for a Stop, Hold or Branch that is being carried out.
   if (command == Run::OutputOff && activity_.Under(Work::Command)) outputOffWaits_ = true;
