@@ -16,6 +16,6 @@ int main(int argc, char** argv) {
   testing::InitGoogleMock(&argc, argv);
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setStyle(new WindowStyle);
+  QApplication::setStyle(new corlune::WindowStyle);
   return RUN_ALL_TESTS();
 }
