@@ -254,6 +254,11 @@ bool FormDialog::event(QEvent* event) {
   if (event->type() == QEvent::Polish) {
     ShareLetters();
     AlignCaptions();
+    // The buttons were made first, and come last.
+    if (QWidget* last = previousInFocusChain(); last != cancel_) {
+      setTabOrder(last, ok_);
+      setTabOrder(ok_, cancel_);
+    }
     setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) + kTitleSides * logicalDpiX() / 96);
   }
   return QDialog::event(event);
