@@ -75,7 +75,8 @@ TEST(ChannelForm, RefusesWhatAChannelCannotHave) {
   form.ApplyTo(rig.sequence);
   EXPECT_EQ(rig.sequence.Channels.Loads[0], (OutputLoad{0, 75}));
   EXPECT_EQ(rig.sequence.Channels.UserUnits[0][kSlotFrequency], (UserUnitDef{0, 0, "dBm", -2, 1000}));
-  EXPECT_EQ(rig.sequence.Channels.Loads[1], (OutputLoad{9, 0})) << "a channel that the instrument does not have";
+  EXPECT_EQ(rig.sequence.Channels.Loads[1], (OutputLoad{9, 0}))
+      << "a channel that the instrument does not have";
 }
 
 TEST(ChannelForm, ItsExampleFollowsLoadAndUserUnit) {
