@@ -362,6 +362,22 @@ CatalogueText TextOf(TextId id) {
     case FieldCountDiffers: return {"Line $1 does not have as many fields as the header.", "$1行目の項目数が見出しと一致しません。"};
 
     // Added texts: dialogs.
+    case MenuModeSetting: return {"Set mode(&O)", "モード設定(&O)"};
+    case FormReadOnly: return {"Execution mode, on-line: the settings can be looked at but not changed.", "実行モード（オンライン）では設定を変更できません。表示のみ可能です。"};
+    case UserUnitImpossible: return {"$1, $2: this model has no user unit for it.", "$1の$2：この機種ではユーザ単位を使用できません。"};
+    case ExampleReading: return {"Example: $1 reads $2", "表示例：$1 → $2"};
+    case ExampleOpenCircuit: return {"$1 into High-Z", "$1（High-Z時）"};
+    case ExampleIntoLoad: return {"$1 into $2 ohm", "$1（負荷$2 Ω時）"};
+    case UnitOhm: return {"ohm", "Ω"};
+    case HintLoad: return {"Load in ohm, 1 to 10000", "負荷抵抗 [Ω]：1～10000"};
+    case HintUnitText: return {"Up to 4 characters, neither \" nor ,", "半角4文字以内（\" と , は使用できません）"};
+    case HintFactor: return {"A number other than 0", "0以外の数値"};
+    case HintSummand: return {"A number", "数値"};
+    case HintStartStep: return {"1 to 255", "1～255"};
+    case HintForm: return {"h is the value without user unit.", "hはユーザ単位変換前の値です。"};
+    case ModesDiffer: return {"(different)", "（混在）"};
+    case ModesNotSent: return {"The modes belong to the sequence. Nothing is sent to the instrument.", "モードはシーケンスに保存されます。機器への送信は行いません。"};
+    case ModeWithoutName: return {"Mode $1", "モード$1"};
 
     // Added texts: sequence view.
     case MenuDisplay: return {"Display(&D)", "表示(&D)"};
@@ -514,6 +530,29 @@ CatalogueText TextOf(TextId id) {
     // Added texts: why nothing happens.
     case BranchWithoutTarget: return {"No branch: the step has no branch step for branch channel $1.", "ブランチできません。このステップには、ブランチチャネル$1のブランチステップが設定されていません。"};
     case NothingToEnter: return {"Nothing can be entered here: the step does not use this parameter.", "このステップでは使用しないパラメタのため、入力できません。"};
+
+    // Added texts: set-up of the instruments and their connection.
+    case MenuConnect: return {"Connect(&N)", "接続(&N)"};
+    case ButtonSearchAgain: return {"Search again(&R)", "再検索(&R)"};
+    case ButtonTestConnection: return {"Test connection", "接続テスト"};
+    case AskingInstrument: return {"Asking the instrument...", "機器に問い合わせています..."};
+    case TestAnswered: return {"Answers: $1", "応答あり：$1"};
+    case TestOtherModel: return {"Answers, but is not a $1: $2", "応答はありますが、$1ではありません：$2"};
+    case TestNoAnswer: return {"It does not answer.", "応答がありません。"};
+    case TestNotReached: return {"It cannot be reached.", "接続できません。"};
+    case TestNoBoard: return {"The interface board or its library is missing.", "インタフェースボードまたはライブラリがありません。"};
+    case InstrumentsFound: return {"$1 found: $2", "検出した$1：$2"};
+    case NoneOfModelFound: return {"No $1 was found on USB.", "USB上に$1が見つかりません。"};
+    case ResponseFile: return {"Response file", "応答ファイル"};
+    case ButtonBrowse: return {"Browse(&B)...", "参照(&B)..."};
+    case ResponseFilter: return {"Response file(*.ini) | *.ini", "応答ファイル (*.ini) | *.ini"};
+    case TipInterfaceElsewhere: return {"Instruments on this interface are set in \"System setup\".", "このインタフェースの機器は「システム設定」で設定してください。"};
+    case TipConnect: return {"Searches for the instruments, opens the connection and checks the models.", "機器を検索して接続し、型名を確認します。"};
+    case Identification: return {"Identification", "機器情報"};
+    case ModelWithoutInterface: return {"The model definition file offers no interface for the model $1.", "機種定義ファイルに型名 $1 のインタフェースが定義されていません。"};
+    case SignsNotInSerial: return {"A serial number holds none of these signs: $1", "シリアル番号に次の文字は使用できません：$1"};
+    case ApplyingSetup: return {"Applying the set-up...", "システム設定を適用しています..."};
+    case SearchFoundOther: return {"Connected to the instrument with the serial number $1; $2 was not found.", "シリアル番号 $2 の機器が見つからないため、$1 の機器に接続しました。"};
   }
   // clang-format on
   return {};

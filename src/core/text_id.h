@@ -307,6 +307,24 @@ enum class TextId : int {
   SignalKept = 7890,
   SignalWaveformFile = 7891,
 
+  // Tool dialogs.
+  MenuModeSetting = 7900,
+  FormReadOnly = 7901,
+  UserUnitImpossible = 7902,
+  ExampleReading = 7903,
+  ExampleOpenCircuit = 7904,
+  ExampleIntoLoad = 7905,
+  UnitOhm = 7906,
+  HintLoad = 7907,
+  HintUnitText = 7908,
+  HintFactor = 7909,
+  HintSummand = 7910,
+  HintStartStep = 7911,
+  HintForm = 7912,
+  ModesDiffer = 7913,
+  ModesNotSent = 7914,
+  ModeWithoutName = 7915,
+
   // Execution panel: the buttons in their order, then the fields.
   ButtonChangeMode = 8000,
   ButtonStart = 8001,
@@ -549,6 +567,29 @@ enum class TextId : int {
   // Why nothing happens.
   BranchWithoutTarget = 9830,
   NothingToEnter = 9831,
+
+  // Set-up of the instruments and their connection.
+  MenuConnect = 7930,
+  ButtonSearchAgain = 7931,
+  ButtonTestConnection = 7932,
+  AskingInstrument = 7933,
+  TestAnswered = 7934,
+  TestOtherModel = 7935,
+  TestNoAnswer = 7936,
+  TestNotReached = 7937,
+  TestNoBoard = 7938,
+  InstrumentsFound = 7939,
+  NoneOfModelFound = 7940,
+  ResponseFile = 7941,
+  ButtonBrowse = 7942,
+  ResponseFilter = 7943,
+  TipInterfaceElsewhere = 7944,
+  TipConnect = 7945,
+  Identification = 7946,
+  ModelWithoutInterface = 7947,
+  SignsNotInSerial = 7948,
+  ApplyingSetup = 7949,
+  SearchFoundOther = 7950,
 };
 
 // Texts that exist only once, the same in both languages.

@@ -11,6 +11,9 @@ namespace corlune {
 
 namespace {
 
+// Reading the pictures takes as long as painting the grids: the window comes first.
+constexpr int kIconDelay = 100;  // ms
+
 QIcon ReadIcon(const QString& name) {
   QIcon icon;
   for (const int size : {16, 32, 48, 64, 256}) {
@@ -40,13 +43,16 @@ class IconAfterFirstPaint : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (watched == window_ && event->type() == QEvent::Paint) {
       window_->removeEventFilter(this);
-      const auto set = [this] {
-        SetIconNow(window_, name_, alsoOwner_);
-        deleteLater();
-      };
-      QMetaObject::invokeMethod(this, set, Qt::QueuedConnection);
+      startTimer(kIconDelay);
     }
     return false;
+  }
+
+ protected:
+  void timerEvent(QTimerEvent* event) override {
+    killTimer(event->timerId());
+    SetIconNow(window_, name_, alsoOwner_);
+    deleteLater();
   }
 
  private:

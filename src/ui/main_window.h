@@ -157,6 +157,14 @@ class MainWindow : public QMainWindow {
   FrmPreview& NeedPreview();
   GraphHandlers HandlersOfGraphs();
 
+  // main_window_tools.cpp
+  void ToolCommand(Command command);
+  void EditChannelSettings();
+  void EditCommonParameters();
+  void EditModes();
+  // Applies what a tool dialog has edited as one undo entry and shows what follows from it everywhere.
+  void ApplyForm(TextId action, const std::function<void()>& change);
+
   // main_window_layout.cpp
   QWidget* BuildMiddle(QWidget* parent);
   QMargins Frame() const;
@@ -173,6 +181,7 @@ class MainWindow : public QMainWindow {
   void PlacePreview(ViewPlace place);
   FrmPreview& ShowPreview(ViewPlace place);
   bool PreviewOpen() const;
+  void DockPreview(ViewPlace place);
   void FloatPreview();
   void ClosePreview();
   void PreviewClosed();

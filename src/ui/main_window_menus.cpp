@@ -18,6 +18,12 @@ void MainWindow::BuildMenus() {
         session_.Catalogue(), static_cast<MenuPlace>(i), [this](Command command) { Do(command); }, this);
     menuBar()->addMenu(menus_[i]);
   }
+  // As everywhere: the first menu, without a hand on the mouse.
+  auto* open = new QAction(this);
+  open->setShortcut(Qt::Key_F10);
+  connect(open, &QAction::triggered, this,
+          [this] { menuBar()->setActiveAction(MenuOf(MenuPlace::File).menuAction()); });
+  addAction(open);
   AddRecentMenu();
   QAction* signal = MenuOf(MenuPlace::View).Item(Command::SignalStrip);
   signal->setCheckable(true);
@@ -54,7 +60,8 @@ void MainWindow::ChooseColors(WindowColors colors) {
 
 void MainWindow::ShowMenuStates() {
   for (CommandMenu* menu : menus_) menu->ShowStates(states_);
-  for (QAction* tool : MenuOf(MenuPlace::Tool).actions()) {
+  for (const Command command : {Command::ArbitraryWaveform, Command::SystemSetup}) {
+    QAction* tool = MenuOf(MenuPlace::Tool).Item(command);
     tool->setEnabled(false);
     tool->setToolTip(Caption(TextId::NotInThisVersion));
     tool->setStatusTip(Caption(TextId::NotInThisVersion));
