@@ -49,7 +49,8 @@ TEST(CellEntry, EveryEndingKeyStoresAndMoves) {
     SCOPED_TRACE(QKeySequence(row.key).toString().toStdString());
     GridsRig rig(5);
     rig.GoTo(GridArea::Common, 3, 1);
-    rig.TypeThen("2.50", row.key);
+    rig.Type("2.50");
+    rig.Press(row.key, row.key == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier);
     EXPECT_EQ(rig.Step(3).StepTime, 2.5);
     EXPECT_EQ(rig.CellText(rig.Common(), 3, 1), "2.5");
     EXPECT_EQ(rig.At(), row.at);
@@ -249,6 +250,9 @@ TEST(CellEntry, JapaneseInputGivesNumbers) {
 TEST(CellList, KeyboardChoosesAndEscapeTakesBack) {
   GridsRig rig(5);
   rig.GoTo(GridArea::Common, 2, 8);  // CONT, STOP, END
+  QWheelEvent wheel({5, 5}, {}, {}, {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&rig.Combo(1), &wheel);
+  EXPECT_EQ(rig.Combo(1).currentText(), "CONT") << "the wheel scrolls, it does not choose";
   rig.Type("e");
   EXPECT_EQ(rig.Combo(1).currentText(), "END");
   rig.Press(Qt::Key_Escape);

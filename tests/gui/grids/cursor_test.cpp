@@ -52,6 +52,13 @@ TEST(CursorKeys, ArrowsActWhenTheKeyIsLetGo) {
   EXPECT_EQ(rig.At(), "2,1");
   QTest::keyRelease(rig.Focus(), Qt::Key_Down);
   EXPECT_EQ(rig.At(), "3,1");
+  // Held down it repeats.
+  QTest::keyPress(rig.Focus(), Qt::Key_Up);
+  QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Up, Qt::NoModifier, QString(), true);
+  QApplication::sendEvent(rig.Focus(), &repeat);
+  EXPECT_EQ(rig.At(), "2,1");
+  rig.behind->setFocus();
+  rig.GoTo(GridArea::Common, 3, 1);
   // A release that began elsewhere, in a list for example, means nothing.
   QTest::keyRelease(rig.Focus(), Qt::Key_Down);
   EXPECT_EQ(rig.At(), "3,1");
@@ -126,6 +133,13 @@ TEST(Selection, GrowsByShiftDragAndStepNumber) {
   rig.Press(Qt::Key_A, Qt::ControlModifier);
   EXPECT_EQ(Block(rig), "1,1:10,9");
 
+  rig.Click(rig.Channel(0), 2, 3, Qt::ShiftModifier);
+  EXPECT_EQ(Block(rig), "2,3:2,3") << "the other grid has no part in it";
+  QTest::mousePress(rig.Channel(0).viewport(), Qt::LeftButton, {}, QPoint(5, 5000));  // below the steps
+  QTest::mouseMove(rig.Channel(0).viewport(), center(3, 3));
+  QTest::mouseRelease(rig.Channel(0).viewport(), Qt::LeftButton);
+  EXPECT_EQ(Block(rig), "2,3:2,3");
+
   // Dragging out of the untouched editor selects cells as well.
   rig.GoTo(GridArea::Common, 2, 1);
   QLineEdit& text = rig.Text(1);
@@ -133,12 +147,21 @@ TEST(Selection, GrowsByShiftDragAndStepNumber) {
   QTest::mouseMove(&text, QPoint(5, 5 + 2 * text.height()));
   QTest::mouseRelease(&text, Qt::LeftButton, {}, QPoint(5, 5 + 2 * text.height()));
   EXPECT_EQ(Block(rig), "2,1:4,1");
+  // Out of a changed one it does not: what was typed stays.
+  rig.GoTo(GridArea::Common, 2, 1);
+  rig.Type("7");
+  QTest::mousePress(&text, Qt::LeftButton, {}, QPoint(5, 5));
+  QTest::mouseMove(&text, QPoint(5, 5 + 2 * text.height()));
+  QTest::mouseRelease(&text, Qt::LeftButton, {}, QPoint(5, 5 + 2 * text.height()));
+  rig.Press(Qt::Key_Return);
+  EXPECT_EQ(rig.Step(2).StepTime, 7);
 }
 
 TEST(Selection, ExecutionModeMovesWithoutEditors) {
   GridsRig rig(5);
   rig.state.OperationMode = OperationMode::Execution;
   rig.ShowStates();
+  EXPECT_FALSE(rig.Text(1).isVisible()) << "closed at once";
   rig.GoTo(GridArea::Common, 2, 1);
   EXPECT_EQ(rig.FocusName(), "MSFlexGrid1");
   rig.Press(Qt::Key_Down);
