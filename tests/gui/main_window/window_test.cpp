@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QTableView>
@@ -119,6 +120,29 @@ TEST(WindowMenus, ThePageOfShortcutsListsEveryCommand) {
             "Ctrl+Enter Ctrl+Enter");
   EXPECT_EQ(lines["RowDOWN"] + lines["Fill Down"] + lines["Next, previous grid"],
             "Alt+DownCtrl+D (in the cells)Ctrl+PgDown, Ctrl+PgUp");
+}
+
+TEST(WindowMenus, TheLogIsShownFromItsLastLines) {
+  WindowRig rig;
+  rig.definition.insert(rig.definition.rfind("MYADRS=0") + 8, ",LOG_FILE=comm.log");
+  bool read = false;
+  rig.Start();
+  rig.folder.Write("comm.log", std::string(1 << 20, 'x') + "\nlast \xB5\n");
+  QTimer::singleShot(0, rig.window.get(), [&] {
+    QWidget* page = QApplication::activeModalWidget();
+    const auto& text = *page->findChild<QPlainTextEdit*>();
+    EXPECT_EQ(text.toPlainText(), QStringLiteral("last µ\n"));
+    std::string grown = "first";
+    for (int i = 0; i < 200; ++i) grown += "\nnext";
+    rig.folder.Write("comm.log", grown);
+    QTest::mouseClick(page->findChildren<QPushButton*>().front(), Qt::LeftButton);
+    EXPECT_TRUE(text.toPlainText().startsWith("first\n"));
+    EXPECT_GT(text.verticalScrollBar()->value(), 100);
+    read = true;
+    QTest::keyClick(page, Qt::Key_Escape);
+  });
+  rig.Item("mnuCommLog")->trigger();
+  EXPECT_TRUE(read);
 }
 
 TEST(WindowTitle, NamesTheFileAndMarksChanges) {
