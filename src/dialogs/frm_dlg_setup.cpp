@@ -65,6 +65,7 @@ FrmDlgSetup::FrmDlgSetup(Session& session, Prompts& prompts, FileDialogs& files,
   Body().addStretch();
   setTabOrder(last, &OkButton());
   setTabOrder(&OkButton(), &CancelButton());
+  form_.OfferFound(session_.Gp().Found());
   ShowFound();
   ShowRows();
 }
@@ -102,6 +103,7 @@ void FrmDlgSetup::BuildRow(QGridLayout& grid, int row) {
   controls.number = new QLabel(QStringLiteral("&%1").arg(row + 1), this);
   controls.interface = MakeList(Name("cmbIF", row).toUtf8().constData(), {}, [this, row](int interface) {
     form_.ChooseInterface(row, interface);
+    rows_[static_cast<std::size_t>(row)].result->clear();  // it was another one
     ShowRows();
   });
   controls.number->setBuddy(controls.interface);
