@@ -60,11 +60,9 @@ FrmDlgSetup::FrmDlgSetup(Session& session, Prompts& prompts, FileDialogs& files,
   grid->setColumnStretch(2, 1);
   for (int row = 0; row < kMaxInstruments; ++row) BuildRow(*grid, row);
   Body().addLayout(grid);
-  QWidget* last = BuildSearch();
-  if (responseFile_ != nullptr) last = BuildResponses();
+  BuildSearch();
+  if (responseFile_ != nullptr) BuildResponses();
   Body().addStretch();
-  setTabOrder(last, &OkButton());
-  setTabOrder(&OkButton(), &CancelButton());
   form_.OfferFound(session_.Gp().Found());
   ShowFound();
   ShowRows();
@@ -110,6 +108,8 @@ void FrmDlgSetup::BuildRow(QGridLayout& grid, int row) {
   controls.serial = new QComboBox(this);
   controls.serial->setObjectName(Name("cmbSerial", row));
   controls.serial->setEditable(true);
+  controls.serial->setFocusPolicy(Qt::StrongFocus);
+  controls.serial->installEventFilter(this);  // the wheel, as over the other lists
   controls.serial->setInsertPolicy(QComboBox::NoInsert);
   controls.serial->setMinimumContentsLength(kSerialSigns);
   controls.serial->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
@@ -150,7 +150,7 @@ void FrmDlgSetup::BuildRow(QGridLayout& grid, int row) {
   }
 }
 
-QWidget* FrmDlgSetup::BuildSearch() {
+void FrmDlgSetup::BuildSearch() {
   auto* line = new QHBoxLayout;
   search_ = new QPushButton(Caption(TextId::ButtonSearchAgain), this);
   search_->setObjectName(QStringLiteral("CmdSearch"));
@@ -160,10 +160,9 @@ QWidget* FrmDlgSetup::BuildSearch() {
   line->addStretch();
   Body().addLayout(line);
   found_ = AddLine("LabFound");
-  return search_;
 }
 
-QWidget* FrmDlgSetup::BuildResponses() {
+void FrmDlgSetup::BuildResponses() {
   QFormLayout& rows = *AddRows();
   chosenFile_ = *responseFile_;
   responses_ = MakeField(
@@ -180,7 +179,6 @@ QWidget* FrmDlgSetup::BuildResponses() {
   browse->setAutoDefault(false);
   connect(browse, &QPushButton::clicked, this, &FrmDlgSetup::Browse);
   AddRow(rows, TextId::ResponseFile, {responses_, browse});
-  return browse;
 }
 
 void FrmDlgSetup::ShowRows() {
@@ -235,8 +233,13 @@ void FrmDlgSetup::FitHeight() {
   QMetaObject::invokeMethod(
       this,
       [this] {
+        Body().activate();
+        for (QWidget* part = Body().parentWidget(); part != this; part = part->parentWidget()) {
+          part->updateGeometry();
+        }
         layout()->activate();
-        resize(std::max(width(), minimumSizeHint().width()), sizeHint().height());
+        const int room = screen()->availableSize().height() - frameGeometry().height() + height();
+        resize(std::max(width(), minimumSizeHint().width()), std::min(sizeHint().height(), room));
       },
       Qt::QueuedConnection);
 }

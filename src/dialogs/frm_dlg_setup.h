@@ -40,9 +40,8 @@ class FrmDlgSetup : public FormDialog {
 
   void BuildHead();
   void BuildRow(QGridLayout& grid, int row);
-  // Their last control in the order of Tab.
-  QWidget* BuildSearch();
-  QWidget* BuildResponses();
+  void BuildSearch();
+  void BuildResponses();
   // Controls and their contents as the form has them.
   void ShowRows();
   void ShowRow(int row);

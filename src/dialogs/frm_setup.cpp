@@ -49,8 +49,6 @@ FrmSetup::FrmSetup(Session& session, Prompts& prompts, QWidget* parent)
   identification_->setMinimumHeight(3 * identification_->fontMetrics().height());
   identification_->setAlignment(Qt::AlignTop);
   Body().addStretch();
-  setTabOrder(search, &OkButton());
-  setTabOrder(&OkButton(), &CancelButton());
   serials_->setFocus();
 
   asks_.setObjectName(QStringLiteral("Asks"));
