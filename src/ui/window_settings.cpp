@@ -12,6 +12,7 @@ namespace corlune {
 
 namespace {
 constexpr const char* kFileName = "CorluneWindow.ini";
+constexpr const char* kResponsesKey = "Simulated/Responses";
 constexpr const char* kColorsKey = "Window/Colors";
 // Beyond every real desktop; a value outside is damage.
 constexpr int kFarthest = 32768;
@@ -105,6 +106,18 @@ int ExecInItsSize(QDialog& dialog, const WindowSettings& settings) {
   // A dialog that was left in its first size takes the one that its texts need next time, too.
   if (dialog.size() != first) settings.WriteDialogSize(dialog.objectName(), dialog.size());
   return result;
+}
+
+std::string WindowSettings::Responses() const {
+  return QSettings(path_, QSettings::IniFormat)
+      .value(QString::fromUtf8(kResponsesKey))
+      .toString()
+      .toStdString();
+}
+
+void WindowSettings::WriteResponses(const std::string& path) const {
+  QSettings(path_, QSettings::IniFormat)
+      .setValue(QString::fromUtf8(kResponsesKey), QString::fromStdString(path));
 }
 
 WindowColors WindowSettings::Colors() const {
