@@ -60,7 +60,7 @@ void MainWindow::ChooseColors(WindowColors colors) {
 
 void MainWindow::ShowMenuStates() {
   for (CommandMenu* menu : menus_) menu->ShowStates(states_);
-  for (const Command command : {Command::ArbitraryWaveform, Command::SystemSetup}) {
+  for (const Command command : {Command::ArbitraryWaveform}) {
     QAction* tool = MenuOf(MenuPlace::Tool).Item(command);
     tool->setEnabled(false);
     tool->setToolTip(Caption(TextId::NotInThisVersion));

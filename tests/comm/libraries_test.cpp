@@ -18,7 +18,7 @@ const std::string kVirtual = std::string(CORLUNE_BIN) + "/libcorlune-virtual-ins
 
 struct Libraries : ::testing::Test {
   std::unique_ptr<GpFrontEnd> With(const LibraryChoice& each) {
-    return Make({world.folder.Path(), each, each, each, each, false, {}});
+    return Make({world.folder.Path(), each, each, each, each, false});
   }
   std::unique_ptr<GpFrontEnd> Make(const CommOptions& options) {
     return MakeGpFrontEnd(world.state, options, world.prompts, world.endProgram, world.clock);
@@ -101,7 +101,8 @@ TEST_F(Libraries, DefaultNamesAreLookedForInTheProgramsFolder) {
 TEST_F(Libraries, SimulatedTakesEveryKind) {
   CommOptions options;
   options.simulated = true;
-  options.simulatedResponses = world.folder.Write("r.ini", "[ADRS7]\n*IDN?=QM2220\n");
+  options.simulatedResponses =
+      std::make_shared<std::string>(world.folder.Write("r.ini", "[ADRS7]\n*IDN?=QM2220\n"));
   const auto gp = Make(options);
   for (const Kind& kind : Kinds()) {
     world.state.CurrentInterface = kind.kind;
