@@ -118,7 +118,9 @@ class InstrumentBench {
     put(InterfaceKind::NiGpib, std::make_unique<NiGpibMdl>(services, testing::LoaderOf(tables.ni488)));
     put(InterfaceKind::KiGpib, std::make_unique<Ieee32mMdl>(services, testing::LoaderOf(tables.ieee32m)));
     put(InterfaceKind::Usb488, std::make_unique<Usb488Mdl>(services, testing::LoaderOf(tables.usb488)));
-    put(InterfaceKind::Simulated, std::make_unique<SimulatedMdl>(services, folder.File("replies.ini")));
+    put(InterfaceKind::Simulated,
+        std::make_unique<SimulatedMdl>(services,
+                                       std::make_shared<const std::string>(folder.File("replies.ini"))));
     backends[static_cast<std::size_t>(InterfaceKind::UsbTmc)] = std::move(usbTmc);
     auto frontEnd = std::make_unique<GpFrontEnd>(state, std::move(backends), simulated_ ? nullptr : search);
     if (simulated_) frontEnd->RouteAllTo(InterfaceKind::Simulated);
