@@ -71,8 +71,9 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
       body_(new QVBoxLayout),
       noteIcon_(new QLabel(this)),
       note_(new QLabel(this)),
-      ok_(new QPushButton(Caption(texts.ok), this)),
-      cancel_(new QPushButton(Caption(texts.cancel), this)) {
+      buttons_(new QWidget(this)),
+      ok_(new QPushButton(Caption(texts.ok), buttons_)),
+      cancel_(new QPushButton(Caption(texts.cancel), buttons_)) {
   setObjectName(QString::fromUtf8(texts.name));
   setWindowTitle(Caption(texts.title));
   auto* whole = new QVBoxLayout(this);
@@ -87,7 +88,8 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
   whole->addLayout(note);
   ShowNote(NoticeLevel::Information, {});
 
-  auto* buttons = new QHBoxLayout;
+  auto* buttons = new QHBoxLayout(buttons_);
+  buttons->setContentsMargins(0, 0, 0, 0);
   buttons->addStretch();
   ok_->setObjectName(QStringLiteral("cmdOk"));
   ok_->setDefault(true);
@@ -97,7 +99,6 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
     button->setFocusPolicy(Qt::TabFocus);
     buttons->addWidget(button);
   }
-  whole->addLayout(buttons);
   connect(ok_, &QPushButton::clicked, this, &FormDialog::accept);
   connect(cancel_, &QPushButton::clicked, this, &FormDialog::reject);
 }
@@ -254,14 +255,22 @@ bool FormDialog::event(QEvent* event) {
   if (event->type() == QEvent::Polish) {
     ShareLetters();
     AlignCaptions();
-    // The buttons were made first, and come last.
-    if (QWidget* last = previousInFocusChain(); last != cancel_) {
-      setTabOrder(last, ok_);
-      setTabOrder(ok_, cancel_);
-    }
+    PutButtonsLast();
     setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) + kTitleSides * logicalDpiX() / 96);
   }
   return QDialog::event(event);
+}
+
+// In the order of Tab, though they were made first. The first control that can be used begins.
+void FormDialog::PutButtonsLast() {
+  // A new child comes last.
+  buttons_->setParent(nullptr);
+  layout()->addWidget(buttons_);
+  QWidget* first = nextInFocusChain();
+  while (first != cancel_ && (first->focusPolicy() == Qt::NoFocus || !first->isEnabled())) {
+    first = first->nextInFocusChain();
+  }
+  first->setFocus();
 }
 
 void FormDialog::ShareLetters() {
