@@ -15,6 +15,8 @@ constexpr const char* kFileName = "CorluneWindow.ini";
 constexpr const char* kColorsKey = "Window/Colors";
 // Beyond every real desktop; a value outside is damage.
 constexpr int kFarthest = 32768;
+// What window managers put around a dialog, in pixels.
+constexpr QSize kDialogFrame(8, 36);
 }  // namespace
 
 WindowSettings::WindowSettings(const std::string& appFolder)
@@ -93,9 +95,11 @@ void WindowSettings::WriteDialogSize(const QString& name, const QSize& size) con
 int ExecInItsSize(QDialog& dialog, const WindowSettings& settings) {
   if (dialog.parentWidget() != nullptr) dialog.setFont(dialog.parentWidget()->font());
   dialog.adjustSize();
+  const QSize room = dialog.screen()->availableSize() - kDialogFrame;
+  dialog.resize(dialog.size().expandedTo(dialog.sizeHint()).boundedTo(room));
   const QSize first = dialog.size();
   if (const auto size = settings.DialogSize(dialog.objectName())) {
-    dialog.resize(size->boundedTo(dialog.screen()->availableSize()).expandedTo(dialog.minimumSizeHint()));
+    dialog.resize(size->boundedTo(room).expandedTo(dialog.minimumSizeHint()));
   }
   const int result = dialog.exec();
   // A dialog that was left in its first size takes the one that its texts need next time, too.
