@@ -21,6 +21,7 @@ namespace corlune {
 namespace {
 
 constexpr int kTitleSides = 150;  // pixels at 96 dpi beside the title: icon and buttons of the window
+constexpr int kLineRows = 2;      // of text, in a line of the form
 constexpr int kNoteIcon = 16;     // pixels at 96 dpi
 constexpr int kLeastRows = 6;     // lines of text that stay in sight on a low screen
 constexpr int kFieldDigits = 12;  // least width of a field, in digits
@@ -207,6 +208,9 @@ QLabel* FormDialog::AddLine(const char* name) {
   line->setObjectName(QString::fromUtf8(name));
   line->setTextFormat(Qt::PlainText);
   line->setWordWrap(true);
+  // A text that changes moves nothing.
+  line->setAlignment(Qt::AlignTop);
+  line->setMinimumHeight(kLineRows * line->fontMetrics().lineSpacing());
   line->setTextInteractionFlags(Qt::TextSelectableByMouse);
   body_->addWidget(line);
   return line;
