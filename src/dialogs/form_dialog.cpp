@@ -21,6 +21,7 @@ namespace corlune {
 namespace {
 
 constexpr int kTitleSides = 150;  // pixels at 96 dpi beside the title: icon and buttons of the window
+constexpr int kLineRows = 2;      // of text, in a line of the form
 constexpr int kNoteIcon = 16;     // pixels at 96 dpi
 constexpr int kLeastRows = 6;     // lines of text that stay in sight on a low screen
 constexpr int kFieldDigits = 12;  // least width of a field, in digits
@@ -95,8 +96,9 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
       body_(nullptr),
       noteIcon_(new QLabel(this)),
       note_(new QLabel(this)),
-      ok_(new QPushButton(Caption(texts.ok), this)),
-      cancel_(new QPushButton(Caption(texts.cancel), this)) {
+      buttons_(new QWidget(this)),
+      ok_(new QPushButton(Caption(texts.ok), buttons_)),
+      cancel_(new QPushButton(Caption(texts.cancel), buttons_)) {
   setObjectName(QString::fromUtf8(texts.name));
   setWindowTitle(Caption(texts.title));
   auto* whole = new QVBoxLayout(this);
@@ -114,7 +116,8 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
   whole->addLayout(note);
   ShowNote(NoticeLevel::Information, {});
 
-  auto* buttons = new QHBoxLayout;
+  auto* buttons = new QHBoxLayout(buttons_);
+  buttons->setContentsMargins(0, 0, 0, 0);
   buttons->addStretch();
   ok_->setObjectName(QStringLiteral("cmdOk"));
   ok_->setDefault(true);
@@ -124,7 +127,6 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
     button->setFocusPolicy(Qt::TabFocus);
     buttons->addWidget(button);
   }
-  whole->addLayout(buttons);
   connect(ok_, &QPushButton::clicked, this, &FormDialog::accept);
   connect(cancel_, &QPushButton::clicked, this, &FormDialog::reject);
 }
@@ -206,6 +208,9 @@ QLabel* FormDialog::AddLine(const char* name) {
   line->setObjectName(QString::fromUtf8(name));
   line->setTextFormat(Qt::PlainText);
   line->setWordWrap(true);
+  // A text that changes moves nothing.
+  line->setAlignment(Qt::AlignTop);
+  line->setMinimumHeight(kLineRows * line->fontMetrics().lineSpacing());
   line->setTextInteractionFlags(Qt::TextSelectableByMouse);
   body_->addWidget(line);
   return line;
@@ -281,14 +286,22 @@ bool FormDialog::event(QEvent* event) {
   if (event->type() == QEvent::Polish) {
     ShareLetters();
     AlignCaptions();
-    // The buttons were made first, and come last.
-    if (QWidget* last = previousInFocusChain(); last != cancel_) {
-      setTabOrder(last, ok_);
-      setTabOrder(ok_, cancel_);
-    }
+    PutButtonsLast();
     setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) + kTitleSides * logicalDpiX() / 96);
   }
   return QDialog::event(event);
+}
+
+// In the order of Tab, though they were made first. The first control that can be used begins.
+void FormDialog::PutButtonsLast() {
+  // A new child comes last.
+  buttons_->setParent(nullptr);
+  layout()->addWidget(buttons_);
+  QWidget* first = nextInFocusChain();
+  while (first != cancel_ && (first->focusPolicy() == Qt::NoFocus || !first->isEnabled())) {
+    first = first->nextInFocusChain();
+  }
+  first->setFocus();
 }
 
 void FormDialog::ShareLetters() {

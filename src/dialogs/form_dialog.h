@@ -99,12 +99,14 @@ class FormDialog : public QDialog {
   bool TakeFields();
   void ShareLetters();
   void AlignCaptions();
+  void PutButtonsLast();
 
   const MessageCatalogue& catalogue_;
   Prompts& prompts_;
   QVBoxLayout* body_;
   QLabel* noteIcon_;
   QLabel* note_;
+  QWidget* buttons_;
   QPushButton* ok_;
   QPushButton* cancel_;
   std::vector<Field> fields_;
