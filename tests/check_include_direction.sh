@@ -15,11 +15,12 @@ declare -A below=(
   [session]="session execution compile commands comm sequence modeldef core platform"
   [editing]="editing compile sequence modeldef core platform"
   [graph]="graph editing sequence modeldef core platform"
+  [forms]="forms graph editing session execution compile commands comm sequence modeldef core platform"
   [view]="view graph editing execution sequence modeldef core platform"
-  [dialogs]="dialogs editing session execution compile commands comm sequence modeldef core platform"
-  [ui]="ui view graph dialogs editing session execution compile commands comm sequence modeldef core platform"
+  [dialogs]="dialogs view forms graph editing session execution compile commands comm sequence modeldef core platform"
+  [ui]="ui view graph forms dialogs editing session execution compile commands comm sequence modeldef core platform"
   [cli]="cli editing session execution compile commands comm sequence modeldef core platform"
-  [app]="app ui view graph dialogs editing cli session execution compile commands comm sequence modeldef core platform"
+  [app]="app ui view graph forms dialogs editing cli session execution compile commands comm sequence modeldef core platform"
 )
 bad=0
 checked=0

@@ -362,6 +362,22 @@ CatalogueText TextOf(TextId id) {
     case FieldCountDiffers: return {"Line $1 does not have as many fields as the header.", "$1行目の項目数が見出しと一致しません。"};
 
     // Added texts: dialogs.
+    case MenuModeSetting: return {"Set mode(&O)", "モード設定(&O)"};
+    case FormReadOnly: return {"Execution mode, on-line: the settings can be looked at but not changed.", "実行モード（オンライン）では設定を変更できません。表示のみ可能です。"};
+    case UserUnitImpossible: return {"$1, $2: this model has no user unit for it.", "$1の$2：この機種ではユーザ単位を使用できません。"};
+    case ExampleReading: return {"Example: $1 reads $2", "表示例：$1 → $2"};
+    case ExampleOpenCircuit: return {"$1 into High-Z", "$1（High-Z時）"};
+    case ExampleIntoLoad: return {"$1 into $2 ohm", "$1（負荷$2 Ω時）"};
+    case UnitOhm: return {"ohm", "Ω"};
+    case HintLoad: return {"Load in ohm, 1 to 10000", "負荷抵抗 [Ω]：1～10000"};
+    case HintUnitText: return {"Up to 4 characters, neither \" nor ,", "半角4文字以内（\" と , は使用できません）"};
+    case HintFactor: return {"A number other than 0", "0以外の数値"};
+    case HintSummand: return {"A number", "数値"};
+    case HintStartStep: return {"1 to 255", "1～255"};
+    case HintForm: return {"h is the value without user unit.", "hはユーザ単位変換前の値です。"};
+    case ModesDiffer: return {"(different)", "（混在）"};
+    case ModesNotSent: return {"The modes belong to the sequence. Nothing is sent to the instrument.", "モードはシーケンスに保存されます。機器への送信は行いません。"};
+    case ModeWithoutName: return {"Mode $1", "モード$1"};
 
     // Added texts: sequence view.
     case MenuDisplay: return {"Display(&D)", "表示(&D)"};

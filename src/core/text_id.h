@@ -307,6 +307,24 @@ enum class TextId : int {
   SignalKept = 7890,
   SignalWaveformFile = 7891,
 
+  // Tool dialogs.
+  MenuModeSetting = 7900,
+  FormReadOnly = 7901,
+  UserUnitImpossible = 7902,
+  ExampleReading = 7903,
+  ExampleOpenCircuit = 7904,
+  ExampleIntoLoad = 7905,
+  UnitOhm = 7906,
+  HintLoad = 7907,
+  HintUnitText = 7908,
+  HintFactor = 7909,
+  HintSummand = 7910,
+  HintStartStep = 7911,
+  HintForm = 7912,
+  ModesDiffer = 7913,
+  ModesNotSent = 7914,
+  ModeWithoutName = 7915,
+
   // Added texts of the arbitrary waveform dialog.
   ArbColumnNumber = 7960,
   ArbColumnUse = 7961,

@@ -40,13 +40,16 @@ class IconAfterFirstPaint : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (watched == window_ && event->type() == QEvent::Paint) {
       window_->removeEventFilter(this);
-      const auto set = [this] {
-        SetIconNow(window_, name_, alsoOwner_);
-        deleteLater();
-      };
-      QMetaObject::invokeMethod(this, set, Qt::QueuedConnection);
+      startTimer(0);
     }
     return false;
+  }
+
+ protected:
+  void timerEvent(QTimerEvent* event) override {
+    killTimer(event->timerId());
+    SetIconNow(window_, name_, alsoOwner_);
+    deleteLater();
   }
 
  private:

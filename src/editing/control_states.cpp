@@ -162,6 +162,9 @@ ControlStates ControlStatesOf(const AppState& state, const Activity& activity,
   states.ImportCsv = {true, edit};
   const bool atRest = now.Edit || now.Stopped;
   states.CopyText = states.ExportCsv = {true, atRest && now.Free && now.HasSteps};
+  const bool modes =
+      definition.Menus[static_cast<std::size_t>(Menu::Tool)].Visible && definition.ModeSetCount > 0;
+  states.ModeSetting = {modes, edit};
   states.SequenceNumber = {true, edit};
   states.StartStep = {definition.StartStep.Visible, edit};
   // Which entry a branch takes is chosen during the run.

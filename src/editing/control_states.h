@@ -21,11 +21,12 @@ struct ControlStates {
   std::array<ControlState, kPanelButtonCount> Buttons{};
   ControlState RowAdd, Insert, Delete, Up, Down;  // CmdRowAdd, CmdInsert, ...
   ControlState Undo, Redo, Duplicate, FillDown, CopyText, PasteText, ImportCsv, ExportCsv;
+  ControlState ModeSetting;                               // the dialog of the mode sets
   ControlState SequenceNumber, StartStep, BranchChannel;  // TxtSeq, TxtStrStep, TxtBranch
   ControlState Read;                                      // CmdRead
   bool EditCells = false;                                 // editors open on a click
   bool Close = false;                                     // closing the window is possible
-  bool CommonDialogOk = false;                            // OK of the common sequence parameters
+  bool CommonDialogOk = false;  // OK of the common sequence parameters and of the channel settings
   bool operator==(const ControlStates&) const = default;
 };
 

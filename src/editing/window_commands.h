@@ -60,6 +60,7 @@ enum class Command {
   CommonSettings,
   SystemSetup,
   MeasurementData,
+  ModeSetting,
   ZoomIn,
   ZoomOut,
   WholeSequence,

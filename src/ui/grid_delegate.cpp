@@ -50,7 +50,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setFont(option.font);
   }
   // Costs more than the cell; few cells have one.
-  const QColor accent = marked || current ? LineOn(look.Background, highlight) : QColor();
+  const QColor accent = marked || current ? colors_.Line(look.Background, highlight) : QColor();
   if (marked) {
     painter->fillRect(QRect(option.rect.topLeft(), QSize(option.rect.width(), kRowLine)), accent);
     painter->fillRect(option.rect.adjusted(0, option.rect.height() - kRowLine, 0, 0), accent);
@@ -59,11 +59,8 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     PaintNumber(*painter, option.rect, *model, index, cell, look);
   } else if (!cell.Text.empty()) {
     painter->setPen(look.Text);
-    const QRect text = option.rect.adjusted(kCellPadding, 0, -kCellPadding, 0);
-    const QString shown =
-        option.fontMetrics.elidedText(QString::fromStdString(cell.Text), Qt::ElideRight, text.width());
-    const auto alignment = static_cast<int>(index.data(Qt::TextAlignmentRole).toInt());
-    painter->drawText(text, alignment | Qt::TextSingleLine, shown);
+    texts_.DrawCut(*painter, option.rect.adjusted(kCellPadding, 0, -kCellPadding, 0),
+                   GridModel::AlignmentOf(cell.Alignment), QString::fromStdString(cell.Text));
   }
   // The frame stays when the focus is elsewhere: it tells where the row commands act.
   if (current) {
@@ -75,7 +72,7 @@ void GridDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
 
 void GridDelegate::PaintNumber(QPainter& painter, const QRect& rect, const GridModel& model,
                                const QModelIndex& index, const CellView& cell,
-                               const DefinitionColors::Look& look) {
+                               const DefinitionColors::Look& look) const {
   const GridViews& views = model.Views();
   StepNumberCell shown;
   shown.Number = QString::fromStdString(cell.Text);
@@ -85,11 +82,11 @@ void GridDelegate::PaintNumber(QPainter& painter, const QRect& rect, const GridM
     shown.Lanes = views.LoopLanes();
     shown.Loops = views.LoopParts({index.row() + 1});
     if (!shown.Loops.empty()) {
-      shown.LoopColor = LineOn(look.Background, views.Definition().LoopSequence);
-      shown.EndlessColor = LineOn(look.Background, views.Definition().EndlessSequence);
+      shown.LoopColor = colors_.Line(look.Background, views.Definition().LoopSequence);
+      shown.EndlessColor = colors_.Line(look.Background, views.Definition().EndlessSequence);
     }
   }
-  PaintStepNumber(painter, rect, shown);
+  PaintStepNumber(painter, rect, shown, texts_);
 }
 
 }  // namespace corlune

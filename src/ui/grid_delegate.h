@@ -5,6 +5,7 @@
 #include <QStyledItemDelegate>
 
 #include "editing/grid_views.h"
+#include "ui/cell_texts.h"
 #include "view/theme.h"
 
 namespace corlune {
@@ -22,10 +23,11 @@ class GridDelegate : public QStyledItemDelegate {
   void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
  private:
-  static void PaintNumber(QPainter& painter, const QRect& rect, const GridModel& model,
-                          const QModelIndex& index, const CellView& cell, const DefinitionColors::Look& look);
+  void PaintNumber(QPainter& painter, const QRect& rect, const GridModel& model, const QModelIndex& index,
+                   const CellView& cell, const DefinitionColors::Look& look) const;
 
   mutable DefinitionColors colors_;
+  mutable CellTexts texts_;
 };
 
 // `over` laid over `under` with the opacity of the selection.

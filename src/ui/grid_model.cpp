@@ -7,9 +7,15 @@
 
 namespace corlune {
 
-namespace {
+GridModel::GridModel(const GridViews& views, GridArea area, int channel, QObject* parent)
+    : QAbstractTableModel(parent),
+      views_(views),
+      area_(area),
+      channel_(channel),
+      rows_(RowsNow()),
+      columns_(ColumnsNow()) {}
 
-Qt::Alignment AlignmentOf(CellAlignment alignment) {
+Qt::Alignment GridModel::AlignmentOf(CellAlignment alignment) {
   switch (alignment) {
     case CellAlignment::Left:
       return Qt::AlignLeft | Qt::AlignVCenter;
@@ -20,16 +26,6 @@ Qt::Alignment AlignmentOf(CellAlignment alignment) {
   }
   return Qt::AlignRight | Qt::AlignVCenter;
 }
-
-}  // namespace
-
-GridModel::GridModel(const GridViews& views, GridArea area, int channel, QObject* parent)
-    : QAbstractTableModel(parent),
-      views_(views),
-      area_(area),
-      channel_(channel),
-      rows_(RowsNow()),
-      columns_(ColumnsNow()) {}
 
 int GridModel::RowsNow() const {
   return (area_ == GridArea::Branch ? views_.BranchRows() : views_.RowCount()) - 1;

@@ -46,6 +46,7 @@ class GridModel : public QAbstractTableModel {
   // The spare row can be neither selected nor made current.
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 
+  static Qt::Alignment AlignmentOf(CellAlignment alignment);
   // Column and step of a cell, for assistive tools.
   QString CellName(const QModelIndex& index) const;
   // Width of a column in twips.

@@ -157,6 +157,12 @@ class MainWindow : public QMainWindow {
   FrmPreview& NeedPreview();
   GraphHandlers HandlersOfGraphs();
 
+  // main_window_tools.cpp
+  void ToolCommand(Command command);
+  void EditCommonParameters();
+  // Applies what a tool dialog has edited as one undo entry and shows what follows from it everywhere.
+  void ApplyForm(TextId action, const std::function<void()>& change);
+
   // main_window_layout.cpp
   QWidget* BuildMiddle(QWidget* parent);
   QMargins Frame() const;

@@ -108,6 +108,7 @@ void MainWindow::Do(Command command) {
   if (row.menu == MenuPlace::File) FileCommand(command);
   if (row.menu == MenuPlace::Edit) grids_->Run(command);
   if (row.menu == MenuPlace::View) ViewCommand(command);
+  if (row.menu == MenuPlace::Tool) ToolCommand(command);
   if (row.menu == MenuPlace::Run) RunItem(static_cast<Run>(row.item));
 }
 

@@ -54,7 +54,9 @@ void MainWindow::ChooseColors(WindowColors colors) {
 
 void MainWindow::ShowMenuStates() {
   for (CommandMenu* menu : menus_) menu->ShowStates(states_);
-  for (QAction* tool : MenuOf(MenuPlace::Tool).actions()) {
+  for (const Command command :
+       {Command::ArbitraryWaveform, Command::ChannelSetting, Command::SystemSetup, Command::ModeSetting}) {
+    QAction* tool = MenuOf(MenuPlace::Tool).Item(command);
     tool->setEnabled(false);
     tool->setToolTip(Caption(TextId::NotInThisVersion));
     tool->setStatusTip(Caption(TextId::NotInThisVersion));

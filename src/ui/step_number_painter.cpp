@@ -59,10 +59,15 @@ QFont Small(QFont font) {
   return font;
 }
 
+QFont Narrow(QFont font) {
+  font.setStretch(kCountNarrow);
+  return font;
+}
+
 }  // namespace
 
-void PaintStepNumber(QPainter& painter, const QRect& cell, const StepNumberCell& shown) {
-  const int number = painter.fontMetrics().horizontalAdvance(shown.Number);
+void PaintStepNumber(QPainter& painter, const QRect& cell, const StepNumberCell& shown, CellTexts& texts) {
+  const int number = texts.Width(painter, shown.Number);
   const int lane = shown.Lanes < kLoopLanes ? kLaneWidth : kNarrowLane;
   for (const LoopPart& part : shown.Loops) {
     PaintPart(painter, cell, part, shown.Lanes, lane, part.Count == 0 ? shown.EndlessColor : shown.LoopColor);
@@ -76,21 +81,20 @@ void PaintStepNumber(QPainter& painter, const QRect& cell, const StepNumberCell&
     room.setLeft(room.left() + side);
   }
   painter.setPen(shown.Text);
-  const QString count = CountOf(shown.Loops);
-  const QFont large = painter.font();
-  QFont small = Small(large);
-  const auto widthOfCount = [&] { return QFontMetrics(small).horizontalAdvance(count) + kGap; };
-  if (number + widthOfCount() > room.width()) small.setStretch(kCountNarrow);
-  const int countWidth = widthOfCount();
-  if (count.isEmpty() || room.width() < number + countWidth) {
-    painter.drawText(room, Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, shown.Number);
-    return;
+  if (const QString count = CountOf(shown.Loops); !count.isEmpty()) {
+    const QFont large = painter.font();
+    painter.setFont(Small(large));
+    int width = texts.Width(painter, count) + kGap;
+    if (number + width > room.width()) {
+      painter.setFont(Narrow(painter.font()));
+      width = texts.Width(painter, count) + kGap;
+    }
+    const bool fits = number + width <= room.width();
+    if (fits) texts.Draw(painter, room, Qt::AlignRight, count);
+    painter.setFont(large);
+    if (fits) room.setRight(room.right() - width);
   }
-  painter.setFont(small);
-  painter.drawText(room, Qt::AlignRight | Qt::AlignVCenter | Qt::TextSingleLine, count);
-  painter.setFont(large);
-  room.setRight(room.right() - countWidth);
-  painter.drawText(room, Qt::AlignCenter | Qt::TextSingleLine | Qt::TextDontClip, shown.Number);
+  texts.Draw(painter, room, Qt::AlignHCenter, shown.Number);
 }
 
 }  // namespace corlune

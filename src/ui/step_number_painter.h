@@ -8,6 +8,7 @@
 #include <QPainter>
 
 #include "editing/loop_brackets.h"
+#include "ui/cell_texts.h"
 
 namespace corlune {
 
@@ -23,6 +24,6 @@ struct StepNumberCell {
 
 // Paints into `cell` with the painter's font; the background is there. The number comes first where the cell
 // is too narrow for all: then the count and at last the mark are left out.
-void PaintStepNumber(QPainter& painter, const QRect& cell, const StepNumberCell& shown);
+void PaintStepNumber(QPainter& painter, const QRect& cell, const StepNumberCell& shown, CellTexts& texts);
 
 }  // namespace corlune

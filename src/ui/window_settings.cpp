@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include <QDialog>
+#include <QScreen>
 #include <QSettings>
 
 #include "core/files.h"
@@ -71,6 +73,34 @@ void WindowSettings::WriteNumber(const char* key, std::optional<int> number) con
   } else {
     settings.remove(QString::fromUtf8(key));
   }
+}
+
+std::optional<QSize> WindowSettings::DialogSize(const QString& name) const {
+  const auto number = [&](const char* key) {
+    return Number(("Dialogs/" + name.toStdString() + key).c_str(), 1, kFarthest);
+  };
+  const auto width = number("Width");
+  const auto height = number("Height");
+  if (!width || !height) return std::nullopt;
+  return QSize(*width, *height);
+}
+
+void WindowSettings::WriteDialogSize(const QString& name, const QSize& size) const {
+  WriteNumber(("Dialogs/" + name.toStdString() + "Width").c_str(), size.width());
+  WriteNumber(("Dialogs/" + name.toStdString() + "Height").c_str(), size.height());
+}
+
+int ExecInItsSize(QDialog& dialog, const WindowSettings& settings) {
+  if (dialog.parentWidget() != nullptr) dialog.setFont(dialog.parentWidget()->font());
+  dialog.adjustSize();
+  const QSize first = dialog.size();
+  if (const auto size = settings.DialogSize(dialog.objectName())) {
+    dialog.resize(size->boundedTo(dialog.screen()->availableSize()).expandedTo(dialog.minimumSizeHint()));
+  }
+  const int result = dialog.exec();
+  // A dialog that was left in its first size takes the one that its texts need next time, too.
+  if (dialog.size() != first) settings.WriteDialogSize(dialog.objectName(), dialog.size());
+  return result;
 }
 
 WindowColors WindowSettings::Colors() const {

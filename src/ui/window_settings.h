@@ -9,9 +9,12 @@
 #include <QList>
 #include <QMargins>
 #include <QRect>
+#include <QSize>
 #include <QStringList>
 
 #include "view/window_colors.h"
+
+class QDialog;
 
 namespace corlune {
 
@@ -35,6 +38,9 @@ class WindowSettings {
   void Write(const std::optional<WindowPlace>& place, const QStringList& recentFiles) const;
   void WritePlace(const char* window, const WindowPlace& place) const;
   void WriteNumber(const char* key, std::optional<int> number) const;
+  // Sizes of the dialogs, by object name; nullopt: none yet.
+  std::optional<QSize> DialogSize(const QString& name) const;
+  void WriteDialogSize(const QString& name, const QSize& size) const;
   // How the windows are coloured.
   WindowColors Colors() const;
   void WriteColors(WindowColors colors) const;
@@ -46,6 +52,10 @@ class WindowSettings {
  private:
   QString path_;
 };
+
+// Shows `dialog` in the size that it was left with, in the font of its parent; what exec() returns. Pumps
+// events.
+int ExecInItsSize(QDialog& dialog, const WindowSettings& settings);
 
 // `path` in front of the list, once, the list at most kRecentFiles long.
 QStringList WithRecentFile(QStringList files, const QString& path);

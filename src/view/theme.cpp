@@ -6,6 +6,14 @@
 
 namespace corlune {
 
+namespace {
+
+std::uint64_t KeyOf(const QColor& background, const QColor& color) {
+  return static_cast<std::uint64_t>(background.rgb()) << 32U | color.rgb();
+}
+
+}  // namespace
+
 Color ToColor(const QColor& color) {
   return {static_cast<std::uint8_t>(color.red()), static_cast<std::uint8_t>(color.green()),
           static_cast<std::uint8_t>(color.blue())};
@@ -31,6 +39,8 @@ const ColorTheme& DefinitionColors::Theme(const QPalette& palette) {
     if (const ColorTheme theme = ThemeOf(palette); theme != theme_) {
       theme_ = theme;
       looks_.clear();
+      lines_.clear();
+      definitionLines_.clear();
     }
   }
   return theme_;
@@ -53,6 +63,18 @@ QColor LineOn(const QColor& background, const QColor& color) {
 
 QColor LineOn(const QColor& background, Color definition) {
   return ToQColor(LineIn(definition, ToColor(background)));
+}
+
+QColor DefinitionColors::Line(const QColor& background, const QColor& color) {
+  const auto [found, isNew] = lines_.try_emplace(KeyOf(background, color));
+  if (isNew) found->second = LineOn(background, color);
+  return found->second;
+}
+
+QColor DefinitionColors::Line(const QColor& background, Color definition) {
+  const auto [found, isNew] = definitionLines_.try_emplace(KeyOf(background, ToQColor(definition)));
+  if (isNew) found->second = LineOn(background, definition);
+  return found->second;
 }
 
 void ColorButton(QPushButton& button, const QPalette& desktop, Color face) {

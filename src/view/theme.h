@@ -18,6 +18,12 @@ ColorTheme ThemeOf(const QPalette& palette);
 // Without transparency.
 Color ToColor(const QColor& color);
 
+// `color`, lighter or darker by as much as it needs to be seen as a line on `background`.
+QColor LineOn(const QColor& background, const QColor& color);
+
+// The same for a colour of the definition.
+QColor LineOn(const QColor& background, Color definition);
+
 // The colours of the definition in one palette after the other, each computed once.
 class DefinitionColors {
  public:
@@ -27,18 +33,19 @@ class DefinitionColors {
   };
   const ColorTheme& Theme(const QPalette& palette);
   Look Of(const QPalette& palette, Color definition);
+  // As LineOn().
+  QColor Line(const QColor& background, const QColor& color);
+  QColor Line(const QColor& background, Color definition);
 
  private:
+  using Lines = std::unordered_map<std::uint64_t, QColor>;  // by background and colour
+
   ColorTheme theme_;
   qint64 key_ = 0;  // of the palette; 0: none yet
   std::unordered_map<std::uint32_t, Look> looks_;
+  Lines lines_;
+  Lines definitionLines_;
 };
-
-// `color`, lighter or darker by as much as it needs to be seen as a line on `background`.
-QColor LineOn(const QColor& background, const QColor& color);
-
-// The same for a colour of the definition.
-QColor LineOn(const QColor& background, Color definition);
 
 // The button's face in a colour of the definition, as it looks in `desktop`, with its text; the text of a
 // disabled button is fainter.
