@@ -154,6 +154,15 @@ QComboBox* FormDialog::MakeList(const char* name, const QStringList& choices,
   return list;
 }
 
+QPushButton* FormDialog::MakeButton(const char* name, TextId caption, std::function<void()> pressed) {
+  auto* button = new QPushButton(Caption(caption), this);
+  button->setObjectName(QString::fromUtf8(name));
+  button->setFocusPolicy(Qt::TabFocus);
+  connect(button, &QPushButton::clicked, this, std::move(pressed));
+  buttons_ << button;
+  return button;
+}
+
 QLabel* FormDialog::AddRow(QFormLayout& rows, const std::string& caption, const QList<QWidget*>& controls) {
   auto* label = new QLabel(QString::fromStdString(caption), this);
   label->setBuddy(controls.front());
@@ -253,12 +262,14 @@ void FormDialog::showEvent(QShowEvent* event) {
 
 void FormDialog::ShareLetters() {
   QString taken;
-  for (QLabel* caption : captions_) {
+  const auto give = [&](auto* control) {
     // Once: a dialog can be shown again.
-    if (caption->isVisibleTo(this) && !caption->text().contains(QLatin1Char('&'))) {
-      caption->setText(WithLetter(caption->text(), taken));
+    if (control->isVisibleTo(this) && !control->text().contains(QLatin1Char('&'))) {
+      control->setText(WithLetter(control->text(), taken));
     }
-  }
+  };
+  for (QLabel* caption : captions_) give(caption);
+  for (QPushButton* button : buttons_) give(button);
 }
 
 }  // namespace corlune

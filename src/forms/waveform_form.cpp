@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 #include "core/numbers.h"
@@ -42,6 +43,12 @@ std::string LengthText(std::int32_t milliseconds) {
 }
 
 }  // namespace
+
+std::vector<int> AllArbNumbers() {
+  std::vector<int> numbers(kArbNumbers);
+  std::iota(numbers.begin(), numbers.end(), 1);
+  return numbers;
+}
 
 std::string NumberList(const std::vector<int>& numbers) {
   std::string text;
@@ -243,12 +250,25 @@ std::vector<int> WaveformForm::UsedWithFile() const {
   return numbers;
 }
 
+std::vector<int> WaveformForm::UsedToSend() const {
+  return Those(UsedWithFile(),
+               [this](int number) { return NeedsTransfer(EntryOf(number), WaveformFolder(state_)); });
+}
+
 std::vector<int> WaveformForm::Held(const std::vector<int>& numbers) const {
   return Those(numbers, [this](int number) { return held_[Index(number)].InInstrument != 0; });
 }
 
 void WaveformForm::PrepareToSend(const std::vector<int>& numbers) {
   for (const int number : numbers) held_[Index(number)] = EntryOf(number);
+}
+
+void WaveformForm::ForgetInstrument() {
+  for (ArbFileEntry& entry : held_) {
+    ArbFileEntry fresh;
+    fresh.FilePath = entry.FilePath;
+    entry = fresh;
+  }
 }
 
 void WaveformForm::ApplyTo(SequenceData& sequence) const {

@@ -64,6 +64,7 @@ class WaveformForm {
   const std::string& Path(int number) const;
   // As it can be opened; empty: none.
   std::string FileOf(int number) const;
+  WaveFacts& Facts() { return facts_; }
   int Channels() const { return static_cast<int>(uses_.size()); }
   WaveformMemory Memory(int channel);
   std::vector<WaveformAction> Actions() const;
@@ -83,12 +84,15 @@ class WaveformForm {
   // Of `numbers` those with a file; with a file and played by a step; in the instrument.
   std::vector<int> WithFile(const std::vector<int>& numbers) const;
   std::vector<int> UsedWithFile() const;
+  std::vector<int> UsedToSend() const;  // those that the instrument does not hold as the file is now
   std::vector<int> Held(const std::vector<int>& numbers) const;
 
   // What the instrument holds, for the session's work on it. Before a transfer PrepareToSend puts the files
   // of `numbers` there.
   ArbEntries& Instrument() { return held_; }
   void PrepareToSend(const std::vector<int>& numbers);
+  // The connection was opened anew: it may be another instrument.
+  void ForgetInstrument();
 
   // OK and Cancel.
   void ApplyTo(SequenceData& sequence) const;
@@ -120,6 +124,8 @@ class WaveformForm {
   ArbEntries held_;
 };
 
+// 1..128
+std::vector<int> AllArbNumbers();
 // "1, 3-7, 12" of ascending numbers.
 std::string NumberList(const std::vector<int>& numbers);
 // "524,288"

@@ -122,8 +122,9 @@ class Session {
   // Deletes the waveforms in an instrument (0-based). Of instrument 0 the `entries` tell what came of it.
   WaveformOutcome ClearWaveforms(ArbEntries& entries, std::span<const int> numbers, int instrument,
                                  const WaveformWatch& watch);
-  // Asks an instrument (0-based) what it holds under every number.
-  WaveformOutcome ReadWaveformDirectory(ArbEntries& entries, int instrument, const WaveformWatch& watch);
+  // Asks an instrument (0-based) what it holds under `numbers`.
+  WaveformOutcome AskForWaveforms(ArbEntries& entries, std::span<const int> numbers, int instrument,
+                                  const WaveformWatch& watch);
   // To be called after commands and ticks: carries out a stop that was pressed meanwhile, marks the
   // instruments that were unplugged, and goes off-line, back in edit mode, when none is left and nothing is
   // under way.
@@ -205,6 +206,8 @@ class Session {
                      std::vector<WaveformPlan>& plan, WaveformOutcome& outcome);
   void SendPlanned(ArbEntries& entries, const std::vector<WaveformPlan>& plan, const WaveformWatch& watch,
                    WaveformOutcome& outcome);
+  WaveformOutcome WithEach(std::span<const int> numbers, int instrument, const WaveformWatch& watch,
+                           const std::function<bool(int)>& exchange);
   void SayTransferFailure(ArbTransfer result, int number, const std::string& path);
   void WarnOfWaveform(int number, const std::string& path, const std::string& reason);
 

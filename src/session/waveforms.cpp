@@ -122,24 +122,39 @@ void Session::WarnOfWaveform(int number, const std::string& path, const std::str
 
 WaveformOutcome Session::ClearWaveforms(ArbEntries& entries, std::span<const int> numbers, int instrument,
                                         const WaveformWatch& watch) {
-  WaveformOutcome outcome;
-  if (state_.Online != 1 || !Idle()) return outcome;
+  if (state_.Online != 1 || !Idle() || !AgreeToGoOn()) return {};
+  return WithEach(numbers, instrument, watch, [&](int number) {
+    const CommStatus status = instrument == 0 ? waveforms_->ClearOne(EntryOf(entries, number), number)
+                                              : waveforms_->DeleteArb(number, instrument);
+    return !Failed(status);
+  });
+}
+
+WaveformOutcome Session::AskForWaveforms(ArbEntries& entries, std::span<const int> numbers, int instrument,
+                                         const WaveformWatch& watch) {
+  if (state_.Online != 1 || !Idle()) return {};
+  return WithEach(numbers, instrument, watch, [&](int number) {
+    return waveforms_->QueryArbInfo(EntryOf(entries, number), number, instrument);
+  });
+}
+
+// Until one exchange fails. The window answers between them.
+WaveformOutcome Session::WithEach(std::span<const int> numbers, int instrument, const WaveformWatch& watch,
+                                  const std::function<bool(int)>& exchange) {
+  WaveformOutcome outcome{WaveformEnd::Done};
   {
     const WorkGuard guard(activity_, Work::Exchange);
-    if (!AgreeToGoOn()) return outcome;
-    outcome.End = WaveformEnd::Done;
     WaveformStep step;
     step.Count = static_cast<int>(numbers.size());
     for (const int number : numbers) {
       step.Number = number;
-      if (!watch(step)) {
+      const bool goesOn = watch(step);
+      ports_.pump.HandlePending();
+      if (!goesOn) {
         outcome.End = WaveformEnd::Ended;
         break;
       }
-      ports_.pump.HandlePending();
-      const CommStatus status = instrument == 0 ? waveforms_->ClearOne(EntryOf(entries, number), number)
-                                                : waveforms_->DeleteArb(number, instrument);
-      if (Failed(status)) {
+      if (!exchange(number)) {
         outcome.End = WaveformEnd::Failed;
         outcome.Number = number;
         ShowMessage(ports_.prompts, catalogue_, TextId::CommunicationError, PromptIcon::Critical,
@@ -147,33 +162,6 @@ WaveformOutcome Session::ClearWaveforms(ArbEntries& entries, std::span<const int
         break;
       }
       outcome.Done = ++step.Done;
-    }
-  }
-  NoticeLostConnection();
-  return outcome;
-}
-
-WaveformOutcome Session::ReadWaveformDirectory(ArbEntries& entries, int instrument,
-                                               const WaveformWatch& watch) {
-  WaveformOutcome outcome;
-  if (state_.Online != 1 || !Idle()) return outcome;
-  {
-    const WorkGuard guard(activity_, Work::Exchange);
-    outcome.End = WaveformEnd::Done;
-    outcome.Done = waveforms_->QueryArbDirectory(
-        entries,
-        [&](int asked) {
-          ports_.pump.HandlePending();
-          const bool goesOn = watch({asked + 1, asked, kArbNumbers});
-          if (!goesOn) outcome.End = WaveformEnd::Ended;
-          return goesOn;
-        },
-        instrument);
-    if (outcome.End == WaveformEnd::Done && outcome.Done < kArbNumbers) {
-      outcome.End = WaveformEnd::Failed;
-      outcome.Number = outcome.Done + 1;
-      ShowMessage(ports_.prompts, catalogue_, TextId::CommunicationError, PromptIcon::Critical,
-                  PromptButtons::Ok, {std::to_string(instrument + 1)});
     }
   }
   NoticeLostConnection();

@@ -159,6 +159,7 @@ class MainWindow : public QMainWindow {
 
   // main_window_tools.cpp
   void ToolCommand(Command command);
+  void EditWaveforms();
   void EditCommonParameters();
   // Applies what a tool dialog has edited as one undo entry and shows what follows from it everywhere.
   void ApplyForm(TextId action, const std::function<void()>& change);
@@ -196,6 +197,7 @@ class MainWindow : public QMainWindow {
   Prompts& prompts_;
   FileDialogs& files_;
   const WindowSettings& settings_;
+  WaveFacts waveFacts_;  // of the files that the dialog of the waveforms has shown
   std::string version_;
   QDate programDate_;
 
