@@ -11,6 +11,9 @@ namespace corlune {
 
 namespace {
 
+// Reading the pictures takes as long as painting the grids: the window comes first.
+constexpr int kIconDelay = 100;  // ms
+
 QIcon ReadIcon(const QString& name) {
   QIcon icon;
   for (const int size : {16, 32, 48, 64, 256}) {
@@ -40,7 +43,7 @@ class IconAfterFirstPaint : public QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (watched == window_ && event->type() == QEvent::Paint) {
       window_->removeEventFilter(this);
-      startTimer(0);
+      startTimer(kIconDelay);
     }
     return false;
   }

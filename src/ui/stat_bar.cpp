@@ -10,40 +10,17 @@
 
 #include "core/output_state.h"
 #include "core/step_numbering.h"
-#include "editing/color_theme.h"
 #include "ui/elided_label.h"
 #include "ui/notice_bar.h"
+#include "ui/output_panel.h"
 #include "view/time_panel.h"
-#include "view/to_qcolor.h"
 #include "view/warning_line.h"
 
 namespace corlune {
 
 namespace {
 
-constexpr int kPanelMargin = 1;        // pixels
-constexpr QColor kDoubt(255, 192, 0);  // amber, as the line that warns
-
-struct OutputWords {
-  const char* lamp;
-  TextId text;
-  TextId tip;
-};
-
-// A full lamp, an empty one and a half one can be told without colour.
-OutputWords WordsOf(OutputState state) {
-  switch (state) {
-    case OutputState::None:
-      break;
-    case OutputState::Unknown:
-      return {"\u25D0\u200A", TextId::OutputUnknown, TextId::TipOutputUnknown};
-    case OutputState::Off:
-      return {"\u25CB\u200A", TextId::OutputIsOff, TextId::TipOutputIsOff};
-    case OutputState::On:
-      return {"\u25CF\u200A", TextId::OutputIsOn, TextId::TipOutputIsOn};
-  }
-  return {"", TextId::OutputNone, TextId::TipOutputNone};
-}
+constexpr int kPanelMargin = 1;  // pixels
 
 }  // namespace
 
@@ -67,6 +44,8 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
       panel = total_ = new TimePanel(catalogue, TextId::TotalTime, bar);
     } else if (i == Elapsed) {
       panel = elapsed_ = new TimePanel(catalogue, TextId::ElapsedTime, bar);
+    } else if (i == Output) {
+      panel = output_ = new OutputPanel(catalogue, bar);
     } else {
       panel = i == Device || i == Mode ? new ElidedLabel(bar) : new QLabel(bar);
     }
@@ -85,40 +64,6 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
   connect(notice_, &NoticeBar::Said, this, &StatBar::PlaceNotice);
   connect(notice_, &NoticeBar::ListWanted, this, &StatBar::NoticesWanted);
   bar->installEventFilter(this);
-  ReserveOutputWidth();
-}
-
-// The panel keeps its place whatever it says.
-void StatBar::ReserveOutputWidth() {
-  QLabel* panel = panels_[Output];
-  int widest = 0;
-  for (const OutputState state :
-       {OutputState::None, OutputState::Unknown, OutputState::Off, OutputState::On}) {
-    const OutputWords words = WordsOf(state);
-    const QString text =
-        QString::fromUtf8(words.lamp) + QString::fromStdString(catalogue_.GetResString(words.text));
-    widest = std::max(widest, panel->fontMetrics().horizontalAdvance(text));
-  }
-  panel->setMinimumWidth(widest + 2 * (kPanelMargin + panel->frameWidth()));
-}
-
-void StatBar::ShowOutput(const AppState& state, const Color& onColor) {
-  const OutputState output = OutputStateOf(state);
-  const OutputWords words = WordsOf(output);
-  Show(Output, words.lamp + catalogue_.GetResString(words.text));
-  QLabel* panel = panels_[Output];
-  panel->setToolTip(QString::fromStdString(catalogue_.GetResString(words.tip)));
-  panel->setAccessibleDescription(panel->toolTip());
-  const bool marked = output == OutputState::On || output == OutputState::Unknown;
-  QPalette colors;
-  if (marked) {
-    const QColor face = output == OutputState::On ? ToQColor(onColor) : kDoubt;
-    colors.setColor(QPalette::Window, face);
-    colors.setColor(QPalette::WindowText,
-                    output == OutputState::On ? ToQColor(TextColorOn(onColor)) : QColor(Qt::black));
-  }
-  panel->setPalette(colors);
-  panel->setAutoFillBackground(marked);
 }
 
 // Over the panels at the left. What the outputs do stays in sight, the times as long as there is room.
@@ -135,11 +80,6 @@ bool StatBar::eventFilter(QObject* watched, QEvent* event) {
     QMetaObject::invokeMethod(this, &StatBar::PlaceNotice, Qt::QueuedConnection);
   }
   return QWidget::eventFilter(watched, event);
-}
-
-void StatBar::changeEvent(QEvent* event) {
-  QWidget::changeEvent(event);
-  if (event->type() == QEvent::FontChange && panels_[Output]) ReserveOutputWidth();
 }
 
 void StatBar::Show(Panel panel, const std::string& text) {
@@ -163,7 +103,7 @@ void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
   panels_[Connection]->setAccessibleDescription(panels_[Connection]->toolTip());
   panels_[Device]->setToolTip(QString::fromStdString(facts.deviceTip));
   panels_[Device]->setAccessibleDescription(panels_[Device]->toolTip());
-  ShowOutput(state, facts.outputOn);
+  output_->ShowState(OutputStateOf(state), facts.outputOn);
   ElapsTime(state.ElapsedTime);
   warning_->ShowState(state);
 }

@@ -21,6 +21,7 @@ class QLabel;
 namespace corlune {
 
 class NoticeBar;
+class OutputPanel;
 class TimePanel;
 class WarningLine;
 
@@ -59,12 +60,9 @@ class StatBar : public QWidget {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
-  void changeEvent(QEvent* event) override;
 
  private:
   void Show(Panel panel, const std::string& text);
-  void ShowOutput(const AppState& state, const Color& onColor);
-  void ReserveOutputWidth();
   void PlaceNotice();
 
   const MessageCatalogue& catalogue_;
@@ -74,6 +72,7 @@ class StatBar : public QWidget {
   std::array<QLabel*, kPanels> panels_{};
   TimePanel* total_ = nullptr;
   TimePanel* elapsed_ = nullptr;
+  OutputPanel* output_ = nullptr;
 };
 
 }  // namespace corlune

@@ -178,7 +178,7 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.Tick();
   EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("instrument 1")));
   EXPECT_EQ(Possible(rig), "0-2--5 EFC");
-  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "Output: unknown");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Mode), "Edit mode");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Elapsed), "Elapsed time:00:00:00.0");
   const auto* warning = rig.window->findChild<QLabel*>("LabWarning");
@@ -190,7 +190,7 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.Key(Qt::Key_F8);
   EXPECT_EQ(rig.CountSent("1 < :OUTP1 OFF;:OUTP2 OFF"), 1);
   EXPECT_TRUE(warning->isVisible()) << "switched off, but not stopped";
-  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25CB\u200AOutput: OFF");
+  EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "Output: OFF");
   rig.Key(Qt::Key_F5, Qt::ShiftModifier);
   EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_FALSE(warning->isVisible());
@@ -222,7 +222,7 @@ TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {
     EXPECT_FALSE(rig.window->findChild<QPushButton*>("CmdRead")->isEnabled());
     // A start that was not answered may have been taken.
     EXPECT_EQ(Possible(rig), download ? "0----5 EFC" : "0-2--5 EFC");
-    EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "\u25D0\u200AOutput: unknown");
+    EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "Output: unknown");
     EXPECT_FALSE(rig.session->State().Connected);
   }
 }
