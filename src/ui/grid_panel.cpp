@@ -257,6 +257,10 @@ void GridPanel::Impl::ShowMenu(const QPoint& global) {
   menu.addSeparator();
   menu.Add(RowOf(Command::ImportCsv));
   menu.Add(RowOf(Command::ExportCsv));
+  if (editor_.Cursor().ActiveGrid == GridArea::Sequence) {
+    menu.addSeparator();
+    menu.Add(RowOf(Command::ModeSetting));
+  }
   menu.ShowStates(states_);
   menu.ShowUndoNames(editor_);
   menu.exec(global);

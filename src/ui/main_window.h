@@ -160,7 +160,9 @@ class MainWindow : public QMainWindow {
   // main_window_tools.cpp
   void ToolCommand(Command command);
   void EditWaveforms();
+  void EditChannelSettings();
   void EditCommonParameters();
+  void EditModes();
   // Applies what a tool dialog has edited as one undo entry and shows what follows from it everywhere.
   void ApplyForm(TextId action, const std::function<void()>& change);
 

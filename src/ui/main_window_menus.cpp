@@ -54,7 +54,7 @@ void MainWindow::ChooseColors(WindowColors colors) {
 
 void MainWindow::ShowMenuStates() {
   for (CommandMenu* menu : menus_) menu->ShowStates(states_);
-  for (const Command command : {Command::ChannelSetting, Command::SystemSetup, Command::ModeSetting}) {
+  for (const Command command : {Command::SystemSetup}) {
     QAction* tool = MenuOf(MenuPlace::Tool).Item(command);
     tool->setEnabled(false);
     tool->setToolTip(Caption(TextId::NotInThisVersion));

@@ -1,6 +1,9 @@
 // MainWindow: its tool dialogs.
 #include "dialogs/frm_arb_file.h"
+#include "dialogs/frm_ch_prm.h"
 #include "dialogs/frm_cmn_prm.h"
+#include "dialogs/frm_mode_set.h"
+#include "sequence/channel_tabs.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
 #include "view/frm_preview.h"
@@ -11,8 +14,12 @@ void MainWindow::ToolCommand(Command command) {
   switch (command) {
     case Command::ArbitraryWaveform:
       return EditWaveforms();
+    case Command::ChannelSetting:
+      return EditChannelSettings();
     case Command::CommonSettings:
       return EditCommonParameters();
+    case Command::ModeSetting:
+      return EditModes();
     default:
       break;
   }
@@ -23,6 +30,33 @@ void MainWindow::ApplyForm(TextId action, const std::function<void()>& change) {
   if (!outcome.Changed) return;
   grids_->Apply(outcome);
   if (preview_ && session_.State().SequenceViewShown) preview_->PicDisp();
+}
+
+void MainWindow::EditChannelSettings() {
+  Perform([&] {
+    grids_->HideEditors();
+    const GridCursor& cursor = editor_.Cursor();
+    ChannelForm form(session_.Sequence(), session_.Definition(), EditedChannels(session_.State()),
+                     IndexOf(GridRow{cursor.CurrentRow}).value);
+    FrmChPrm dialog(session_.Catalogue(), prompts_, form, states_.CommonDialogOk, this);
+    if (ExecInItsSize(dialog, settings_) != QDialog::Accepted) return;
+    ApplyForm(TextId::EditChannelSettings, [&] { form.ApplyTo(session_.Sequence()); });
+  });
+}
+
+void MainWindow::EditModes() {
+  Perform([&] {
+    grids_->HideEditors();
+    ModeForm form(session_.Sequence(), session_.State(), session_.Definition());
+    // The channel that is being worked in.
+    if (const GridCursor& cursor = editor_.Cursor(); cursor.ActiveGrid == GridArea::Sequence) {
+      form.SelectDevice(0);
+      form.SelectChannel(cursor.CurrentChannel);
+    }
+    FrmModeSet dialog(session_.Catalogue(), prompts_, form, this);
+    if (ExecInItsSize(dialog, settings_) != QDialog::Accepted) return;
+    ApplyForm(TextId::EditModeSettings, [&] { form.ApplyTo(session_.Sequence()); });
+  });
 }
 
 void MainWindow::EditCommonParameters() {
