@@ -422,7 +422,7 @@ CatalogueText TextOf(TextId id) {
     case ArbPlaceFile: return {"File", "ファイルのみ"};
     case ArbPlaceInstrument: return {"Instrument", "機器のみ"};
     case ArbPlaceBoth: return {"File and instrument", "転送済み"};
-    case ArbPlaceNotSent: return {"Not sent; instrument holds one", "未転送（機器に波形あり）"};
+    case ArbPlaceNotSent: return {"Both, not sent", "未転送（機器に波形あり）"};
     case ArbPlaceChanged: return {"Changed since sent", "転送後に変更"};
     case ArbTransferUsed: return {"Transfer All Used", "使用波形を転送"};
     case ArbUseTip: return {"CH$1: step $2", "CH$1：ステップ $2"};

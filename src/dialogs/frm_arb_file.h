@@ -10,8 +10,6 @@
 #include <functional>
 #include <vector>
 
-#include <QTimer>
-
 #include "dialogs/form_dialog.h"
 #include "forms/waveform_form.h"
 #include "graph/wave_cache.h"
@@ -20,6 +18,7 @@
 class QGroupBox;
 class QProgressBar;
 class QTableView;
+class QTimer;
 
 namespace corlune {
 
@@ -108,8 +107,8 @@ class FrmArbFile : public FormDialog {
   QLabel* progressText_ = nullptr;
   QPushButton* end_ = nullptr;
   WaveCache cache_;
-  QTimer count_;  // counts the values of one file in each turn of the event loop
-  QTimer quiet_;  // runs out when no further number was chosen
+  QTimer* count_;  // counts the values of one file in each turn of the event loop
+  QTimer* quiet_;  // runs out when no further number was chosen
   bool working_ = false;
   bool ended_ = false;        // the work is to end
   bool reading_ = false;      // the work only asks the instrument

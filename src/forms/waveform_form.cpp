@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <string_view>
 #include <utility>
 
+#include "core/ascii_case.h"
 #include "core/numbers.h"
 #include "sequence/channel_tabs.h"
 #include "sequence/defaults.h"
@@ -32,6 +34,35 @@ std::vector<int> Those(const std::vector<int>& numbers, const Holds& holds) {
 // The entry of a number whose file is `path` now.
 ArbFileEntry EntryFor(const ArbFileEntry& held, const std::string& path) {
   return held.FilePath == path ? held : EntryWithFile(held, path);
+}
+
+// Takes the number that `text` begins with from it; its digits without leading zeros.
+std::string_view TakeNumber(std::string_view& text) {
+  const std::size_t end = std::min(text.find_first_not_of("0123456789"), text.size());
+  std::string_view number = text.substr(0, end);
+  number.remove_prefix(std::min(number.find_first_not_of('0'), number.size()));
+  text.remove_prefix(end);
+  return number;
+}
+
+// As people number files: "wave2" comes before "Wave10".
+bool ComesBefore(std::string_view one, std::string_view other) {
+  const auto digit = [](std::string_view text) { return text[0] >= '0' && text[0] <= '9'; };
+  while (!one.empty() && !other.empty()) {
+    if (digit(one) && digit(other)) {
+      const std::string_view a = TakeNumber(one);
+      const std::string_view b = TakeNumber(other);
+      if (a.size() != b.size()) return a.size() < b.size();
+      if (a != b) return a < b;
+      continue;
+    }
+    const char a = LowerAscii(one[0]);
+    const char b = LowerAscii(other[0]);
+    if (a != b) return static_cast<unsigned char>(a) < static_cast<unsigned char>(b);
+    one.remove_prefix(1);
+    other.remove_prefix(1);
+  }
+  return one.empty() && !other.empty();
 }
 
 // mm:ss of whole seconds, with hours where there are any.
@@ -145,7 +176,7 @@ WaveformRow WaveformForm::Row(int number) {
   return row;
 }
 
-WaveformMemory WaveformForm::Memory(int channel) {
+ChannelMemory WaveformForm::Memory(int channel) {
   const Use& use = uses_[static_cast<std::size_t>(channel)];
   ArbEntries planned{};
   for (std::size_t i = 0; i < planned.size(); ++i) {
@@ -158,7 +189,7 @@ WaveformMemory WaveformForm::Memory(int channel) {
     }
   }
   const MemoryUse memory = MemoryUseOf(use.Flow, planned);
-  WaveformMemory result{memory.Points, CheckMemory(memory), {}};
+  ChannelMemory result{memory.Points, CheckMemory(memory), {}};
   const bool over = result.Check == ArbCheck::MemoryFull;
   const TextId text = result.Check == ArbCheck::Passed ? TextId::ArbMemoryLeft
                       : over                           ? TextId::ArbMemoryOver
@@ -196,7 +227,8 @@ std::string WaveformForm::Refusal(const std::string& path) const {
   return taken ? std::string() : path + ": " + ReasonText(fact->Reason, catalogue_);
 }
 
-WaveformForm::Assigned WaveformForm::Assign(int first, const std::vector<std::string>& paths) {
+WaveformForm::Assigned WaveformForm::Assign(int first, std::vector<std::string> paths) {
+  std::stable_sort(paths.begin(), paths.end(), ComesBefore);
   Assigned assigned;
   const auto complain = [&](const std::string& line) {
     assigned.Problem += (assigned.Problem.empty() ? "" : "\n") + line;

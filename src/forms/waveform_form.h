@@ -44,7 +44,7 @@ struct WaveformRow {
 };
 
 // Memory of one channel when everything that its steps play is in the instrument.
-struct WaveformMemory {
+struct ChannelMemory {
   std::int64_t Used = 0;  // points, of kWaveformMemory
   ArbCheck Check = ArbCheck::Passed;
   std::string Text;  // how much is left, or too much
@@ -66,16 +66,16 @@ class WaveformForm {
   std::string FileOf(int number) const;
   WaveFacts& Facts() { return facts_; }
   int Channels() const { return static_cast<int>(uses_.size()); }
-  WaveformMemory Memory(int channel);
+  ChannelMemory Memory(int channel);
   std::vector<WaveformAction> Actions() const;
 
-  // Assigns files: the first to `first`, the others to the following numbers without a file. Those that no
+  // Assigns files in the order of their names: the first to `first`, the others to the following numbers without a file. Those that no
   // number or no sequence file can take are left out; `problem`: why, a line for each.
   struct Assigned {
     std::vector<int> Numbers;
     std::string Problem;
   };
-  Assigned Assign(int first, const std::vector<std::string>& paths);
+  Assigned Assign(int first, std::vector<std::string> paths);
   void RemoveFiles(const std::vector<int>& numbers);
 
   // Counts the values of one file that needs it; its ARB number, 0 when all are known.

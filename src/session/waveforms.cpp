@@ -79,13 +79,15 @@ void Session::SendPlanned(ArbEntries& entries, const std::vector<WaveformPlan>& 
     ArbFileEntry& entry = EntryOf(entries, one.Number);
     const ArbFileEntry before = entry;
     const std::int32_t after = step.TimeLeft - one.Time;
-    const ArbTransfer result = waveforms_->SendAndCheck(entry, one.Number, [&](std::int32_t left) {
+    ArbTransfer result = waveforms_->SendAndCheck(entry, one.Number, [&](std::int32_t left) {
       for (; left > 0; left -= kSecond) {
         step.TimeLeft = after + left;
         goesOn = watch(step) && goesOn;
         commands_->DelayMs(std::min(left, kSecond));
       }
     });
+    // A query that nobody answers counts as "no error".
+    if (result == ArbTransfer::Done && commands_->InstrumentLost(0)) result = ArbTransfer::NotSent;
     if (result != ArbTransfer::Done) {
       outcome.End = WaveformEnd::Failed;
       outcome.Number = one.Number;
