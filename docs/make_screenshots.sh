@@ -36,6 +36,13 @@ download_ended() {
   done
 }
 
+# tool_dialog KEY TITLE: opens the dialog of the key with Ctrl and Shift.
+tool_dialog() {
+  activate "$main"
+  xdotool key "ctrl+shift+$1"
+  wait_until 10 "no dialog $2" window_named "^($2)\$"
+}
+
 # start_on WIDTH HEIGHT: a screen of that size and the program with the example sequence.
 start_on() {
   begin_x "$1" "$2"
@@ -65,6 +72,21 @@ for language in "${languages[@]}"; do
   xdotool key F1
   wait_until 10 "no about box" window_named '^(Version|バージョン情報)$'
   shoot about
+  xdotool key Escape
+
+  # The tool dialogs: amplitudes in volts (rms) at 50 ohm.
+  tool_dialog p 'Common Sequence Parameters|シーケンス共通パラメタ設定'
+  shoot common-settings
+  xdotool key Escape
+  tool_dialog h 'Set channel|チャネル設定'
+  xdotool key Tab Down Tab 5 0 Tab Down Tab Down Tab
+  xdotool type Vrms
+  xdotool key Tab Tab
+  xdotool type 0.35355
+  shoot channel-settings
+  xdotool key Escape Escape
+  tool_dialog m 'Set mode|モード設定'
+  shoot mode-settings
   xdotool key Escape
 
   # Mode menu, execution mode; the name as proposed.

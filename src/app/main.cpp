@@ -11,6 +11,7 @@
 #include "app/window_program.h"
 #include "platform/folders.h"
 #include "platform/language.h"
+#include "view/window_style.h"
 
 namespace corlune {
 namespace {
@@ -44,8 +45,7 @@ int Main(int argc, char** argv) {
   QApplication application(count, argv);
   QApplication::setApplicationName(QString::fromUtf8(kApplicationTitle));
   QApplication::setQuitOnLastWindowClosed(false);
-  // The style that follows the colours of the model definition on every system.
-  QApplication::setStyle(QStringLiteral("Fusion"));
+  QApplication::setStyle(new WindowStyle);  // the application owns it
 
   const bool english = options.english.value_or(CheckLanguage());
   QTranslator toolkitTexts;

@@ -46,14 +46,15 @@ std::string ResourceName(const std::string& prefix, const std::string& serialNo)
   return name;
 }
 
-std::string InitString(const AppState& state, const ModelDefinition& definition, InterfaceKind kind) {
+// The options of an opening of `kind`, for those of `instruments` that are of that kind.
+std::string InitString(const ModelDefinition& definition, int modelIndex, InterfaceKind kind,
+                       std::span<const InstrumentEntry> instruments) {
   std::string text = definition.Commands.LibraryInit;
   if (kind != InterfaceKind::UsbTmc) return text;
   text += ",USBTMC_DEVNO=0,USBTMC_NAME=";
-  const std::string& prefix = definition.InterfaceOf(state.ModelIndex).UsbTmcId;
+  const std::string& prefix = definition.InterfaceOf(modelIndex).UsbTmcId;
   bool first = true;
-  for (int i = 0; i < InstrumentsInUse(state); ++i) {
-    const InstrumentEntry& entry = state.Instruments[static_cast<std::size_t>(i)];
+  for (const InstrumentEntry& entry : instruments) {
     if (entry.InterfaceKind != InterfaceKind::UsbTmc) continue;
     if (!first) text += '/';
     text += ResourceName(prefix, entry.SerialNo);
@@ -72,14 +73,9 @@ bool CommandLayer::OpenInstrumentInterface(int* failedInstrument, std::string* p
   const std::vector<KindInUse> kinds = KindsInUse(state_);
   openKinds_.clear();
   for (const KindInUse& row : kinds) {
-    state_.CurrentInterface = row.kind;
-    const bool emptyLog = &row == &kinds.front();
-    CommStatus status = gp_.GP_Init(InitString(state_, definition_, row.kind), emptyLog);
-    if (!Failed(status)) {
+    if (!Failed(Open(row.kind, &row == &kinds.front()))) {
       openKinds_.push_back(row.kind);
-      status = gp_.GP_Time_Out(kTimeOut3s);
-    }
-    if (Failed(status)) {
+    } else {
       if (failedInstrument) *failedInstrument = row.firstInstrument;
       if (problem) *problem = gp_.OwnLibraryProblem();
       if (!openKinds_.empty()) CloseInstrumentInterface();
@@ -89,6 +85,16 @@ bool CommandLayer::OpenInstrumentInterface(int* failedInstrument, std::string* p
   }
   state_.CurrentInterface = kinds.front().kind;
   return true;
+}
+
+CommStatus CommandLayer::Open(InterfaceKind kind, bool emptyLog) {
+  state_.CurrentInterface = kind;
+  const std::span instruments(state_.Instruments.data(), static_cast<std::size_t>(InstrumentsInUse(state_)));
+  CommStatus status = gp_.GP_Init(InitString(definition_, state_.ModelIndex, kind, instruments), emptyLog);
+  if (Failed(status)) return status;
+  status = gp_.GP_Time_Out(kTimeOut3s);
+  if (Failed(status)) gp_.GP_End();
+  return status;
 }
 
 CommStatus CommandLayer::CloseInstrumentInterface() {
@@ -103,6 +109,46 @@ CommStatus CommandLayer::CloseInstrumentInterface() {
   }
   state_.CurrentInterface = state_.Instruments[0].InterfaceKind;
   return first;
+}
+
+AnswerAlone CommandLayer::AskAlone(const InstrumentEntry& entry, const ModelDefinition& definition,
+                                   int modelIndex, const CommandEntry& query) {
+  AnswerAlone answer;
+  const InterfaceKind before = state_.CurrentInterface;
+  state_.CurrentInterface = entry.InterfaceKind;
+  const bool wasOpen =
+      std::find(openKinds_.begin(), openKinds_.end(), entry.InterfaceKind) != openKinds_.end();
+  if (wasOpen) gp_.GP_End();
+  answer.Status =
+      gp_.GP_Init(InitString(definition, modelIndex, entry.InterfaceKind, std::span(&entry, 1)), false);
+  if (!Failed(answer.Status)) {
+    AskOpened(entry, query, answer);
+  } else {
+    answer.Problem = gp_.OwnLibraryProblem();
+  }
+  if (wasOpen) {
+    answer.Reopened = !Failed(Open(entry.InterfaceKind, false));
+    if (!answer.Reopened) {
+      answer.LossProblem = gp_.OwnLibraryProblem();
+      std::erase(openKinds_, entry.InterfaceKind);
+    }
+  }
+  state_.CurrentInterface = before;
+  return answer;
+}
+
+void CommandLayer::AskOpened(const InstrumentEntry& entry, const CommandEntry& query, AnswerAlone& answer) {
+  answer.Opened = true;
+  const std::int16_t address =
+      entry.InterfaceKind == InterfaceKind::UsbTmc ? std::int16_t{0} : DeviceAddress(entry.Address);
+  answer.Status = gp_.GP_Time_Out(kTimeOut3s);
+  if (!Failed(answer.Status)) answer.Status = gp_.GP_Send_Str(address, query.Template);
+  if (!Failed(answer.Status)) {
+    DelayMs(query.Wait);
+    answer.Status = gp_.GP_Receive_Str(address, answer.Reply);
+  }
+  if (Failed(answer.Status)) answer.Problem = gp_.OwnLibraryProblem();
+  gp_.GP_End();
 }
 
 std::int32_t CommandLayer::SelectInstrument(int index) {

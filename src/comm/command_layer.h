@@ -21,6 +21,16 @@
 
 namespace corlune {
 
+// What an instrument that was asked alone has answered.
+struct AnswerAlone {
+  CommStatus Status = CommStatus::Success;
+  std::string Reply;        // empty unless Status is Success
+  std::string Problem;      // what the library says about a failure, perhaps nothing
+  bool Opened = false;      // false: it is the opening that failed
+  bool Reopened = true;     // false: the connection of its kind that was open before is lost
+  std::string LossProblem;  // what the library says about that
+};
+
 class CommandLayer {
  public:
   // All references must outlive the object.
@@ -34,6 +44,12 @@ class CommandLayer {
   [[nodiscard]] bool OpenInstrumentInterface(int* failedInstrument = nullptr, std::string* problem = nullptr);
   // One GP_End for each kind that was opened, nothing for the others; the status of the first.
   CommStatus CloseInstrumentInterface();
+
+  // Asks `query` of an instrument that need not belong to the set-up, also off-line, through an opening of
+  // its own with the options and the resource prefix of `definition`'s model `modelIndex`. What is open of
+  // its kind is closed meanwhile. Pumps events when the query has a wait.
+  AnswerAlone AskAlone(const InstrumentEntry& entry, const ModelDefinition& definition, int modelIndex,
+                       const CommandEntry& query);
 
   // Points CurrentInterface at instrument `index` (0..4) and returns its address for SendCommand; outside the
   // range it changes nothing and returns kSameDevice.
@@ -67,6 +83,8 @@ class CommandLayer {
  private:
   // Runs a wait; handlers inside may address other instruments.
   void KeepingInterface(const std::function<void()>& wait);
+  CommStatus Open(InterfaceKind kind, bool emptyLog);
+  void AskOpened(const InstrumentEntry& entry, const CommandEntry& query, AnswerAlone& answer);
 
   AppState& state_;
   const ModelDefinition& definition_;

@@ -572,6 +572,29 @@ CatalogueText TextOf(TextId id) {
     // Added texts: why nothing happens.
     case BranchWithoutTarget: return {"No branch: the step has no branch step for branch channel $1.", "ブランチできません。このステップには、ブランチチャネル$1のブランチステップが設定されていません。"};
     case NothingToEnter: return {"Nothing can be entered here: the step does not use this parameter.", "このステップでは使用しないパラメタのため、入力できません。"};
+
+    // Added texts: set-up of the instruments and their connection.
+    case MenuConnect: return {"Connect(&N)", "接続(&N)"};
+    case ButtonSearchAgain: return {"Search again(&R)", "再検索(&R)"};
+    case ButtonTestConnection: return {"Test connection", "接続テスト"};
+    case AskingInstrument: return {"Asking the instrument...", "機器に問い合わせています..."};
+    case TestAnswered: return {"Answers: $1", "応答あり：$1"};
+    case TestOtherModel: return {"Answers, but is not a $1: $2", "応答はありますが、$1ではありません：$2"};
+    case TestNoAnswer: return {"It does not answer.", "応答がありません。"};
+    case TestNotReached: return {"It cannot be reached.", "接続できません。"};
+    case TestNoBoard: return {"The interface board or its library is missing.", "インタフェースボードまたはライブラリがありません。"};
+    case InstrumentsFound: return {"$1 found: $2", "検出した$1：$2"};
+    case NoneOfModelFound: return {"No $1 was found on USB.", "USB上に$1が見つかりません。"};
+    case ResponseFile: return {"Response file", "応答ファイル"};
+    case ButtonBrowse: return {"Browse(&B)...", "参照(&B)..."};
+    case ResponseFilter: return {"Response file(*.ini) | *.ini", "応答ファイル (*.ini) | *.ini"};
+    case TipInterfaceElsewhere: return {"Instruments on this interface are set in \"System setup\".", "このインタフェースの機器は「システム設定」で設定してください。"};
+    case TipConnect: return {"Searches for the instruments, opens the connection and checks the models.", "機器を検索して接続し、型名を確認します。"};
+    case Identification: return {"Identification", "機器情報"};
+    case ModelWithoutInterface: return {"The model definition file offers no interface for the model $1.", "機種定義ファイルに型名 $1 のインタフェースが定義されていません。"};
+    case SignsNotInSerial: return {"A serial number holds none of these signs: $1", "シリアル番号に次の文字は使用できません：$1"};
+    case ApplyingSetup: return {"Applying the set-up...", "システム設定を適用しています..."};
+    case SearchFoundOther: return {"Connected to the instrument with the serial number $1; $2 was not found.", "シリアル番号 $2 の機器が見つからないため、$1 の機器に接続しました。"};
   }
   // clang-format on
   return {};

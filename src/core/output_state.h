@@ -17,6 +17,12 @@ constexpr OutputState OutputStateOf(const AppState& state) {
   return state.OutputOn ? OutputState::On : OutputState::Off;
 }
 
+// An instrument may be giving its voltage: it can be switched off in every mode.
+constexpr bool OutputMayBeOn(const AppState& state) {
+  const OutputState output = OutputStateOf(state);
+  return state.MayStillRun || output == OutputState::On || output == OutputState::Unknown;
+}
+
 // The output button and F8 switch off: an output is on, or nobody can say that it is not. They switch on
 // otherwise.
 constexpr bool OutputSwitchesOff(const AppState& state) {

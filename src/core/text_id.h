@@ -609,6 +609,29 @@ enum class TextId : int {
   // Why nothing happens.
   BranchWithoutTarget = 9830,
   NothingToEnter = 9831,
+
+  // Set-up of the instruments and their connection.
+  MenuConnect = 7930,
+  ButtonSearchAgain = 7931,
+  ButtonTestConnection = 7932,
+  AskingInstrument = 7933,
+  TestAnswered = 7934,
+  TestOtherModel = 7935,
+  TestNoAnswer = 7936,
+  TestNotReached = 7937,
+  TestNoBoard = 7938,
+  InstrumentsFound = 7939,
+  NoneOfModelFound = 7940,
+  ResponseFile = 7941,
+  ButtonBrowse = 7942,
+  ResponseFilter = 7943,
+  TipInterfaceElsewhere = 7944,
+  TipConnect = 7945,
+  Identification = 7946,
+  ModelWithoutInterface = 7947,
+  SignsNotInSerial = 7948,
+  ApplyingSetup = 7949,
+  SearchFoundOther = 7950,
 };
 
 // Texts that exist only once, the same in both languages.

@@ -18,6 +18,7 @@ namespace corlune {
 
 namespace {
 
+constexpr int kTitleSides = 150;  // pixels at 96 dpi beside the title: icon and buttons of the window
 constexpr int kNoteIcon = 16;     // pixels at 96 dpi
 constexpr int kFieldDigits = 12;  // least width of a field, in digits
 
@@ -150,6 +151,8 @@ QComboBox* FormDialog::MakeList(const char* name, const QStringList& choices,
   list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
   list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
   connect(list, &QComboBox::activated, this, std::move(chosen));
+  list->setFocusPolicy(Qt::StrongFocus);
+  list->installEventFilter(this);
   lists_ << list;
   return list;
 }
@@ -255,21 +258,45 @@ void FormDialog::accept() {
   QDialog::accept();
 }
 
-void FormDialog::showEvent(QShowEvent* event) {
-  ShareLetters();
-  QDialog::showEvent(event);
+bool FormDialog::event(QEvent* event) {
+  // All controls are made, and their font is known.
+  if (event->type() == QEvent::Polish) {
+    ShareLetters();
+    AlignCaptions();
+    // The buttons were made first, and come last.
+    if (QWidget* last = previousInFocusChain(); last != cancel_) {
+      setTabOrder(last, ok_);
+      setTabOrder(ok_, cancel_);
+    }
+    setMinimumWidth(fontMetrics().horizontalAdvance(windowTitle()) + kTitleSides * logicalDpiX() / 96);
+  }
+  return QDialog::event(event);
 }
 
 void FormDialog::ShareLetters() {
+  // The shortest have the least to choose from.
+  QList<QLabel*> order = captions_;
+  std::stable_sort(order.begin(), order.end(),
+                   [](const QLabel* a, const QLabel* b) { return a->text().size() < b->text().size(); });
   QString taken;
-  const auto give = [&](auto* control) {
-    // Once: a dialog can be shown again.
-    if (control->isVisibleTo(this) && !control->text().contains(QLatin1Char('&'))) {
-      control->setText(WithLetter(control->text(), taken));
-    }
-  };
-  for (QLabel* caption : captions_) give(caption);
-  for (QPushButton* button : buttons_) give(button);
+  for (QLabel* caption : order) caption->setText(WithLetter(caption->text(), taken));
+  for (QPushButton* button : buttons_) button->setText(WithLetter(button->text(), taken));
+}
+
+// In one column, also where several frames hold them.
+void FormDialog::AlignCaptions() {
+  int widest = 0;
+  for (const QLabel* caption : captions_) widest = std::max(widest, caption->sizeHint().width());
+  for (QLabel* caption : captions_) caption->setMinimumWidth(widest);
+}
+
+bool FormDialog::eventFilter(QObject* watched, QEvent* event) {
+  // The wheel over a list on the way to something else must change nothing.
+  if (event->type() == QEvent::Wheel && !static_cast<QWidget*>(watched)->hasFocus()) {
+    event->ignore();
+    return true;
+  }
+  return QDialog::eventFilter(watched, event);
 }
 
 }  // namespace corlune

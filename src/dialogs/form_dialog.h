@@ -89,7 +89,8 @@ class FormDialog : public QDialog {
   QString Caption(TextId id) const { return QString::fromStdString(Text(id)); }
   QStringList Captions(const std::vector<TextId>& ids) const;
 
-  void showEvent(QShowEvent* event) override;
+  bool event(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   struct Field {
@@ -99,6 +100,7 @@ class FormDialog : public QDialog {
   bool Check(const EntryField& field, const Take& take, const std::string& text, EntryEnd end);
   bool TakeFields();
   void ShareLetters();
+  void AlignCaptions();
 
   const MessageCatalogue& catalogue_;
   Prompts& prompts_;

@@ -246,7 +246,8 @@ void FrmArbFile::changeEvent(QEvent* event) {
 }
 
 bool FrmArbFile::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == grid_ && event->type() == QEvent::KeyPress) {
+  if (watched != grid_) return FormDialog::eventFilter(watched, event);
+  if (event->type() == QEvent::KeyPress) {
     switch (static_cast<QKeyEvent*>(event)->key()) {
       case Qt::Key_Return:
       case Qt::Key_Enter:
@@ -260,7 +261,7 @@ bool FrmArbFile::eventFilter(QObject* watched, QEvent* event) {
         break;
     }
   }
-  return FormDialog::eventFilter(watched, event);
+  return false;
 }
 
 }  // namespace corlune

@@ -20,8 +20,8 @@ struct Situation {
   bool Start = false;   // a start is under way
   bool Warning =
       false;  // an instrument may still be running: it can be stopped and switched off, not started
-  bool OutputOn = false;
-  bool Doubt = false;  // of an output nobody can say that it is off: it can be switched off
+  bool OutputOn = false;  // or nobody can say that it is off
+  bool MayBeOn = false;   // at an instrument
   bool Online = false;
   bool HasSteps = false;
   bool CanGrow = false;
@@ -42,7 +42,7 @@ Situation SituationOf(const AppState& state, const Activity& activity, const Mod
   now.Start = activity.Under(Work::Start);
   now.Warning = state.MayStillRun;
   now.OutputOn = OutputSwitchesOff(state);
-  now.Doubt = state.MayStillRun || state.OutputInDoubt;
+  now.MayBeOn = OutputMayBeOn(state);
   now.Online = state.Online != 0;
   now.HasSteps = conditions.StepCount > 0;
   now.CanGrow = conditions.StepCount < std::min<int>(definition.Common.MaxSteps, MAX_STEPS);
@@ -79,7 +79,7 @@ std::array<bool, 9> ModeItems(const Situation& now) {
 }
 
 bool CanOutput(const Situation& now) {
-  return (now.Stopped || now.Running || now.Held || now.Doubt) && now.Output;
+  return (now.Stopped || now.Running || now.Held || now.MayBeOn) && now.Output;
 }
 
 std::array<bool, 9> RunItems(const Situation& now) {

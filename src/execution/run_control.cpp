@@ -5,6 +5,7 @@
 
 #include "comm/gp_codes.h"
 #include "commands/expand_template.h"
+#include "core/output_state.h"
 #include "sequence/channel_tabs.h"
 
 namespace corlune {
@@ -326,7 +327,7 @@ void RunControl::PressAtNextTick(PendingRequest request) {
 
 void RunControl::PressAtOnce(Run command) {
   const AppState& state = run_.state;
-  const bool makesSafe = command == Run::OutputOff && (state.MayStillRun || state.OutputInDoubt);
+  const bool makesSafe = command == Run::OutputOff && OutputMayBeOn(state);
   if (state.OperationMode != OperationMode::Execution && !makesSafe) return;
   // What makes safe waits for a Stop, Hold or Branch that is being carried out.
   if (command == Run::OutputOff && activity_.Under(Work::Command)) outputOffWaits_ = true;

@@ -55,12 +55,12 @@ std::string Session::Caption() const {
   return catalogue_.GetResString(TextId::MainWindowTitle) + "  " + state_.CurrentFilePath;
 }
 
-void Session::SetWorkFilePath() {
-  state_.WorkFilePath = JoinPath(state_.AppFolder, "Corlune_" + state_.ModelName + ".ini");
+std::string Session::WorkFileOf(const std::string& model) const {
+  return JoinPath(state_.AppFolder, "Corlune_" + model + ".ini");
 }
 
-void Session::SelectSerial(const std::string& serialNo) {
-  state_.Instruments[0].SerialNo = serialNo;
+void Session::SetWorkFilePath() {
+  state_.WorkFilePath = WorkFileOf(state_.ModelName);
 }
 
 bool Session::ReadBack() {

@@ -39,15 +39,28 @@ enum class StartUpResult {
   ActivateOther,  // another instance took over: end
 };
 
+// Which one of several USBTMC instruments.
+struct InstrumentChoice {
+  std::string ModelName;  // one of the model definition's list
+  std::string SerialNo;   // or a whole resource name
+};
+// Lets the person choose one of the instruments found (SearchInstruments). nullopt, or an empty function:
+// none.
+using ChooseInstrument = std::function<std::optional<InstrumentChoice>()>;
+
 // The window program's checks; an empty function means "nothing found".
 struct StartUpChecks {
   // True when another instance uses the same application folder; it has been brought forward.
   std::function<bool()> otherInstance;
   // True when a window of the sibling waveform editor is open; gets the text its title contains.
   std::function<bool(const std::string& title)> siblingRunning;
-  // Lets the person choose one of several instruments (Gp().Found()) and stores it with SelectSerial.
-  // False or empty: off-line.
-  std::function<bool()> selectInstrument;
+  ChooseInstrument chooseInstrument;
+};
+
+// What came of asking one instrument who it is.
+struct InstrumentTest {
+  bool Good = false;  // it answered as an instrument of its model
+  std::string Text;   // its answer, or why there is none, in the person's language; several lines
 };
 
 enum class ConnectResult { Connected, NoneFound, SeveralFound, NotFound, OpenFailed, Offline };
@@ -106,8 +119,19 @@ class Session {
   // set-up, reconnect, model check. False when nothing was changed: the person cancelled the save question,
   // or the model's definition could not be loaded.
   bool ApplySetup(const SystemSettings& setup);
-  // Records the serial number of instrument 0.
-  void SelectSerial(const std::string& serialNo);
+  // "Connect": opens the connection as it is set up. Of a set-up of one USBTMC instrument the one that is
+  // there takes its place, as at a start; among several the person chooses. Messages as at a start, besides
+  // NoInstrument when none is found. False: off-line, or nothing was done.
+  bool GoOnline(const ChooseInstrument& choose);
+  // Asks instrument `index` (0-based) of `setup` who it is. What is open of its kind is closed meanwhile and
+  // opened again; when that fails the program goes off-line (CommunicationError). Blocks up to the time-out
+  // of 3 s for each call. nullopt: something is under way, or the person does not agree to go on without a
+  // stop.
+  std::optional<InstrumentTest> TestInstrument(const SystemSettings& setup, int index);
+  // Searches USBTMC instruments of `model`, see Gp().Found(); blocks. Nothing when something is under way.
+  void SearchInstruments(const std::string& model);
+  // The serial number used last with `model`; empty: none.
+  std::string LastSerial(const std::string& model) const;
   // Closes and opens everything, checks the models, queries the waveform directory.
   bool Reconnect();
   // InstrumentNotFound/WrongInstrumentModel for the first instrument that does not answer, or not with
@@ -169,16 +193,28 @@ class Session {
   bool LoadDefinitionOf(AppState& state, ModelDefinition& definition, bool showBadValue);
   bool SettleModel();
   void SearchAtStartUp(const StartUpChecks& checks);
+  void TakeChoice(const ChooseInstrument& choose);
   // False after its message: the file was set aside, or must not be replaced.
   bool ReadWorkFile(bool& mayReplace);
   bool LoadWorkData();
-  void SetUpUsbTmc();
-  int FindInstruments();
+  InstrumentEntry UsbTmcInstrument(int modelIndex, const std::string& serialNo) const;
+  void SetUpUsbTmc(const std::string& serialNo);
+  int FindInstruments(int modelIndex);
   // The first model of which an instrument is found, with `serial` the first of which that instrument is.
   ConnectResult FindModelOfInstrument(const std::optional<std::string>& serial);
+  std::string WorkFileOf(const std::string& model) const;
   void SetWorkFilePath();
   void ApplySimulated();
   StartUpResult EndOfStartUp(StartUpResult result);
+
+  // system_setup.cpp
+  // ApplySetup behind its checks.
+  bool TakeSetup(const SystemSettings& setup);
+  // GoOnline as far as nobody has to choose. True: on-line.
+  bool ConnectOwn(bool& several);
+  InstrumentTest TestOf(const AnswerAlone& answer, const std::string& model) const;
+  bool TakeChosen(const InstrumentChoice& choice);
+  void ResetModeSettings();
 
   // connection.cpp
   bool OpenConnection();
@@ -252,6 +288,7 @@ class Session {
   bool waitShown_ = false;
   bool endWaveforms_ = false;  // the program is to end: no further waveform is sent
   bool wasOnline_ = false;     // off-line only because the instruments did not match or were unplugged
+  bool chosen_ = false;        // the person chose the instrument at this start
   bool anyModel_ = false;      // the model is that of the instrument found
 };
 

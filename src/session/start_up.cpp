@@ -70,42 +70,62 @@ bool Session::SettleModel() {
   return LoadDefinitionOf(state_, definition_, true);
 }
 
-void Session::SetUpUsbTmc() {
-  const ModelInterfaceSpec& model = definition_.InterfaceOf(state_.ModelIndex);
-  state_.InstrumentCount = 1;
-  InstrumentEntry& instrument = state_.Instruments[0];
-  instrument = InstrumentEntry{};
-  instrument.ChannelCount =
-      model.ChannelSelectable ? static_cast<std::int16_t>(model.Channels.Maximum) : ChannelsOfModel(state_);
+InstrumentEntry Session::UsbTmcInstrument(int modelIndex, const std::string& serialNo) const {
+  const ModelInterfaceSpec& model = definition_.InterfaceOf(modelIndex);
+  InstrumentEntry instrument;
+  instrument.SerialNo = serialNo;
+  instrument.ChannelCount = model.ChannelSelectable
+                                ? static_cast<std::int16_t>(model.Channels.Maximum)
+                                : ChannelsOfModel(definition_.Models[static_cast<std::size_t>(modelIndex)]);
   instrument.InterfaceKind = InterfaceKind::UsbTmc;
   for (std::size_t i = 0; i < model.InterfaceNames.size(); ++i) {
     if (model.InterfaceNames[i] == "USBTMC") instrument.Interface = static_cast<std::int16_t>(i);
   }
+  return instrument;
+}
+
+void Session::SetUpUsbTmc(const std::string& serialNo) {
+  state_.InstrumentCount = 1;
+  state_.Instruments[0] = UsbTmcInstrument(state_.ModelIndex, serialNo);
   state_.CurrentInterface = InterfaceKind::UsbTmc;
   ApplySimulated();
 }
 
-int Session::FindInstruments() {
-  const std::string& prefix = definition_.InterfaceOf(state_.ModelIndex).UsbTmcId;
-  if (prefix.empty()) return 0;
-  state_.CurrentInterface = InterfaceKind::UsbTmc;
-  return Gp().GP_Find_Devices(prefix + "?*INSTR");
+int Session::FindInstruments(int modelIndex) {
+  const std::string& prefix = definition_.InterfaceOf(modelIndex).UsbTmcId;
+  return prefix.empty() ? 0 : Gp().GP_Find_Devices(prefix + "?*INSTR");
 }
 
 void Session::SearchAtStartUp(const StartUpChecks& checks) {
-  SetUpUsbTmc();
+  SetUpUsbTmc({});
   if (options_.simulated) return;
   // Without a library the search has nothing to wait for.
   if (Gp().CanSearch() && !WaitFor(TextId::SearchingInstruments)) return;
-  const int found = FindInstruments();
+  const int found = FindInstruments(state_.ModelIndex);
   if (found == 0) {
     state_.Online = 0;
   } else if (found == 1) {
-    SelectSerial(Gp().Found().front().SerialNo);
+    state_.Instruments[0].SerialNo = Gp().Found().front().SerialNo;
   } else if (!HideWait()) {
     ShowMessage(ports_.prompts, catalogue_, TextId::SelectSerialNumber, PromptIcon::Information);
-    if (!checks.selectInstrument || !checks.selectInstrument()) state_.Online = 0;
+    TakeChoice(checks.chooseInstrument);
   }
+}
+
+void Session::TakeChoice(const ChooseInstrument& choose) {
+  state_.Online = 0;
+  const auto choice = choose ? choose() : std::nullopt;
+  if (!choice) return;
+  if (choice->ModelName != state_.ModelName) {
+    AppState next = state_;
+    next.ModelName = choice->ModelName;
+    if (!LoadDefinitionOf(next, definition_, true)) return;
+    state_.ModelName = choice->ModelName;
+    state_.ModelIndex = static_cast<std::int16_t>(definition_.IndexOfModel(choice->ModelName));
+  }
+  SetUpUsbTmc(choice->SerialNo);
+  state_.Online = 1;
+  chosen_ = true;
 }
 
 bool Session::ReadWorkFile(bool& mayReplace) {
@@ -145,6 +165,7 @@ bool Session::LoadWorkData() {
     if (!LoadDefinitionOf(state_, definition_, true)) return false;
     InitSystemDefaults(state_, definition_, sequence_);
   }
+  if (chosen_) ResetModeSettings();
   ApplySimulated();
   workDataLoaded_ = mayReplace;
   return true;
@@ -173,8 +194,11 @@ StartUpResult Session::StartUp(const StartUpChecks& checks) {
   if (!SettleModel()) return StartUpResult::EndProcess;
   waitsFrom_ = ports_.clock.Now();
   SearchAtStartUp(checks);
-  if (state_.Online == 1 && !state_.Connected && WaitFor(TextId::ConnectingInstrument)) OpenConnection();
-
+  if (state_.Online == 1 && !state_.Connected && WaitFor(TextId::ConnectingInstrument) && OpenConnection() &&
+      chosen_) {
+    CheckModels();
+    if (end_.Ended()) return EndOfStartUp(StartUpResult::EndProcess);
+  }
   const SystemSettings opened = SettingsOf(state_);
   if (!LoadWorkData() || !LoadDefinitionOf(state_, definition_, true)) {
     return EndOfStartUp(StartUpResult::EndProcess);
@@ -243,7 +267,7 @@ bool Session::StartUpWithoutFile() {
   }
   state_.ModelIndex = static_cast<std::int16_t>(definition_.IndexOfModel(state_.ModelName));
   ResetSequence(sequence_, definition_);
-  SetUpUsbTmc();
+  SetUpUsbTmc({});
   SetWorkFilePath();
   state_.StartupDone = true;
   return true;
@@ -255,14 +279,14 @@ ConnectResult Session::FindModelOfInstrument(const std::optional<std::string>& s
   for (std::size_t i = 0; i < models.size(); ++i) {
     state_.ModelIndex = static_cast<std::int16_t>(i);
     state_.ModelName = models[i];
-    if (FindInstruments() == 0) continue;
+    if (FindInstruments(state_.ModelIndex) == 0) continue;
     if (FindSerial(Gp().Found(), serial) == nullptr) {
       result = ConnectResult::NotFound;
       continue;
     }
     if (!LoadDefinitionOf(state_, definition_, false)) return ConnectResult::NoneFound;
     ResetSequence(sequence_, definition_);
-    SetUpUsbTmc();
+    SetUpUsbTmc({});
     return ConnectResult::Connected;
   }
   return result;
@@ -274,14 +298,14 @@ ConnectResult Session::Connect(const std::optional<std::string>& serial) {
     if (anyModel_) {
       const ConnectResult result = FindModelOfInstrument(serial);
       if (result != ConnectResult::Connected) return result;
-    } else if (FindInstruments() == 0) {
+    } else if (FindInstruments(state_.ModelIndex) == 0) {
       return ConnectResult::NoneFound;
     }
     const std::vector<FoundInstrument>& found = Gp().Found();
     if (found.size() > 1 && !serial && !anyModel_) return ConnectResult::SeveralFound;
     const FoundInstrument* const chosen = FindSerial(found, serial);
     if (chosen == nullptr) return ConnectResult::NotFound;
-    SelectSerial(chosen->SerialNo);
+    state_.Instruments[0].SerialNo = chosen->SerialNo;
   }
   if (!OpenConnection()) return ConnectResult::OpenFailed;
   if (!CheckModels()) return ConnectResult::Offline;

@@ -29,8 +29,8 @@ void ChooseInterface(AppState& state, const ModelInterfaceSpec& model) {
 
 }  // namespace
 
-std::int16_t ChannelsOfModel(const AppState& state) {
-  return state.ModelName == MessageCatalogue::GetFixedString(FixedText::TwoChannelModel) ? 2 : 1;
+std::int16_t ChannelsOfModel(const std::string& model) {
+  return model == MessageCatalogue::GetFixedString(FixedText::TwoChannelModel) ? 2 : 1;
 }
 
 void InitSystemDefaults(AppState& state, const ModelDefinition& definition, SequenceData& sequence) {
@@ -38,7 +38,7 @@ void InitSystemDefaults(AppState& state, const ModelDefinition& definition, Sequ
   state.Modified = false;
   state.InstrumentCount = 1;
   InstrumentEntry& instrument = state.Instruments[0];
-  instrument.ChannelCount = ChannelsOfModel(state);
+  instrument.ChannelCount = ChannelsOfModel(state.ModelName);
   ChooseInterface(state, definition.InterfaceOf(state.ModelIndex));
   const ModelInterfaceSpec& first = definition.InterfaceOf(0);
   if (instrument.InterfaceKind == InterfaceKind::UsbTmc) {

@@ -8,7 +8,7 @@
 namespace corlune {
 
 // Output channels of one instrument of the edited model.
-std::int16_t ChannelsOfModel(const AppState& state);
+std::int16_t ChannelsOfModel(const std::string& model);
 
 // Stopped, unmodified, one instrument on the model's first interface, an empty sequence. The address and
 // serial number defaults are those of the first model in the list, whatever model is edited. A serial number

@@ -7,6 +7,7 @@
 #include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScrollArea>
 #include <QScrollBar>
 #include <QToolTip>
 
@@ -170,9 +171,23 @@ QSize GridTable::sizeHint() const {
 }
 
 QSize GridTable::minimumSizeHint() const {
-  const bool narrow = model_.Area() == GridArea::Branch;
-  return {narrow ? 60 : 120,
-          header_->height() + kLeastRows * rowHeight_ + horizontalScrollBar()->sizeHint().height()};
+  // The branch grid stands in an area that scrolls: one of the two is enough.
+  if (model_.Area() == GridArea::Branch) {
+    return {60, header_->height() + model_.rowCount() * rowHeight_ + 2 * frameWidth()};
+  }
+  return {120, header_->height() + kLeastRows * rowHeight_ + horizontalScrollBar()->sizeHint().height()};
+}
+
+void GridTable::scrollTo(const QModelIndex& index, ScrollHint hint) {
+  QTableView::scrollTo(index, hint);
+  for (QWidget* around = parentWidget(); around != nullptr; around = around->parentWidget()) {
+    auto* area = qobject_cast<QScrollArea*>(around);
+    if (area == nullptr) continue;
+    const QRect cell = visualRect(index);
+    const QPoint at = viewport()->mapTo(area->widget(), cell.center());
+    area->ensureVisible(at.x(), at.y(), cell.width() / 2, cell.height());
+    return;
+  }
 }
 
 void GridTable::mousePressEvent(QMouseEvent* event) {

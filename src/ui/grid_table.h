@@ -53,6 +53,8 @@ class GridTable : public QTableView {
 
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
+  // Also within the area around the table.
+  void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
  signals:
   // `row` 0: a press below or beside the step rows.

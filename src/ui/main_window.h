@@ -182,6 +182,7 @@ class MainWindow : public QMainWindow {
   void PlacePreview(ViewPlace place);
   FrmPreview& ShowPreview(ViewPlace place);
   bool PreviewOpen() const;
+  void DockPreview(ViewPlace place);
   void FloatPreview();
   void ClosePreview();
   void PreviewClosed();

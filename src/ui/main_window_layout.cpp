@@ -263,6 +263,22 @@ void MainWindow::FloatPreview() {
   ShowPreview(ViewPlace::Floating);
 }
 
+// The window becomes larger for it, as far as the screen reaches, so that the grids keep their first size.
+void MainWindow::DockPreview(ViewPlace place) {
+  const bool there = PreviewOpen() && viewPlace_ == place;
+  ShowPreview(place);
+  if (there || isMaximized() || isFullScreen()) return;
+  // Not to the last pixel: the next start does not know the frame yet.
+  const QSize frame = Edges(Frame()).expandedTo(Edges(kUsualFrame));
+  const QSize room = screen()->availableGeometry().size() - frame;
+  const QSize view = pane_->sizeHint();
+  const QSize more = place == ViewPlace::Below ? QSize(0, view.height()) : QSize(view.width(), 0);
+  const QSize wanted = size().expandedTo(FirstSize() + more).boundedTo(room);
+  const QRect placed = ClampToScreens(QRect(pos(), wanted), Screens(), minimumSize(), Frame());
+  resize(placed.size());
+  move(placed.topLeft());
+}
+
 void MainWindow::SwitchPane() {
   if (!PreviewOpen()) return;
   if (!preview_->Docked()) {
@@ -298,10 +314,10 @@ void MainWindow::ViewCommand(Command command) {
         viewTiled_ = true;
         break;
       case Command::ViewBelow:
-        ShowPreview(ViewPlace::Below);
+        DockPreview(ViewPlace::Below);
         break;
       case Command::ViewBeside:
-        ShowPreview(ViewPlace::Beside);
+        DockPreview(ViewPlace::Beside);
         break;
       case Command::ViewFloat:
         FloatPreview();

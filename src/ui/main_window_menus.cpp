@@ -18,6 +18,12 @@ void MainWindow::BuildMenus() {
         session_.Catalogue(), static_cast<MenuPlace>(i), [this](Command command) { Do(command); }, this);
     menuBar()->addMenu(menus_[i]);
   }
+  // As everywhere: the first menu, without a hand on the mouse.
+  auto* open = new QAction(this);
+  open->setShortcut(Qt::Key_F10);
+  connect(open, &QAction::triggered, this,
+          [this] { menuBar()->setActiveAction(MenuOf(MenuPlace::File).menuAction()); });
+  addAction(open);
   AddRecentMenu();
   QAction* signal = MenuOf(MenuPlace::View).Item(Command::SignalStrip);
   signal->setCheckable(true);

@@ -1,9 +1,11 @@
 #include "ui/notice_bar.h"
 
 #include <QAccessible>
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QStyle>
+#include <QTimer>
 #include <QToolButton>
 
 #include "ui/elided_label.h"
@@ -13,10 +15,16 @@ namespace corlune {
 namespace {
 constexpr int kMargin = 2;   // pixels
 constexpr int kSpacing = 4;  // pixels
+// Long enough to be read twice; the panels below are needed too.
+constexpr int kInformationStays = 15000;  // ms
 }  // namespace
 
 NoticeBar::NoticeBar(const MessageCatalogue& catalogue, QWidget* parent)
-    : QFrame(parent), catalogue_(catalogue), icon_(new QLabel(this)), text_(new ElidedLabel(this)) {
+    : QFrame(parent),
+      catalogue_(catalogue),
+      icon_(new QLabel(this)),
+      text_(new ElidedLabel(this)),
+      leave_(new QTimer(this)) {
   setObjectName(QStringLiteral("NoticeBar"));
   setFrameStyle(static_cast<int>(QFrame::Box) | static_cast<int>(QFrame::Plain));
   setAutoFillBackground(true);
@@ -33,7 +41,19 @@ NoticeBar::NoticeBar(const MessageCatalogue& catalogue, QWidget* parent)
   connect(list, &QToolButton::clicked, this, &NoticeBar::ListWanted);
   QToolButton* close = AddButton("CmdCloseNotice", QStringLiteral("\u00d7"), TextId::CloseNotice);
   connect(close, &QToolButton::clicked, this, &NoticeBar::Clear);
+  leave_->setSingleShot(true);
+  leave_->setInterval(kInformationStays);
+  connect(leave_, &QTimer::timeout, this, &NoticeBar::Leave);
   hide();
+}
+
+// Not from under the pointer or the keyboard.
+void NoticeBar::Leave() {
+  if (underMouse() || isAncestorOf(QApplication::focusWidget())) {
+    leave_->start();
+  } else {
+    Clear();
+  }
 }
 
 // Signs rather than pictures: they have the colour of the text in every palette.
@@ -58,6 +78,11 @@ void NoticeBar::Say(NoticeLevel level, const std::string& text) {
   text_->setText(QString::fromStdString(text));
   setToolTip(text_->text());
   setAccessibleName(QString::fromStdString(catalogue_.GetResString(NoticeWord(level)) + ": " + text));
+  if (level == NoticeLevel::Information) {
+    leave_->start();
+  } else {
+    leave_->stop();
+  }
   emit Said();
   raise();
   show();

@@ -12,6 +12,7 @@
 #include "dialogs/frm_notices.h"
 
 class QLabel;
+class QTimer;
 class QToolButton;
 
 namespace corlune {
@@ -24,7 +25,8 @@ class NoticeBar : public QFrame {
 
   // `catalogue` must outlive the bar.
   explicit NoticeBar(const MessageCatalogue& catalogue, QWidget* parent = nullptr);
-  // Replaces what is shown.
+  // Replaces what is shown. Information goes by itself after a while, warnings and errors stay until they are
+  // closed or another takes their place.
   void Say(NoticeLevel level, const std::string& text);
   void Clear() { hide(); }
   // What is shown; empty when nothing is.
@@ -40,11 +42,13 @@ class NoticeBar : public QFrame {
   void Said();
 
  private:
+  void Leave();
   QToolButton* AddButton(const char* name, const QString& sign, TextId meaning);
 
   const MessageCatalogue& catalogue_;
   QLabel* icon_;
   QLabel* text_;
+  QTimer* leave_;
   std::deque<Notice> last_;
 };
 

@@ -14,7 +14,7 @@ done
 
 work=$(mktemp -d)
 trap 'end_x; rm -rf "$work"' EXIT
-export HOME=$work XDG_RUNTIME_DIR=$work/runtime
+export HOME=$work XDG_RUNTIME_DIR=$work/runtime QT_QPA_PLATFORM=xcb
 mkdir -m 700 "$XDG_RUNTIME_DIR"
 
 new_folder() {

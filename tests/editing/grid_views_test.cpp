@@ -228,6 +228,7 @@ TEST(ControlStates, BySituation) {
       {"edit, downloading", "eso", 3, "..... ......... .. ...... ..... ...... ....", Work::Download},
       {"edit, may still run", "eso!", 3, "xxxxx x.xxxxxxx .x .x...x xxxx. x.x..x xxxx"},
       {"edit, output unknown", "eso?", 3, "xxxxx x.xxxxxxx .x .....x xxxx. x....x xxxx"},
+      {"edit, output on", "eso+", 3, "xxxxx x.xxxxxxx .x .....x xxxx. x....x xxxx"},
       {"the same, downloading", "eso!", 3, "..... ......... .. .x.... ..... ..x... ....", Work::Download},
       {"execution, stopped", "xso", 3, "..xxx ......... x. x...x. .xx.. xx...x ..xx"},
       {"execution, output on", "xso+", 3, "..xxx ......... x. x....x .xx.. xx...x ..xx"},

@@ -66,7 +66,7 @@ TEST(ChannelForm, RefusesWhatAChannelCannotHave) {
       {&ChannelForm::EnterSummand, "", 9108},     {&ChannelForm::EnterSummand, "1e3", 0},
       {&ChannelForm::EnterLoad, "75", 0}};
   FormRig rig;
-  rig.sequence.Channels.Loads[0] = {9, 0};
+  rig.sequence.Channels.Loads.fill({9, 0});
   rig.sequence.Channels.UserUnits[0][kSlotFrequency].N = 1.0 / 3;
   ChannelForm form(rig.sequence, rig.definition, 1, 0);
   EXPECT_EQ(IdOf(form.EnterSummand("0.333333333333333")), 0);
@@ -75,7 +75,8 @@ TEST(ChannelForm, RefusesWhatAChannelCannotHave) {
   form.ApplyTo(rig.sequence);
   EXPECT_EQ(rig.sequence.Channels.Loads[0], (OutputLoad{0, 75}));
   EXPECT_EQ(rig.sequence.Channels.UserUnits[0][kSlotFrequency], (UserUnitDef{0, 0, "dBm", -2, 1000}));
-  EXPECT_EQ(rig.sequence.Channels.Loads[1], OutputLoad{}) << "a channel that the instrument does not have";
+  EXPECT_EQ(rig.sequence.Channels.Loads[1], (OutputLoad{9, 0}))
+      << "a channel that the instrument does not have";
 }
 
 TEST(ChannelForm, ItsExampleFollowsLoadAndUserUnit) {

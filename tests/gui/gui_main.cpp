@@ -3,6 +3,8 @@
 
 #include <QApplication>
 
+#include "view/window_style.h"
+
 // What the font libraries keep until the process ends.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() {
@@ -14,6 +16,6 @@ int main(int argc, char** argv) {
   testing::InitGoogleMock(&argc, argv);
   QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
-  QApplication::setStyle(QStringLiteral("Fusion"));
+  QApplication::setStyle(new corlune::WindowStyle);
   return RUN_ALL_TESTS();
 }

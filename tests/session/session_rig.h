@@ -18,9 +18,7 @@ struct SessionRig : ProgramRig {
   void EditModel(const std::string& value) const {
     folder.Write("Corlune.ini", "[EDIT]\r\nEDIT_MODEL=" + value + "\r\n");
   }
-  StartUpResult Start() {
-    return session->StartUp({{}, {}, [this] { return select && select(); }});
-  }
+  StartUpResult Start() { return session->StartUp({{}, {}, choose}); }
   std::string WorkFile(const std::string& model = "QM2210") const {
     return folder.File("Corlune_" + model + ".ini");
   }
@@ -32,7 +30,7 @@ struct SessionRig : ProgramRig {
     return texts;
   }
 
-  std::function<bool()> select;
+  ChooseInstrument choose;
 };
 
 }  // namespace corlune::testing

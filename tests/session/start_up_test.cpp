@@ -176,20 +176,31 @@ TEST(StartUp, AnInstrumentThatDoesNotOpenLeavesTheProgramOffLine) {
 }
 
 TEST(StartUp, SeveralInstruments) {
-  for (const bool chosen : {false, true}) {
+  for (const char* const chosen : {"", "1000002", "2000001"}) {
     SCOPED_TRACE(chosen);
+    const std::string model = chosen[0] == '2' ? "QM2220" : "QM2210";
     SessionRig rig;
-    rig.Plug("QM2210:1000001,QM2210:1000002");
-    rig.select = [&] {
-      if (chosen) rig.session->SelectSerial(rig.session->Gp().Found().at(1).SerialNo);
-      return chosen;
+    LeaveWorkFile(rig, [](Session& session) {
+      session.State().Instruments[0].SerialNo = "1000001";
+      session.Sequence().ModeSettings[0][0] = 1;
+    });
+    rig.Plug("QM2210:1000001,QM2210:1000002,QM2220:2000001");
+    rig.choose = [&]() -> std::optional<InstrumentChoice> {
+      EXPECT_EQ(rig.session->LastSerial("QM2210"), "1000001");
+      if (!*chosen) return std::nullopt;
+      rig.session->SearchInstruments(model);
+      return InstrumentChoice{model, rig.session->Gp().Found().back().SerialNo};
     };
     rig.Answer(PromptAnswer::Ok);
     ASSERT_EQ(rig.Start(), StartUpResult::Show);
     EXPECT_EQ(rig.prompts.messages.at(0).icon, PromptIcon::Information);
-    EXPECT_EQ(rig.session->State().Online, chosen ? 1 : 0);
-    EXPECT_EQ(rig.recorder.connections, chosen ? EventList{"2 open"} : EventList{});
-    EXPECT_EQ(rig.session->State().Instruments[0].SerialNo == "1000002", chosen);
+    EXPECT_EQ(rig.session->State().Online, *chosen ? 1 : 0);
+    const std::string number = model == "QM2220" ? "3" : "2";
+    EXPECT_EQ(rig.recorder.connections, *chosen ? EventList{number + " open"} : EventList{});
+    EXPECT_EQ(rig.CountSent(number + " < *IDN?"), *chosen ? 1 : 0);
+    EXPECT_EQ(rig.session->State().Instruments[0].SerialNo, *chosen ? chosen : "1000001");
+    EXPECT_EQ(rig.session->State().Instruments[0].ChannelCount, model == "QM2220" ? 2 : 1);
+    EXPECT_EQ(rig.session->Sequence().ModeSettings[0][0], *chosen ? 0 : 1);
   }
 }
 

@@ -152,6 +152,7 @@ TEST(ContextMenu, OffersTheCommandsAtTheCell) {
     }
     EXPECT_FALSE(ActionOf(menu, "Paste(")->isEnabled());
     EXPECT_FALSE(ActionOf(menu, "Redo")->isEnabled());
+    EXPECT_EQ(ActionOf(menu, "Set mode"), nullptr);
     ActionOf(menu, "Import CSV")->trigger();
     ActionOf(menu, "Delete Row")->trigger();
   });
@@ -164,6 +165,10 @@ TEST(ContextMenu, OffersTheCommandsAtTheCell) {
   WithMenu(rig, grid.visualRect(grid.model()->index(1, 1)).center(), grid,
            [&](QMenu& menu) { ActionOf(menu, "Initialize")->trigger(); });
   EXPECT_EQ(Times(rig), "1 1 4");
+  rig.GoTo(GridArea::Sequence, 1, 1);
+  QTableView& channel = rig.Channel(0);
+  WithMenu(rig, channel.visualRect(channel.model()->index(1, 1)).center(), channel,
+           [&](QMenu& menu) { EXPECT_NE(ActionOf(menu, "Set mode"), nullptr); });
 }
 
 }  // namespace

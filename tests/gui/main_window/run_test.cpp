@@ -195,6 +195,14 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STOP"), 1);
   EXPECT_FALSE(warning->isVisible());
   EXPECT_EQ(Possible(rig), "0----- EFC");
+  // Switched on in execution mode, it can be switched off in edit mode.
+  rig.EnterExecution();
+  rig.Key(Qt::Key_F8);
+  rig.Key(Qt::Key_F9);
+  EXPECT_EQ(Possible(rig), "0----5 EFC");
+  rig.Forget();
+  rig.Key(Qt::Key_F8);
+  EXPECT_EQ(rig.CountSent("1 < :OUTP1 OFF;:OUTP2 OFF"), 1);
 }
 
 TEST(WindowRun, AnUnpluggedInstrumentTakesTheWindowOffLine) {

@@ -21,6 +21,7 @@ TEST(CommonParameterDialog, StoresOnEnterAsOneEntryAndNothingOnEscape) {
   const CommonParams& common = rig.session->Sequence().Common;
   InDialog(rig, "mnuToolsItem_2", [&](const OpenDialog& open) {
     EXPECT_EQ(rig.session->Sequence().Steps[1].StepTime, 2.5) << "what was being typed is taken first";
+    EXPECT_EQ(open.Find<QLineEdit>("txtVal").selectedText(), "1") << "the first field is ready";
     rig.prompts.Answer(PromptAnswer::Ok);
     open.Type("txtVal", "256", Qt::Key_Return);
     EXPECT_THAT(rig.prompts.messages.back().text, HasSubstr("256  Range of Input 1-255"));
