@@ -77,8 +77,7 @@ void FrmArbFile::AddSafetyKeys() {
       const bool connected = state.Online == 1;
       parts_.makeSafe(run);
       if (!connected && state.Online == 1) form_.ForgetInstrument();
-      table_->RefreshAll();
-      ShowStates();
+      ShowAll();
     });
   }
 }
@@ -151,6 +150,14 @@ void FrmArbFile::Count() {
     if (form_.Path(number) == form_.Path(counted)) table_->Refresh(number);
   }
   ShowMemory();
+}
+
+void FrmArbFile::ShowAll() {
+  table_->RefreshAll();
+  count_->start(0);
+  ShowMemory();
+  ShowPreview();
+  ShowStates();
 }
 
 void FrmArbFile::ShowMemory() {
@@ -241,8 +248,10 @@ void FrmArbFile::showEvent(QShowEvent* event) {
 }
 
 void FrmArbFile::changeEvent(QEvent* event) {
-  if (event->type() == QEvent::FontChange) FitColumns();
   FormDialog::changeEvent(event);
+  if (event->type() == QEvent::FontChange) FitColumns();
+  // Another program may have written the files meanwhile.
+  if (event->type() == QEvent::ActivationChange && isActiveWindow() && !working_) ShowAll();
 }
 
 bool FrmArbFile::eventFilter(QObject* watched, QEvent* event) {

@@ -67,6 +67,7 @@ class FrmArbFile : public FormDialog {
   void Assign(int number, const std::vector<std::string>& paths);
   void RemoveFiles();
   void Count();
+  void ShowAll();
   void ShowMemory();
   void ShowStates();
   void ShowPreview();

@@ -24,11 +24,8 @@ WaveformOutcome FrmArbFile::Work(const std::function<WaveformOutcome(const Wavef
   });
   working_ = false;
   progress_->hide();
-  table_->RefreshAll();
-  ShowMemory();
-  ShowPreview();
   if (outcome.Number != 0) Select(outcome.Number);
-  ShowStates();
+  ShowAll();
   return outcome;
 }
 
