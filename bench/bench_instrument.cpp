@@ -14,8 +14,7 @@ namespace {
 constexpr const char* kQuery = ":SYST:ERR?";
 constexpr const char* kReply = "0,\"No error\"";
 
-void query(benchmark::State& state) {
-  InstrumentBench bench;
+void Query(benchmark::State& state, InstrumentBench& bench) {
   CommandLayer& commands = bench.session->Commands();
   std::string reply;
   for (auto _ : state) {
@@ -26,7 +25,30 @@ void query(benchmark::State& state) {
   }
   if (reply != kReply) Fail("unexpected reply: " + reply);
 }
+void query(benchmark::State& state) {
+  InstrumentBench bench;
+  Query(state, bench);
+}
 BENCHMARK(query);
+
+// The same over the other kinds of interface.
+template <InterfaceKind kKind, std::int16_t kAddress>
+void query_by(benchmark::State& state) {
+  InstrumentBench bench("QM2220:QM000001:usbtmc+gpib=5+usb488=3");
+  bench.SetUp({{kKind, kAddress}});
+  Query(state, bench);
+  if (bench.session->State().CurrentInterface != kKind) Fail("another interface");
+}
+BENCHMARK(query_by<InterfaceKind::NiGpib, 5>)->Name("query_ni_gpib");
+BENCHMARK(query_by<InterfaceKind::KiGpib, 5>)->Name("query_ieee32m");
+BENCHMARK(query_by<InterfaceKind::Usb488, 3>)->Name("query_usb488");
+
+void query_simulated(benchmark::State& state) {
+  InstrumentBench bench("QM2220:QM000001", true);
+  Query(state, bench);
+  if (bench.session->State().CurrentInterface != InterfaceKind::Simulated) Fail("another interface");
+}
+BENCHMARK(query_simulated);
 
 // The same exchange by the library's own calls.
 void query_reference(benchmark::State& state) {
@@ -84,6 +106,36 @@ void monitor_tick(benchmark::State& state) {
   }
 }
 BENCHMARK(monitor_tick);
+
+// Start and stop of five instruments of four kinds; the waits between are the clock's, who asks for them.
+void five_instruments(benchmark::State& state) {
+  InstrumentBench bench(
+      "QM2220:QM000001:usbtmc,QM2220:QM000002:usbtmc,QM2220:QM000003:gpib=5,QM2220:QM000004:gpib=6,"
+      "QM2220:QM000005:usb488=3");
+  bench.SetUp({{InterfaceKind::UsbTmc, 0},
+               {InterfaceKind::UsbTmc, 0},
+               {InterfaceKind::NiGpib, 5},
+               {InterfaceKind::NiGpib, 6},
+               {InterfaceKind::Usb488, 3}});
+  StartEndlessRun(bench);
+  Session& session = *bench.session;
+  const auto end = [&] {
+    session.Control().MenuItem(static_cast<int>(Run::Stop));
+    bench.clock.Advance(101);
+    session.Monitor().Tick();
+    if (session.State().RunState != RunState::Stopped) Fail("the run does not stop");
+  };
+  end();
+  const std::uint32_t before = bench.clock.Now();
+  for (auto _ : state) {
+    session.Control().MenuItem(static_cast<int>(Run::Start));
+    if (session.State().RunState != RunState::Running) Fail("the run does not start");
+    end();
+  }
+  state.counters["waited_us"] =
+      benchmark::Counter(1000.0 * (bench.clock.Now() - before), benchmark::Counter::kAvgIterations);
+}
+BENCHMARK(five_instruments);
 
 // A waveform of the largest size, header and data.
 void block_to_instrument(benchmark::State& state) {

@@ -115,6 +115,18 @@ class Wait:
                 f"<= {duration(self.bound)}", measured <= self.bound)
 
 
+class Added:
+    """Processor time beside waits that only a clock counts, at most `bound` of them."""
+
+    def __init__(self, bound):
+        self.bound = bound
+
+    def row(self, results, name, _reference):
+        measured, waited = results.time(name), results.counter(name, "waited_us")
+        ratio = measured / waited
+        return duration(measured), duration(waited), f"{ratio:.2%}", f"<= {self.bound:.0%}", ratio <= self.bound
+
+
 class Heap:
     """Bytes, at most `bound`; the reference is the size of what passed through."""
 
@@ -136,6 +148,11 @@ ROWS = [
     ("save the same / to_chars", "sequence_save", "sequence_save_reference", Multiple(2.5)),
     ("sequence text of the same / to_chars", "sequence_text", "sequence_text_reference", Multiple(2.5)),
     ("query, command layer to instrument / bare VISA", "query", "query_reference", Limit(20)),
+    ("the same over NI-488.2", "query_ni_gpib", "query_reference", Limit(20)),
+    ("the same over IEEE_32M", "query_ieee32m", "query_reference", Limit(20)),
+    ("the same over USB488", "query_usb488", "query_reference", Limit(20)),
+    ("the same, simulated", "query_simulated", "query_reference", Limit(20)),
+    ("start and stop of five instruments / waits", "five_instruments", None, Added(0.01)),
     ("tick of the run monitor / one bare query", "monitor_tick", "query_reference", Limit(100)),
     ("1 MiB block to the instrument / copy", "block_to_instrument", "block_to_instrument_reference",
      Throughput(53)),

@@ -8,6 +8,7 @@
 #include <QFileInfo>
 #include <QSessionManager>
 
+#include "dialogs/frm_setup.h"
 #include "platform/folders.h"
 #include "platform/window_list.h"
 #include "ui/ui_font.h"
@@ -27,12 +28,16 @@ WindowProgram::WindowProgram(const ProgramOptions& options, bool english, std::s
   sessionOptions.appFolder = options.folder.empty() ? DefaultApplicationFolder() : options.folder;
   sessionOptions.english = english;
   sessionOptions.simulated = options.simulated;
+  settings_ = std::make_unique<WindowSettings>(sessionOptions.appFolder);
+  if (options.simulated) {
+    responses_ = options.simulatedResponses;
+    if (responses_->empty()) *responses_ = settings_->Responses();
+  }
   sessionOptions.writeSettings = true;
   const SessionPorts ports{prompts_, clock_,   pump_, timer_, progress_,
                            display_, display_, end_,  files_, display_};
   session_ = std::make_unique<Session>(ports, sessionOptions,
                                        MakeParts(options, sessionOptions.programFolder, prompts_, clock_));
-  settings_ = std::make_unique<WindowSettings>(sessionOptions.appFolder);
   editor_ = std::make_unique<SequenceEditor>(session_->State(), session_->Definition(), session_->Sequence(),
                                              session_->Catalogue(), prompts_);
   timer_.OnTick([this] {
@@ -65,6 +70,7 @@ int WindowProgram::Run() {
   StartUpChecks checks;
   checks.otherInstance = [this] { return OtherInstance(); };
   checks.siblingRunning = [](const std::string& title) { return IsSiblingRunning(title); };
+  checks.chooseInstrument = [this] { return FrmSetup::Choose(*session_, prompts_, nullptr); };
   switch (session_->StartUp(checks)) {
     case StartUpResult::ActivateOther:
       return 0;
@@ -80,9 +86,9 @@ int WindowProgram::Run() {
 void WindowProgram::ShowWindow() {
   editor_->Restart();
   const QString programFile = QString::fromStdString(ProgramFile());
-  window_ = std::make_unique<MainWindow>(MainWindowParts{*session_, *editor_, prompts_, files_, *settings_,
-                                                         CORLUNE_VERSION,
-                                                         QFileInfo(programFile).lastModified().date()});
+  window_ = std::make_unique<MainWindow>(
+      MainWindowParts{*session_, *editor_, prompts_, files_, *settings_, CORLUNE_VERSION,
+                      QFileInfo(programFile).lastModified().date(), responses_});
   display_.Attach(window_.get());
   owner_.Set(window_.get());
   progress_.SetOwner(window_.get());

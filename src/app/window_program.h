@@ -46,6 +46,7 @@ class WindowProgram {
   void EndFromOutside();
 
   std::string file_;
+  std::shared_ptr<std::string> responses_;  // response file of simulated instruments; null: there are none
   SteadyTickClock clock_;
   DialogOwner owner_;
   QtPrompts prompts_;

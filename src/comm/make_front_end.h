@@ -17,8 +17,9 @@ struct CommOptions {
   LibraryChoice gpib;
   LibraryChoice usb488;
   LibraryChoice ieee32m;
-  bool simulated = false;          // every kind goes to the simulated interface
-  std::string simulatedResponses;  // its response file where the options name none; may be empty
+  bool simulated = false;  // every kind goes to the simulated interface
+  // Its response file where the options name none; may be empty, and may change before the next opening.
+  std::shared_ptr<const std::string> simulatedResponses = std::make_shared<std::string>();
 };
 
 // All references must outlive the front end. Relative file names of the GP_Init options start at

@@ -25,12 +25,12 @@ std::string QueryKeys(std::string_view text) {
   return keys;
 }
 
-SimulatedMdl::SimulatedMdl(const BackendServices& services, std::string responseFile)
-    : GpBackendBase(services), commandLineFile_(std::move(responseFile)) {}
+SimulatedMdl::SimulatedMdl(const BackendServices& services, std::shared_ptr<const std::string> responseFile)
+    : GpBackendBase(services), usualFile_(std::move(responseFile)) {}
 
 CommStatus SimulatedMdl::Open(const InitOptions& options) {
   responseFile_ = PathBelow(Services().state.AppFolder, options.ValueAsWritten("INI_FILE"));
-  if (responseFile_.empty()) responseFile_ = commandLineFile_;
+  if (responseFile_.empty()) responseFile_ = *usualFile_;
   replyPrompt_ = options.Has("RESPONSE_DIALOG");
   queryKeys_.clear();
   pendingReply_.clear();

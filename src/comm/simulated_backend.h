@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <string>
 #include <string_view>
@@ -16,8 +17,8 @@ namespace corlune {
 // holds the answer of a serial poll.
 class SimulatedMdl final : public GpBackendBase {
  public:
-  // `responseFile`: used when the options name none; may be empty.
-  SimulatedMdl(const BackendServices& services, std::string responseFile);
+  // `responseFile`: used when the options name none; may be empty, and may change before the next opening.
+  SimulatedMdl(const BackendServices& services, std::shared_ptr<const std::string> responseFile);
 
   CommStatus GP_Send_AsciiBinary_Data(const std::string& header, std::span<const std::uint8_t> data,
                                       std::int16_t address, std::int16_t elementFormat,
@@ -43,7 +44,7 @@ class SimulatedMdl final : public GpBackendBase {
   // Reply of the current device to the last key of `keys`; empty when there is none.
   std::string LookUp(std::string_view keys) const;
 
-  std::string commandLineFile_;
+  std::shared_ptr<const std::string> usualFile_;
   std::string responseFile_;
   bool replyPrompt_ = false;
   std::string queryKeys_;  // of the last text sent, separated by ","

@@ -575,7 +575,7 @@ CatalogueText TextOf(TextId id) {
 
     // Added texts: set-up of the instruments and their connection.
     case MenuConnect: return {"Connect(&N)", "接続(&N)"};
-    case ButtonSearchAgain: return {"Search again(&R)", "再検索(&R)"};
+    case ButtonSearchAgain: return {"Sea&rch again", "再検索(&R)"};
     case ButtonTestConnection: return {"Test connection", "接続テスト"};
     case AskingInstrument: return {"Asking the instrument...", "機器に問い合わせています..."};
     case TestAnswered: return {"Answers: $1", "応答あり：$1"};
@@ -586,7 +586,7 @@ CatalogueText TextOf(TextId id) {
     case InstrumentsFound: return {"$1 found: $2", "検出した$1：$2"};
     case NoneOfModelFound: return {"No $1 was found on USB.", "USB上に$1が見つかりません。"};
     case ResponseFile: return {"Response file", "応答ファイル"};
-    case ButtonBrowse: return {"Browse(&B)...", "参照(&B)..."};
+    case ButtonBrowse: return {"&Browse...", "参照(&B)..."};
     case ResponseFilter: return {"Response file(*.ini) | *.ini", "応答ファイル (*.ini) | *.ini"};
     case TipInterfaceElsewhere: return {"Instruments on this interface are set in \"System setup\".", "このインタフェースの機器は「システム設定」で設定してください。"};
     case TipConnect: return {"Searches for the instruments, opens the connection and checks the models.", "機器を検索して接続し、型名を確認します。"};

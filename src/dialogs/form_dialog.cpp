@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <QApplication>
 #include <QComboBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -10,6 +11,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
 
 #include "dialogs/frm_notices.h"
@@ -20,6 +22,7 @@ namespace {
 
 constexpr int kTitleSides = 150;  // pixels at 96 dpi beside the title: icon and buttons of the window
 constexpr int kNoteIcon = 16;     // pixels at 96 dpi
+constexpr int kLeastRows = 6;     // lines of text that stay in sight on a low screen
 constexpr int kFieldDigits = 12;  // least width of a field, in digits
 
 // Enter is the dialog's, which takes the entry with all others; so is Escape where there is nothing to bring
@@ -61,6 +64,27 @@ QString WithLetter(const QString& caption, QString& taken) {
   return caption;
 }
 
+// The rows scroll on a screen that is too low for them, as an enlarged one can be; what has the focus is in
+// sight.
+class BodyArea : public QScrollArea {
+ public:
+  explicit BodyArea(QWidget* parent) : QScrollArea(parent) {
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    setWidgetResizable(true);
+    setWidget(new QWidget);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+      if (now != nullptr && widget()->isAncestorOf(now)) ensureWidgetVisible(now);
+    });
+  }
+  QSize sizeHint() const override { return widget()->sizeHint(); }
+  QSize minimumSizeHint() const override {
+    const int least = kLeastRows * fontMetrics().height();
+    return {widget()->minimumSizeHint().width(), std::min(widget()->minimumSizeHint().height(), least)};
+  }
+};
+
 }  // namespace
 
 FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, const Texts& texts,
@@ -68,7 +92,7 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
     : QDialog(parent),
       catalogue_(catalogue),
       prompts_(prompts),
-      body_(new QVBoxLayout),
+      body_(nullptr),
       noteIcon_(new QLabel(this)),
       note_(new QLabel(this)),
       ok_(new QPushButton(Caption(texts.ok), this)),
@@ -76,7 +100,10 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
   setObjectName(QString::fromUtf8(texts.name));
   setWindowTitle(Caption(texts.title));
   auto* whole = new QVBoxLayout(this);
-  whole->addLayout(body_, 1);
+  auto* area = new BodyArea(this);
+  body_ = new QVBoxLayout(area->widget());
+  body_->setContentsMargins(0, 0, 0, 0);
+  whole->addWidget(area, 1);
 
   auto* note = new QHBoxLayout;
   note_->setObjectName(QStringLiteral("LabNote"));

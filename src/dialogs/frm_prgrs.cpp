@@ -58,6 +58,11 @@ class FrmPrgrs::Window : public QDialog {
     cancel_->show();
   }
   void Advance() { bar_->setValue(bar_->value() + 1); }
+  // Another dialog than the one that it stands over is open.
+  bool Blocked() const {
+    const QWidget* modal = QApplication::activeModalWidget();
+    return modal != nullptr && modal != parentWidget();
+  }
   bool Cancelled() const { return cancelled_; }
   bool Painted() const { return painted_; }
 
@@ -66,7 +71,7 @@ class FrmPrgrs::Window : public QDialog {
   bool eventFilter(QObject* watched, QEvent* event) override {
     const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
     if (!key || !watched->isWindowType() || static_cast<QKeyEvent*>(event)->key() != Qt::Key_Escape ||
-        cancelled_ || QApplication::activeModalWidget() || QApplication::activePopupWidget()) {
+        cancelled_ || Blocked() || QApplication::activePopupWidget()) {
       return QDialog::eventFilter(watched, event);
     }
     if (event->type() == QEvent::KeyPress) reject();
@@ -110,10 +115,13 @@ void FrmPrgrs::SetOwner(QWidget* owner) {
 
 void FrmPrgrs::Open(const std::string& text) {
   End();
-  window_ = new Window(owner_);
+  // A dialog that waits itself must not block it.
+  QWidget* const modal = QApplication::activeModalWidget();
+  QWidget* const owner = modal != nullptr ? modal : owner_.data();
+  window_ = new Window(owner);
   window_->ShowText(QString::fromStdString(text));
   // The keyboard stays where it is.
-  if (owner_) window_->setAttribute(Qt::WA_ShowWithoutActivating);
+  if (owner != nullptr) window_->setAttribute(Qt::WA_ShowWithoutActivating);
 }
 
 void FrmPrgrs::Begin(const std::string& text, int steps) {

@@ -164,6 +164,8 @@ ControlStates ControlStatesOf(const AppState& state, const Activity& activity,
   states.CopyText = states.ExportCsv = {true, atRest && now.Free && now.HasSteps};
   const bool modes =
       definition.Menus[static_cast<std::size_t>(Menu::Tool)].Visible && definition.ModeSetCount > 0;
+  const bool lost = std::find(state.Lost.begin(), state.Lost.end(), true) != state.Lost.end();
+  states.Connect = {true, edit && (!now.Online || lost)};
   states.ModeSetting = {modes, edit};
   states.SequenceNumber = {true, edit};
   states.StartStep = {definition.StartStep.Visible, edit};

@@ -21,6 +21,7 @@ struct ControlStates {
   std::array<ControlState, kPanelButtonCount> Buttons{};
   ControlState RowAdd, Insert, Delete, Up, Down;  // CmdRowAdd, CmdInsert, ...
   ControlState Undo, Redo, Duplicate, FillDown, CopyText, PasteText, ImportCsv, ExportCsv;
+  ControlState Connect;                                   // opening the connection again
   ControlState ModeSetting;                               // the dialog of the mode sets
   ControlState SequenceNumber, StartStep, BranchChannel;  // TxtSeq, TxtStrStep, TxtBranch
   ControlState Read;                                      // CmdRead

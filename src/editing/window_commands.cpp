@@ -83,6 +83,7 @@ constexpr CommandRow kCommands[] = {
     {SystemSetup, TextId::MenuSystemSetup, kTool, 0, 3, "Ctrl+Shift+T", nullptr},
     {MeasurementData, TextId::MenuMeasurement, kTool, 0, 4, "", nullptr},
     {ModeSetting, TextId::MenuModeSetting, kTool, 0, -1, "Ctrl+Shift+M", "mnuModeSetting", false, &States::ModeSetting},
+    {Connect, TextId::MenuConnect, kTool, 1, -1, "Ctrl+K", "mnuConnect", false, &States::Connect},
     {ZoomIn, TextId::MenuZoomIn, kDisplay, 0, -1, "Ctrl++; Ctrl+=", "mnuZoomIn"},  // "+" is often a shifted "="
     {ZoomOut, TextId::MenuZoomOut, kDisplay, 0, -1, "Ctrl+-", "mnuZoomOut"},
     {WholeSequence, TextId::MenuWholeSequence, kDisplay, 0, -1, "Ctrl+0", "mnuShowAll"},

@@ -61,6 +61,7 @@ enum class Command {
   SystemSetup,
   MeasurementData,
   ModeSetting,
+  Connect,
   ZoomIn,
   ZoomOut,
   WholeSequence,

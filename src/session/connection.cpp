@@ -85,7 +85,7 @@ void Session::NoticeLostConnection() {
   bool oneLeft = false;
   for (int i = 0; i < state_.InstrumentCount; ++i) {
     bool& lost = state_.Lost[static_cast<std::size_t>(i)];
-    lost = commands_->InstrumentLost(i);
+    lost = lost || commands_->InstrumentLost(i);
     oneLeft = oneLeft || !lost;
   }
   if (!oneLeft && Idle()) {

@@ -50,7 +50,7 @@ void AddProgramOptions(CLI::App& app, ProgramOptions& options) {
          "--simulated",
          [&options](const std::vector<std::string>& values) {
            options.simulated = true;
-           options.simulatedResponses = values.empty() ? std::string() : values.front();
+           *options.simulatedResponses = values.empty() ? std::string() : values.front();
          },
          "Simulated interface for every instrument; replies from the profile file RESPONSES")
       ->expected(0, 1)

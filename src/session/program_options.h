@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
 #include <variant>
@@ -22,7 +23,8 @@ struct ProgramOptions {
   LibraryChoice compiler;
   bool virtualInstrument = false;
   bool simulated = false;
-  std::string simulatedResponses;  // response file; empty: none
+  // Response file; empty: none. Shared with the parts that were made, where the next opening reads it.
+  std::shared_ptr<std::string> simulatedResponses = std::make_shared<std::string>();
 };
 
 // The window program's command line: the shared options and the sequence file to open. The exit code when the

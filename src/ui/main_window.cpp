@@ -41,7 +41,8 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
       files_(parts.files),
       settings_(parts.settings),
       version_(parts.version),
-      programDate_(parts.programDate) {
+      programDate_(parts.programDate),
+      responses_(parts.responses) {
   setObjectName(QStringLiteral("frmMain"));
   setAcceptDrops(true);
   setFont(UiFont(session_.State()));
@@ -81,6 +82,8 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
           [this](const std::string& text) { ShowNotice(NoticeLevel::Warning, text); });
   connect(
       statBar_, &StatBar::NoticesWanted, this, [this] { Do(Command::Notices); }, Qt::QueuedConnection);
+  connect(
+      statBar_, &StatBar::ConnectWanted, this, [this] { Do(Command::Connect); }, Qt::QueuedConnection);
   // Fields and cells with an entry to take back keep the key.
   connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, statBar_, &StatBar::CloseNotice);
   timer2_.setObjectName(QStringLiteral("Timer2"));
@@ -109,8 +112,9 @@ void MainWindow::RefreshControls() {
   });
   ShowViewStates();
   const auto output = static_cast<std::size_t>(PanelButton::Output);
-  statBar_->Refresh(session_.State(), {ConnectionTip(), DeviceText(), DeviceTip(),
-                                       session_.Definition().Buttons[output].Color2});
+  statBar_->Refresh(session_.State(),
+                    {ConnectionTip(), DeviceText(), DeviceTip(), session_.Definition().Buttons[output].Color2,
+                     states_.Connect.Enabled});
   // On a copy: the run times of the steps belong to what was sent last. How long a sequence of the
   // instrument's own takes nobody knows.
   ShowTotalTime(

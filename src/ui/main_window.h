@@ -55,6 +55,8 @@ struct MainWindowParts {
   const WindowSettings& settings;
   std::string version;  // of the program, "major.minor.revision"
   QDate programDate;    // of the program file
+  // The response file of simulated instruments, which the set-up can change; null: they are real.
+  std::shared_ptr<std::string> responses;
 };
 
 class MainWindow : public QMainWindow {
@@ -162,6 +164,8 @@ class MainWindow : public QMainWindow {
   void EditWaveforms();
   void EditChannelSettings();
   void EditCommonParameters();
+  void EditSetup();
+  void Connect();
   void EditModes();
   // Applies what a tool dialog has edited as one undo entry and shows what follows from it everywhere.
   void ApplyForm(TextId action, const std::function<void()>& change);
@@ -203,6 +207,7 @@ class MainWindow : public QMainWindow {
   WaveFacts waveFacts_;  // of the files that the dialog of the waveforms has shown
   std::string version_;
   QDate programDate_;
+  std::shared_ptr<std::string> responses_;
 
   std::array<CommandMenu*, kMenuCount> menus_{};
   QMenu* recentMenu_ = nullptr;

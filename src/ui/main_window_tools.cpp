@@ -2,7 +2,9 @@
 #include "dialogs/frm_arb_file.h"
 #include "dialogs/frm_ch_prm.h"
 #include "dialogs/frm_cmn_prm.h"
+#include "dialogs/frm_dlg_setup.h"
 #include "dialogs/frm_mode_set.h"
+#include "dialogs/frm_setup.h"
 #include "sequence/channel_tabs.h"
 #include "ui/grid_panel.h"
 #include "ui/main_window.h"
@@ -18,6 +20,10 @@ void MainWindow::ToolCommand(Command command) {
       return EditChannelSettings();
     case Command::CommonSettings:
       return EditCommonParameters();
+    case Command::SystemSetup:
+      return EditSetup();
+    case Command::Connect:
+      return Connect();
     case Command::ModeSetting:
       return EditModes();
     default:
@@ -86,6 +92,20 @@ void MainWindow::EditWaveforms() {
     }
     ApplyForm(TextId::EditWaveforms, [&] { form.ApplyTo(session_.Sequence()); });
   });
+}
+
+// Applied by the dialog itself, which stays open while the instruments are connected.
+void MainWindow::EditSetup() {
+  Perform([&] {
+    grids_->HideEditors();
+    FrmDlgSetup dialog(session_, prompts_, files_, responses_.get(), this);
+    if (ExecInItsSize(dialog, settings_) != QDialog::Accepted) return;
+    if (responses_) settings_.WriteResponses(*responses_);
+  });
+}
+
+void MainWindow::Connect() {
+  Perform([&] { session_.GoOnline([this] { return FrmSetup::Choose(session_, prompts_, this); }); });
 }
 
 }  // namespace corlune

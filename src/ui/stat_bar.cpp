@@ -6,10 +6,12 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "core/output_state.h"
 #include "core/step_numbering.h"
+#include "editing/window_commands.h"
 #include "ui/elided_label.h"
 #include "ui/notice_bar.h"
 #include "ui/output_panel.h"
@@ -56,6 +58,7 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
     panel->setIndent(0);  // six of them have to fit into the narrowest window
     panels_[static_cast<std::size_t>(i)] = panel;
     layout->addWidget(panel, i == Device ? 1 : 0);
+    if (i == Connection) layout->addWidget(connect_ = MakeConnectButton());
   }
   rows->addWidget(bar);
   // In the narrowest window the others need all the room; its tip says the same.
@@ -64,6 +67,18 @@ StatBar::StatBar(const MessageCatalogue& catalogue, QWidget* parent)
   connect(notice_, &NoticeBar::Said, this, &StatBar::PlaceNotice);
   connect(notice_, &NoticeBar::ListWanted, this, &StatBar::NoticesWanted);
   bar->installEventFilter(this);
+}
+
+QToolButton* StatBar::MakeConnectButton() {
+  auto* button = new QToolButton(bar_);
+  button->setObjectName(QStringLiteral("CmdConnect"));
+  button->setText(QString::fromStdString(PlainCaption(catalogue_.GetResString(TextId::MenuConnect))));
+  button->setToolTip(QString::fromStdString(catalogue_.GetResString(TextId::TipConnect)));
+  button->setFocusPolicy(Qt::TabFocus);
+  button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
+  button->hide();
+  connect(button, &QToolButton::clicked, this, &StatBar::ConnectWanted);
+  return button;
 }
 
 // Over the panels at the left. What the outputs do stays in sight, the times as long as there is room.
@@ -89,6 +104,7 @@ void StatBar::Show(Panel panel, const std::string& text) {
 }
 
 void StatBar::Refresh(const AppState& state, const StatusFacts& facts) {
+  connect_->setVisible(facts.mayConnect);
   Show(Connection, catalogue_.GetResString(state.Online == 1 ? TextId::StateOnLine : TextId::StateOffLine));
   std::string mode = catalogue_.GetResString(
       state.OperationMode == OperationMode::Execution ? TextId::StateExecutionMode : TextId::StateEditMode);

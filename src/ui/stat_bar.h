@@ -17,6 +17,7 @@
 
 class QFrame;
 class QLabel;
+class QToolButton;
 
 namespace corlune {
 
@@ -31,6 +32,7 @@ struct StatusFacts {
   std::string device;         // model, interface and who it is
   std::string deviceTip;
   Color outputOn;  // of the output button while an output is on
+  bool mayConnect = false;
 };
 
 class StatBar : public QWidget {
@@ -57,16 +59,19 @@ class StatBar : public QWidget {
 
  signals:
   void NoticesWanted();
+  void ConnectWanted();
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
+  QToolButton* MakeConnectButton();
   void Show(Panel panel, const std::string& text);
   void PlaceNotice();
 
   const MessageCatalogue& catalogue_;
   WarningLine* warning_;
+  QToolButton* connect_ = nullptr;
   QFrame* bar_ = nullptr;
   NoticeBar* notice_ = nullptr;
   std::array<QLabel*, kPanels> panels_{};

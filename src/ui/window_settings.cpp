@@ -12,9 +12,12 @@ namespace corlune {
 
 namespace {
 constexpr const char* kFileName = "CorluneWindow.ini";
+constexpr const char* kResponsesKey = "Simulated/Responses";
 constexpr const char* kColorsKey = "Window/Colors";
 // Beyond every real desktop; a value outside is damage.
 constexpr int kFarthest = 32768;
+// What window managers put around a dialog, in pixels.
+constexpr QSize kDialogFrame(8, 36);
 }  // namespace
 
 WindowSettings::WindowSettings(const std::string& appFolder)
@@ -93,14 +96,28 @@ void WindowSettings::WriteDialogSize(const QString& name, const QSize& size) con
 int ExecInItsSize(QDialog& dialog, const WindowSettings& settings) {
   if (dialog.parentWidget() != nullptr) dialog.setFont(dialog.parentWidget()->font());
   dialog.adjustSize();
+  const QSize room = dialog.screen()->availableSize() - kDialogFrame;
+  dialog.resize(dialog.size().expandedTo(dialog.sizeHint()).boundedTo(room));
   const QSize first = dialog.size();
   if (const auto size = settings.DialogSize(dialog.objectName())) {
-    dialog.resize(size->boundedTo(dialog.screen()->availableSize()).expandedTo(dialog.minimumSizeHint()));
+    dialog.resize(size->boundedTo(room).expandedTo(dialog.minimumSizeHint()));
   }
   const int result = dialog.exec();
   // A dialog that was left in its first size takes the one that its texts need next time, too.
   if (dialog.size() != first) settings.WriteDialogSize(dialog.objectName(), dialog.size());
   return result;
+}
+
+std::string WindowSettings::Responses() const {
+  return QSettings(path_, QSettings::IniFormat)
+      .value(QString::fromUtf8(kResponsesKey))
+      .toString()
+      .toStdString();
+}
+
+void WindowSettings::WriteResponses(const std::string& path) const {
+  QSettings(path_, QSettings::IniFormat)
+      .setValue(QString::fromUtf8(kResponsesKey), QString::fromStdString(path));
 }
 
 WindowColors WindowSettings::Colors() const {

@@ -41,6 +41,9 @@ class WindowSettings {
   // Sizes of the dialogs, by object name; nullopt: none yet.
   std::optional<QSize> DialogSize(const QString& name) const;
   void WriteDialogSize(const QString& name, const QSize& size) const;
+  // The response file of simulated instruments; empty: none.
+  std::string Responses() const;
+  void WriteResponses(const std::string& path) const;
   // How the windows are coloured.
   WindowColors Colors() const;
   void WriteColors(WindowColors colors) const;

@@ -237,6 +237,7 @@ void FrmPreview::PicDisp() {
 void FrmPreview::MoveShape(std::uint32_t tick) {
   if (!impl_->measuring) return;
   impl_->FollowRun();
+  if (!impl_->StepUnderWay()) return;
   const auto position = MarkerPosition(impl_->canvas->Picture().Spans, impl_->state.CurrentStep,
                                        impl_->state.StepChangedAt, tick);
   impl_->canvas->ShowMarker(position, impl_->definition.Indicator);

@@ -60,7 +60,7 @@ TEST(CompilerChecks, ValuesAtTheirLimits) {
   const Row rows[] = {
       {sine, 20e6, 1, 0, 50, 0}, {sine, 20000000.000001, 1, 0, 50, 40}, {sine, 1e-6, 1, 0, 50, 0},
       {sine, 0, 1, 0, 50, 40}, {square, 10.1e6, 1, 0, 50, 40}, {user, 10.1e6, 1, 0, 50, 40},
-      {dc, 0, 0, 0, 0, 0}, {sine, 1, 20, 0, 50, 0}, {sine, 1, 20.001, 0, 50, 41},
+      {dc, 0, 30, 0, 0, 0}, {sine, 1, 20, 0, 50, 0}, {sine, 1, 20.001, 0, 50, 41},
       {sine, 1, 0.1, 9.95, 50, 0}, {sine, 1, 0.1, 9.951, 50, 41}, {sine, 1, 0.1, -9.951, 50, 41},
       {noise, 1, 10, 5.1, 50, 41}, {sine, 1, -1, 0, 50, 41}, {dc, 1, 0, -10.001, 50, 41},
       {square, 1, 1, 0, 0.1, 0}, {square, 1, 1, 0, 0.09, 42}, {square, 1, 1, 0, 99.9, 0},
@@ -180,21 +180,22 @@ TEST(CompilerChecks, WaveformMemory) {
     const char* name;
     double first, second;  // ARB numbers of channel 1's steps 1 and 2; 0: a sine
     ArbInformation arb1, arb2;
-    bool dutySweep;  // of channel 2
+    int dutySweep;  // channel in whose step 2
     int code;
   };
   const ArbInformation pairs{1, 0};
   const Row rows[] = {
-      {"missing number", 129, 1, {0, 4}, pairs, false, 4100},
-      {"array without points", 1, 1, {0, 0}, pairs, false, 4099},
-      {"unknown form", 1, 2, {0, 4}, {2, 4}, false, 4099},
-      {"unused entries do not count", 1, 1, {0, 512}, {0, 0}, false, 0},
-      {"full memory", 1, 1, {0, 512}, {0, 512}, false, 0},
-      {"two that do not fit", 1, 2, {0, 512}, {0, 4}, false, 4101},
-      {"no room for a sine", 1, 0, {0, 512}, pairs, false, 4101},
-      {"room for a sine", 1, 0, {0, 508}, pairs, false, 0},
-      {"point pairs have no fixed size", 1, 2, {0, 512}, pairs, false, 0},
-      {"the other channel's work area", 1, 1, {0, 512}, pairs, true, 0},
+      {"missing number", 129, 1, {0, 4}, pairs, 0, 4100},
+      {"array without points", 1, 1, {0, 0}, pairs, 0, 4099},
+      {"unknown form", 1, 2, {0, 4}, {2, 4}, 0, 4099},
+      {"unused entries do not count", 1, 1, {0, 512}, {0, 0}, 0, 0},
+      {"full memory", 1, 1, {0, 512}, {0, 512}, 0, 0},
+      {"two that do not fit", 1, 2, {0, 512}, {0, 4}, 0, 4101},
+      {"no room for a sine", 1, 0, {0, 512}, pairs, 0, 4101},
+      {"room for a sine", 1, 0, {0, 508}, pairs, 0, 0},
+      {"point pairs have no fixed size", 1, 128, {0, 512}, pairs, 0, 0},
+      {"the other channel's work area", 1, 1, {0, 512}, pairs, 2, 0},
+      {"no room for the work area", 1, 0, {0, 508}, pairs, 1, 4101},
   };
   for (const Row& row : rows) {
     CompiledSequence sequence = OneStep();
@@ -205,9 +206,10 @@ TEST(CompilerChecks, WaveformMemory) {
       sequence.Cells[0][slot].Waveform = SeqWaveform::User;
       sequence.Cells[0][slot].ArbNumber = numbers[slot];
     }
-    if (row.dutySweep) {
-      sequence.Cells[1][0].Waveform = sequence.Cells[1][1].Waveform = SeqWaveform::Square;
-      sequence.Cells[1][1].Duty.Change = SeqChange::Sweep;
+    if (row.dutySweep != 0) {
+      SeqCell& cell = sequence.Cells[static_cast<std::size_t>(row.dutySweep) - 1][1];
+      cell.Waveform = SeqWaveform::Square;
+      cell.Duty.Change = SeqChange::Sweep;
     }
     ArbTable arbs = NoArbs();
     arbs[0] = row.arb1;

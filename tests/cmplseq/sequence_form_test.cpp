@@ -22,7 +22,7 @@ TEST(SequenceText, RefusesEveryDeviation) {
   } rows[] = {
       // clang-format off
       {"[DATA]\r\n", "[DATA]\n"}, {"VERSION=\"1.00\"", "VERSION=\"1.01\""}, {"\"QM2220\"", "QM2220"},
-      {"NCHAN=2", "NCHAN=3"}, {"NCHAN=2", "NCHAN=1"}, {"SEQ=1,", "SEQ=257,"}, {"SYNC", "sync"},
+      {"NCHAN=2", "NCHAN=3"}, {"NCHAN=2", "NCHAN=1"}, {"SEQ=1,", "SEQ=257,"}, {"SYNC", "sync"}, {"POS\r\n", "POS,0\r\n"},
       {"STEP#7=0,CONT,0,0,0,0,0,0,0,0,INF,0,0,0\r\n", ""}, {"STEP#7=", "STEP#07="},
       {"STEP#3=0,CONT,0,", "STEP#3=0,CONT,"}, {"STEP#3=0,", "STEP#3=-1,"}, {"STEP#3=0,", "STEP#3= 0,"},
       {"STEP#3=0,", "STEP#3=1E400,"}, {"STEP#3=0,CONT,0,", "STEP#3=0,CONT,0.5,"},

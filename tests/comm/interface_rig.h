@@ -132,7 +132,7 @@ struct InterfaceRig : CommWorld {
       if (kind.name == "UsbTmcBuiltin") tables.visa = BuiltinVisa(devices);
       gp = std::make_unique<UsbTmcMdl>(Services(), LoaderOf(tables.visa));
     } else {
-      gp = std::make_unique<SimulatedMdl>(Services(), "");
+      gp = std::make_unique<SimulatedMdl>(Services(), std::make_shared<std::string>());
     }
   }
   CommStatus Init(const std::string& more = "") {

@@ -101,7 +101,8 @@ TEST_F(Libraries, DefaultNamesAreLookedForInTheProgramsFolder) {
 TEST_F(Libraries, SimulatedTakesEveryKind) {
   CommOptions options;
   options.simulated = true;
-  options.simulatedResponses = world.folder.Write("r.ini", "[ADRS7]\n*IDN?=QM2220\n");
+  options.simulatedResponses =
+      std::make_shared<std::string>(world.folder.Write("r.ini", "[ADRS7]\n*IDN?=QM2220\n"));
   const auto gp = Make(options);
   for (const Kind& kind : Kinds()) {
     world.state.CurrentInterface = kind.kind;

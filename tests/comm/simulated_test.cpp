@@ -36,7 +36,7 @@ struct Simulated : ::testing::Test {
   }
 
   CommWorld world;
-  SimulatedMdl backend{world.Services(), ""};
+  SimulatedMdl backend{world.Services(), std::make_shared<std::string>()};
 };
 
 TEST_F(Simulated, RepliesToTheLastQueryOfAMessage) {

@@ -3,9 +3,11 @@ virtual instrument in real time.
 
 usage: console_test.py <folder of the programs> <folder of the shipped data> files|runs
 """
+import fcntl
 import os
 import pty
 import re
+import resource
 import shutil
 import signal
 import struct
@@ -22,9 +24,16 @@ DATA = os.path.abspath(sys.argv[2])
 EXAMPLES = os.path.join(DATA, "examples")
 CONSOLE = os.path.join(PROGRAMS, "corlune-cli")
 DEFINITION = "Corlune_Std.ini"
+BUSY_SECONDS = 6  # of the processor, for all runs; they take half a second
 # Seconds that the shipped examples take.
 SECONDS = {"arb-burst.dat": 3.9, "cranking.dat": 13.17, "frequency-sweep.dat": 9.5, "phase-shift.dat": 20,
            "quick-tour.dat": 10, "ramp.dat": 26, "voltage-dip.dat": 30.16}
+
+
+def wait_until(condition):
+    end = time.monotonic() + 60
+    while not condition() and time.monotonic() < end:
+        time.sleep(0.05)
 
 
 def sequences():
@@ -220,7 +229,7 @@ class Files(Bench):
         shutil.copy(example("quick-tour.dat"), os.path.join(self.folder, "tour.dat"))
         program = CONSOLE + " --folder odd"
         for command, code, says in (
-                ("$cli check ramp.dat", 0, "QM2210: steps 7"),
+                ("$cli check ramp.dat", 0, "QM2210: steps 7, channels 1, arbitrary waveforms 0"),
                 ("$cli --lang ja check ramp.dat", 0, "ステップ数 7"),
                 ("$cli times ramp.dat", 0, "\n26000\n"),
                 ("$cli check ramp.dat > /dev/full", 1, "output could not be written"),
@@ -250,11 +259,14 @@ class Files(Bench):
                 self.assertEqual(found, code, said)
                 self.assertIn(says, said)
         # What a killed program left goes; a folder that holds anything else stays.
-        for left in ("corlune-cli-killed", "corlune-cli-others/notes"):
+        for left in ("corlune-cli-killed", "corlune-cli-others/notes", "corlune-cli-in_use"):
             os.makedirs(os.path.join(self.temporary, left))
         self.write("temporary/corlune-cli-killed/sendata.bin", b"")
+        in_use = os.open(os.path.join(self.temporary, "corlune-cli-in_use"), os.O_RDONLY)
+        fcntl.flock(in_use, fcntl.LOCK_EX)
         self.shell("$cli times ramp.dat")
-        self.assertEqual(os.listdir(self.temporary), ["corlune-cli-others"])
+        os.close(in_use)
+        self.assertEqual(sorted(os.listdir(self.temporary)), ["corlune-cli-in_use", "corlune-cli-others"])
 
     def test_compiling_touches_nobody_elses_files(self):
         # The editor may be downloading from the same folder.
@@ -282,6 +294,18 @@ class Files(Bench):
         self.assertEqual(sorted(line.split() for line in out.decode().splitlines()),
                          [["QM2210", "B2", "USB0::0x3A1F::0x2210::B2::INSTR"],
                           ["QM2220", "A1", "USB0::0x3A1F::0x2220::A1::INSTR"]])
+        # Asked at its address, and at one where nothing is.
+        setup = b"SS_CNT=3\r\n" + b"".join(b"SS_INTERFACE%d=%d\r\nSS_ADDRESS%d=%d\r\n" % (i, kind, i, address)
+                                          for i, (kind, address) in enumerate(((0, 0), (1, 2), (1, 9))))
+        file = self.write("setup.dat", re.sub(rb"SS_CNT=.*(?=\[COMMON\])", setup, read(example("arb-burst.dat")),
+                                              flags=re.S))
+        for instruments, says, code, count in (
+                ("QM2220:A1,QM2220:B2", "\nNI  2  TAVRIN,QM2220,A1,1.00\nNI  9  no answer\n", 0, 4),
+                ("rubbish", "NI  9  NI-488.2 library refuses", 1, 2)):
+            out, _ = self.run_console("--virtual-instrument", "devices", "--setup", file, code=code,
+                                      CORLUNE_VI_INSTRUMENTS=instruments)
+            self.assertIn(says, out.decode())
+            self.assertEqual(out.count(b"\n"), count)
         # Not found, found but no library, found but not whole: each is said with the name that was tried.
         for library, reason in ((self.file("absent.so"), "No such file"),
                                 (self.write("text.so", b"no library"), "invalid ELF header|file too short"),
@@ -295,9 +319,12 @@ class Files(Bench):
 
     def test_runs_that_cannot_begin(self):
         virtual = ["--virtual-instrument", "run", example("arb-burst.dat")]
+        whole = read(example("ramp.dat"))
+        empty = whole[:whole.index(b"ST_SETVAL")] + whole[whole.index(b"[FRMVIEW]"):]
         two = {"CORLUNE_VI_INSTRUMENTS": "QM2220:A1,QM2220:A2"}
         cases = [
-            (["--visa", "none", "run", example("ramp.dat")], {}, "No instrument was found."),
+            (["--visa", "none", "run", example("ramp.dat")], {}, "No instrument was found.\nVISA: switched off"),
+            (["--virtual-instrument", "run", self.write("empty.dat", empty)], {}, "One or more than one"),
             # The instrument is another model.
             (["--virtual-instrument", "run", example("ramp.dat")], {}, "No instrument was found."),
             (virtual, two, "A1"),
@@ -377,6 +404,7 @@ class RunToItsEnd(Runs):
         text += out.decode()
         started = re.findall(r'(\S+) <  GP_Send_Str ":TRIG1:SEL:EXEC STAR"',
                              read(os.path.join(self.folder, "comm.log")).decode())
+        self.assertEqual(self.log().count(":TRAC:SEQ:REC 3"), 1)
         name = "USB0::0X3A1F::0X2220::%s::INSTR"
         self.assertEqual(started, [name % "A", name % "B", "4", "4"])
         # The question that --yes answers.
@@ -419,12 +447,19 @@ class RunIsStopped(Runs):
         return said, self.log()
 
     def test_interrupt(self):
-        # Control and C; as in "run ... | tee log" the reader ends as well.
+        # Hold, go on, Control and C; as in "run ... | tee log" the reader ends as well.
         def press(terminal, output):
+            os.write(terminal, b"\n")  # nothing is held yet
+            os.write(terminal, b"h")
+            while not (line := output.readline()).endswith(b"Hold\n") and line:
+                pass
+            os.write(terminal, b"\n")
+            wait_until(lambda: any(line.endswith("RES") for line in self.log()))
             os.write(terminal, b"\x03")
             output.close()
         said, sent = self.interrupt(r"  Step[^\d]*\d$", press)
-        self.assertEqual(sent.count(":TRIG1:SEL:EXEC STOP"), 1, said)
+        self.assertEqual([line[-4:] for line in sent if "EXEC" in line], ["STAR", "HOLD", " RES", "STOP"], said)
+        self.assertNotIn("as soon as the block", said)
         # The stop is the last command; the status behind it is read, and the connection is closed.
         self.assertEqual(sent[-3:], [":TRIG1:SEL:EXEC STOP", ":STAT:OPER:CH1:COND?", "ALL < GP_END"])
         self.assertRegex(said, r" icanon (.|\n)* echo ", "the terminal is given back as it was")
@@ -450,6 +485,15 @@ class RunBreaksOff(Runs):
         self.assertEqual(self.log().count(":TRIG1:SEL:EXEC STOP"), 2)
 
 
+class RunUnanswered(Runs):
+    """Nobody is there to say that the outputs may be switched on."""
+    def test_run(self):
+        self.switch_log_on()
+        _, err = self.run_console("run", self.quick_sequence(0.1), "--virtual-instrument", "--name", "E2E", code=1)
+        self.assertIn("Is it OK?", err)
+        self.assertFalse([line for line in self.log() if "EXEC" in line or " ON" in line])
+
+
 class ReadIsInterrupted(Runs):
     def test_read(self):
         self.switch_log_on()
@@ -473,6 +517,12 @@ class ReadIntoAFile(Runs):
         received, _ = self.run_console("text", self.file("received.dat"))
         self.assertEqual(received, sent)
         self.assert_clean()
+        # Nothing but the text goes to the output; the connection is closed.
+        self.switch_log_on()
+        received, _ = self.run_console("--virtual-instrument", "read", "2", CORLUNE_VI_FAULTS=fault)
+        self.assertEqual(received, sent)
+        self.assertEqual([line for line in self.log() if "SEQ" in line or "END" in line],
+                         [":TRACe:SEQuence? 2", "ALL < GP_END"])
 
 
 def run_at_once(cases):
@@ -488,6 +538,10 @@ def run_at_once(cases):
         for test, trace in result.failures + result.errors:
             print(f"{test}\n{trace}", file=sys.stderr)
     ran = sum(result.testsRun for result in results)
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
+    if used.ru_utime + used.ru_stime > BUSY_SECONDS:
+        print("a wait keeps the processor busy", file=sys.stderr)
+        return False
     print(f"{ran} runs")
     return ran == len(cases) and all(result.wasSuccessful() for result in results)
 
@@ -496,7 +550,8 @@ def main():
     if sys.argv[3] == "files":
         suite = unittest.defaultTestLoader.loadTestsFromTestCase(Files)
         return unittest.TextTestRunner().run(suite).wasSuccessful()
-    return run_at_once([RunToItsEnd, RunIsStopped, DownloadIsStopped, RunBreaksOff, ReadIsInterrupted, ReadIntoAFile])
+    return run_at_once([RunToItsEnd, RunIsStopped, DownloadIsStopped, RunBreaksOff, RunUnanswered, ReadIsInterrupted,
+                        ReadIntoAFile])
 
 
 if __name__ == "__main__":

@@ -69,6 +69,7 @@ TEST(GraphDragTest, TakesHoldOfWhatLiesUnderThePointer) {
     EXPECT_EQ(rig.At(c.x, c.y), c.expected) << c.x << " " << c.y;
   }
   rig.axis = TimeAxis::Steps;
+  rig.scale.AxisEnd = 4;
   EXPECT_EQ(rig.At(99, 30), std::nullopt) << "the axis counts steps";
 }
 
@@ -78,6 +79,7 @@ TEST(GraphDragTest, GivesRoundValuesWithinTheBounds) {
   frequency.Set(1, kSlotFrequency, 10e6, kModeSweep);
   DragRig offset(kOffset, -20, 20);  // 0.2 V a pixel
   offset.Set(0, kSlotAmplitude, 12);
+  offset.Set(1, kSlotOffset, 0, kModeKeep);
   DragRig shown(kAmplitude, 0, 20);
   shown.sequence.Channels.Loads[0] = {1, 50};
   shown.Set(0, kSlotAmplitude, 4);    // shown as 2
@@ -118,17 +120,22 @@ TEST(GraphDragTest, GivesRoundValuesWithinTheBounds) {
   refused.Move(0, -25, false);
   EXPECT_EQ(refused.Label().substr(0, 12), "Offset: 5 V\n");
   EXPECT_EQ(refused.Sequence().Cell(0, 0, kSlotOffset).Value, 5);
+  EXPECT_EQ(refused.Sequence().Cell(0, 1, kSlotOffset).StartValue, 5) << "the next step begins there";
   refused.Move(0, 25, false);
   EXPECT_TRUE(!refused.Changed() && !refused.Refusal() && refused.Sequence() == offset.sequence);
+  offset.sequence.StartStep = 11;
+  const DragHandle end = *offset.At(100, 30);
+  ValueDrag time(offset.state, offset.definition, offset.sequence, offset.catalogue, end, offset.scale);
+  EXPECT_EQ(time.Label(), "Step 11: 1 s");
 }
 
 TEST(LoopBracketsTest, ShareTheOutermostRowWhereTheyNestTooDeep) {
-  const std::vector<Loop> loops{{0, 1, 3, 0}, {4, 5, 0, 0}, {0, 3, 2, 1}, {0, 6, 4, 2}, {5, 9, 0, 3}};
+  const std::vector<Loop> loops{{0, 1, 3, 0}, {4, 5, 0, 0}, {0, 3, 2, 1}, {0, 6, 4, 2}, {6, 9, 0, 3}};
   EXPECT_EQ(NestLoops(loops), (std::vector<LoopBracket>{{0, 1, 0, 3, 1, false},
                                                         {4, 5, 0, 0, 1, true},
                                                         {0, 3, 1, 2, 1, false},
                                                         {0, 6, 2, 4, 1, false},
-                                                        {5, 9, 3, 0, 1, true}}));
+                                                        {6, 9, 3, 0, 1, true}}));
   const std::vector<LoopBracket> two = NestLoops(loops, 2);
   EXPECT_EQ(two.back(), (LoopBracket{0, 9, 1, 2, 3, true}));
   EXPECT_EQ(LoopRows(two), 2);

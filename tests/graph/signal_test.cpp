@@ -92,6 +92,7 @@ TEST(SignalTest, HasItsLevelAtEveryTime) {
 
 TEST(SignalTest, SaysInWordsWhatItShows) {
   GraphRig rig(3);
+  rig.sequence.StartStep = 101;
   rig.sequence.Steps[1].StepTime = 0.5;
   rig.Set(0, kSlotFrequency, 1000);
   rig.Set(0, kSlotAmplitude, 2);
@@ -100,7 +101,7 @@ TEST(SignalTest, SaysInWordsWhatItShows) {
   rig.Set(1, kSlotExternal, 1);
   rig.sequence.Channels.Loads[0] = {1, 50};
   const SignalSubject subject = SubjectOf(rig, 1, 2);
-  EXPECT_EQ(subject.StepText, "Step 2: 0.5 s");
+  EXPECT_EQ(subject.StepText, "Step 102: 0.5 s");
   ASSERT_EQ(subject.Channels.size(), 2U);
   EXPECT_EQ(subject.Channels[0].Caption, "CH1  V into 50 ohm");
   EXPECT_EQ(subject.Channels[1].Caption, "CH2  V into High-Z");
@@ -120,12 +121,14 @@ TEST(SignalTest, SaysInWordsWhatItShows) {
 TEST(SignalTest, IsALineWhereItsPeriodsCanBeToldApart) {
   GraphRig rig(1);
   rig.Set(0, kSlotFrequency, 1000);
+  rig.Set(0, kSlotFrequency, 2000, kModeConst, 1);
   rig.Set(0, kSlotAmplitude, 2);
-  const SignalSubject subject = SubjectOf(rig);
+  const SignalSubject subject = SubjectOf(rig, 0, 2);
   const AxisWindow first = FirstPeriods(subject);
   EXPECT_EQ(first.Start, 0);
-  EXPECT_NEAR(first.End, 0.005, 1e-12);  // five periods of a thousand
-  const SignalPicture picture = BuildSignalPicture(subject, {nullptr}, English(), first, {300, 200, 100});
+  EXPECT_NEAR(first.End, 0.005, 1e-12);  // five periods of a thousand, which the slower channel has
+  const SignalPicture picture =
+      BuildSignalPicture(subject, {nullptr, nullptr}, English(), first, {300, 200, 100});
   ASSERT_EQ(picture.Panes.size(), 2U);
   EXPECT_EQ(picture.Panes[0].Caption, "Time [ms]  first 5 ms of 1 s");
   const SignalTrace& part = picture.Panes[0].Traces[0];
@@ -142,10 +145,11 @@ TEST(SignalTest, IsALineWhereItsPeriodsCanBeToldApart) {
     EXPECT_EQ(ValueRange({column.Low, column.High}), ValueRange({-1, 1}));
   }
   // Ten columns a period: they reach to the crests, and no further.
-  for (const SignalColumn& column : TraceOf(subject.Channels[0], nullptr, 1, {0, 0.01}, 100).Columns) {
-    EXPECT_EQ(column.Kind, ColumnKind::Stroke);
-    EXPECT_GE(column.Low, -1);
-    EXPECT_LE(column.High, 1);
+  const auto strokes = TraceOf(subject.Channels[0], nullptr, 1, {0, 0.01}, 100).Columns;
+  for (std::size_t i = 0; i < strokes.size(); ++i) {
+    EXPECT_EQ(strokes[i].Kind, ColumnKind::Stroke);
+    EXPECT_EQ(strokes[i].Low == -1, i % 10 == 7) << i;
+    EXPECT_EQ(strokes[i].High == 1, i % 10 == 2) << i;
   }
   rig.Set(0, kSlotFrequency, 20);
   EXPECT_EQ(FirstPeriods(SubjectOf(rig)), (AxisWindow{0, 1}));
@@ -182,6 +186,7 @@ TEST(SignalTest, ShowsTheShapesOfWaveformFiles) {
   const auto spike = cache.Read(folder.Write("spike.txt", text));
   ASSERT_TRUE(spike->Wave);
   EXPECT_EQ(cache.Find(spike->Path), spike);
+  EXPECT_NEAR(spike->Wave->At(1 - 0.25 / kPoints), -125 / 32767.0, 1e-9) << "on the way to the first point";
   const auto lines = cache.Read(folder.Write("lines.wdb", pairs));
   ASSERT_TRUE(lines->Wave && lines->Wave->Pairs());
   for (const auto& [phase, value] :
@@ -211,9 +216,15 @@ TEST(SignalTest, ShowsTheShapesOfWaveformFiles) {
     EXPECT_NEAR(columns[i].Low, -200 / 32767.0, 1e-12) << i;
   }
 
+  rig.sequence.Channels.ArbFiles[6].FilePath = lines->Path;
+  const SignalPicture drawn = BuildSignalPicture(SubjectOf(rig), {lines}, English(), {0, 1}, {64, 1, 1});
+  EXPECT_EQ(drawn.Panes.at(0).Caption,
+            "Time [s]  whole step (1 s)  one period from the first point to the last");
+
   // A changed file is read again, and says why when it is of no use.
+  std::filesystem::last_write_time(spike->Path, {});
+  EXPECT_EQ(cache.Find(spike->Path), nullptr) << "as long as before";
   std::filesystem::resize_file(spike->Path, text.size() - 6);
-  EXPECT_EQ(cache.Find(spike->Path), nullptr);
   const auto cut = cache.Read(spike->Path);
   EXPECT_EQ(pictureOf(cut).Notes.at(0).substr(0, 26), "ARB 7, spike.txt: Values: ");
   for (const char* other : {"a", "b", "c"}) cache.Read(folder.File(other));

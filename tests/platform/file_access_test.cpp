@@ -129,6 +129,8 @@ TEST(ReplaceFileBytes, RefusesWithAReason) {
     EXPECT_THAT(error, HasSubstr(path));
   }
   EXPECT_EQ(Names(folder.Path()), std::vector<std::string>{"loop"});
+  ASSERT_EQ(mkfifo(folder.File("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(ReadFileBytes(folder.File("pipe")), std::nullopt);
 }
 
 }  // namespace

@@ -71,6 +71,12 @@ TEST(SystemSetup, AModelChangeAsksAndStartsAnEmptySequence) {
   AppState& state = rig.session->State();
   state.Modified = true;
   rig.Plug("QM2220:2000001");
+  // A model without a definition is refused before anybody is asked to save.
+  rig.folder.Write("Corlune_Std.ini", rig.definition.substr(0, rig.definition.find("[SPEC QM2220]")));
+  rig.Answer(PromptAnswer::Ok);
+  EXPECT_FALSE(rig.session->ApplySetup(setup));
+  EXPECT_THAT(rig.Messages(), ElementsAre(HasSubstr("section SPEC QM2220: the section is missing")));
+  rig.folder.Write("Corlune_Std.ini", rig.definition);
   rig.Answer(PromptAnswer::Cancel);
   EXPECT_FALSE(rig.session->ApplySetup(setup));
   EXPECT_EQ(state.ModelName, "QM2210");

@@ -239,6 +239,7 @@ class ProgramRig {
   VisaRecorder recorder{bench};
   bool library = true;  // VISA is there
   SessionOptions options;
+  std::shared_ptr<std::string> responses = std::make_shared<std::string>(folder.File("responses.ini"));
   EndProgram* sessionEnd = nullptr;
   LinkedCompiler* compiler = nullptr;
   std::unique_ptr<Session> session;
@@ -260,7 +261,7 @@ class ProgramRig {
     backends[2] = std::make_unique<Usb488Mdl>(
         services, all ? LoaderOf(tables.usb488) : Usb488Loader(none, {}, told("USB488")));
     backends[3] = std::move(usbTmc);
-    backends[4] = std::make_unique<SimulatedMdl>(services, folder.File("responses.ini"));
+    backends[4] = std::make_unique<SimulatedMdl>(services, responses);
     auto frontEnd =
         std::make_unique<GpFrontEnd>(state, std::move(backends), options.simulated ? nullptr : search);
     if (options.simulated) frontEnd->RouteAllTo(InterfaceKind::Simulated);

@@ -1,5 +1,6 @@
 // The grids as assistive tools see them, and on a dark desktop.
 #include <QAccessible>
+#include <QToolTip>
 
 #include "editing/color_theme.h"
 #include "gui/grids/grids_rig.h"
@@ -86,6 +87,7 @@ TEST(DarkColours, EveryCellAndControlFollows) {
   rig.GoTo(GridArea::Common, 2, 6);
   for (const bool high : {false, true}) {
     ShowColors(WindowColors::Dark);
+    EXPECT_EQ(QToolTip::palette(), QApplication::palette());
     if (high) QApplication::setPalette(HighContrast());
     QApplication::processEvents();
     const ColorTheme theme = ThemeOf(rig.Common().palette());

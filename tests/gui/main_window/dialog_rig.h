@@ -1,4 +1,4 @@
-// A tool dialog over the main window, driven by real keys while it is open.
+// A tool dialog over the main window, worked in while it is open.
 #pragma once
 
 #include <functional>
@@ -34,11 +34,15 @@ struct OpenDialog {
   std::string Line(const char* name) const { return Find<QLabel>(name).text().toStdString(); }
 };
 
+// Triggers the menu item `item` and calls `act` once its dialog is open; `act` must close it.
 inline void InDialog(WindowRig& rig, const char* item, const std::function<void(const OpenDialog&)>& act) {
   bool seen = false;
-  QTimer::singleShot(0, rig.window.get(), [&] {
+  QTimer opened;
+  QObject::connect(&opened, &QTimer::timeout, rig.window.get(), [&] {
+    // Waits that come before it handle events, too.
     auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-    ASSERT_NE(dialog, nullptr);
+    if (dialog == nullptr) return;
+    opened.stop();
     seen = true;
     QApplication::setActiveWindow(dialog);
     act(OpenDialog{rig, *dialog});
@@ -47,6 +51,7 @@ inline void InDialog(WindowRig& rig, const char* item, const std::function<void(
       dialog->reject();
     }
   });
+  opened.start(0);
   rig.Item(item)->trigger();
   EXPECT_TRUE(seen);
   QApplication::setActiveWindow(rig.window.get());

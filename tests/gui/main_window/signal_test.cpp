@@ -32,6 +32,9 @@ TEST(WindowSignal, FollowsCursorAndRunAndIsRemembered) {
   QCoreApplication::sendEvent(strip(), &wheel);
   EXPECT_GT(strip()->Window().Start, before.Start);
   EXPECT_NEAR(strip()->Window().End - strip()->Window().Start, before.End / 1.25, 1e-9);
+  rig.Key(Qt::Key_Down);
+  EXPECT_EQ(strip()->Window().Start, 0) << "another step is shown from its beginning";
+  rig.Key(Qt::Key_Up);
 
   // A file is read when no further step was chosen.
   std::string ramp;
@@ -46,6 +49,10 @@ TEST(WindowSignal, FollowsCursorAndRunAndIsRemembered) {
   rig.Settle();
   EXPECT_EQ(strip()->Picture().Notes.at(0), "");
   EXPECT_FALSE(strip()->Picture().Panes.at(0).Traces.at(0).Columns.empty());
+  rig.folder.Write("ramp.txt", ramp + "1");  // by another program
+  QEvent back(QEvent::WindowActivate);
+  QApplication::sendEvent(strip(), &back);
+  EXPECT_EQ(strip()->Picture().Notes.at(0), "Reading ramp.txt ...");
   sequence.Cell(0, 0, kSlotWaveform).Value = kWaveSine;
 
   rig.EnterExecution();

@@ -45,8 +45,9 @@ struct WindowRig : SessionRig {
     ASSERT_EQ(session->StartUp({}), StartUpResult::Show);
     editor->Restart();
     settings = std::make_unique<WindowSettings>(folder.Path());
-    window = std::make_unique<MainWindow>(
-        MainWindowParts{*session, *editor, prompts, files, *settings, "1.2.3", QDate(2018, 9, 5)});
+    window = std::make_unique<MainWindow>(MainWindowParts{*session, *editor, prompts, files, *settings,
+                                                          "1.2.3", QDate(2018, 9, 5),
+                                                          options.simulated ? responses : nullptr});
     windowDisplay.Attach(window.get());
     QObject::connect(window.get(), &MainWindow::Closed, window.get(), [this] { ++closed; });
     window->ShowAtPlace();

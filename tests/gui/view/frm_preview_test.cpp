@@ -196,6 +196,10 @@ TEST(SequenceViewRunTest, MarkersAreThereDuringTheRunOnly) {
   rig.view->MeasureEnd();
   EXPECT_EQ(rig.Canvas().Marker(), std::nullopt);
   EXPECT_EQ(Shot(rig.Canvas()), idle);
+  rig.state.HeldSequence = true;  // what runs is not what is drawn
+  rig.sequence.Steps[0].StepRunTime = 5000;
+  rig.view->MeasureStart();
+  EXPECT_EQ(Shot(rig.Canvas()), idle);
 }
 
 TEST(SequenceViewRunTest, ScrollsToTheStepUnderWay) {
@@ -210,12 +214,17 @@ TEST(SequenceViewRunTest, ScrollsToTheStepUnderWay) {
   EXPECT_LT(window.Start, 200e3);
   EXPECT_GT(window.End, 201e3);
   const int top = canvas.TopRow();
+  rig.view->MoveShape(400);
   QTest::keyClick(&canvas, Qt::Key_Home);  // looking elsewhere during the step is left alone
   rig.view->PicDisp();
+  rig.view->MoveShape(500);
   EXPECT_EQ(canvas.TopRow(), 1);
   rig.state.CurrentStep = 201;
   rig.view->PicDisp();
   EXPECT_GE(canvas.TopRow(), top);
+  rig.state.CurrentStep = 5;  // a jump back
+  rig.view->PicDisp();
+  EXPECT_LE(canvas.TopRow(), 6);
 }
 
 TEST(SequenceViewRunTest, ClosingNeverTouchesTheRun) {
@@ -277,6 +286,9 @@ TEST(SequenceViewAreasTest, ChoicesAreHandedOverAndDrawn) {
   rig.accept = false;
   Choose(rig.Find<QComboBox>("CmbObject"), 1);
   EXPECT_EQ(rig.Find<QComboBox>("CmbObject")->currentText(), "1-CH1");
+  Choose(rig.Find<QComboBox>("CmbTimeAxis"), 1);
+  const QPoint first = QPointF(rig.Canvas().Scale(0).XOf(0.5), rig.Canvas().Scale(0).Top + 9).toPoint();
+  EXPECT_EQ(rig.Canvas().TipAt(first).left(11), "Step 1: 1 s") << "time, though the axis counts steps";
   EXPECT_EQ(rig.sequence.ViewAreas[1][kAreaTarget], 0);
 }
 
@@ -316,6 +328,11 @@ TEST(SequenceViewAreasTest, TipNamesStepParameterAndValue) {
   EXPECT_EQ(tip(0, 2500), "Step 13: 1 s\nAmplitude: not used in this step");
   EXPECT_EQ(tip(1, 500), "Step 11: 1 s\nFrequency: 0.000001 Hz");
   EXPECT_EQ(rig.Canvas().TipAt({2, 2}), "");
+  rig.sequence.Steps[1].JumpOn = rig.sequence.Steps[1].JumpTo = rig.sequence.Steps[1].JumpCountOn = 1;
+  rig.sequence.Steps[1].JumpCount = 3;
+  rig.view->PicDisp();
+  EXPECT_EQ(rig.Canvas().TipAt({rig.Canvas().StepRect(0).center().x(), 3}),
+            "Steps 11 to 12 are repeated 3 times (4 passes)");
   rig.sequence.Channels.UserUnits[0][kSlotAmplitude] = {1, 0, "Vrms", 0.5, 0};
   rig.view->PicDisp();
   EXPECT_EQ(tip(0, 1500), "Step 12: 1 s\nAmplitude: 0 to 1.25 Vrms");

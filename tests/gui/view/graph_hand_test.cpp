@@ -30,7 +30,7 @@ TEST(GraphHandTest, SelectsStepsByPressAndKey) {
   const QPoint number = canvas.StepRect(2).topLeft() + QPoint(1, 1);
   EXPECT_EQ(canvas.viewport()->grab().toImage().pixelColor(number), mark);
   for (const auto key : {Qt::Key_Right, Qt::Key_End, Qt::Key_Right, Qt::Key_Left, Qt::Key_Enter}) {
-    QTest::keyClick(&canvas, key);
+    QTest::keyClick(&canvas, key, key == Qt::Key_Enter ? Qt::KeypadModifier : Qt::NoModifier);
   }
   EXPECT_GT(canvas.Window().End, 254e3);
   EXPECT_EQ(rig.TakePressed(), (Pressed{"step 2", "step 3", "step 255", "step 255", "step 254", "cell"}));
@@ -44,6 +44,7 @@ TEST(GraphHandTest, SelectsStepsByPressAndKey) {
 TEST(GraphHandTest, DragsValuesAndStepEnds) {
   ViewRig rig(4);
   rig.ShowArea(0, kOffset, 0, 1);  // -10 to 10 V
+  rig.ShowArea(1, kOffset);
   rig.Open();
   GraphCanvas& canvas = rig.Canvas();
   QWidget* plot = canvas.viewport();
@@ -54,13 +55,14 @@ TEST(GraphHandTest, DragsValuesAndStepEnds) {
     QTest::mouseMove(plot, from + by);
   };
   const PlotScale scale = canvas.Scale(0);
+  const ValueRange fitted = canvas.Scale(1).Values;
   const QPoint level = Place(canvas, 1500, 0);
   const int up = static_cast<int>(scale.YOf(0) - scale.YOf(4));
   drag(level, {0, -up});
   EXPECT_EQ(plot->cursor().shape(), Qt::SizeVerCursor);
   EXPECT_EQ(canvas.Label(), "Offset: 4 V");
   EXPECT_NEAR(canvas.Picture().Areas[0].Graph.Curves[0].Points[2].Y, 4, 1e-9);
-  EXPECT_EQ(canvas.Scale(0).Values, scale.Values);
+  EXPECT_EQ(canvas.Scale(1).Values, fitted);
   QTest::mouseRelease(plot, Qt::LeftButton, {}, level + QPoint(0, -up));
   EXPECT_EQ(rig.TakePressed(), (Pressed{"step 1", "2/6 = 4"}));
   EXPECT_EQ(canvas.Label(), "");
@@ -94,6 +96,11 @@ TEST(GraphHandTest, AnEscapedOrForbiddenDragEntersNothing) {
   drag([&] { QTest::keyClick(&canvas, Qt::Key_Escape); });
   drag([&] { rig.view->PicDisp(); });  // the sequence may have changed meanwhile
   drag([&] { QTest::mouseClick(canvas.viewport(), Qt::RightButton, {}, level); });
+  drag([&] { rig.Find<QWidget>("CmbArea")->setFocus(); });
+  drag([&] {  // let go outside of the window
+    QMouseEvent move(QEvent::MouseMove, level, canvas.mapToGlobal(level), Qt::NoButton, Qt::NoButton, {});
+    QApplication::sendEvent(canvas.viewport(), &move);
+  });
   rig.state.OperationMode = OperationMode::Execution;
   rig.ShowStates();
   drag([&] { EXPECT_EQ(canvas.Label(), ""); });

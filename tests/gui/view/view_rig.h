@@ -11,7 +11,6 @@
 
 #include "editing/control_states.h"
 #include "graph/graph_rig.h"
-#include "sequence/sequence_file.h"
 #include "support/fake_ports.h"
 #include "view/frm_preview.h"
 #include "view/graph_canvas.h"
@@ -22,13 +21,6 @@ class ViewRig : public GraphRig {
  public:
   explicit ViewRig(int steps = 4, bool english = true)
       : GraphRig(steps, english), catalogue(english ? 10000 : 0) {}
-
-  void Load(const std::string& name) {
-    ASSERT_EQ(ReadSeqFile(std::string(CORLUNE_DATA "/examples/") + name, SequenceFileForm::User,
-                          OneDefinition(definition), state, sequence)
-                  .Problem,
-              SequenceFileProblem::None);
-  }
 
   FrmPreview& Open(QSize size = {900, 600}) {
     PreviewHandlers handlers;
