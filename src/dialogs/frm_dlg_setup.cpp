@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScopedValueRollback>
+#include <QScreen>
 
 #include "dialogs/blocking_call.h"
 
@@ -63,6 +64,7 @@ FrmDlgSetup::FrmDlgSetup(Session& session, Prompts& prompts, FileDialogs& files,
   BuildSearch();
   if (responseFile_ != nullptr) BuildResponses();
   Body().addStretch();
+  models_->setFocus();
   form_.OfferFound(session_.Gp().Found());
   ShowFound();
   ShowRows();
@@ -70,10 +72,9 @@ FrmDlgSetup::FrmDlgSetup(Session& session, Prompts& prompts, FileDialogs& files,
 
 void FrmDlgSetup::BuildHead() {
   QFormLayout& rows = *AddRows();
-  QComboBox* models = MakeList("cmbModel", List(form_.Models()), [this](int model) { ChooseModel(model); });
-  models->setCurrentIndex(form_.Model());
-  models->setFocus();
-  AddRow(rows, TextId::HeadModelName, {models});
+  models_ = MakeList("cmbModel", List(form_.Models()), [this](int model) { ChooseModel(model); });
+  models_->setCurrentIndex(form_.Model());
+  AddRow(rows, TextId::HeadModelName, {models_});
 
   const RangeSpec& range = form_.CountRange();
   count_ = MakeField(

@@ -58,6 +58,7 @@ class FrmDlgSetup : public FormDialog {
   FileDialogs& files_;
   std::string* responseFile_;
   SetupForm form_;
+  QComboBox* models_ = nullptr;
   EntryField* count_ = nullptr;
   QComboBox* counts_ = nullptr;
   QLabel* reachedBy_ = nullptr;  // heading of the column

@@ -18,7 +18,7 @@ const std::string kVirtual = std::string(CORLUNE_BIN) + "/libcorlune-virtual-ins
 
 struct Libraries : ::testing::Test {
   std::unique_ptr<GpFrontEnd> With(const LibraryChoice& each) {
-    return Make({world.folder.Path(), each, each, each, each, false, {}});
+    return Make({world.folder.Path(), each, each, each, each, false});
   }
   std::unique_ptr<GpFrontEnd> Make(const CommOptions& options) {
     return MakeGpFrontEnd(world.state, options, world.prompts, world.endProgram, world.clock);
