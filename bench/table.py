@@ -173,6 +173,9 @@ ROWS = [
     ("view: drag a level, 256 x 2, one frame / lines", "view_drag_level", "view_reference", Limit(16e3)),
     ("view: drag a step's end, one frame / same", "view_drag_end", "view_reference", Limit(16e3)),
     ("signal: repaint, 2 x 524288 points / strokes", "signal_repaint", "signal_reference", Limit(16e3)),
+    ("waveforms: dialog over 128 files / empty grid", "waveform_dialog_open", "waveform_dialog_reference",
+     Limit(100e3)),
+    ("waveforms: preview, 524288 points / strokes", "waveform_preview", "waveform_preview_reference", Limit(16e3)),
 ]
 
 

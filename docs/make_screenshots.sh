@@ -88,6 +88,9 @@ for language in "${languages[@]}"; do
   tool_dialog m 'Set mode|モード設定'
   shoot mode-settings
   xdotool key Escape
+  tool_dialog a 'Arbitrary waveform|任意波形'
+  shoot waveforms
+  xdotool key Escape
 
   # Mode menu, execution mode; the name as proposed.
   activate "$main"

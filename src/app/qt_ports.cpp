@@ -165,12 +165,15 @@ void QtTickSource::Enable(bool on) {
 }
 
 std::string QtFilter(const std::string& filter) {
-  static const QRegularExpression kForm(
-      QStringLiteral("^\\s*(.*?)\\s*(?:\\(([^)]*)\\))?\\s*\\|\\s*(.*?)\\s*$"));
-  const auto match = kForm.match(Text(filter));
-  if (!match.hasMatch()) return filter;
-  QString patterns = match.captured(3).replace(QLatin1Char(';'), QLatin1Char(' ')).simplified();
-  return (match.captured(1) + QStringLiteral(" (") + patterns + QStringLiteral(")")).toStdString();
+  static const QRegularExpression kName(QStringLiteral("^\\s*(.*?)\\s*(?:\\([^)]*\\))?\\s*$"));
+  const QStringList parts = Text(filter).split(QLatin1Char('|'));
+  QStringList forms;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    QString patterns = parts[i + 1];
+    patterns = patterns.replace(QLatin1Char(';'), QLatin1Char(' ')).simplified();
+    forms << kName.match(parts[i]).captured(1) + QStringLiteral(" (") + patterns + QStringLiteral(")");
+  }
+  return forms.isEmpty() ? filter : forms.join(QStringLiteral(";;")).toStdString();
 }
 
 std::string FilterSuffix(const std::string& filter) {
@@ -186,11 +189,11 @@ QString QtFileDialogs::Folder() const {
   return QFileInfo(documents).isDir() ? documents : QDir::homePath();
 }
 
-std::optional<std::string> QtFileDialogs::Choose(QFileDialog& dialog) {
+bool QtFileDialogs::Choose(QFileDialog& dialog) {
   dialog.setDirectory(Folder());
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return std::nullopt;
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return false;
   folder_ = dialog.directory().absolutePath();
-  return dialog.selectedFiles().constFirst().toStdString();
+  return true;
 }
 
 std::optional<std::string> QtFileDialogs::ChooseOpen(const std::string& filter) {
@@ -198,7 +201,18 @@ std::optional<std::string> QtFileDialogs::ChooseOpen(const std::string& filter) 
   dialog.setAcceptMode(QFileDialog::AcceptOpen);
   // A name that does not exist is told by the session, in the catalogue's words.
   dialog.setFileMode(QFileDialog::AnyFile);
-  return Choose(dialog);
+  if (!Choose(dialog)) return std::nullopt;
+  return dialog.selectedFiles().constFirst().toStdString();
+}
+
+std::vector<std::string> QtFileDialogs::ChooseOpenSeveral(const std::string& filter) {
+  QFileDialog dialog(owner_.Get(), QString(), QString(), Text(QtFilter(filter)));
+  dialog.setAcceptMode(QFileDialog::AcceptOpen);
+  dialog.setFileMode(QFileDialog::ExistingFiles);
+  std::vector<std::string> paths;
+  if (!Choose(dialog)) return paths;
+  for (const QString& path : dialog.selectedFiles()) paths.push_back(path.toStdString());
+  return paths;
 }
 
 std::optional<std::string> QtFileDialogs::ChooseSave(const std::string& filter,
@@ -211,7 +225,8 @@ std::optional<std::string> QtFileDialogs::ChooseSave(const std::string& filter,
     folder_ = QFileInfo(Text(suggested)).absolutePath();
     dialog.selectFile(QFileInfo(Text(suggested)).fileName());
   }
-  return Choose(dialog);
+  if (!Choose(dialog)) return std::nullopt;
+  return dialog.selectedFiles().constFirst().toStdString();
 }
 
 void QtEndProgram::EndNow(int exitCode) {

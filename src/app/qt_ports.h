@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <QPointer>
 #include <QString>
@@ -71,6 +72,7 @@ class QtFileDialogs : public FileDialogs {
  public:
   explicit QtFileDialogs(const DialogOwner& owner) : owner_(owner) {}
   std::optional<std::string> ChooseOpen(const std::string& filter) override;
+  std::vector<std::string> ChooseOpenSeveral(const std::string& filter) override;
   std::optional<std::string> ChooseSave(const std::string& filter, const std::string& suggested) override;
   // The file being edited: until a dialog has been used, dialogs begin in its folder.
   void SetPresentFile(std::function<std::string()> path) { presentFile_ = std::move(path); }
@@ -79,7 +81,8 @@ class QtFileDialogs : public FileDialogs {
   QString Folder() const;
 
  private:
-  std::optional<std::string> Choose(QFileDialog& dialog);
+  // False: cancelled.
+  bool Choose(QFileDialog& dialog);
 
   const DialogOwner& owner_;
   std::function<std::string()> presentFile_;
@@ -91,7 +94,8 @@ class QtEndProgram : public EndProgram {
   void EndNow(int exitCode) override;
 };
 
-// "Sequence data(*.dat) | *.dat" in the form that the file dialog takes: "Sequence data (*.dat)".
+// "Sequence data(*.dat) | *.dat" in the form that the file dialog takes: "Sequence data (*.dat)". Several
+// forms behind each other come out with ";;" between them.
 std::string QtFilter(const std::string& filter);
 // "dat" of the same filter: the suffix of its first pattern; empty when it has none.
 std::string FilterSuffix(const std::string& filter);

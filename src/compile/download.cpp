@@ -252,7 +252,7 @@ int Downloader::TransferUsedArbs() {
   waveforms_.SetTimeOut(kTimeOut30s);
   for (int number = 1; number <= kArbNumbers && !endRequested_; ++number) {
     ArbFileEntry& entry = sequence_.Channels.ArbFiles[static_cast<std::size_t>(number - 1)];
-    if (entry.FilePath.empty() || entry.UseFlag == 0 || entry.Transferred != 0) continue;
+    if (entry.UseFlag == 0 || !NeedsTransfer(entry, WaveformFolder(state_))) continue;
     transferEnd_ = waveforms_.SendAndCheck(entry, number, [&](std::int32_t milliseconds) {
       ShowTimedProgress(milliseconds, catalogue_.GetResString(TextId::SendingWaveform) + "...ARB " +
                                           std::to_string(number));

@@ -42,27 +42,6 @@ std::optional<ArbInfo> ParseArbInfo(std::string_view reply) {
   return ArbInfo{*form, *points};
 }
 
-// Points of the files that a channel's steps use and the number of waveforms whose size is not known.
-struct MemoryUse {
-  std::int64_t points = 0;
-  std::int64_t unknown = 0;
-};
-
-MemoryUse MemoryUseOf(const ChannelUse& use, const ArbEntries& entries) {
-  MemoryUse memory;
-  if (use.WorkArea) memory.points += kSweepWorkArea;
-  memory.unknown = use.BuiltInWaveforms;
-  for (std::size_t i = 0; i < entries.size(); ++i) {
-    if (!use.Arbs[i]) continue;
-    if (entries[i].PointCount != 0) {
-      memory.points += entries[i].PointCount;
-    } else {
-      ++memory.unknown;
-    }
-  }
-  return memory;
-}
-
 }  // namespace
 
 WaveformTransfer::WaveformTransfer(CommandLayer& commands, InstrumentDialogues& dialogues, Prompts& prompts,
@@ -70,7 +49,13 @@ WaveformTransfer::WaveformTransfer(CommandLayer& commands, InstrumentDialogues& 
     : commands_(commands), dialogues_(dialogues), prompts_(prompts), catalogue_(catalogue) {}
 
 ArbTransfer WaveformTransfer::TransferArbFile(ArbFileEntry& entry, int number) {
-  ReadArbFile(ResolveWaveformPath(entry.FilePath, commands_.State()), read_);
+  const std::string path = ResolveWaveformPath(entry.FilePath, commands_.State());
+  const FileStamp stamp = StampOf(path);
+  ReadArbFile(path, read_);
+  if (read_.problem == WaveformProblem::None && StampOf(path) != stamp) {
+    read_.problem = WaveformProblem::CannotAccess;
+    read_.reason = {TextId::WaveChangedMeanwhile, {}};
+  }
   if (read_.problem != WaveformProblem::None) {
     if (const auto message = MessageOf(read_.problem)) {
       ShowMessage(prompts_, catalogue_, *message, PromptIcon::Exclamation);
@@ -79,6 +64,7 @@ ArbTransfer WaveformTransfer::TransferArbFile(ArbFileEntry& entry, int number) {
   }
   entry.ArrayForm = read_.arrayForm ? 1 : 0;
   entry.PointCount = read_.pointCount;
+  entry.Sent = stamp;
 
   if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), "*CLS", 0))) return ArbTransfer::NotSent;
   const std::string numberText = std::to_string(number);
@@ -128,27 +114,30 @@ CommStatus WaveformTransfer::ClearOne(ArbFileEntry& entry, int number) {
   return status;
 }
 
-CommStatus WaveformTransfer::DeleteArb(int number) {
-  return commands_.SendCommand(commands_.SelectInstrument(0), ":TRACe:DELete " + std::to_string(number), 0);
+CommStatus WaveformTransfer::DeleteArb(int number, int instrument) {
+  return commands_.SendCommand(commands_.SelectInstrument(instrument),
+                               ":TRACe:DELete " + std::to_string(number), 0);
 }
 
-bool WaveformTransfer::QueryArbInfo(ArbFileEntry& entry, int number) {
+bool WaveformTransfer::QueryArbInfo(ArbFileEntry& entry, int number, int instrument) {
   std::string reply;
   const std::string query = ":TRAC:INF? " + std::to_string(number);
-  if (Failed(commands_.SendCommand(commands_.SelectInstrument(0), query, 0))) return false;
-  if (Failed(commands_.ReceiveReply(commands_.SelectInstrument(0), reply))) return false;
+  if (Failed(commands_.SendCommand(commands_.SelectInstrument(instrument), query, 0))) return false;
+  if (Failed(commands_.ReceiveReply(commands_.SelectInstrument(instrument), reply))) return false;
   const std::optional<ArbInfo> info = ParseArbInfo(std::string_view(reply).substr(0, kInfoReply));
   if (!info) return false;
+  if (info->form != entry.ArrayForm || info->points != entry.PointCount) entry.Transferred = 0;
   entry.ArrayForm = info->form;
   entry.PointCount = info->points;
   entry.InInstrument = info->points != 0 ? 1 : 0;
   return true;
 }
 
-int WaveformTransfer::QueryArbDirectory(ArbEntries& entries, const std::function<bool(int)>& goOn) {
+int WaveformTransfer::QueryArbDirectory(ArbEntries& entries, const std::function<bool(int)>& goOn,
+                                        int instrument) {
   int answered = 0;
   while (answered < kArbNumbers && goOn(answered)) {
-    if (!QueryArbInfo(entries[static_cast<std::size_t>(answered)], answered + 1)) break;
+    if (!QueryArbInfo(entries[static_cast<std::size_t>(answered)], answered + 1, instrument)) break;
     ++answered;
   }
   return answered;
@@ -162,6 +151,35 @@ void WaveformTransfer::SetTimeOut(std::int16_t code) {
 std::int32_t TransferTime(const ArbFileEntry& entry) {
   const std::int64_t bytes = std::int64_t{entry.PointCount} * (entry.ArrayForm == 1 ? 2 : 6);
   return static_cast<std::int32_t>(std::max<std::int64_t>(1000, bytes / kMebibyte * kTimePerMebibyte));
+}
+
+bool NeedsTransfer(const ArbFileEntry& entry, const std::string& folder) {
+  if (entry.FilePath.empty()) return false;
+  if (entry.Transferred == 0) return true;
+  const FileStamp now = StampOf(ResolveWaveformPath(entry.FilePath, folder));
+  return now.Exists() && now != entry.Sent;
+}
+
+MemoryUse MemoryUseOf(const ChannelUse& use, const ArbEntries& entries) {
+  MemoryUse memory;
+  if (use.WorkArea) memory.Points += kSweepWorkArea;
+  memory.Unknown = use.BuiltInWaveforms;
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    if (!use.Arbs[i]) continue;
+    if (entries[i].PointCount != 0) {
+      memory.Points += entries[i].PointCount;
+    } else {
+      ++memory.Unknown;
+    }
+  }
+  return memory;
+}
+
+ArbCheck CheckMemory(const MemoryUse& memory) {
+  if (memory.Points > kWaveformMemory) return ArbCheck::MemoryFull;
+  const bool tooFew =
+      memory.Unknown != 0 && (kWaveformMemory - memory.Points) / memory.Unknown < kSmallestWaveform;
+  return tooFew ? ArbCheck::TooManyWaveforms : ArbCheck::Passed;
 }
 
 ArbCheck CheckArbResources(const StepFlow& flow, int channels, ArbEntries& entries,
@@ -178,7 +196,7 @@ ArbCheck CheckArbResources(const StepFlow& flow, int channels, ArbEntries& entri
         continue;
       }
       // A size on record may be that of what the instrument held before; what will be sent counts.
-      if (entry.PointCount != 0 && entry.Transferred != 0) continue;
+      if (entry.PointCount != 0 && !NeedsTransfer(entry, folder)) continue;
       ReadArbFile(ResolveWaveformPath(entry.FilePath, folder), read);
       const bool readable = read.problem == WaveformProblem::None;
       entry.ArrayForm = readable && read.arrayForm ? 1 : 0;
@@ -186,11 +204,9 @@ ArbCheck CheckArbResources(const StepFlow& flow, int channels, ArbEntries& entri
     }
   }
   for (int channel = 0; channel < channels; ++channel) {
-    const MemoryUse memory = MemoryUseOf(flow.Channels[static_cast<std::size_t>(channel)], entries);
-    if (memory.points > kWaveformMemory) return ArbCheck::MemoryFull;
-    if (memory.unknown != 0 && (kWaveformMemory - memory.points) / memory.unknown < kSmallestWaveform) {
-      return ArbCheck::TooManyWaveforms;
-    }
+    const ArbCheck check =
+        CheckMemory(MemoryUseOf(flow.Channels[static_cast<std::size_t>(channel)], entries));
+    if (check != ArbCheck::Passed) return check;
   }
   return ArbCheck::Passed;
 }

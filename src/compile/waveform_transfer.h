@@ -1,5 +1,5 @@
 // Arbitrary waveforms on their way to the instrument: transfer, deletion, what the instrument holds, and
-// the memory check before a download. All exchanges go to instrument 0.
+// the memory check before a download. Exchanges go to instrument 0 unless another is named (0-based).
 #pragma once
 
 #include <array>
@@ -63,13 +63,14 @@ class WaveformTransfer {
   // Deletes the waveform in the instrument; a file of the entry then counts as not transferred.
   CommStatus ClearOne(ArbFileEntry& entry, int number);
 
-  CommStatus DeleteArb(int number);
-  // Form, size and presence of what the instrument holds under `number`. False, with the entry unchanged,
-  // when the exchange failed or the reply is malformed.
-  bool QueryArbInfo(ArbFileEntry& entry, int number);
+  CommStatus DeleteArb(int number, int instrument = 0);
+  // Form, size and presence of what the instrument holds under `number`; a file counts as transferred no
+  // longer when that is something else. False, with the entry unchanged, when the exchange failed or the
+  // reply is malformed.
+  bool QueryArbInfo(ArbFileEntry& entry, int number, int instrument = 0);
   // QueryArbInfo for 1..128 until one fails, or `goOn`, called before each with the number asked so far,
   // returns false; the number of entries brought up to date.
-  int QueryArbDirectory(ArbEntries& entries, const std::function<bool(int)>& goOn);
+  int QueryArbDirectory(ArbEntries& entries, const std::function<bool(int)>& goOn, int instrument = 0);
 
   void SetTimeOut(std::int16_t code);
 
@@ -83,6 +84,19 @@ class WaveformTransfer {
 
 // Time the instrument needs to take the entry's waveform over: 25 s for each whole MiB, at least 1 s. ms.
 std::int32_t TransferTime(const ArbFileEntry& entry);
+
+// The entry has a file that the instrument does not hold, or not as the file is now. A file that is gone is
+// as it was sent.
+bool NeedsTransfer(const ArbFileEntry& entry, const std::string& folder);
+
+// Points of the waveforms that a channel's steps use, and how many waveforms have a size that is not known.
+struct MemoryUse {
+  std::int64_t Points = 0;
+  std::int64_t Unknown = 0;
+};
+MemoryUse MemoryUseOf(const ChannelUse& use, const ArbEntries& entries);
+// Passed, MemoryFull or TooManyWaveforms.
+[[nodiscard]] ArbCheck CheckMemory(const MemoryUse& memory);
 
 // Whether the instrument's memory can hold what the reachable steps play. Looks into the files of entries
 // that are still to be transferred and notes their form and size in the entries. `folder`: where relative

@@ -186,6 +186,15 @@ QComboBox* FormDialog::MakeList(const char* name, const QStringList& choices,
   return list;
 }
 
+QPushButton* FormDialog::MakeButton(const char* name, TextId caption, std::function<void()> pressed) {
+  auto* button = new QPushButton(Caption(caption), this);
+  button->setObjectName(QString::fromUtf8(name));
+  button->setFocusPolicy(Qt::TabFocus);
+  connect(button, &QPushButton::clicked, this, std::move(pressed));
+  buttons_ << button;
+  return button;
+}
+
 QLabel* FormDialog::AddRow(QFormLayout& rows, const std::string& caption, const QList<QWidget*>& controls) {
   auto* label = new QLabel(QString::fromStdString(caption), this);
   label->setBuddy(controls.front());
@@ -311,6 +320,7 @@ void FormDialog::ShareLetters() {
                    [](const QLabel* a, const QLabel* b) { return a->text().size() < b->text().size(); });
   QString taken;
   for (QLabel* caption : order) caption->setText(WithLetter(caption->text(), taken));
+  for (QPushButton* button : buttons_) button->setText(WithLetter(button->text(), taken));
 }
 
 // In one column, also where several frames hold them.

@@ -59,6 +59,8 @@ class FormDialog : public QDialog {
   // Controls in the order of Tab. `hint`: the tool tip, what is accepted.
   EntryField* MakeField(const char* name, FieldKind kind, Take take, TextId hint);
   QComboBox* MakeList(const char* name, const QStringList& choices, std::function<void(int)> chosen);
+  // With a letter of its own; a click leaves the focus where it is.
+  QPushButton* MakeButton(const char* name, TextId caption, std::function<void()> pressed);
   // One row; the letter of the caption leads to the first control. Returns the caption.
   QLabel* AddRow(QFormLayout& rows, const std::string& caption, const QList<QWidget*>& controls);
   QLabel* AddRow(QFormLayout& rows, TextId caption, const QList<QWidget*>& controls) {
@@ -112,6 +114,7 @@ class FormDialog : public QDialog {
   std::vector<Field> fields_;
   QList<QComboBox*> lists_;
   QList<QLabel*> captions_;
+  QList<QPushButton*> buttons_;
   bool locked_ = false;
 };
 

@@ -61,6 +61,21 @@ SignalWave::SignalWave(const WaveformRead& read) {
     const auto [low, high] = std::minmax_element(begin, begin + length);
     blocks_.push_back({*low, *high});
   }
+  mean_ = ComputeMean();
+}
+
+double SignalWave::ComputeMean() const {
+  double sum = 0;
+  if (!Pairs()) {
+    for (const std::int16_t value : values_) sum += value;
+    return sum / static_cast<double>(values_.size()) / kFullScale;
+  }
+  // Straight lines from pair to pair; a single one is a constant.
+  if (places_.back() <= 0) return values_.back() / kFullScale;
+  for (std::size_t i = 1; i < values_.size(); ++i) {
+    sum += (places_[i] - places_[i - 1]) * (values_[i] + values_[i - 1]) / 2;
+  }
+  return sum / kFullScale;
 }
 
 double SignalWave::PlaceOf(std::size_t point) const {

@@ -25,6 +25,8 @@ class SignalWave {
 
   std::size_t Points() const { return values_.size(); }
   bool Pairs() const { return !places_.empty(); }
+  // Over one period.
+  double Mean() const { return mean_; }
   // `phase` in periods, 0..1.
   double At(double phase) const;
   // Everything between two phases, `from` <= `to`, in periods and of any size. Takes no longer for a longer
@@ -41,10 +43,12 @@ class SignalWave {
   std::size_t PointBefore(double phase) const;
   WaveRange Within(double from, double to) const;
   Extent ExtentOf(std::size_t first, std::size_t last) const;
+  double ComputeMean() const;
 
   std::vector<std::int16_t> values_;
   std::vector<double> places_;  // 0..1, ascending; empty: equal distances
   std::vector<Extent> blocks_;
+  double mean_ = 0;
 };
 
 }  // namespace corlune

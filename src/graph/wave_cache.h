@@ -2,21 +2,20 @@
 // change.
 #pragma once
 
-#include <cstdint>
 #include <deque>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "graph/signal_wave.h"
+#include "sequence/file_stamp.h"
 
 namespace corlune {
 
 // A file as it was when it was read: its points, or why there are none.
 struct WaveFile {
   std::string Path;
-  std::int64_t Size = -1;  // bytes; -1: no such file
-  std::int64_t Time = 0;   // of the last change, in the file system's own ticks
+  FileStamp Stamp;
   std::optional<SignalWave> Wave;
   WaveformReason Reason;
 };

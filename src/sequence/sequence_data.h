@@ -9,6 +9,7 @@
 
 #include "core/step_numbering.h"
 #include "modeldef/model_definition.h"
+#include "sequence/file_stamp.h"
 
 namespace corlune {
 
@@ -96,10 +97,11 @@ struct ArbFileEntry {
   std::string FilePath;  // ".wdb" or ".txt"; empty: none
   // Known while the program runs only:
   std::int16_t UseFlag = 0;       // a step uses this number
-  std::int16_t Transferred = 0;   // sent since the file last changed
+  std::int16_t Transferred = 0;   // the file was sent under this number
   std::int16_t ArrayForm = 0;     // 1 plain array of points, 0 point pairs
   std::int32_t PointCount = 0;    // points or pairs; 0 not known
   std::int16_t InInstrument = 0;  // the instrument holds a waveform under this number
+  FileStamp Sent = {};            // with Transferred: the file as it was then
   bool operator==(const ArbFileEntry&) const = default;
 };
 

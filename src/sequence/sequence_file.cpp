@@ -4,6 +4,7 @@
 
 #include "core/ascii_case.h"
 #include "core/files.h"
+#include "sequence/profile_lines.h"
 #include "sequence/waveform_path.h"
 
 namespace corlune {
@@ -31,6 +32,16 @@ std::string UnwritableText(const SequenceData& sequence, const AppState& state) 
 }
 
 }  // namespace
+
+bool SequenceFileHolds(const std::string& path) {
+  if (HasLineBreak(path)) return false;
+  const std::string file = DecodeText(EncodeText("[COMMON]\r\nCP_ARBFILE#0=" + path + "\r\n"));
+  ProfileSections sections(file);
+  std::string_view name;
+  std::string_view body;
+  ProfileLine line;
+  return sections.Next(name, body) && ProfileLines(body).Next(line) && line.RawValue == path;
+}
 
 bool HasSequenceFileEnding(std::string_view path) {
   return EndsWithIgnoringCase(path, ".dat") || EndsWithIgnoringCase(path, ".daf");

@@ -21,6 +21,9 @@ namespace corlune {
 
 enum class SequenceFileForm { Work = 0, User = 1 };
 
+// A waveform path comes back from a sequence file as it was written.
+bool SequenceFileHolds(const std::string& path);
+
 // ".dat" or ".daf" in any letter case: the endings of user files.
 bool HasSequenceFileEnding(std::string_view path);
 

@@ -29,6 +29,7 @@ constexpr std::uint16_t kFormPairs = 1;
 constexpr std::int64_t kArrayOffset = 352;
 constexpr std::int64_t kPairsOffset = 1048928;
 constexpr std::size_t kFilePairBytes = 8;
+constexpr std::size_t kArrayBytes = kPointBytes * kMaxWaveformPoints;
 
 // Small enough for the processor's cache, large enough that a read is cheap.
 constexpr std::size_t kPairPiece = 32768;
@@ -45,6 +46,10 @@ void Fail(WaveformRead& read, WaveformProblem problem, TextId text, std::string 
 // Also a file that becomes shorter meanwhile.
 void FailReading(WaveformRead& read) {
   Fail(read, WaveformProblem::CannotAccess, TextId::WaveCannotRead);
+}
+
+void FailArrayEnd(WaveformRead& read) {
+  Fail(read, WaveformProblem::Insufficient, TextId::WaveEndsInPoints, std::to_string(kMaxWaveformPoints));
 }
 
 std::uint32_t LittleEndian32(const std::uint8_t* bytes) {
@@ -76,16 +81,12 @@ void SwapPoints(std::uint8_t* bytes, std::size_t size) {
 }
 
 void ReadEditorArray(RegularFile& file, WaveformRead& read) {
-  constexpr std::size_t kBytes = kPointBytes * kMaxWaveformPoints;
-  std::uint8_t* const block = read.block.Prepare(kBlockHead + kBytes);
+  std::uint8_t* const block = read.block.Prepare(kBlockHead + kArrayBytes);
   std::uint8_t* const points = block + kBlockHead;
-  for (std::size_t done = 0; done < kBytes; done += kArrayPiece) {
+  for (std::size_t done = 0; done < kArrayBytes; done += kArrayPiece) {
     const auto got = file.ReadAt(kArrayOffset + static_cast<std::int64_t>(done), points + done, kArrayPiece);
     if (!got) return FailReading(read);
-    if (*got < kArrayPiece) {
-      return Fail(read, WaveformProblem::Insufficient, TextId::WaveEndsInPoints,
-                  std::to_string(kMaxWaveformPoints));
-    }
+    if (*got < kArrayPiece) return FailArrayEnd(read);
     SwapPoints(points + done, kArrayPiece);
   }
   Finish(read, true, kMaxWaveformPoints, block, kPointBytes);
@@ -100,7 +101,7 @@ void LayPairs(const std::uint8_t* from, std::size_t pairs, std::uint8_t* to) {
   }
 }
 
-void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read) {
+void CheckPairs(const RegularFile& file, std::uint32_t count, WaveformRead& read) {
   if (count == 0) return Fail(read, WaveformProblem::BadCount, TextId::WavePairCount, "0");
   const std::int64_t needed = kPairsOffset + static_cast<std::int64_t>(kFilePairBytes) * count;
   if (file.Size() < needed) {
@@ -109,6 +110,9 @@ void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read)
   if (count > static_cast<std::uint32_t>(kMaxWaveformPoints)) {
     return Fail(read, WaveformProblem::BadCount, TextId::WavePairCount, std::to_string(count));
   }
+}
+
+void ReadEditorPairs(RegularFile& file, std::size_t count, WaveformRead& read) {
   std::uint8_t* const block = read.block.Prepare(kBlockHead + kBlockPairBytes * count);
   std::array<std::uint8_t, kPairPiece> piece;
   constexpr std::size_t kPairsInPiece = kPairPiece / kFilePairBytes;
@@ -125,16 +129,32 @@ void ReadEditorPairs(RegularFile& file, std::uint32_t count, WaveformRead& read)
   Finish(read, false, static_cast<std::int32_t>(count), block, kBlockPairBytes);
 }
 
-void ReadEditorFile(RegularFile& file, WaveformRead& read) {
+// Form and number of points, and whether the file is long enough for them.
+void ReadEditorHead(RegularFile& file, WaveformRead& read) {
   std::array<std::uint8_t, kHeadBytes> head{};
   const auto got = file.ReadAt(kFormOffset, head.data(), head.size());
   if (!got) return FailReading(read);
   if (*got < head.size()) return Fail(read, WaveformProblem::Insufficient, TextId::WaveEndsInHeader);
   const int form = head[0] | head[1] << 8;
-  if (form == kFormPairs) {
-    ReadEditorPairs(file, LittleEndian32(head.data() + kPairCountInHead), read);
-  } else {
+  if (form != kFormPairs) {
+    read.pointCount = kMaxWaveformPoints;
+    if (file.Size() < kArrayOffset + static_cast<std::int64_t>(kArrayBytes)) FailArrayEnd(read);
+    return;
+  }
+  const std::uint32_t count = LittleEndian32(head.data() + kPairCountInHead);
+  CheckPairs(file, count, read);
+  if (read.problem != WaveformProblem::None) return;
+  read.arrayForm = false;
+  read.pointCount = static_cast<std::int32_t>(count);
+}
+
+void ReadEditorFile(RegularFile& file, WaveformRead& read) {
+  ReadEditorHead(file, read);
+  if (read.problem != WaveformProblem::None) return;
+  if (read.arrayForm) {
     ReadEditorArray(file, read);
+  } else {
+    ReadEditorPairs(file, static_cast<std::size_t>(read.pointCount), read);
   }
 }
 
@@ -186,6 +206,23 @@ void ReadTextFile(RegularFile& file, WaveformRead& read) {
   if (read.problem == WaveformProblem::None) Finish(read, true, values.Count(), block, kPointBytes);
 }
 
+void Start(WaveformRead& read) {
+  read.problem = WaveformProblem::None;
+  read.reason = {};
+  read.arrayForm = true;
+  read.pointCount = 0;
+  read.block.SetSize(0);
+}
+
+// The last three characters, whatever stands before them.
+bool IsTextWaveform(const std::string& path) {
+  return EndsWithIgnoringCase(path, "txt");
+}
+
+bool IsEditorWaveform(const std::string& path) {
+  return EndsWithIgnoringCase(path, "wdb");
+}
+
 }  // namespace
 
 std::optional<TextId> MessageOf(WaveformProblem problem) {
@@ -221,16 +258,33 @@ std::uint8_t* WaveformBlock::Prepare(std::size_t size) {
 }
 
 void ReadArbFile(const std::string& path, WaveformRead& read) {
-  read.problem = WaveformProblem::None;
-  read.reason = {};
-  read.arrayForm = true;
-  read.pointCount = 0;
-  read.block.SetSize(0);
+  Start(read);
   RegularFile file(path);
   if (!file.IsOpen()) return Fail(read, WaveformProblem::CannotAccess, TextId::WaveCannotOpen);
-  if (EndsWithIgnoringCase(path, "txt")) return ReadTextFile(file, read);
-  if (EndsWithIgnoringCase(path, "wdb")) return ReadEditorFile(file, read);
-  Fail(read, WaveformProblem::BadExtension, TextId::WaveNeitherWdbNorTxt);
+  if (IsTextWaveform(path)) {
+    ReadTextFile(file, read);
+  } else if (IsEditorWaveform(path)) {
+    ReadEditorFile(file, read);
+  } else {
+    Fail(read, WaveformProblem::BadExtension, TextId::WaveNeitherWdbNorTxt);
+  }
+  if (read.problem != WaveformProblem::None) read.pointCount = 0;
+}
+
+bool ReadArbHeader(const std::string& path, WaveformRead& read) {
+  Start(read);
+  RegularFile file(path);
+  if (!file.IsOpen()) {
+    Fail(read, WaveformProblem::CannotAccess, TextId::WaveCannotOpen);
+  } else if (IsTextWaveform(path)) {
+    return false;
+  } else if (IsEditorWaveform(path)) {
+    ReadEditorHead(file, read);
+  } else {
+    Fail(read, WaveformProblem::BadExtension, TextId::WaveNeitherWdbNorTxt);
+  }
+  if (read.problem != WaveformProblem::None) read.pointCount = 0;
+  return true;
 }
 
 WaveformRead ReadArbFile(const std::string& path) {

@@ -64,5 +64,9 @@ struct WaveformRead {
 // that reuses `read` needs no further memory for any number of files.
 void ReadArbFile(const std::string& path, WaveformRead& read);
 [[nodiscard]] WaveformRead ReadArbFile(const std::string& path);
+// Form and size alone, as far as they can be told without going through the points: everything but the block
+// of a ".wdb" file, and why a file cannot be used at all. False: a ".txt" file, whose values have to be
+// counted by ReadArbFile.
+bool ReadArbHeader(const std::string& path, WaveformRead& read);
 
 }  // namespace corlune

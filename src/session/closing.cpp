@@ -49,6 +49,7 @@ bool Session::EndFromOutside() {
   end_.Save();
   if (activity_.Under(Work::Download)) {
     downloader_->RequestEnd();
+    endWaveforms_ = true;
     return false;
   }
   control_->StopForEnd();

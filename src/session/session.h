@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -25,8 +26,10 @@
 #include "execution/run_monitor.h"
 #include "sequence/sequence_file.h"
 #include "sequence/system_settings.h"
+#include "sequence/wave_facts.h"
 #include "session/saving_end_program.h"
 #include "session/session_ports.h"
+#include "session/waveform_work.h"
 
 namespace corlune {
 
@@ -135,6 +138,17 @@ class Session {
   // ModelName: Yes goes off-line, No ends the program. True when every instrument answered rightly.
   bool CheckModels();
   void QueryArbDirectory();
+  // The dialog's transfer of the files of ARB `numbers` to instrument 0, one after the other, refused as a
+  // whole when one of them cannot be used. `entries` may be a copy of the sequence's; their flags tell what
+  // came of it. Shows its messages; `facts` is used to look into the files.
+  WaveformOutcome SendWaveforms(ArbEntries& entries, std::span<const int> numbers, WaveFacts& facts,
+                                const WaveformWatch& watch);
+  // Deletes the waveforms in an instrument (0-based). Of instrument 0 the `entries` tell what came of it.
+  WaveformOutcome ClearWaveforms(ArbEntries& entries, std::span<const int> numbers, int instrument,
+                                 const WaveformWatch& watch);
+  // Asks an instrument (0-based) what it holds under `numbers`.
+  WaveformOutcome AskForWaveforms(ArbEntries& entries, std::span<const int> numbers, int instrument,
+                                  const WaveformWatch& watch);
   // To be called after commands and ticks: carries out a stop that was pressed meanwhile, marks the
   // instruments that were unplugged, and goes off-line, back in edit mode, when none is left and nothing is
   // under way.
@@ -218,6 +232,21 @@ class Session {
   void ForgetInstrumentMemory();
   bool SetupChangedSince(const SystemSettings& before) const;
 
+  // waveforms.cpp
+  struct WaveformPlan {
+    int Number;
+    std::int64_t Bytes;  // of the file
+    std::int32_t Time;   // ms until the instrument has stored it
+  };
+  bool PlanWaveforms(const ArbEntries& entries, std::span<const int> numbers, WaveFacts& facts,
+                     std::vector<WaveformPlan>& plan, WaveformOutcome& outcome);
+  void SendPlanned(ArbEntries& entries, const std::vector<WaveformPlan>& plan, const WaveformWatch& watch,
+                   WaveformOutcome& outcome);
+  WaveformOutcome WithEach(std::span<const int> numbers, int instrument, const WaveformWatch& watch,
+                           const std::function<bool(int)>& exchange);
+  void SayTransferFailure(ArbTransfer result, int number, const std::string& path);
+  void WarnOfWaveform(int number, const std::string& path, const std::string& reason);
+
   // file_commands.cpp
   bool AskToSave();
   bool SaveToCurrentPath();
@@ -257,9 +286,10 @@ class Session {
   bool workDataLoaded_ = false;  // the sequence in memory is the person's, so it may replace the work file
   std::optional<std::uint32_t> waitsFrom_;  // tick from which waits are shown; none: not at all
   bool waitShown_ = false;
-  bool wasOnline_ = false;  // off-line only because the instruments did not match or were unplugged
-  bool chosen_ = false;     // the person chose the instrument at this start
-  bool anyModel_ = false;   // the model is that of the instrument found
+  bool endWaveforms_ = false;  // the program is to end: no further waveform is sent
+  bool wasOnline_ = false;     // off-line only because the instruments did not match or were unplugged
+  bool chosen_ = false;        // the person chose the instrument at this start
+  bool anyModel_ = false;      // the model is that of the instrument found
 };
 
 }  // namespace corlune

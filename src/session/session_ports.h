@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "comm/gp_front_end.h"
 #include "compile/compiler_library.h"
@@ -20,6 +21,11 @@ class FileDialogs {
   virtual ~FileDialogs() = default;
   // `filter`: text with the form "description | pattern". nullopt: cancelled.
   virtual std::optional<std::string> ChooseOpen(const std::string& filter) = 0;
+  // Of a filter with several forms, "description | pattern | description | pattern". Empty: cancelled.
+  virtual std::vector<std::string> ChooseOpenSeveral(const std::string& filter) {
+    const auto one = ChooseOpen(filter);
+    return one ? std::vector<std::string>{*one} : std::vector<std::string>{};
+  }
   // Asks itself before a file is overwritten. `suggested`: the present path, may be empty.
   virtual std::optional<std::string> ChooseSave(const std::string& filter, const std::string& suggested) = 0;
 };

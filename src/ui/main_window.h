@@ -161,6 +161,7 @@ class MainWindow : public QMainWindow {
 
   // main_window_tools.cpp
   void ToolCommand(Command command);
+  void EditWaveforms();
   void EditChannelSettings();
   void EditCommonParameters();
   void EditSetup();
@@ -203,6 +204,7 @@ class MainWindow : public QMainWindow {
   Prompts& prompts_;
   FileDialogs& files_;
   const WindowSettings& settings_;
+  WaveFacts waveFacts_;  // of the files that the dialog of the waveforms has shown
   std::string version_;
   QDate programDate_;
   std::shared_ptr<std::string> responses_;

@@ -60,12 +60,6 @@ void MainWindow::ChooseColors(WindowColors colors) {
 
 void MainWindow::ShowMenuStates() {
   for (CommandMenu* menu : menus_) menu->ShowStates(states_);
-  for (const Command command : {Command::ArbitraryWaveform}) {
-    QAction* tool = MenuOf(MenuPlace::Tool).Item(command);
-    tool->setEnabled(false);
-    tool->setToolTip(Caption(TextId::NotInThisVersion));
-    tool->setStatusTip(Caption(TextId::NotInThisVersion));
-  }
   MenuOf(MenuPlace::Edit).ShowUndoNames(editor_);
   for (const Command command : {Command::ViewClose, Command::ViewSwitch}) {
     MenuOf(MenuPlace::View).Item(command)->setEnabled(PreviewOpen());

@@ -1,4 +1,5 @@
 // MainWindow: its tool dialogs.
+#include "dialogs/frm_arb_file.h"
 #include "dialogs/frm_ch_prm.h"
 #include "dialogs/frm_cmn_prm.h"
 #include "dialogs/frm_dlg_setup.h"
@@ -13,6 +14,8 @@ namespace corlune {
 
 void MainWindow::ToolCommand(Command command) {
   switch (command) {
+    case Command::ArbitraryWaveform:
+      return EditWaveforms();
     case Command::ChannelSetting:
       return EditChannelSettings();
     case Command::CommonSettings:
@@ -69,6 +72,25 @@ void MainWindow::EditCommonParameters() {
     FrmCmnPrm dialog(session_.Catalogue(), prompts_, form, states_.CommonDialogOk, this);
     if (ExecInItsSize(dialog, settings_) != QDialog::Accepted) return;
     ApplyForm(TextId::EditCommonParameters, [&] { form.ApplyTo(session_.Sequence()); });
+  });
+}
+
+void MainWindow::EditWaveforms() {
+  Perform([&] {
+    grids_->HideEditors();
+    WaveformForm form(session_.Sequence(), session_.State(), session_.Definition(), waveFacts_,
+                      session_.Catalogue());
+    QStringList instruments;
+    for (int i = 0; i < session_.State().InstrumentCount; ++i) {
+      const InstrumentEntry& entry = session_.State().Instruments[static_cast<std::size_t>(i)];
+      instruments << QStringLiteral("%1 (%2)").arg(i + 1).arg(QString::fromStdString(InterfaceOf(entry)));
+    }
+    FrmArbFile dialog({session_, prompts_, files_, form, instruments, [this](Run item) { RunItem(item); }},
+                      this);
+    if (ExecInItsSize(dialog, settings_) != QDialog::Accepted) {
+      return form.KeepInstrument(session_.Sequence());
+    }
+    ApplyForm(TextId::EditWaveforms, [&] { form.ApplyTo(session_.Sequence()); });
   });
 }
 

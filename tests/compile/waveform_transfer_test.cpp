@@ -125,8 +125,9 @@ TEST(CheckArbResources, LooksIntoTheFilesThatWillBeSent) {
   entries[2].FilePath = "bad.txt";
   entries[3].FilePath = "a.txt";
   entries[3].PointCount = 4096;
-  entries[3].Transferred = 1;     // sent already, whatever the file holds now
-  entries[4].FilePath = "a.txt";  // not used
+  entries[3].Transferred = 1;
+  entries[3].Sent = StampOf(folder.File("a.txt"));  // as it is now, though its size is on record as another
+  entries[4].FilePath = "a.txt";                    // not used
   StepFlow flow;
   for (std::size_t i = 0; i < 4; ++i) flow.Channels[0].Arbs[i] = true;
   EXPECT_EQ(CheckArbResources(flow, 1, entries, folder.Path()), ArbCheck::Passed);
@@ -134,6 +135,10 @@ TEST(CheckArbResources, LooksIntoTheFilesThatWillBeSent) {
   for (std::size_t i = 0; i < 5; ++i) {
     EXPECT_EQ(std::make_pair(int{entries[i].ArrayForm}, int{entries[i].PointCount}), expected[i]) << i;
   }
+
+  entries[3].Sent.Time -= 1;  // changed since
+  EXPECT_EQ(CheckArbResources(flow, 1, entries, folder.Path()), ArbCheck::Passed);
+  EXPECT_EQ(entries[3].PointCount, 8192);
 
   flow.Channels[0].Arbs[5] = true;  // neither file nor waveform in the instrument
   EXPECT_EQ(CheckArbResources(flow, 1, entries, folder.Path()), ArbCheck::ArbMissing);

@@ -350,6 +350,10 @@ TEST_F(SequenceFileTest, AFailedSaveSaysWhyAndKeepsTheOldFile) {
   EXPECT_FALSE(WriteSeqFile(path, Form::User, state, definition, sequence, &error));
   EXPECT_FALSE(error.empty());
   EXPECT_EQ(TempFolder::Read(path), "old");
+  for (const auto& [name, holds] : std::initializer_list<std::pair<std::string, bool>>{
+           {"/波形 1,=;#[x].wdb", true}, {std::string(4000, 'a') + ".txt", true}, {"a\nb.txt", false}}) {
+    EXPECT_EQ(SequenceFileHolds(name), holds) << name;
+  }
 }
 
 TEST_F(SequenceFileTest, RelativeWaveformsStayFindable) {

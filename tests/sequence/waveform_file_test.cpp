@@ -45,7 +45,15 @@ std::vector<int> Points(const WaveformRead& read) {
 class WaveformFileTest : public ::testing::Test {
  protected:
   WaveformRead Read(const std::string& name, const std::string& bytes) {
-    return ReadArbFile(folder.Write(name, bytes));
+    const std::string path = folder.Write(name, bytes);
+    WaveformRead read = ReadArbFile(path);
+    WaveformRead header;
+    EXPECT_EQ(ReadArbHeader(path, header), name != "a.txt" && name != "a.TXT" && name != "long.txt");
+    if (name.ends_with("db")) {
+      EXPECT_EQ(std::tie(header.problem, header.arrayForm, header.pointCount),
+                std::tie(read.problem, read.arrayForm, read.pointCount));
+    }
+    return read;
   }
   TempFolder folder;
 };

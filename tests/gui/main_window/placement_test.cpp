@@ -94,7 +94,9 @@ TEST(FileFilters, AreGivenToTheDialogInItsOwnForm) {
   for (const Row& row :
        {Row{"Sequence data(*.dat) | *.dat", "Sequence data (*.dat)", "dat"},
         Row{"Sequence data(*.daf;*.dat) | *.daf;*.dat", "Sequence data (*.daf *.dat)", "daf"},
-        Row{"シーケンスデータ (*.dat) | *.dat", "シーケンスデータ (*.dat)", "dat"}, Row{"all", "all", ""}}) {
+        Row{"シーケンスデータ (*.dat) | *.dat", "シーケンスデータ (*.dat)", "dat"},
+        Row{"a(*.wdb;*.txt)|*.wdb;*.txt|b(*.txt)|*.txt", "a (*.wdb *.txt);;b (*.txt)", "wdb"},
+        Row{"all", "all", ""}}) {
     EXPECT_EQ(QtFilter(row.filter), row.dialog);
     EXPECT_EQ(FilterSuffix(row.filter), row.suffix);
   }

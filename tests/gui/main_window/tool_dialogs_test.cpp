@@ -5,7 +5,6 @@
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QTimer>
 
 #include "gui/main_window/dialog_rig.h"
 
