@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "dialogs/frm_notices.h"
@@ -96,9 +97,9 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
       body_(nullptr),
       noteIcon_(new QLabel(this)),
       note_(new QLabel(this)),
-      buttons_(new QWidget(this)),
-      ok_(new QPushButton(Caption(texts.ok), buttons_)),
-      cancel_(new QPushButton(Caption(texts.cancel), buttons_)) {
+      lastRow_(new QWidget(this)),
+      ok_(new QPushButton(Caption(texts.ok), lastRow_)),
+      cancel_(new QPushButton(Caption(texts.cancel), lastRow_)) {
   setObjectName(QString::fromUtf8(texts.name));
   setWindowTitle(Caption(texts.title));
   auto* whole = new QVBoxLayout(this);
@@ -116,7 +117,7 @@ FormDialog::FormDialog(const MessageCatalogue& catalogue, Prompts& prompts, cons
   whole->addLayout(note);
   ShowNote(NoticeLevel::Information, {});
 
-  auto* buttons = new QHBoxLayout(buttons_);
+  auto* buttons = new QHBoxLayout(lastRow_);
   buttons->setContentsMargins(0, 0, 0, 0);
   buttons->addStretch();
   ok_->setObjectName(QStringLiteral("cmdOk"));
@@ -261,8 +262,7 @@ bool FormDialog::Check(const EntryField& field, const Take& take, const std::str
     const std::string named =
         catalogue_.GetResString(TextId::CellWithText, {field.accessibleName().toStdString(), reason});
     // Behind the old text, which comes back now and ends every note.
-    QMetaObject::invokeMethod(
-        this, [this, named] { ShowNote(NoticeLevel::Warning, named); }, Qt::QueuedConnection);
+    QTimer::singleShot(0, this, [this, named] { ShowNote(NoticeLevel::Warning, named); });
   }
   return false;
 }
@@ -304,8 +304,8 @@ bool FormDialog::event(QEvent* event) {
 // In the order of Tab, though they were made first. The first control that can be used begins.
 void FormDialog::PutButtonsLast() {
   // A new child comes last.
-  buttons_->setParent(nullptr);
-  layout()->addWidget(buttons_);
+  lastRow_->setParent(nullptr);
+  layout()->addWidget(lastRow_);
   QWidget* first = nextInFocusChain();
   while (first != cancel_ && (first->focusPolicy() == Qt::NoFocus || !first->isEnabled())) {
     first = first->nextInFocusChain();

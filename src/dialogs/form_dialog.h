@@ -108,7 +108,7 @@ class FormDialog : public QDialog {
   QVBoxLayout* body_;
   QLabel* noteIcon_;
   QLabel* note_;
-  QWidget* buttons_;
+  QWidget* lastRow_;  // OK and Cancel
   QPushButton* ok_;
   QPushButton* cancel_;
   std::vector<Field> fields_;

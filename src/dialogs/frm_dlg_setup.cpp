@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QScreen>
+#include <QTimer>
 
 #include "dialogs/blocking_call.h"
 
@@ -80,7 +81,7 @@ void FrmDlgSetup::BuildHead() {
   count_ = MakeField(
       "Text1", FieldKind::Number,
       [this](const std::string& text) {
-        const EntryResult refusal = form_.EnterCount(text);
+        EntryResult refusal = form_.EnterCount(text);
         if (!refusal) ShowRows();
         return refusal;
       },
@@ -231,18 +232,15 @@ void FrmDlgSetup::ShowRow(int row) {
 
 void FrmDlgSetup::FitHeight() {
   if (!isVisible()) return;
-  QMetaObject::invokeMethod(
-      this,
-      [this] {
-        Body().activate();
-        for (QWidget* part = Body().parentWidget(); part != this; part = part->parentWidget()) {
-          part->updateGeometry();
-        }
-        layout()->activate();
-        const int room = screen()->availableSize().height() - frameGeometry().height() + height();
-        resize(std::max(width(), minimumSizeHint().width()), std::min(sizeHint().height(), room));
-      },
-      Qt::QueuedConnection);
+  QTimer::singleShot(0, this, [this] {
+    Body().activate();
+    for (QWidget* part = Body().parentWidget(); part != this; part = part->parentWidget()) {
+      part->updateGeometry();
+    }
+    layout()->activate();
+    const int room = screen()->availableSize().height() - frameGeometry().height() + height();
+    resize(std::max(width(), minimumSizeHint().width()), std::min(sizeHint().height(), room));
+  });
 }
 
 void FrmDlgSetup::ShowFound() {

@@ -7,6 +7,7 @@
 #include <QMimeData>
 #include <QStyle>
 #include <QTextDocument>
+#include <QTimer>
 #include <QUrl>
 
 namespace corlune {
@@ -128,9 +129,8 @@ bool WaveformTable::dropMimeData(const QMimeData* data, Qt::DropAction action, i
                                  const QModelIndex& parent) {
   if (!canDropMimeData(data, action, row, column, parent)) return false;
   // The program that the files come from waits until the drop is over; a message must not hold it up.
-  QMetaObject::invokeMethod(
-      this, [this, number = NumberOf(parent), paths = LocalFiles(data)] { drop_(number, paths); },
-      Qt::QueuedConnection);
+  QTimer::singleShot(0, this,
+                     [this, number = NumberOf(parent), paths = LocalFiles(data)] { drop_(number, paths); });
   return true;
 }
 
