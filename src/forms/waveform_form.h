@@ -69,8 +69,9 @@ class WaveformForm {
   ChannelMemory Memory(int channel);
   std::vector<WaveformAction> Actions() const;
 
-  // Assigns files in the order of their names: the first to `first`, the others to the following numbers without a file. Those that no
-  // number or no sequence file can take are left out; `problem`: why, a line for each.
+  // Assigns files in the order of their names: the first to `first`, the others to the following numbers
+  // without a file. Those that no number or no sequence file can take are left out; `problem`: why, a line
+  // for each.
   struct Assigned {
     std::vector<int> Numbers;
     std::string Problem;
