@@ -310,7 +310,7 @@ void FormDialog::PutButtonsLast() {
   while (first != cancel_ && (first->focusPolicy() == Qt::NoFocus || !first->isEnabled())) {
     first = first->nextInFocusChain();
   }
-  first->setFocus();
+  if (focusWidget() == nullptr) first->setFocus();
 }
 
 void FormDialog::ShareLetters() {
