@@ -126,7 +126,7 @@ void FrmDlgSetup::BuildRow(QGridLayout& grid, int row) {
       TextId::HeadChannelCount);
   controls.test = new QPushButton(Caption(TextId::ButtonTestConnection), this);
   controls.test->setObjectName(Name("CmdTest", row));
-  controls.test->setAutoDefault(false);
+  controls.test->setFocusPolicy(Qt::TabFocus);
   connect(controls.test, &QPushButton::clicked, this, [this, row] { Test(row); });
   controls.result = new QLabel(this);
   controls.result->setObjectName(Name("LabTest", row));
@@ -156,7 +156,7 @@ void FrmDlgSetup::BuildSearch() {
   auto* line = new QHBoxLayout;
   search_ = new QPushButton(Caption(TextId::ButtonSearchAgain), this);
   search_->setObjectName(QStringLiteral("CmdSearch"));
-  search_->setAutoDefault(false);
+  search_->setFocusPolicy(Qt::TabFocus);
   connect(search_, &QPushButton::clicked, this, &FrmDlgSetup::Search);
   line->addWidget(search_);
   line->addStretch();
@@ -178,7 +178,7 @@ void FrmDlgSetup::BuildResponses() {
       TextId::ResponseFile);
   responses_->ShowText(QString::fromStdString(chosenFile_));
   auto* browse = new QPushButton(Caption(TextId::ButtonBrowse), this);
-  browse->setAutoDefault(false);
+  browse->setFocusPolicy(Qt::TabFocus);
   connect(browse, &QPushButton::clicked, this, &FrmDlgSetup::Browse);
   AddRow(rows, TextId::ResponseFile, {responses_, browse});
 }
@@ -195,7 +195,8 @@ void FrmDlgSetup::ShowRows() {
   if (serials && addresses) head = Caption(TextId::HeadAddress) + QStringLiteral(" / ") + head;
   reachedBy_->setText(head);
   channelHead_->setVisible(form_.ChannelsShown());
-  count_->ShowText(QString::number(form_.Count()));
+  // What is being typed can be taken back.
+  if (!count_->hasFocus()) count_->ShowText(QString::number(form_.Count()));
   counts_->setCurrentIndex(form_.Count() - form_.CountRange().Minimum);
   search_->setVisible(serials);
   found_->setVisible(serials);

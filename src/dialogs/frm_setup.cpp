@@ -40,7 +40,7 @@ FrmSetup::FrmSetup(Session& session, Prompts& prompts, QWidget* parent)
   serials_ = MakeList("cmbSerial", {}, [this](int) { asks_.start(); });
   auto* search = new QPushButton(Caption(TextId::ButtonSearchAgain), this);
   search->setObjectName(QStringLiteral("CmdSearch"));
-  search->setAutoDefault(false);
+  search->setFocusPolicy(Qt::TabFocus);
   connect(search, &QPushButton::clicked, this, &FrmSetup::Search);
   AddRow(rows, TextId::SystemSerialNumber, {serials_, search});
   identification_ = AddLine("LabIdentification");
@@ -122,7 +122,7 @@ void FrmSetup::Identify() {
   setup.ModelName = choice.ModelName;
   setup.Instruments[0].SerialNo = choice.SerialNo;
   setup.Instruments[0].Interface = static_cast<std::int16_t>(interfaces_->currentIndex());
-  const auto test = session_.TestInstrument(setup, 0);
+  const auto test = session_.TestInstrument(setup, 0, true);
   identification_->setText(test ? QString::fromStdString(test->Text) : QString());
 }
 

@@ -33,7 +33,7 @@ EntryResult EnterWhole(std::string_view typed, const RangeSpec& range, std::int3
 
 EntryResult EnterWhole(std::string_view typed, const RangeSpec& range, std::int16_t& value) {
   std::int32_t whole = value;
-  const EntryResult refusal = EnterWhole(typed, range, whole);
+  EntryResult refusal = EnterWhole(typed, range, whole);
   if (!refusal) value = static_cast<std::int16_t>(whole);
   return refusal;
 }

@@ -126,8 +126,8 @@ class Session {
   // Asks instrument `index` (0-based) of `setup` who it is. What is open of its kind is closed meanwhile and
   // opened again; when that fails the program goes off-line (CommunicationError). Blocks up to the time-out
   // of 3 s for each call. nullopt: something is under way, or the person does not agree to go on without a
-  // stop.
-  std::optional<InstrumentTest> TestInstrument(const SystemSettings& setup, int index);
+  // stop; `agreed`: that was asked before.
+  std::optional<InstrumentTest> TestInstrument(const SystemSettings& setup, int index, bool agreed = false);
   // Searches USBTMC instruments of `model`, see Gp().Found(); blocks. Nothing when something is under way.
   void SearchInstruments(const std::string& model);
   // The serial number used last with `model`; empty: none.
@@ -209,6 +209,7 @@ class Session {
 
   // system_setup.cpp
   // ApplySetup behind its checks.
+  bool AgreeToFewerChannels(const SystemSettings& setup);
   bool TakeSetup(const SystemSettings& setup);
   // GoOnline as far as nobody has to choose. True: on-line.
   bool ConnectOwn(bool& several);

@@ -6,6 +6,7 @@
 #include "comm/usbtmc_backend.h"
 #include "core/ascii_case.h"
 #include "core/profile_file.h"
+#include "sequence/channel_tabs.h"
 #include "session/session.h"
 
 namespace corlune {
@@ -66,8 +67,23 @@ bool Session::ApplySetup(const SystemSettings& setup) {
   return TakeSetup(setup);
 }
 
+// Files hold the edited channels only: what fewer of them leave out is to be saved before.
+bool Session::AgreeToFewerChannels(const SystemSettings& setup) {
+  AppState next = state_;
+  ApplySettings(next, setup);
+  if (sequence_.StepCount == 0 || EditedChannels(next) >= EditedChannels(state_)) return true;
+  const bool before = std::exchange(state_.Modified, true);
+  if (AskToSave()) {
+    state_.Modified = true;
+    return true;
+  }
+  state_.Modified = before;
+  return false;
+}
+
 bool Session::TakeSetup(const SystemSettings& setup) {
   const bool newModel = setup.ModelName != state_.ModelName;
+  if (!newModel && !AgreeToFewerChannels(setup)) return false;
   if (newModel) {
     auto definition = std::make_unique<ModelDefinition>(definition_);
     AppState next = state_;
@@ -164,8 +180,8 @@ bool Session::GoOnline(const ChooseInstrument& choose) {
   return TakeChosen(*choice) && state_.Online == 1;
 }
 
-std::optional<InstrumentTest> Session::TestInstrument(const SystemSettings& setup, int index) {
-  if (!Idle() || !AgreeToGoOn()) return std::nullopt;
+std::optional<InstrumentTest> Session::TestInstrument(const SystemSettings& setup, int index, bool agreed) {
+  if (!Idle() || (!agreed && !AgreeToGoOn())) return std::nullopt;
   const WorkGuard guard(activity_, Work::Exchange);
   const int model = definition_.IndexOfModel(setup.ModelName);
   auto definition = std::make_unique<ModelDefinition>(definition_);
@@ -180,7 +196,12 @@ std::optional<InstrumentTest> Session::TestInstrument(const SystemSettings& setu
   if (!answer.Reopened) {
     GoOffline(true);
     wasOnline_ = true;
-    Warn(catalogue_.GetResString(TextId::CommunicationError, {"1"}) + "\n" + answer.LossProblem);
+    const auto* lost =
+        std::find_if(state_.Instruments.begin(), state_.Instruments.end(),
+                     [&](const InstrumentEntry& one) { return one.InterfaceKind == entry.InterfaceKind; });
+    const auto number = lost == state_.Instruments.end() ? 1 : lost - state_.Instruments.begin() + 1;
+    Warn(catalogue_.GetResString(TextId::CommunicationError, {std::to_string(number)}) + "\n" +
+         answer.LossProblem);
   }
   return TestOf(answer, setup.ModelName);
 }

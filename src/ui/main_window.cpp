@@ -1,6 +1,7 @@
 #include "ui/main_window.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -43,6 +44,7 @@ MainWindow::MainWindow(const MainWindowParts& parts, QWidget* parent)
       version_(parts.version),
       programDate_(parts.programDate),
       responses_(parts.responses) {
+  editedChannels_ = EditedChannels(session_.State());
   setObjectName(QStringLiteral("frmMain"));
   setAcceptDrops(true);
   setFont(UiFont(session_.State()));
@@ -173,7 +175,11 @@ void MainWindow::ShowNotice(NoticeLevel level, const std::string& text) {
 
 void MainWindow::SequenceReplaced(SequenceChange change) {
   const bool anotherSequence = change == SequenceChange::New || change == SequenceChange::Opened;
+  const int channels = EditedChannels(session_.State());
+  const bool otherChannels = std::exchange(editedChannels_, channels) != channels;
   grids_->HideEditors();
+  // An entry of a channel that nobody sees any more is not to be taken back.
+  if (otherChannels) editor_.Restart();
   if (anotherSequence) {
     // A docked view is a part of this window, and shows the new sequence.
     if (preview_ && !preview_->Docked()) ClosePreview();

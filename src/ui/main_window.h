@@ -230,6 +230,7 @@ class MainWindow : public QMainWindow {
   ControlStates states_;
   bool waiting_ = false;  // the hourglass is shown
   bool closed_ = false;
+  int editedChannels_ = 0;  // that the grids show
   ViewPlace viewPlace_ = ViewPlace::Floating;
   bool viewTiled_ = false;
   struct Tiled {

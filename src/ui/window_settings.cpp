@@ -103,6 +103,8 @@ int ExecInItsSize(QDialog& dialog, const WindowSettings& settings) {
     dialog.resize(size->boundedTo(room).expandedTo(dialog.minimumSizeHint()));
   }
   const int result = dialog.exec();
+  // A message that was open over the dialog may have had the keyboard.
+  if (dialog.parentWidget() != nullptr) dialog.parentWidget()->window()->activateWindow();
   // A dialog that was left in its first size takes the one that its texts need next time, too.
   if (dialog.size() != first) settings.WriteDialogSize(dialog.objectName(), dialog.size());
   return result;

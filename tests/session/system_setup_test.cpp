@@ -90,6 +90,14 @@ TEST(SystemSetup, AModelChangeAsksAndStartsAnEmptySequence) {
   EXPECT_EQ(state.Instruments[0].SerialNo, "2000001");
   EXPECT_EQ(state.Online, 1);
   EXPECT_EQ(rig.recorder.exchanges.front(), "1 < *IDN?");
+
+  // Fewer channels leave a channel's steps out of the files.
+  rig.session->Sequence().StepCount = 2;
+  setup.Instruments[0].ChannelCount = 1;
+  rig.Answer(PromptAnswer::Cancel);
+  EXPECT_FALSE(rig.session->ApplySetup(setup));
+  EXPECT_EQ(state.Instruments[0].ChannelCount, 2);
+  EXPECT_FALSE(state.Modified);
 }
 
 // What "Connect" does with what stands on the bus, from a set-up of one instrument.

@@ -38,7 +38,7 @@ TEST(SystemSetupDialog, SearchesTestsAndConnectsTwoInstruments) {
     EXPECT_EQ(open.Line("LabFound"), "QM2220 found: 1000001, 1000002");
     EXPECT_EQ(serial.currentText(), "1000002");
     open.Find<QPushButton>("CmdTest1").setFocus();
-    open.Key(Qt::Key_Space);
+    open.Key(Qt::Key_Return);
     EXPECT_EQ(open.Line("LabTest1"), "Answers: TAVRIN,QM2220,1000002,1.00");
     // Refused: the dialog stays, with the focus in the row at fault.
     TypeSerial(open, "cmbSerial1", "1000001");
