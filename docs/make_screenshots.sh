@@ -63,18 +63,14 @@ start_on() {
 for language in "${languages[@]}"; do
   start_on 1920 1080
   xdotool key ctrl+4
+  sleep 1
   shoot wide
   end_x
 
   start_on 1366 768
   shoot edit
 
-  xdotool key F1
-  wait_until 10 "no about box" window_named '^(Version|バージョン情報)$'
-  shoot about
-  xdotool key Escape
-
-  # The tool dialogs: amplitudes in volts (rms) at 50 ohm.
+  # The tool dialogs that show no path: amplitudes in volts (rms) at 50 ohm.
   tool_dialog p 'Common Sequence Parameters|シーケンス共通パラメタ設定'
   shoot common-settings
   xdotool key Escape
@@ -87,9 +83,6 @@ for language in "${languages[@]}"; do
   xdotool key Escape Escape
   tool_dialog m 'Set mode|モード設定'
   shoot mode-settings
-  xdotool key Escape
-  tool_dialog a 'Arbitrary waveform|任意波形'
-  shoot waveforms
   xdotool key Escape
 
   # Mode menu, execution mode; the name as proposed.
