@@ -95,12 +95,3 @@ BENCHMARK(waveform_preview_reference);
 
 }  // namespace
 }  // namespace corlune::bench
-
-int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QApplication application(argc, argv);
-  QApplication::setStyle(QStringLiteral("Fusion"));
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-}
