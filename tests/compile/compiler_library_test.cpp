@@ -46,6 +46,10 @@ TEST(LoadedCompiler, FindsItInTheProgramFolderAlsoLater) {
   EXPECT_EQ(before.record.Code, 0);
   EXPECT_THAT(library.Problem(), HasSubstr(kUsualName));
 
+  LoadedCompiler other(folder.Path(), "libm.so.6");
+  EXPECT_EQ(Compile(other, "x").call, CompilerCall::Missing);
+  EXPECT_THAT(other.Problem(), HasSubstr("no function"));
+
   std::filesystem::copy_file(STUB_COMPILER, folder.File(kUsualName));
   // The path goes over in the file system's encoding, also where the code page is another one.
   setenv("LC_ALL", "ja_JP.UTF-8", 1);

@@ -34,11 +34,11 @@ TEST(GetIniString, CutsAtTheBufferInBytesOfTheCodePage) {
   const testing::Environment locale({"LC_ALL"});
   locale.Set("ja_JP.UTF-8");
   const TempFolder folder;
-  const std::string path = folder.Write("a.ini", "[S]\r\nk=\x95\x5C\x95\x5C\r\n");
+  const std::string path = folder.Write("a.ini", "[S]\r\nk=\x9F\x5C\x9F\x5C\r\n");
   // Two bytes a character, three in UTF-8; never half of one.
-  EXPECT_EQ(GetIniString(path, "S", "k", 5), "表表");
-  EXPECT_EQ(GetIniString(path, "S", "k", 4), "表");
-  EXPECT_EQ(GetIniString(path, "S", "k", 3), "表");
+  EXPECT_EQ(GetIniString(path, "S", "k", 5), "歃歃");
+  EXPECT_EQ(GetIniString(path, "S", "k", 4), "歃");
+  EXPECT_EQ(GetIniString(path, "S", "k", 3), "歃");
 }
 
 TEST(WriteIniString, KeepsEveryOtherByteInTheFilesOwnEncoding) {

@@ -23,6 +23,7 @@ TEST(DecodeText, TakesValidUtf8ElseTheCodePage) {
       // Undefined bytes are shown.
       {"a\x81z\xE9", 1252, "a\xC2\x81zé"}, {"a\x83", 932, "a\xEF\xBF\xBD"},
       {"\x95\x5C\xFC\xFC z", 932, "表\xEF\xBF\xBD\xEF\xBF\xBD z"},
+      {std::string(9000, 'x') + "\xE9", 1252, std::string(9000, 'x') + "é"},  // a file, not a line
       // clang-format on
   };
   for (const auto& row : kRows) EXPECT_EQ(DecodeText(row.bytes, row.codePage), row.text) << row.text;

@@ -52,7 +52,7 @@ wait_until 20 "the window stays blank" colours_shown
 children+=($!)
 wait_until 20 "the other window does not appear" window_named '^Another program$'
 activate "$(window_named '^Another program$')"
-is "$(exit_code_of "$bin/corlune" --folder "$work/first" --visa none "$work/phase-shift.dat")" 0 "exit code of a second start"
+is "$(exit_code_of env -C "$work" "$bin/corlune" --folder first --visa none phase-shift.dat)" 0 "exit code of a second start"
 wait_until 20 "the second start does not open its file" window_named "$main_title.*phase-shift\.dat"
 wait_until 20 "the second start does not bring the window forward" is_active "$main"
 is "$(xdotool search --onlyvisible --name "$main_title" | wc -l)" 1 "main windows"

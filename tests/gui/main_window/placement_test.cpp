@@ -133,8 +133,13 @@ TEST(Prompts, AKeyByMistakeDoesNoHarm) {
     QTimer::singleShot(0, [&] { QTest::keyClick(QApplication::activeModalWidget(), row.key); });
     EXPECT_EQ(prompts.Message({{}, {}, row.buttons, {}, row.escape}), row.answer);
   }
+  QTimer::singleShot(0, [] { QTest::keyClick(QApplication::activeModalWidget(), Qt::Key_Escape); });
+  EXPECT_EQ(prompts.Input({}), std::nullopt);
   // The program ends: what is open is given up, and nothing is asked any more.
-  QTimer::singleShot(0, [&] { prompts.StopAsking(); });
+  QTimer::singleShot(0, [&] {
+    EXPECT_EQ(owner.Get(), QApplication::activeModalWidget()) << "never behind a dialog";
+    prompts.StopAsking();
+  });
   EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::OkCancel, {}}), PromptAnswer::Cancel);
   EXPECT_EQ(prompts.Input({}), std::nullopt);
   EXPECT_EQ(prompts.Message({{}, {}, PromptButtons::YesNo, {}, PromptAnswer::Yes}), PromptAnswer::Yes);

@@ -39,6 +39,12 @@ TEST(WindowRun, ControlsFollowModeAndRunState) {
   EXPECT_EQ(Possible(rig), "01---5 --C");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Mode), "Execution mode");
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Total), "Total time:00:00:02.0");
+  for (const bool held : {true, false}) {
+    rig.session->State().HeldSequence = held;
+    rig.window->RefreshControls();
+    const bool timed = rig.window->Status().PanelText(StatBar::Total).endsWith(QLatin1String("02.0"));
+    EXPECT_NE(timed, held) << "nobody knows how long the instrument's own takes";
+  }
 
   rig.StartRun();
   EXPECT_EQ(Possible(rig), "--2345 ---");
@@ -190,6 +196,10 @@ TEST(WindowRun, AFailedQueryReturnsTheWindowToEditMode) {
   rig.Key(Qt::Key_F8);
   EXPECT_EQ(rig.CountSent("1 < :OUTP1 OFF;:OUTP2 OFF"), 1);
   EXPECT_TRUE(warning->isVisible()) << "switched off, but not stopped";
+  rig.session->State().Lost[1] = true;
+  rig.window->RefreshControls();
+  EXPECT_THAT(warning->text().toStdString(), HasSubstr("Device2"));
+  rig.session->State().Lost[1] = false;
   EXPECT_EQ(rig.window->Status().PanelText(StatBar::Output), "Output: OFF");
   rig.Key(Qt::Key_F5, Qt::ShiftModifier);
   EXPECT_EQ(rig.CountSent("1 < :TRIG1:SEL:EXEC STOP"), 1);

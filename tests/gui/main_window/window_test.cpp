@@ -339,6 +339,7 @@ TEST(WindowProgress, CannotBeClosedBeforeItsEnd) {
   EXPECT_FALSE(progress.Cancelled());
   QTest::mouseClick(shown->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
   EXPECT_TRUE(progress.Cancelled() && shown->isVisible());
+  EXPECT_FALSE(shown->findChild<QPushButton*>("cmdCancel")->isEnabled()) << "its press was taken";
   progress.End();
   EXPECT_FALSE(shown->isVisible() || progress.Cancelled());
   progress.Advance();

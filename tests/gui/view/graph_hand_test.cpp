@@ -66,6 +66,10 @@ TEST(GraphHandTest, DragsValuesAndStepEnds) {
   QTest::mouseRelease(plot, Qt::LeftButton, {}, level + QPoint(0, -up));
   EXPECT_EQ(rig.TakePressed(), (Pressed{"step 1", "2/6 = 4"}));
   EXPECT_EQ(canvas.Label(), "");
+  drag(level, {0, -up});
+  QTest::mouseMove(plot, level);
+  QTest::mouseRelease(plot, Qt::LeftButton, {}, level);
+  EXPECT_EQ(rig.TakePressed(), Pressed{"step 1"}) << "dragged back";
 
   const QPoint end = Place(canvas, 2000, 7);
   const int second = static_cast<int>(scale.XOf(1000) - scale.XOf(0));
